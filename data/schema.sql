@@ -1,0 +1,1 @@
+create table TTS_table (LOG text collate nocase);

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <map>
+
+#include "core/Clock.h"
+
+namespace fieldsim {
+
+// A clock on which a day of waits takes milliseconds: a wait moves the time on, stopping at every timer on its way.
+class VirtualClock final : public core::Clock {
+  public:
+    // `counter` is the first reading of the millisecond counter, so that its wrap can be put anywhere.
+    explicit VirtualClock(const core::DateTime& start, std::uint32_t counter = 0)
+        : startSeconds_(core::ToSeconds(start)), counter_(counter) {}
+
+    core::DateTime Now() const override;
+    std::uint32_t Milliseconds() const override { return counter_ + static_cast<std::uint32_t>(elapsed_); }
+    void Wake() override { awake_ = true; }
+
+    // Milliseconds since the start, without wrap.
+    std::uint64_t Elapsed() const { return elapsed_; }
+
+    // Calls `due` every `intervalMs`, for the first time one interval from now, also inside waits.
+    void Every(std::uint32_t intervalMs, std::function<void()> due);
+    // Calls `due` once, `afterMs` from now.
+    void After(std::uint32_t afterMs, std::function<void()> due);
+
+    // Runs until that many milliseconds have passed.
+    void Run(std::uint64_t milliseconds);
+
+  protected:
+    void Turn(std::uint32_t atMostMs) override;
+
+  private:
+    struct Timer {
+        std::uint32_t intervalMs;  // 0: once
+        std::function<void()> due;
+    };
+
+    std::int64_t startSeconds_;
+    std::uint32_t counter_;
+    std::uint64_t elapsed_ = 0;
+    bool awake_ = false;
+    std::multimap<std::uint64_t, Timer> timers_;
+};
+
+}  // namespace fieldsim

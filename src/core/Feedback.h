@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+// How a routine of the engine reaches the operator, whatever screen is in front.
+namespace core {
+
+class Feedback {
+  public:
+    virtual ~Feedback() = default;
+
+    // The first panel of the status bar.
+    virtual void Status(const std::string& text) = 0;
+
+    // A message box. Unattended work never waits for its answer: there it is shown without blocking and the text
+    // goes to the error log as well.
+    virtual void Box(const std::string& text) = 0;
+
+    // The lamps of the screen in front: "TX" or "RX".
+    virtual void Lamp(const std::string& lamp) { static_cast<void>(lamp); }
+};
+
+}  // namespace core

@@ -1,0 +1,27 @@
+#include "protocols/Conversation.h"
+
+namespace protocols {
+
+std::string Exchange(Conversation& talk, const std::string& frame) { return Exchange(talk, frame, talk.CommTimeout()); }
+
+std::string Exchange(Conversation& talk, const std::string& frame, double answerMs) {
+    if (talk.Ended()) {
+        return {};
+    }
+    talk.line->Input();
+    talk.line->Output(frame);
+    talk.feedback.Lamp("TX");
+    if (!talk.Wait(answerMs)) {
+        return {};
+    }
+    std::string reply;
+    while (talk.line->InBufferCount() > 0) {
+        reply += talk.line->Input();
+    }
+    if (!reply.empty()) {
+        talk.feedback.Lamp("RX");
+    }
+    return reply;
+}
+
+}  // namespace protocols

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "core/Clock.h"
+#include "core/Feedback.h"
+#include "core/Logs.h"
+#include "core/Station.h"
+#include "protocols/LineLease.h"
+
+namespace protocols {
+
+// The sequence numbers of the BSAP side. They live for the run of the program: no sign-on and no new station resets
+// them, so a late answer to an earlier station never has the number of the present request.
+struct BsapCounters {
+    int bsapseq = 0;       // link sequence, 1 to 255
+    int appseqlow = 0;     // application sequence, low byte
+    int appseqhigh = 0;    // and high byte
+};
+
+// What the Modbus side keeps between building a request and reading its values.
+struct ModbusState {
+    // The numbers of the last reply, the first at index 1, which doubles as the error slot.
+    std::array<double, 126> mbvalues{};
+    bool rtu32bit = false;   // one register holds a whole float
+    bool floatread = false;  // a function 3 reply is decoded as floats
+};
+
+// What the BSAP side learned of the station it talks to.
+struct BsapState {
+    int loadversion1 = 0;
+    int loadversion2 = 0;
+    int listnext1 = 0;
+    int listnext2 = 0;
+    bool listnames = false;
+    bool listunits = true;
+    bool usepoll = false;
+    int rtustatus = -1000;
+    std::string lastpollreply;
+};
+
+// What a routine that talks to a station is given. Whoever starts a conversation makes it, and it ends with it, so
+// nothing that one conversation sets reaches another.
+struct Conversation {
+    std::shared_ptr<LineLease> line;
+    core::Clock& clock;
+    core::Feedback& feedback;
+    core::Logs& logs;
+    BsapCounters& counters;
+    core::Station station;
+    std::string currentuser;  // for the audit lines
+    int streamno = 1;
+    ModbusState modbus{};
+    BsapState bsap{};
+
+    int CommTimeout() const { return station.commtimeout; }
+
+    // Waits, turning the event loop. False: the conversation was told to end, at once or meanwhile.
+    bool Wait(double milliseconds) {
+        return clock.WaitMs(milliseconds, [this] { return line->Ended(); });
+    }
+    bool Ended() const { return line->Ended(); }
+};
+
+// One exchange with a station: clears what is waiting, sends the frame, waits and takes what came. The only place that
+// sends a request and reads its answer. `answerMs` is the pacing that the device expects, one commtimeout if not given.
+// Empty: no answer, the port is closed, or the conversation was told to end.
+std::string Exchange(Conversation& talk, const std::string& frame);
+std::string Exchange(Conversation& talk, const std::string& frame, double answerMs);
+
+}  // namespace protocols

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+// The one serial line to the field, in the operations of its control (`maincomm`).
+namespace protocols {
+
+class Line {
+  public:
+    virtual ~Line() = default;
+
+    virtual bool PortOpen() const = 0;
+    // Opens or closes the port; an open one is first closed. False: the port cannot be opened (no such device, in use,
+    // bad settings) and stays closed; LastError then says why.
+    virtual bool PortOpen(bool open) = 0;
+    virtual std::string LastError() const { return {}; }
+
+    // Port number from 1 and the settings "baud,parity,databits,stopbits", such as "9600,N,8,1". Set while closed.
+    virtual void CommPort(int number) = 0;
+    virtual void Settings(const std::string& settings) = 0;
+
+    // Bytes waiting to be read, and to be sent. All operations below do nothing on a closed port.
+    virtual std::size_t InBufferCount() = 0;
+    virtual std::size_t OutBufferCount() = 0;
+    virtual void ClearInBuffer() = 0;
+    virtual void ClearOutBuffer() = 0;
+
+    // Sends the bytes at once, one a character.
+    virtual void Output(const std::string& bytes) = 0;
+    // Takes everything that is waiting.
+    virtual std::string Input() = 0;
+};
+
+}  // namespace protocols

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "core/Clock.h"
+#include "protocols/Line.h"
+
+namespace protocols {
+
+// A conversation's hold on the line. Once it is taken away it is dead for good: every operation fails as on a closed
+// port, so the bytes of two conversations never mix and nothing reaches a station that it was not meant for.
+class LineLease final : public Line {
+  public:
+    explicit LineLease(Line& line) : line_(&line) {}
+
+    // The conversation is to end: its line was taken away, or the program ends. Waits look at this.
+    bool Ended() const { return ended_; }
+    // Why, as the operator reads it; empty while the conversation may go on.
+    const std::string& Reason() const { return reason_; }
+
+    // The line is still this conversation's. A conversation that was told to end with the program keeps it, so that
+    // it can hang up.
+    bool Held() const { return line_ != nullptr; }
+
+    bool PortOpen() const override { return Held() && line_->PortOpen(); }
+    bool PortOpen(bool open) override { return Held() && line_->PortOpen(open); }
+    std::string LastError() const override { return Held() ? line_->LastError() : reason_; }
+    void CommPort(int number) override;
+    void Settings(const std::string& settings) override;
+    std::size_t InBufferCount() override { return Held() ? line_->InBufferCount() : 0; }
+    std::size_t OutBufferCount() override { return Held() ? line_->OutBufferCount() : 0; }
+    void ClearInBuffer() override;
+    void ClearOutBuffer() override;
+    void Output(const std::string& bytes) override;
+    std::string Input() override { return Held() ? line_->Input() : std::string(); }
+
+  private:
+    friend class FieldLine;
+    void End(const std::string& reason, bool takeLine);
+
+    Line* line_;
+    bool ended_ = false;
+    std::string reason_;
+};
+
+// The one line of the station and who holds it.
+class FieldLine {
+  public:
+    FieldLine(Line& line, core::Clock& clock) : line_(line), clock_(clock) {}
+
+    // The line for a scheduled run, taken at once from whoever holds it; that conversation ends with `reason`.
+    std::shared_ptr<LineLease> TakeOver(const std::string& reason);
+
+    // The line for a session; null while another conversation holds it.
+    std::shared_ptr<LineLease> TakeIfFree();
+
+    // A conversation holds the line: its lease lives and has not been taken away.
+    bool InUse() const;
+
+    // Tells the conversation in hand to end, because the program does. It keeps the line for its hang-up.
+    void EndConversation(const std::string& reason);
+
+  private:
+    std::shared_ptr<LineLease> Lease();
+
+    Line& line_;
+    core::Clock& clock_;
+    std::weak_ptr<LineLease> holder_;
+};
+
+}  // namespace protocols
