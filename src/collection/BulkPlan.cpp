@@ -1,0 +1,106 @@
+#include "collection/BulkPlan.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+#include "core/Text.h"
+
+namespace collection {
+
+namespace {
+
+constexpr int coilsPerBlock = 62;
+constexpr int floatsPerBlock = 62;
+constexpr int registersPerConfiguredBlock = 30;
+
+std::optional<BlockType> TypeOf(const std::string& type) {
+    if (core::SameText(type, "Coil(Boolean)")) {
+        return BlockType::Coil;
+    }
+    if (core::SameText(type, "Integer")) {
+        return BlockType::Integer;
+    }
+    if (core::SameText(type, "Float")) {
+        return BlockType::Float;
+    }
+    return std::nullopt;
+}
+
+// The addresses of one type in the order of their registers; those that are not set yet ("0", empty) are no addresses.
+std::vector<int> Addresses(core::Database& dbconn, const core::Station& station, int streamno,
+                           const std::string& type) {
+    std::vector<int> addresses;
+    for (const core::Row& row : dbconn.Query("select startaddress from configdata_detail where locationId=? and "
+                                             "StreamNo=? and type=? order by cast(startaddress as integer)",
+                                             {station.locationID, streamno, type})) {
+        const auto address = row[0].Long();
+        if (address >= 1 && address <= 65536) {
+            addresses.push_back(static_cast<int>(address));
+        }
+    }
+    return addresses;
+}
+
+std::vector<Block> Contiguous(const std::vector<int>& addresses, BlockType type, int registersPerValue) {
+    std::vector<Block> blocks;
+    for (const int address : addresses) {
+        const bool continues = !blocks.empty() && address == blocks.back().start + blocks.back().count &&
+                               blocks.back().count < registersPerConfiguredBlock;
+        if (continues) {
+            blocks.back().count += registersPerValue;
+        } else {
+            blocks.push_back({address, registersPerValue, type});
+        }
+    }
+    return blocks;
+}
+
+}  // namespace
+
+int RegistersPerValue(BlockType type, bool rtu32bit) { return type == BlockType::Float && !rtu32bit ? 2 : 1; }
+
+std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs, const core::Station& station,
+                                        int streamno) {
+    std::vector<Block> blocks;
+    const std::string location = "[" + std::to_string(station.locationID) + "]";
+    for (const core::Row& row :
+         dbconn.Query("select distinct(type) from configdata_detail where StreamNo=? and locationid=?",
+                      {streamno, station.locationID})) {
+        const auto type = TypeOf(row[0].Text());
+        if (!type) {
+            logs.WriteRtuErr("DATA TYPE MISMATCH");
+            continue;
+        }
+        auto addresses = Addresses(dbconn, station, streamno, row[0].Text());
+        if (addresses.size() > maxRowsOfType) {
+            logs.WriteRtuErr("More than " + std::to_string(maxRowsOfType) + " addresses of type " + row[0].Text() +
+                             ", the rest is not read " + location);
+            addresses.resize(maxRowsOfType);
+        }
+        const auto ofType = Contiguous(addresses, *type, RegistersPerValue(*type, station.rtuBitsMode));
+        blocks.insert(blocks.end(), ofType.begin(), ofType.end());
+    }
+    if (blocks.size() > maxBlocks) {
+        logs.WriteRtuErr("More than " + std::to_string(maxBlocks) + " blocks of addresses, the rest is not read " +
+                         location);
+        blocks.resize(maxBlocks);
+    }
+    return blocks;
+}
+
+std::vector<Block> Collect_StartAddress1(const core::ModelCounts& counts, bool rtu32bit) {
+    std::vector<Block> blocks;
+    const auto divide = [&](int values, int valuesPerBlock, BlockType type) {
+        const int size = RegistersPerValue(type, rtu32bit);
+        for (int done = 0; done < values && blocks.size() < maxBlocks; done += valuesPerBlock) {
+            blocks.push_back({done * size + 1, std::min(valuesPerBlock, values - done) * size, type});
+        }
+    };
+    divide(counts.boolcount, coilsPerBlock, BlockType::Coil);
+    divide(counts.floatcount, floatsPerBlock, BlockType::Float);
+    return blocks;
+}
+
+}  // namespace collection

@@ -1,0 +1,78 @@
+#include "core/Station.h"
+
+#include <gtest/gtest.h>
+
+#include "support/ScratchDesk.h"
+
+using namespace core;
+
+namespace {
+
+struct StationTest : testing::Test {
+    support::ScratchDesk desk;
+
+    Station Read(const std::string& columns, const std::string& values) {
+        desk.dbconn.Execute("delete from configdata_master");
+        desk.dbconn.Execute("insert into configdata_master(locationID," + columns + ") values(1," + values + ")");
+        return ReadStation(desk.dbconn, 1).value();
+    }
+};
+
+TEST_F(StationTest, NullsTakeTheValuesOfAPlainModbusStation) {
+    const Station station = Read("consumer", "'Mill'");
+    EXPECT_EQ(station.protocol, "Modbus");
+    EXPECT_EQ(station.slaveaddress, 1);
+    EXPECT_EQ(station.commtimeout, 2000);
+    EXPECT_EQ(station.comport, 1);
+    EXPECT_EQ(station.settings, "9600,N,8,1");
+    EXPECT_EQ(station.phoneno, "");
+    EXPECT_EQ(station.mode, "");
+    EXPECT_EQ(station.dialprefix, "atx3dt");
+    EXPECT_EQ(station.No_Stream, 1);
+    EXPECT_FALSE(ReadStation(desk.dbconn, 2));
+}
+
+TEST_F(StationTest, ThePortNumberIsTheLastCharacterOfItsName) {
+    EXPECT_EQ(Read("comport", "'COM7'").comport, 7);
+    EXPECT_EQ(Read("comport", "'COM12'").comport, 2);
+    EXPECT_EQ(Read("comport", "'3'").comport, 3);
+}
+
+TEST_F(StationTest, CwModelsSpeakBsapWhateverTheColumnSays) {
+    EXPECT_EQ(Read("modelno,protocol,mode", "'CWEFM-AGA3','Modbus','RTU'").protocol, "BSAP");
+    // The one CW model that a run does not treat as one.
+    const Station micro = Read("modelno,protocol,mode", "'CW_Micro','Modbus','ASCII'");
+    EXPECT_FALSE(micro.isCW);
+    EXPECT_EQ(micro.protocol, "Modbus");
+    EXPECT_EQ(micro.mode, "ASCII");
+    EXPECT_TRUE(Read("modelno", "'TeleCorrector+'").isTeleCorrector);
+}
+
+TEST_F(StationTest, AnIpStationHasNoLineAndNoPhone) {
+    const Station station = Read("ip,comport,baudrate,phoneno", "'10.0.0.7','COM4','19200,N,8,1','5550100'");
+    EXPECT_EQ(station.settings, "9600,n,8,1");
+    EXPECT_EQ(station.phoneno, "");
+}
+
+TEST_F(StationTest, StreamsCountOnMultistreamModelsOnly) {
+    EXPECT_EQ(Read("modelno,No_Stream", "'TeleFlow',3").No_Stream, 1);
+    const Station two = Read("modelno,No_Stream,stream1,stream2", "'CWGFC-MultiStream',2,'AGA3','aga7'");
+    EXPECT_EQ(two.No_Stream, 2);
+    EXPECT_EQ(two.ModelText(1), "AGA3");
+    EXPECT_EQ(two.ModelText(2), "AGA7");
+    EXPECT_EQ(two.ModelText(3), "");
+    EXPECT_EQ(Read("modelno,No_Stream", "'CWGFC-MultiStream',99").No_Stream, 4);
+}
+
+TEST_F(StationTest, TheCountsAreThoseOfTheModelInHand) {
+    desk.dbconn.Execute("delete from modbus_para");
+    desk.dbconn.Execute("insert into modbus_para values(10,1,2,3,4,5,6,7,'TeleFlow'),(20,2,0,0,0,0,0,0,'TeleCorrector'),"
+                        "(30,3,0,0,0,0,0,0,'AGA7')");
+    EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1)->floatcount, 10);
+    EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1)->archive[5], 7);
+    EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleCorrector'"), 1)->boolcount, 2);
+    EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno,stream1", "'CWEFM-AGA7','AGA7'"), 1)->floatcount, 30);
+    EXPECT_FALSE(ReadModelCounts(desk.dbconn, Read("modelno,stream1", "'CWEFM-AGA9','AGA9'"), 1));
+}
+
+}  // namespace

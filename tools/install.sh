@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing; does nothing, and needs no root, when none is.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build ccache pkg-config sqlite3
+  qt6-base-dev qt6-serialport-dev fonts-dejavu-core
+  libsqlitecpp-dev libsqlite3-dev libcurl4-openssl-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libmodbus-dev
+  python3 python3-aiosmtpd
+)
+
+installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
+
+missing=()
+for package in "${packages[@]}"; do
+  installed "$package" || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+if [ "$(id -u)" -eq 0 ]; then root=(); else root=(sudo); fi
+"${root[@]}" apt-get update -qq
+DEBIAN_FRONTEND=noninteractive "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
