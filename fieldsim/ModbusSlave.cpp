@@ -1,0 +1,241 @@
+#include "fieldsim/ModbusSlave.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cctype>
+#include <cstdlib>
+
+#include "fieldsim/Checks.h"
+
+namespace fieldsim {
+
+namespace {
+
+constexpr int kIllegalFunction = 1;
+constexpr int kIllegalAddress = 2;
+constexpr int kIllegalValue = 3;
+
+// A frame that stops for this long is given up. A slave on a wire waits for 3.5 characters; the pieces in which
+// a pseudo-terminal brings a frame lie further apart.
+constexpr std::uint64_t kFrameGapMs = 200;
+
+constexpr std::size_t kLongestFrame = 256;
+
+std::string Exception(int function, int code) {
+    return {static_cast<char>(function | 0x80), static_cast<char>(code)};
+}
+
+// The length of an RTU request that begins like this; 0 when it cannot be told yet.
+std::size_t RtuLength(std::string_view start) {
+    if (start.size() < 2) {
+        return 0;
+    }
+    const int function = ByteAt(start, 1);
+    if (function >= 1 && function <= 6) {
+        return 8;
+    }
+    if (function == 15 || function == 16) {
+        return start.size() > 6 ? 9U + ByteAt(start, 6) : 0;
+    }
+    return start.size();  // not a function of ours: whatever has come is tried as a whole
+}
+
+bool GoodCrc(std::string_view frame) {
+    const std::string_view message = frame.substr(0, frame.size() - 2);
+    return frame.substr(frame.size() - 2) == LowHigh(ModbusCrc16(message));
+}
+
+// Two hexadecimal digits as a byte; nothing when they are none.
+std::optional<char> HexByte(std::string_view digits) {
+    if (digits.size() < 2 || std::isxdigit(static_cast<unsigned char>(digits[0])) == 0 ||
+        std::isxdigit(static_cast<unsigned char>(digits[1])) == 0) {
+        return std::nullopt;
+    }
+    return static_cast<char>(std::strtol(std::string(digits.substr(0, 2)).c_str(), nullptr, 16));
+}
+
+// The message of a line between ":" and CR: address, function, and two words of register and datum. The masters of
+// this field write the LRC without padding, one to three digits, so it is whatever stands behind the fixed fields.
+std::optional<std::string> AsciiMessage(std::string_view line) {
+    constexpr std::size_t digits = 12;
+    std::string message;
+    for (std::size_t i = 0; i < digits; i += 2) {
+        const auto byte = line.size() > digits ? HexByte(line.substr(i, 2)) : std::nullopt;
+        if (!byte) {
+            return std::nullopt;
+        }
+        message += *byte;
+    }
+    const std::string check(line.substr(digits));
+    char* end = nullptr;
+    const long lrc = std::strtol(check.c_str(), &end, 16);
+    const bool good = check.size() <= 3 && *end == '\0' && (lrc & 0xFF) == ModbusLrc8(message);
+    return good ? std::optional(message) : std::nullopt;
+}
+
+std::string FloatBytes(double value) {
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
+    return {static_cast<char>(bits >> 24U), static_cast<char>(bits >> 16U), static_cast<char>(bits >> 8U),
+            static_cast<char>(bits)};
+}
+
+std::string WordBytes(double value) {
+    const auto bits = static_cast<unsigned>(static_cast<int>(value));
+    return {static_cast<char>(bits >> 8U), static_cast<char>(bits)};
+}
+
+}  // namespace
+
+ModbusMap MakeModbusMap(std::vector<Signal> registers, std::vector<Signal> coils, bool floatInOneRegister,
+                        const Behaviour& behaviour) {
+    ModbusMap map;
+    map.floatInOneRegister = floatInOneRegister;
+    for (const Signal& signal : registers) {
+        const int further = signal.kind == Kind::Float && !floatInOneRegister ? 1 : 0;
+        map.lastRegister = std::max(map.lastRegister, signal.position + further);
+    }
+    for (const Signal& coil : coils) {
+        map.lastCoil = std::max(map.lastCoil, coil.position);
+    }
+    map.registers = std::make_shared<SignalList>(std::move(registers), behaviour);
+    map.coils = std::make_shared<SignalList>(std::move(coils), behaviour);
+    return map;
+}
+
+std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& now) {
+    if (now.milliseconds > lastByteAt_ + kFrameGapMs) {
+        buffer_.clear();
+    }
+    lastByteAt_ = now.milliseconds;
+    buffer_ += bytes;
+    std::vector<Answer> answers;
+    while (const auto message = framing_ == Framing::Rtu ? NextRtu() : NextAscii()) {
+        if (ByteAt(*message, 0) != address_ || address_ == 0) {
+            continue;
+        }
+        ++requests_;
+        const std::string answer = message->substr(0, 1) + Execute(std::string_view(*message).substr(1), now);
+        answers.push_back({ModbusFrame(framing_, answer), answerMs_});
+    }
+    return answers;
+}
+
+std::optional<std::string> ModbusSlave::NextRtu() {
+    for (std::size_t start = 0; start < buffer_.size(); ++start) {
+        const std::string_view rest = std::string_view(buffer_).substr(start);
+        const std::size_t length = RtuLength(rest);
+        if (length >= 4 && length <= rest.size() && GoodCrc(rest.substr(0, length))) {
+            std::string message(rest.substr(0, length - 2));
+            buffer_.erase(0, start + length);
+            return message;
+        }
+    }
+    if (buffer_.size() > 2 * kLongestFrame) {
+        buffer_.erase(0, buffer_.size() - kLongestFrame);
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> ModbusSlave::NextAscii() {
+    for (std::size_t end = buffer_.find('\r'); end != std::string::npos; end = buffer_.find('\r')) {
+        const std::string line = buffer_.substr(0, end);
+        buffer_.erase(0, end + 1);
+        const std::size_t colon = line.rfind(':');
+        const auto message =
+            colon != std::string::npos ? AsciiMessage(std::string_view(line).substr(colon + 1)) : std::nullopt;
+        if (message) {
+            return message;
+        }
+    }
+    if (buffer_.size() > 4 * kLongestFrame) {
+        buffer_.clear();
+    }
+    return std::nullopt;
+}
+
+std::string ModbusSlave::Execute(std::string_view request, const Moment& now) {
+    const int function = ByteAt(request, 0);
+    if (function < 1 || function > 4 || request.size() != 5) {
+        return Exception(function, kIllegalFunction);
+    }
+    const bool coils = function <= 2;
+    const int first = WordAt(request, 1) + 1;
+    const int count = WordAt(request, 3);
+    // The data of an answer have to fit 250 bytes.
+    const int most = coils ? 2000 : map_.floatInOneRegister ? 62 : 125;
+    if (count < 1 || count > most) {
+        return Exception(function, kIllegalValue);
+    }
+    if (first + count - 1 > (coils ? map_.lastCoil : map_.lastRegister)) {
+        return Exception(function, kIllegalAddress);
+    }
+    const std::string data = coils ? ReadCoils(first, count, now) : ReadRegisters(first, count, now);
+    return std::string{static_cast<char>(function), static_cast<char>(data.size())} + data;
+}
+
+std::string ModbusSlave::ReadCoils(int first, int count, const Moment& now) {
+    std::string data(static_cast<std::size_t>((count + 7) / 8), '\0');
+    for (int i = 0; i < count; ++i) {
+        const Signal* coil = map_.coils->At(first + i);
+        if (coil != nullptr && map_.coils->Serve(*coil, now) != 0) {
+            char& byte = data[static_cast<std::size_t>(i / 8)];
+            byte = static_cast<char>(byte | (1 << (i % 8)));
+        }
+    }
+    return data;
+}
+
+std::string ModbusSlave::ReadRegisters(int first, int count, const Moment& now) {
+    std::string data;
+    for (int i = 0; i < count; ++i) {
+        data += RegisterBytes(first + i, now);
+    }
+    return data;
+}
+
+std::string ModbusSlave::RegisterBytes(int number, const Moment& now) {
+    if (const Signal* signal = map_.registers->At(number)) {
+        const double value = map_.registers->Serve(*signal, now);
+        if (signal->kind != Kind::Float) {
+            return WordBytes(value);
+        }
+        return map_.floatInOneRegister ? FloatBytes(value) : FloatBytes(value).substr(0, 2);
+    }
+    if (map_.floatInOneRegister) {
+        return FloatBytes(0);
+    }
+    const Signal* before = map_.registers->At(number - 1);
+    if (before != nullptr && before->kind == Kind::Float) {
+        return FloatBytes(map_.registers->ValueAt(*before, now.local)).substr(2);
+    }
+    return WordBytes(0);
+}
+
+std::string ModbusFrame(Framing framing, std::string_view message) {
+    if (framing == Framing::Rtu) {
+        return std::string(message) + LowHigh(ModbusCrc16(message));
+    }
+    static constexpr char digits[] = "0123456789ABCDEF";
+    std::string frame = ":";
+    for (const char c : std::string(message) + static_cast<char>(ModbusLrc8(message))) {
+        frame += digits[static_cast<std::uint8_t>(c) / 16];
+        frame += digits[static_cast<std::uint8_t>(c) % 16];
+    }
+    return frame + "\r\n";
+}
+
+std::string ModbusException(std::string_view requestFrame, int code) {
+    if (requestFrame.size() > 1 && requestFrame[0] != ':') {
+        return ModbusFrame(Framing::Rtu,
+                           std::string(requestFrame.substr(0, 1)) + Exception(ByteAt(requestFrame, 1), code));
+    }
+    const auto address = requestFrame.size() > 4 ? HexByte(requestFrame.substr(1, 2)) : std::nullopt;
+    const auto function = requestFrame.size() > 4 ? HexByte(requestFrame.substr(3, 2)) : std::nullopt;
+    if (!address || !function) {
+        return {};
+    }
+    return ModbusFrame(Framing::Ascii, *address + Exception(static_cast<std::uint8_t>(*function), code));
+}
+
+}  // namespace fieldsim

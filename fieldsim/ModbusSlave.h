@@ -1,0 +1,69 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fieldsim/Device.h"
+#include "fieldsim/Signals.h"
+
+namespace fieldsim {
+
+enum class Framing { Rtu, Ascii };
+
+// What a slave holds. Register and coil 1 go over the line as 0.
+struct ModbusMap {
+    std::shared_ptr<SignalList> registers = std::make_shared<SignalList>();  // floats and integers
+    std::shared_ptr<SignalList> coils = std::make_shared<SignalList>();
+    bool floatInOneRegister = false;  // a float is one 32-bit register; otherwise two of 16 bits, high word first
+    // The highest numbers that exist. Numbers without a signal below them read as 0, those above are an exception.
+    int lastRegister = 0;
+    int lastCoil = 0;
+};
+
+// A map whose last register and coil are those of its signals.
+ModbusMap MakeModbusMap(std::vector<Signal> registers, std::vector<Signal> coils, bool floatInOneRegister = false,
+                        const Behaviour& behaviour = {});
+
+// A Modbus slave that can be read: coils by functions 1 and 2, registers by 3 and 4. Every other function is
+// exception 1. It is silent for other addresses, for broadcasts and for frames with a bad check.
+class ModbusSlave final : public Device {
+  public:
+    ModbusSlave(int address, Framing framing, ModbusMap map, std::uint32_t answerMs = 50)
+        : address_(address), framing_(framing), map_(std::move(map)), answerMs_(answerMs) {}
+
+    std::vector<Answer> Receive(std::string_view bytes, const Moment& now) override;
+
+    const ModbusMap& Map() const { return map_; }
+    // Requests to this slave with a good check so far.
+    int Requests() const { return requests_; }
+
+  private:
+    // The next whole message, address first, without its check; it and everything before it leave the buffer.
+    std::optional<std::string> NextRtu();
+    std::optional<std::string> NextAscii();
+
+    // The function and what follows it, of a request and of its answer.
+    std::string Execute(std::string_view request, const Moment& now);
+    std::string ReadCoils(int first, int count, const Moment& now);
+    std::string ReadRegisters(int first, int count, const Moment& now);
+    std::string RegisterBytes(int number, const Moment& now);
+
+    int address_;
+    Framing framing_;
+    ModbusMap map_;
+    std::uint32_t answerMs_;
+    std::string buffer_;
+    std::uint64_t lastByteAt_ = 0;
+    int requests_ = 0;
+};
+
+// A message, address first, as a frame of its framing: with CRC, or ":" hexadecimal text, LRC, CR and LF.
+std::string ModbusFrame(Framing framing, std::string_view message);
+
+// The frame with which a slave answers a request frame by an exception.
+std::string ModbusException(std::string_view requestFrame, int code);
+
+}  // namespace fieldsim

@@ -1,0 +1,86 @@
+#include "fieldsim/Signals.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace fieldsim {
+
+namespace {
+
+constexpr std::size_t kServedKept = 64;
+
+bool Before(const Signal& a, const Signal& b) {
+    return a.position < b.position;
+}
+
+double AsServed(Kind kind, double value) {
+    switch (kind) {
+        case Kind::Float:
+            return static_cast<float>(value);
+        case Kind::Integer:
+            return std::clamp(std::round(value), -32768.0, 32767.0);
+        case Kind::Logical:
+            break;
+    }
+    return value != 0 ? 1 : 0;
+}
+
+}  // namespace
+
+SignalList::SignalList(std::vector<Signal> signals, Behaviour behaviour)
+    : signals_(std::move(signals)), behaviour_(std::move(behaviour)) {
+    std::stable_sort(signals_.begin(), signals_.end(), Before);
+}
+
+const Signal* SignalList::At(int position) const {
+    const auto at = std::lower_bound(signals_.begin(), signals_.end(), Signal{position, {}, {}}, Before);
+    return at != signals_.end() && at->position == position ? &*at : nullptr;
+}
+
+const Signal* SignalList::Find(std::string_view description) const {
+    const auto at = std::find_if(signals_.begin(), signals_.end(),
+                                 [&](const Signal& signal) { return signal.description == description; });
+    return at != signals_.end() ? &*at : nullptr;
+}
+
+double SignalList::ValueAt(const Signal& signal, const core::DateTime& at) const {
+    const auto fixed = fixed_.find(signal.position);
+    if (fixed != fixed_.end()) {
+        return AsServed(signal.kind, fixed->second);
+    }
+    return AsServed(signal.kind, behaviour_ ? behaviour_(signal, at) : signal.value);
+}
+
+double SignalList::Serve(const Signal& signal, const Moment& now) {
+    const double value = ValueAt(signal, now.local);
+    auto& served = served_[signal.position];
+    served.push_back({value, now});
+    if (served.size() > kServedKept) {
+        served.pop_front();
+    }
+    return value;
+}
+
+std::vector<ServedValue> SignalList::Served(std::string_view description) const {
+    const Signal* signal = Find(description);
+    const auto served = signal != nullptr ? served_.find(signal->position) : served_.end();
+    return served != served_.end() ? std::vector<ServedValue>(served->second.begin(), served->second.end())
+                                   : std::vector<ServedValue>();
+}
+
+bool SignalList::WasServed(std::string_view description, double value) const {
+    const auto served = Served(description);
+    return std::any_of(served.begin(), served.end(), [&](const ServedValue& known) {
+        return std::fabs(known.value - value) <= std::max(0.5e-4, std::fabs(known.value) * 1e-6);
+    });
+}
+
+bool SignalList::Fix(std::string_view description, double value) {
+    const Signal* signal = Find(description);
+    if (signal != nullptr) {
+        fixed_[signal->position] = value;
+    }
+    return signal != nullptr;
+}
+
+}  // namespace fieldsim

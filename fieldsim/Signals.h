@@ -1,0 +1,68 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fieldsim/Device.h"
+
+namespace fieldsim {
+
+enum class Kind { Float, Integer, Logical };
+
+// One named value of a station.
+struct Signal {
+    int position = 0;  // register, coil or list position, from 1
+    std::string description;
+    std::string unit;
+    Kind kind = Kind::Float;
+    double value = 0;   // what it is without a behaviour
+    int typecode = -1;  // of its BSAP record; -1: the usual one of its kind
+};
+
+// How values move: the value of a signal at a local time. The same signal and time give the same value.
+using Behaviour = std::function<double(const Signal& signal, const core::DateTime& at)>;
+
+// A value that a station gave out.
+struct ServedValue {
+    double value = 0;
+    Moment at;
+};
+
+// The values of one list of a station, or of its registers or coils, and what was served of them.
+class SignalList {
+  public:
+    // Without a behaviour every signal keeps its `value`.
+    explicit SignalList(std::vector<Signal> signals = {}, Behaviour behaviour = {});
+
+    // In order of their positions.
+    const std::vector<Signal>& Signals() const { return signals_; }
+    // The signal at a position; null where there is none.
+    const Signal* At(int position) const;
+    // The first signal of that name; null when there is none.
+    const Signal* Find(std::string_view description) const;
+
+    // The value as the station gives it out: a float in single precision, an integer of 16 bits, a logical 0 or 1.
+    double ValueAt(const Signal& signal, const core::DateTime& at) const;
+    // The same, and it is noted as served.
+    double Serve(const Signal& signal, const Moment& now);
+
+    // The last values served of a signal, at most 64, the latest at the end.
+    std::vector<ServedValue> Served(std::string_view description) const;
+    // A value like this was among them, to 4 places or in single precision.
+    bool WasServed(std::string_view description, double value) const;
+
+    // From now on the signal keeps this value. False: no signal of that name.
+    bool Fix(std::string_view description, double value);
+
+  private:
+    std::vector<Signal> signals_;
+    Behaviour behaviour_;
+    std::map<int, double> fixed_;
+    std::map<int, std::deque<ServedValue>> served_;
+};
+
+}  // namespace fieldsim
