@@ -20,9 +20,11 @@ double AsServed(Kind kind, double value) {
         case Kind::Integer:
             return std::clamp(std::round(value), -32768.0, 32767.0);
         case Kind::Logical:
+            return value != 0 ? 1 : 0;
+        case Kind::Decimal:
             break;
     }
-    return value != 0 ? 1 : 0;
+    return value;
 }
 
 }  // namespace

@@ -11,7 +11,12 @@
 
 namespace fieldsim {
 
-enum class Kind { Float, Integer, Logical };
+enum class Kind {
+    Float,    // single precision
+    Integer,  // 16 bits with a sign
+    Logical,  // 0 or 1
+    Decimal,  // a number that goes over the line as decimal text
+};
 
 // One named value of a station.
 struct Signal {
@@ -45,7 +50,7 @@ class SignalList {
     // The first signal of that name; null when there is none.
     const Signal* Find(std::string_view description) const;
 
-    // The value as the station gives it out: a float in single precision, an integer of 16 bits, a logical 0 or 1.
+    // The value as the station gives it out, in the precision of its kind.
     double ValueAt(const Signal& signal, const core::DateTime& at) const;
     // The same, and it is noted as served.
     double Serve(const Signal& signal, const Moment& now);

@@ -1,0 +1,203 @@
+#include "fieldsim/BsapStation.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "core/Text.h"
+#include "fieldsim/Checks.h"
+
+namespace fieldsim {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::size_t kLongestBody = 220;
+constexpr std::size_t kUnitCharacters = 6;
+
+std::string_view Rest(std::string_view text, std::size_t from) {
+    return text.substr(std::min(from, text.size()));
+}
+
+// Where the function part begins: behind the application sequence and 0B 00. A master that makes its sign-on from the
+// decimal text of the sequence number leaves a byte of it out when it does not fit.
+std::size_t FunctionStart(std::string_view body) {
+    for (const std::size_t sequenceBytes : {2U, 1U, 0U}) {
+        if (Rest(body, 3 + sequenceBytes).starts_with("\x0B\x00"sv)) {
+            return 5 + sequenceBytes;
+        }
+    }
+    return body.size();
+}
+
+std::string Units(const std::string& unit) {
+    std::string text = core::ToCodePage(unit).value_or(std::string());
+    text.resize(kUnitCharacters, '\0');
+    return text;
+}
+
+std::string LowFirst(int word) {
+    return LowHigh(static_cast<std::uint16_t>(word));
+}
+
+std::string FloatLowFirst(double value) {
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
+    return LowFirst(static_cast<int>(bits & 0xFFFFU)) + LowFirst(static_cast<int>(bits >> 16U));
+}
+
+}  // namespace
+
+std::vector<Answer> BsapStation::Receive(std::string_view bytes, const Moment& now) {
+    reader_.Add(bytes, now.milliseconds);
+    std::vector<Answer> answers;
+    while (const auto body = reader_.Next()) {
+        if (body->size() < 4 || ByteAt(*body, 0) != address_) {
+            continue;
+        }
+        if (const auto reply = Reply(*body, now)) {
+            answers.push_back({BsapFrame(*reply), options_.answerMs});
+        }
+    }
+    return answers;
+}
+
+std::optional<std::string> BsapStation::Reply(std::string_view body, const Moment& now) {
+    ownSequence_ = ownSequence_ % 15 + 1;
+    switch (ByteAt(body, 2)) {
+        case 0x85:  // poll
+            return waiting_.empty() ? Acknowledgement(ByteAt(body, 1)) : waiting_;
+        case 0x8B:  // the master has what waited
+            waiting_.clear();
+            return Acknowledgement(ByteAt(body, 1));
+        case 0xA0:
+            waiting_.clear();
+            return Application(body, now);
+        default:
+            return std::nullopt;
+    }
+}
+
+std::optional<std::string> BsapStation::Application(std::string_view body, const Moment& now) {
+    const std::size_t start = FunctionStart(body);
+    Request request;
+    request.sequence = ByteAt(body, 1);
+    request.applicationSequence = body.substr(3, 2);
+    request.function = Rest(body, start);
+    if (request.function.starts_with("\x70\x05\x01"sv)) {
+        return SignOn(request);
+    }
+    if (request.function == "\x04\x02\x01\xFF\x11#ON..\0"sv) {
+        return Version(request);
+    }
+    if (request.function.starts_with("\x0C"sv) || request.function.starts_with("\x0D"sv)) {
+        return List(request, now);
+    }
+    return Acknowledgement(request.sequence);
+}
+
+std::string BsapStation::SignOn(const Request& request) {
+    const std::string_view given = request.function.substr(3);
+    signedOn_ = options_.password.empty() || given == options_.password + '\0';
+    signOns_ += signedOn_ ? 1 : 0;
+    return Acknowledgement(request.sequence);
+}
+
+std::string BsapStation::Version(const Request& request) {
+    const bool known = signedOn_ || options_.password.empty();
+    std::string answer = AnswerHead(request);
+    answer += known ? static_cast<char>(options_.loadVersion1) : '\0';
+    answer += known ? static_cast<char>(options_.loadVersion2) : '\0';
+    return answer + "#ON.." + '\0';
+}
+
+// 0C or 0D, 01 and the field set, the load version, FF, the list; then where to go on. A first request has nothing
+// behind the list, but for a CW two zeros.
+std::optional<std::string> BsapStation::List(const Request& request, const Moment& now) {
+    const std::string_view function = request.function;
+    const bool first = function[0] == '\x0C';
+    const std::string_view fields = Rest(function, 1).substr(0, 2);
+    const std::string version = {static_cast<char>(options_.loadVersion1), static_cast<char>(options_.loadVersion2)};
+    const std::size_t length = first && !options_.shortLayout ? 7 : 9;
+    if (function.size() != length || (fields != "\x01\xF0"sv && fields != "\x01\xD0"sv) ||
+        function.substr(3, 3) != version + '\xFF' || (!options_.password.empty() && !signedOn_)) {
+        return Acknowledgement(request.sequence);
+    }
+    const int list = ByteAt(function, 6);
+    const int from = length == 9 ? ByteAt(function, 7) + 256 * ByteAt(function, 8) : 0;
+    const auto known = lists_.find(list);
+    if (known == lists_.end() || known->second->Signals().empty() || first != (from == 0) ||
+        from >= known->second->Signals().back().position) {
+        return Acknowledgement(request.sequence);
+    }
+    if (options_.silentLists.count(list) != 0) {
+        return std::nullopt;
+    }
+    std::string page = Page(request, list, from, fields[1] == '\xF0', now);
+    ++listRequests_;
+    if (options_.lists == ListAnswer::AtOnce || (options_.lists == ListAnswer::Alternate && listRequests_ % 2 == 0)) {
+        return page;
+    }
+    waiting_ = std::move(page);
+    return Acknowledgement(request.sequence);
+}
+
+// As many records as a reply holds. In front of them stands how many the master has then had: there it goes on.
+// Two zeros: that was the last.
+std::string BsapStation::Page(const Request& request, int list, int from, bool units, const Moment& now) {
+    const int last = lists_.at(list)->Signals().back().position;
+    const std::string head = AnswerHead(request);
+    std::string records;
+    int position = from;
+    while (position < last) {
+        const std::string record = Record(list, position + 1, units, now);
+        if (head.size() + 2 + records.size() + record.size() > kLongestBody) {
+            break;
+        }
+        records += record;
+        ++position;
+    }
+    return head + LowFirst(position < last ? position : 0) + records;
+}
+
+std::string BsapStation::Record(int list, int position, bool units, const Moment& now) {
+    SignalList& signals = *lists_.at(list);
+    const Signal* signal = signals.At(position);
+    const Signal empty;
+    const Signal& shown = signal != nullptr ? *signal : empty;
+    // A place without a signal still counts: it is a record of the list's kind with the value 0.
+    const Kind kind = signal != nullptr ? signal->kind : signals.Signals().front().kind;
+    const double value = signal != nullptr ? signals.Serve(*signal, now) : 0;
+    const int usual = kind == Kind::Logical ? 0 : 2;
+    std::string record(1, static_cast<char>(shown.typecode >= 0 ? shown.typecode : usual));
+    record += kind == Kind::Logical ? std::string(1, value != 0 ? '\x01' : '\x00') : FloatLowFirst(value);
+    return record + (units ? Units(shown.unit) : std::string()) + LowFirst(Msd(list, position));
+}
+
+// Address and status stand at bytes 6 and 7 of the frame, the load version at 13 and 14; in the long layout
+// address and status stand one further.
+std::string BsapStation::Acknowledgement(std::uint8_t sequence) {
+    std::string body = {'\0', Sequence(sequence)};
+    body += options_.shortLayout ? "\x86"sv : "\x00\x86"sv;
+    body += static_cast<char>(address_);
+    body += static_cast<char>(options_.status);
+    body += Sequence(sequence);
+    body.resize(10, '\0');
+    body += static_cast<char>(options_.loadVersion1);
+    return body + static_cast<char>(options_.loadVersion2);
+}
+
+// Twelve bytes of the frame in the short layout, thirteen in the long one.
+std::string BsapStation::AnswerHead(const Request& request) {
+    std::string head = {'\0', Sequence(request.sequence)};
+    head += options_.shortLayout ? "\x0B"sv : "\x00\x0B"sv;
+    head += options_.echoSequences ? request.applicationSequence : std::string(2, '\0');
+    head += '\xA0';
+    head += static_cast<char>(options_.status);
+    return head + std::string(3, '\0');
+}
+
+char BsapStation::Sequence(std::uint8_t requested) const {
+    return static_cast<char>(options_.echoSequences ? requested : ownSequence_);
+}
+
+}  // namespace fieldsim
