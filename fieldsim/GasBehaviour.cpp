@@ -1,9 +1,14 @@
 #include "fieldsim/GasBehaviour.h"
 
+#include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 #include <initializer_list>
 #include <numbers>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace fieldsim {
 
@@ -38,6 +43,16 @@ double HourOfDay(std::int64_t seconds) {
     return static_cast<double>(seconds % kDay) / kHour;
 }
 
+bool IsLimit(const std::string& name) {
+    return HasAny(name, {" lo limit", " hi limit", " lo-lo", " hi-hi", " lo deadband", " hi deadband"});
+}
+
+bool IsSetting(const std::string& name) {
+    return HasAny(name,
+                  {"alarm", "limit", "set ", "constant", "factor", "multiplier", "adjustment", "reference", "base ",
+                   "contract", "maximum", "minimum", "keypad", "pid ", "dial-out", "atmospheric", "override"});
+}
+
 // What a standard cubic metre is in the quantity that a name speaks of.
 double PerStandardVolume(const std::string& name) {
     if (name.find("energy") != std::string::npos) {
@@ -46,7 +61,7 @@ double PerStandardVolume(const std::string& name) {
     if (name.find("mass") != std::string::npos) {
         return 0.735;
     }
-    return HasAny(name, {"flowing vol", "uncorrected", "un vol", "un. vol"}) ? 1 / 18.0 : 1;
+    return HasAny(name, {"flowing vol", "uncorr", "un vol"}) ? 1 / 18.0 : 1;
 }
 
 }  // namespace
@@ -59,33 +74,34 @@ double GasBehaviour::operator()(const Signal& signal, const core::DateTime& at) 
     const std::string unit = Lower(signal.unit);
     const std::int64_t seconds = core::ToSeconds(at);
     if (signal.kind == Kind::Logical) {
-        return State(signal, seconds);
+        return State(name, seconds);
     }
-    const bool setting =
-        HasAny(name, {"alarm", "limit", "set ", "setpoint", "set point", "constant", "factor", "cutoff", "diameter",
-                      "base", "contract", "maximum", "minimum", "span", "zero", "tap"});
-    if (!setting && (name == "date" || name == "time" || HasAny(name, {"rtu time", "system time", "dd mm yy"}))) {
-        return Clock(name, at);
+    if (IsLimit(name)) {
+        return Limit(signal);
     }
-    if (setting) {
+    if (IsSetting(name)) {
         return Setting(signal);
     }
-    if (HasAny(name, {"flow time", "flowtime"})) {
-        return FlowTime(name, seconds);
+    if (name == "date" || name == "time" || HasAny(name, {"rtu time", "system time", "dd mm yy"})) {
+        return Clock(name, at);
     }
-    if (HasAny(name, {"flow rate", "flowrate"})) {
+    if (name.starts_with("flow time")) {
+        const double hours = name.find("yesterday") != std::string::npos ? 24 : HoursIntoGasDay(seconds);
+        return unit.find("min") != std::string::npos ? hours * 60 : hours;
+    }
+    if (HasAny(name, {"flow rate", "flowrate", "energy rate"})) {
         return Flow(seconds) * PerStandardVolume(name);
     }
-    if (HasAny(name, {"volume", "energy", "mass"})) {
+    if (HasAny(name, {"volume", "energy", "mass"}) && name.find("molar") == std::string::npos) {
         return Amount(name, seconds) * PerStandardVolume(name);
     }
     if (HasAny(name, {"volt", "battery", "solar"})) {
         return Electric(name, seconds);
     }
-    if (name.find("temp") != std::string::npos) {
+    if (HasAny(name, {"temperature", "temprature"})) {
         return Temperature(unit, seconds);
     }
-    if (HasAny(name, {"pressure", "dp used", "static pr"})) {
+    if (name.find("pressure") != std::string::npos || name == "dp used") {
         return Pressure(name, unit, seconds);
     }
     return Setting(signal);
@@ -132,17 +148,13 @@ double GasBehaviour::Amount(const std::string& name, std::int64_t seconds) const
     if (name.find("last month") != std::string::npos) {
         return DaysVolume(MonthStart(day, 1), MonthStart(day, 0));
     }
-    if (HasAny(name, {"hour", "rate"})) {
-        return Flow(seconds);
+    if (name.find("hour") != std::string::npos) {
+        return Flow(seconds - (name.find("previous") != std::string::npos ? kHour : 0));
     }
     // Since the station was built, in whole years of mean flow and then day by day.
     constexpr std::int64_t built = 18262;  // 1 January 2020
     const std::int64_t years = (day - built) / 365;
     return static_cast<double>(years * 365) * 24 * hourlyFlow_ + DaysVolume(built + years * 365, day) + today;
-}
-
-double GasBehaviour::FlowTime(const std::string& name, std::int64_t seconds) const {
-    return name.find("yesterday") != std::string::npos ? 24 : HoursIntoGasDay(seconds);
 }
 
 double GasBehaviour::Flow(std::int64_t seconds) const {
@@ -213,10 +225,33 @@ double GasBehaviour::Temperature(const std::string& unit, std::int64_t seconds) 
     return unit.find('f') != std::string::npos ? celsius * 1.8 + 32 : celsius;
 }
 
-// Compositions, alarm limits and whatever else stays as it was set.
+// Alarm limits lie around what the live value was when the station was built.
+double GasBehaviour::Limit(const Signal& signal) const {
+    static constexpr std::array<std::pair<const char*, double>, 6> kinds = {{
+        {" lo limit", 0.6},
+        {" hi limit", 1.6},
+        {" lo-lo", 0.4},
+        {" hi-hi", 1.8},
+        {" lo deadband", 0.02},
+        {" hi deadband", 0.02},
+    }};
+    const std::string name = Lower(signal.description);
+    for (const auto& [suffix, share] : kinds) {
+        if (const std::size_t at = name.find(suffix); at != std::string::npos) {
+            const Signal live{0, signal.description.substr(0, at), signal.unit};
+            return share * (*this)(live, {2020, 1, 1, 12, 0, 0});
+        }
+    }
+    return 0;
+}
+
+// Compositions, constants and whatever else stays as it was set.
 double GasBehaviour::Setting(const Signal& signal) const {
     const std::string name = Lower(signal.description);
     const double share = Share(name);
+    if (name == "contract hour") {
+        return contractHour_;
+    }
     if (signal.kind == Kind::Integer) {
         return std::floor(1 + 99 * share);
     }
@@ -227,7 +262,7 @@ double GasBehaviour::Setting(const Signal& signal) const {
         return 0.56 + 0.1 * share;
     }
     if (name.find("calorific") != std::string::npos || name.find("heating") != std::string::npos) {
-        return 37 + 3 * share;
+        return (37 + 3 * share) * (Lower(signal.unit).find("kcal") != std::string::npos ? 238.846 : 1);
     }
     if (signal.unit.find('%') != std::string::npos) {
         return share;
@@ -236,8 +271,7 @@ double GasBehaviour::Setting(const Signal& signal) const {
 }
 
 // Alarms come up on a day now and then; what is switched stays switched.
-double GasBehaviour::State(const Signal& signal, std::int64_t seconds) const {
-    const std::string name = Lower(signal.description);
+double GasBehaviour::State(const std::string& name, std::int64_t seconds) const {
     if (name.find("alarm") != std::string::npos) {
         return Share(name + std::to_string(GasDay(seconds))) < 0.06 ? 1 : 0;
     }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "fieldsim/Signals.h"
 
@@ -20,13 +22,13 @@ class GasBehaviour {
   private:
     double Clock(const std::string& name, const core::DateTime& at) const;
     double Amount(const std::string& name, std::int64_t seconds) const;
-    double FlowTime(const std::string& name, std::int64_t seconds) const;
     double Flow(std::int64_t seconds) const;
     double Electric(const std::string& name, std::int64_t seconds) const;
     double Pressure(const std::string& name, const std::string& unit, std::int64_t seconds) const;
     double Temperature(const std::string& unit, std::int64_t seconds) const;
     double Setting(const Signal& signal) const;
-    double State(const Signal& signal, std::int64_t seconds) const;
+    double Limit(const Signal& signal) const;
+    double State(const std::string& name, std::int64_t seconds) const;
 
     // Standard volume of a gas day from its start to `hours` into it; days count from 1970.
     double DayVolume(std::int64_t day, double hours) const;

@@ -40,6 +40,10 @@ void HayesModem::Settle(const Moment& now) {
     } else if (mode_ == Mode::Dialling && connectAt_ != 0 && now.milliseconds >= connectAt_) {
         mode_ = Mode::Command;
     }
+    // Without a result in sight any key ends the dialling.
+    if (mode_ == Mode::Dialling && connectAt_ == 0) {
+        mode_ = Mode::Command;
+    }
     if (escaping_ && now.milliseconds >= lastByteAt_ + options_.guardMs) {
         mode_ = Mode::Command;
     }
@@ -96,7 +100,7 @@ std::vector<Answer> HayesModem::Dial(const std::string& number) {
         outcome = options_.whenUnknown;
     }
     mode_ = Mode::Dialling;
-    connectAt_ = 0;  // without a result it dials until the port is closed
+    connectAt_ = 0;
     if (outcome.result.empty()) {
         return {};
     }

@@ -115,6 +115,9 @@ std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& n
             continue;
         }
         ++requests_;
+        if (StaysSilent(std::string_view(*message).substr(1))) {
+            continue;
+        }
         const std::string answer = message->substr(0, 1) + Execute(std::string_view(*message).substr(1), now);
         answers.push_back({ModbusFrame(framing_, answer), answerMs_});
     }
@@ -152,6 +155,15 @@ std::optional<std::string> ModbusSlave::NextAscii() {
         buffer_.clear();
     }
     return std::nullopt;
+}
+
+bool ModbusSlave::StaysSilent(std::string_view request) const {
+    const int function = ByteAt(request, 0);
+    if (silentRegister_ == 0 || (function != 3 && function != 4) || request.size() != 5) {
+        return false;
+    }
+    const int first = WordAt(request, 1) + 1;
+    return first <= silentRegister_ && silentRegister_ < first + WordAt(request, 3);
 }
 
 std::string ModbusSlave::Execute(std::string_view request, const Moment& now) {

@@ -36,6 +36,9 @@ class ModbusSlave final : public Device {
 
     std::vector<Answer> Receive(std::string_view bytes, const Moment& now) override;
 
+    // Reads that touch this register are never answered; 0: every read is.
+    void NeverAnswer(int reg) { silentRegister_ = reg; }
+
     const ModbusMap& Map() const { return map_; }
     // Requests to this slave with a good check so far.
     int Requests() const { return requests_; }
@@ -45,6 +48,7 @@ class ModbusSlave final : public Device {
     std::optional<std::string> NextRtu();
     std::optional<std::string> NextAscii();
 
+    bool StaysSilent(std::string_view request) const;
     // The function and what follows it, of a request and of its answer.
     std::string Execute(std::string_view request, const Moment& now);
     std::string ReadCoils(int first, int count, const Moment& now);
@@ -57,6 +61,7 @@ class ModbusSlave final : public Device {
     std::uint32_t answerMs_;
     std::string buffer_;
     std::uint64_t lastByteAt_ = 0;
+    int silentRegister_ = 0;
     int requests_ = 0;
 };
 

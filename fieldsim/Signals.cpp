@@ -64,10 +64,14 @@ double SignalList::Serve(const Signal& signal, const Moment& now) {
 }
 
 std::vector<ServedValue> SignalList::Served(std::string_view description) const {
-    const Signal* signal = Find(description);
-    const auto served = signal != nullptr ? served_.find(signal->position) : served_.end();
-    return served != served_.end() ? std::vector<ServedValue>(served->second.begin(), served->second.end())
-                                   : std::vector<ServedValue>();
+    std::vector<ServedValue> all;
+    for (const Signal& signal : signals_) {
+        const auto served = signal.description == description ? served_.find(signal.position) : served_.end();
+        if (served != served_.end()) {
+            all.insert(all.end(), served->second.begin(), served->second.end());
+        }
+    }
+    return all;
 }
 
 bool SignalList::WasServed(std::string_view description, double value) const {

@@ -55,7 +55,7 @@ class SignalList {
     // The same, and it is noted as served.
     double Serve(const Signal& signal, const Moment& now);
 
-    // The last values served of a signal, at most 64, the latest at the end.
+    // The last values served of the signals of that name, at most 64 of each, the latest of each at the end.
     std::vector<ServedValue> Served(std::string_view description) const;
     // A value like this was among them, to 4 places or in single precision.
     bool WasServed(std::string_view description, double value) const;

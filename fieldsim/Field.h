@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/Database.h"
+#include "core/Station.h"
+#include "fieldsim/BsapStation.h"
+#include "fieldsim/HayesModem.h"
+#include "fieldsim/LineFaults.h"
+#include "fieldsim/ModbusSlave.h"
+#include "fieldsim/QuantumUnit.h"
+#include "fieldsim/SharedLine.h"
+#include "fieldsim/SimLine.h"
+
+namespace fieldsim {
+
+// The values that a station's rows in configdata_detail say it has.
+struct StationMap {
+    std::vector<Signal> analogs;   // list 54, or registers
+    std::vector<Signal> logicals;  // list 55, or coils
+};
+
+// Rows whose address is not set are left out. The rows of a Quantum unit all have the address 1: they come as analogs
+// that are found by name. Throws DatabaseError.
+StationMap LoadMap(core::Database& dbconn, std::int64_t locationID, int streamno);
+
+// The list numbers of a stream: 54 and 55 for a station with one; on the MultiStream models by stream and method.
+int AnalogList(const core::Station& station, int streamno);
+int LogicalList(const core::Station& station, int streamno);
+
+struct FieldOptions {
+    std::uint32_t seed = 1;
+    int contractHour = 6;  // at which the gas day begins, 0 to 23
+    ListAnswer lists = ListAnswer::AtOnce;
+    std::set<std::int64_t> silent;                       // stations that never answer for one list, register or message
+    std::map<std::int64_t, LineFaults::Options> faults;  // by station
+    std::optional<LineFaults::Options> faultsElsewhere;  // at all other stations, each with a seed of its own
+    std::map<int, std::deque<DialOutcome>> modems;       // scripts of the modems, by port number
+};
+
+// All devices of a station register: each station behind its port, or behind the modem there when it has a number to
+// dial. "IP" stations have no line and are left out.
+class Field {
+  public:
+    struct Served {
+        core::Station station;
+        Device* device = nullptr;                                        // the station itself
+        LineFaults* faults = nullptr;                                    // what lies in front of it, if anything
+        std::map<int, std::vector<std::shared_ptr<SignalList>>> values;  // by stream
+    };
+
+    // Reads the register. Throws DatabaseError.
+    Field(core::Database& dbconn, const FieldOptions& options);
+
+    // What stands behind each port number, and all of it as the far side of a line.
+    std::map<int, Device*> Ports();
+    void AttachTo(SimLine& line);
+
+    const std::vector<Served>& Stations() const { return stations_; }
+    const Served* Station(std::int64_t locationID) const;
+    // The modem on a port; null when no station there is dialled.
+    HayesModem* Modem(int port);
+
+    // The list that holds a value; null when the station has none of that name.
+    SignalList* Values(std::int64_t locationID, int streamno, std::string_view description) const;
+    // The value served last, and whether one like this was served at all (see SignalList).
+    std::optional<double> LastServed(std::int64_t locationID, int streamno, std::string_view description) const;
+    bool WasServed(std::int64_t locationID, int streamno, std::string_view description, double value) const;
+
+  private:
+    Device& Make(Served& served, core::Database& dbconn, const FieldOptions& options);
+    Device& WithFaults(Served& served, Device& device, const FieldOptions& options);
+    void Connect(const core::Station& station, Device& device, const FieldOptions& options);
+    template <class Made>
+    Made& Keep(std::unique_ptr<Made> device);
+
+    std::vector<std::unique_ptr<Device>> devices_;
+    std::vector<Served> stations_;
+    std::map<int, SharedLine> lines_;
+    std::map<int, HayesModem> modems_;
+    std::map<std::string, SharedLine> numbers_;  // the stations behind one number, by port and number
+};
+
+}  // namespace fieldsim

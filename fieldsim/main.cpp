@@ -1,0 +1,191 @@
+// fieldsim: plays the stations of a register on pseudo-terminals.
+
+#include <csignal>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "core/Database.h"
+#include "core/Text.h"
+#include "fieldsim/Field.h"
+#include "fieldsim/PtyPorts.h"
+
+namespace {
+
+volatile std::sig_atomic_t stopped = 0;
+
+void Stop(int) {
+    stopped = 1;
+}
+
+constexpr const char* kUsage =
+    "usage: fieldsim --directory DIR [options]\n"
+    "Plays every station of DIR/Kolmar.mdb on the ports that its table comports names (column device).\n"
+    "  --seed N               other values\n"
+    "  --contract-hour H      the gas day begins at this hour (6)\n"
+    "  --acknowledge-first    BSAP lists are answered on the poll after the request\n"
+    "  --modem COM3=A,B,...   what the dials on a port give: CONNECT, NO CARRIER, NO ANSWER, BUSY, ERROR or SILENT\n"
+    "  --no-carrier-first     the first dial on every port gives NO CARRIER\n"
+    "  --fault LOCATION=A,..  what becomes of a station's answers, one after the other: None, Silence, NoiseBefore,\n"
+    "                         NoiseAfter, BadCheck, Cut, Late, Exception, Echo, NoCarrier\n"
+    "  --chance FAULT=P       at all other stations a fault meets an answer with this probability, 0 to 1\n"
+    "  --silent LOCATION      a station that never answers for one of its lists, registers or messages\n";
+
+struct Arguments {
+    std::filesystem::path directory;
+    fieldsim::FieldOptions field;
+    bool noCarrierFirst = false;
+};
+
+std::vector<std::string> Pieces(const std::string& text) {
+    std::vector<std::string> pieces(1);
+    for (const char c : text) {
+        if (c == ',') {
+            pieces.emplace_back();
+        } else {
+            pieces.back() += c;
+        }
+    }
+    return pieces;
+}
+
+int Number(const std::string& text) {
+    return static_cast<int>(core::Val(text));
+}
+
+// "COM3": the port number is the last character, as in the stations' records.
+int PortNumber(const std::string& name) {
+    return name.empty() ? 0 : Number(name.substr(name.size() - 1));
+}
+
+std::deque<fieldsim::DialOutcome> ModemScript(const std::string& text) {
+    std::deque<fieldsim::DialOutcome> script;
+    for (const std::string& result : Pieces(text)) {
+        fieldsim::DialOutcome outcome;
+        if (core::SameText(result, "SILENT")) {
+            outcome.result.clear();
+        } else if (!core::SameText(result, "CONNECT")) {
+            outcome.result = core::UpperText(result);
+        }
+        script.push_back(outcome);
+    }
+    return script;
+}
+
+fieldsim::LineFaults::Options FaultScript(const std::string& text) {
+    fieldsim::LineFaults::Options faults;
+    for (const std::string& name : Pieces(text)) {
+        faults.script.push_back(fieldsim::FaultByName(name));
+    }
+    return faults;
+}
+
+// An option with a value. False: there is no such option.
+bool Apply(Arguments& arguments, const std::string& option, const std::string& value) {
+    const std::size_t equals = value.find('=');
+    const std::string key = value.substr(0, equals);
+    const std::string rest = equals == std::string::npos ? std::string() : value.substr(equals + 1);
+    fieldsim::FieldOptions& field = arguments.field;
+    if (option == "--directory") {
+        arguments.directory = value;
+    } else if (option == "--seed") {
+        field.seed = static_cast<std::uint32_t>(Number(value));
+    } else if (option == "--contract-hour") {
+        field.contractHour = Number(value);
+    } else if (option == "--modem") {
+        field.modems[PortNumber(key)] = ModemScript(rest);
+    } else if (option == "--fault") {
+        field.faults[Number(key)] = FaultScript(rest);
+    } else if (option == "--chance") {
+        if (!field.faultsElsewhere) {
+            field.faultsElsewhere.emplace();
+            field.faultsElsewhere->seed = field.seed;
+        }
+        field.faultsElsewhere->chances[fieldsim::FaultByName(key)] = core::Val(rest);
+    } else if (option == "--silent") {
+        field.silent.insert(Number(value));
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool Read(Arguments& arguments, const std::vector<std::string>& words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (words[i] == "--no-carrier-first") {
+            arguments.noCarrierFirst = true;
+        } else if (words[i] == "--acknowledge-first") {
+            arguments.field.lists = fieldsim::ListAnswer::AcknowledgeFirst;
+        } else if (i + 1 == words.size() || !Apply(arguments, words[i], words[i + 1])) {
+            return false;
+        } else {
+            ++i;
+        }
+    }
+    return !arguments.directory.empty();
+}
+
+// Opens every port of the field at its device. Tells whether all of them are open.
+bool OpenPorts(fieldsim::PtyPorts& ports, fieldsim::Field& field, core::Database& dbconn,
+               const std::filesystem::path& directory) {
+    bool all = true;
+    for (const auto& [number, device] : field.Ports()) {
+        const std::string name = "COM" + std::to_string(number);
+        const auto row = dbconn.First("select device from comports where portname=?", {name});
+        const std::string failure =
+            row ? ports.Open(directory / row->Text("device"), *device) : "not in the table comports";
+        if (!failure.empty()) {
+            std::cerr << name << ": " << failure << '\n';
+            all = false;
+        }
+    }
+    return all;
+}
+
+void PrintStations(const fieldsim::Field& field) {
+    for (const auto& served : field.Stations()) {
+        const core::Station& station = served.station;
+        std::cout << station.locationID << '\t' << station.consumer << "\tCOM" << station.comport << '\t'
+                  << station.protocol << ' ' << station.mode << "\taddress " << station.slaveaddress
+                  << (station.phoneno.empty() ? "" : "\tdial " + station.phoneno) << '\n';
+    }
+}
+
+int Run(Arguments arguments) {
+    fieldsim::PtyPorts ports;
+    core::Database dbconn(arguments.directory / "Kolmar.mdb");
+    if (arguments.noCarrierFirst) {
+        for (int port = 0; port <= 9; ++port) {
+            arguments.field.modems[port].push_front({"NO CARRIER"});
+        }
+    }
+    fieldsim::Field field(dbconn, arguments.field);
+    if (!OpenPorts(ports, field, dbconn, arguments.directory)) {
+        return 1;
+    }
+    PrintStations(field);
+    std::cout << "ready" << std::endl;
+    while (stopped == 0) {
+        ports.Turn(200);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    Arguments arguments;
+    if (!Read(arguments, std::vector<std::string>(argv + 1, argv + argc))) {
+        std::cerr << kUsage;
+        return 2;
+    }
+    std::signal(SIGTERM, Stop);
+    std::signal(SIGINT, Stop);
+    try {
+        return Run(std::move(arguments));
+    } catch (const core::DatabaseError& error) {
+        std::cerr << "fieldsim: " << error.what() << '\n';
+        return 1;
+    }
+}
