@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::size_t kLongestBody = 220;
+constexpr std::size_t kLongestBody = 214;  // a frame of 220 bytes, before doubling
 constexpr std::size_t kUnitCharacters = 6;
 
 std::string_view Rest(std::string_view text, std::size_t from) {
@@ -173,17 +173,14 @@ std::string BsapStation::Record(int list, int position, bool units, const Moment
     return record + (units ? Units(shown.unit) : std::string()) + LowFirst(Msd(list, position));
 }
 
-// Address and status stand at bytes 6 and 7 of the frame, the load version at 13 and 14; in the long layout
-// address and status stand one further.
+// Address and status stand at bytes 6 and 7 of the frame, in the long layout at 7 and 8. With 12 or 13 bytes it is in
+// the range of 11 to 17 by which masters know it.
 std::string BsapStation::Acknowledgement(std::uint8_t sequence) {
     std::string body = {'\0', Sequence(sequence)};
     body += options_.shortLayout ? "\x86"sv : "\x00\x86"sv;
     body += static_cast<char>(address_);
     body += static_cast<char>(options_.status);
-    body += Sequence(sequence);
-    body.resize(10, '\0');
-    body += static_cast<char>(options_.loadVersion1);
-    return body + static_cast<char>(options_.loadVersion2);
+    return body + Sequence(sequence);
 }
 
 // Twelve bytes of the frame in the short layout, thirteen in the long one.
