@@ -1,0 +1,216 @@
+// A whole register is served in process, and its values move as a gas station's do.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "fieldsim/Checks.h"
+#include "fieldsim/Field.h"
+#include "fieldsim/GasBehaviour.h"
+#include "tests/support/Hex.h"
+#include "tests/support/ScratchDesk.h"
+
+namespace fieldsim {
+namespace {
+
+using support::Bytes;
+using support::Hex;
+
+struct FieldTest : testing::Test {
+    support::ScratchDesk desk;
+    SimLine line{desk.clock};
+
+    void AddStation(int location, const char* model, const char* port, const char* phone, const char* protocol,
+                    int address, int streams = 1) {
+        desk.dbconn.Execute(
+            "insert into configdata_master(locationID, consumer, modelno, comtype, comport, phoneno, protocol, mode, "
+            "slaveaddress, No_Stream, stream1, stream2, delaytime, rtubits, MB_CONFIG) "
+            "values (?, ?, ?, 'DialUp Modem', ?, ?, ?, 'RTU', ?, ?, 'AGA3', 'AGA7', 2000, false, true)",
+            {location, "Site " + std::to_string(location), model, port, phone, protocol, address, streams});
+    }
+    void AddRow(int location, const char* description, const char* address, const char* type, const char* unit = "",
+                int stream = 1) {
+        desk.dbconn.Execute(
+            "insert into configdata_detail(locationID, description, startaddress, type, srno, unit, StreamNo) "
+            "values (?, ?, ?, ?, (select count(*) from configdata_detail), ?, ?)",
+            {location, description, address, type, unit, stream});
+    }
+    std::string Ask(const std::string& bytes) {
+        line.Output(bytes);
+        desk.clock.WaitMs(1000);
+        return line.Input();
+    }
+    void Open(int port) {
+        line.CommPort(port);
+        ASSERT_TRUE(line.PortOpen(true));
+    }
+};
+
+TEST_F(FieldTest, ReadsTheMapOfAStation) {
+    AddRow(1, "Flowing Pressure", "3", "Float", "kg/cm2");
+    AddRow(1, "Count", "5", "Integer");
+    AddRow(1, "Door Position", "7", "Coil(Boolean)");
+    AddRow(1, "Not laid out", "0", "Float");
+    AddRow(1, "Other stream", "9", "Float", "", 2);
+    AddRow(2, "Volume Today", "54-83", "Float", "SCM");
+    AddRow(2, "Tap Type", "55-11", "Boolean");
+    const StationMap modbus = LoadMap(desk.dbconn, 1, 1);
+    ASSERT_EQ(modbus.analogs.size(), 2U);
+    EXPECT_EQ(modbus.analogs[0].position, 3);
+    EXPECT_EQ(modbus.analogs[0].unit, "kg/cm2");
+    EXPECT_EQ(modbus.analogs[1].kind, Kind::Integer);
+    ASSERT_EQ(modbus.logicals.size(), 1U);
+    EXPECT_EQ(modbus.logicals[0].position, 7);
+    const StationMap bsap = LoadMap(desk.dbconn, 2, 1);
+    ASSERT_EQ(bsap.analogs.size() + bsap.logicals.size(), 2U);
+    EXPECT_EQ(bsap.analogs[0].position, 83);
+    EXPECT_EQ(bsap.logicals[0].position, 11);
+}
+
+TEST_F(FieldTest, StationsShareAPortAndAreToldWhatTheyServed) {
+    AddStation(1, "TeleFlow", "COM1", "", "Modbus", 1);
+    AddRow(1, "Flowing Pressure", "1", "Float", "kg/cm2");
+    AddStation(2, "TeleFlow", "COM1", "", "Quantum", 7);
+    AddRow(2, "Pressure", "1", "Float", "bar");
+    AddRow(2, "DD MM YY HH MM SS", "1", "Float");
+    Field field(desk.dbconn, {});
+    field.AttachTo(line);
+    Open(1);
+    EXPECT_EQ(field.LastServed(1, 1, "Flowing Pressure"), std::nullopt);
+    const std::string reply = Ask(Bytes("01 03 00 00 00 02 C4 0B"));
+    ASSERT_EQ(reply.size(), 9U);
+    const auto bits = static_cast<std::uint32_t>(WordAt(reply, 3) * 65536LL + WordAt(reply, 5));
+    const double sent = std::bit_cast<float>(bits);
+    EXPECT_EQ(field.LastServed(1, 1, "Flowing Pressure"), sent);
+    EXPECT_GT(sent, 5);
+    EXPECT_LT(sent, 40);
+    const std::string quantum = Ask(Bytes("02 30 37 41 30 33 00 F3 03"));
+    EXPECT_EQ(quantum.substr(22, 13), "90326075931  ");  // 9 March 2026, 07:59:31: a second has passed
+    EXPECT_TRUE(field.WasServed(2, 1, "Pressure", std::stod(quantum.substr(22 + 26, 13))));
+    EXPECT_FALSE(field.WasServed(2, 1, "Pressure", 1e6));
+}
+
+TEST_F(FieldTest, DialledStationsStandBehindOneModem) {
+    AddStation(1, "TeleFlow", "COM3", "111", "Modbus", 1);
+    AddStation(2, "TeleFlow", "COM3", "222", "Modbus", 1);
+    AddRow(1, "A", "1", "Integer");
+    AddRow(2, "A", "1", "Integer");
+    FieldOptions options;
+    options.modems[3] = {{"NO CARRIER"}};
+    options.silent = {1};
+    Field field(desk.dbconn, options);
+    field.AttachTo(line);
+    Open(3);
+    line.Output("atx3dt222\r");
+    desk.clock.WaitMs(10000);
+    EXPECT_NE(line.Input().find("NO CARRIER"), std::string::npos);
+    line.Output("atx3dt222\r");
+    desk.clock.WaitMs(10000);
+    EXPECT_NE(line.Input().find("CONNECT"), std::string::npos);
+    EXPECT_EQ(Ask(Bytes("01 03 00 00 00 01 84 0A")).size(), 7U);
+    EXPECT_NE(field.LastServed(2, 1, "A"), std::nullopt);
+    line.PortOpen(false);
+    Open(3);
+    line.Output("atx3dt111\r");
+    desk.clock.WaitMs(10000);
+    line.Input();
+    EXPECT_EQ(Ask(Bytes("01 03 00 00 00 01 84 0A")), "");
+    EXPECT_EQ(field.Modem(3)->Dialled(), (std::vector<std::string>{"222", "222", "111"}));
+}
+
+TEST_F(FieldTest, EachStreamHasItsPairOfLists) {
+    AddStation(1, "CWGFC-MultiStream", "COM1", "", "Modbus", 1, 2);
+    AddRow(1, "Volume Today", "54-1", "Float", "SCM", 1);
+    AddRow(1, "Volume Today", "54-1", "Float", "SCM", 2);
+    AddRow(1, "Status", "55-1", "Boolean", "", 2);
+    const Field field(desk.dbconn, {});
+    const Field::Served& served = field.Stations().at(0);
+    EXPECT_EQ(AnalogList(served.station, 1), 54);  // AGA3
+    EXPECT_EQ(AnalogList(served.station, 2), 66);  // AGA7: 2 * 10 + 44 + 2
+    EXPECT_EQ(LogicalList(served.station, 2), 67);
+    const auto& lists = dynamic_cast<BsapStation&>(*served.device).Lists();
+    EXPECT_EQ(lists.at(66)->At(1)->description, "Volume Today");
+    const core::DateTime now = desk.clock.Now();
+    EXPECT_NE(lists.at(54)->ValueAt(*lists.at(54)->At(1), now), lists.at(66)->ValueAt(*lists.at(66)->At(1), now));
+    EXPECT_EQ(lists.at(67)->At(1)->description, "Status");
+}
+
+TEST_F(FieldTest, FaultsLieBetweenTheLineAndTheStation) {
+    AddStation(1, "TeleFlow", "COM1", "", "Modbus", 1);
+    AddRow(1, "A", "1", "Integer");
+    FieldOptions options;
+    options.faults[1].script = {Fault::Silence, Fault::Late};
+    Field field(desk.dbconn, options);
+    field.AttachTo(line);
+    Open(1);
+    const std::string request = Bytes("01 03 00 00 00 01 84 0A");
+    EXPECT_EQ(Ask(request), "");
+    EXPECT_EQ(Ask(request), "");
+    EXPECT_EQ(Ask(request).size(), 7U);
+    desk.clock.WaitMs(8000);
+    EXPECT_EQ(line.Input().size(), 7U);
+    EXPECT_EQ(field.Station(1)->faults->Count(Fault::None), 1);
+}
+
+double ValueOf(const GasBehaviour& behaviour, const char* description, const core::DateTime& at, const char* unit = "",
+               Kind kind = Kind::Decimal) {
+    return behaviour({1, description, unit, kind}, at);
+}
+
+TEST(GasBehaviour, VolumesAreTheFlowAddedUpAndTurnOverAtTheContractHour) {
+    const GasBehaviour station(7, 6);
+    const core::DateTime before{2026, 3, 10, 5, 59, 59};
+    const core::DateTime after{2026, 3, 10, 6, 0, 0};
+    const double day = ValueOf(station, "Volume Today", before);
+    EXPECT_EQ(ValueOf(station, "Volume Today", after), 0);
+    EXPECT_NEAR(ValueOf(station, "Volume Yesterday", after), day, day * 1e-4);
+    EXPECT_LT(ValueOf(station, "Volume Yesterday", before), day * 1.3);
+    EXPECT_NEAR(ValueOf(station, "Volume This Month", after), ValueOf(station, "Volume This Month", before), 1);
+    // The first gas day of the month: what was this month is last month.
+    EXPECT_NEAR(ValueOf(station, "Volume Last Month", {2026, 4, 1, 6, 0, 0}),
+                ValueOf(station, "Volume This Month", {2026, 4, 1, 5, 59, 59}), 1);
+    EXPECT_EQ(ValueOf(station, "Volume This Month", {2026, 4, 1, 6, 0, 0}), 0);
+    const double grown = ValueOf(station, "Total Volume Accumulated", {2026, 3, 10, 9, 0, 30}) -
+                         ValueOf(station, "Total Volume Accumulated", {2026, 3, 10, 8, 59, 30});
+    EXPECT_NEAR(grown, ValueOf(station, "Flowrate", {2026, 3, 10, 9, 0, 0}) / 60, grown * 1e-3);
+}
+
+TEST(GasBehaviour, EachKindOfValueMovesInItsWay) {
+    const GasBehaviour station(7, 6);
+    const core::DateTime noon{2026, 3, 10, 12, 34, 56};
+    const core::DateTime night{2026, 3, 11, 0, 30, 0};
+    EXPECT_EQ(ValueOf(station, "RTU Time - Year", noon), 2026);
+    EXPECT_EQ(ValueOf(station, "RTU Time - Month", noon), 3);
+    EXPECT_EQ(ValueOf(station, "RTU Time - Date", noon), 10);
+    EXPECT_EQ(ValueOf(station, "System Time Hour", noon), 12);
+    EXPECT_EQ(ValueOf(station, "RTU Time - Minute", noon), 34);
+    EXPECT_EQ(ValueOf(station, "DD MM YY HH MM SS", noon), 100326123456);
+    EXPECT_GT(ValueOf(station, "Solar Panel Voltage", noon), 15);
+    EXPECT_EQ(ValueOf(station, "Solar Panel Voltage", night), 0);
+    EXPECT_GT(ValueOf(station, "Main Battery Volt", noon), ValueOf(station, "Main Battery Volt", night));
+    EXPECT_NE(ValueOf(station, "Flowing Pressure", noon), ValueOf(station, "Flowing Pressure", night));
+    for (const char* constant : {"Methane", "Pipe Diameter", "Flowing Pressure Hi Limit", "PID Flow Set Point"}) {
+        EXPECT_EQ(ValueOf(station, constant, noon, "kg/cm2"), ValueOf(station, constant, night, "kg/cm2")) << constant;
+    }
+    const double pressure = ValueOf(station, "Flowing Pressure Live", noon, "kg/cm2");
+    EXPECT_GT(ValueOf(station, "Flowing Pressure Hi Limit", noon, "kg/cm2"), pressure);
+    EXPECT_LT(ValueOf(station, "Flowing Pressure Lo Limit", noon, "kg/cm2"), pressure);
+    EXPECT_EQ(ValueOf(station, "Flow Time Today", {2026, 3, 10, 8, 0, 0}, "min"), 120);
+    EXPECT_NE(ValueOf(GasBehaviour(8, 6), "Flowing Pressure", noon), ValueOf(station, "Flowing Pressure", noon));
+}
+
+// Masters of this field read floats from 2^-30 up to 2^31.
+TEST(GasBehaviour, EveryDeliveredValueIsOneThatAMasterCanRead) {
+    support::ScratchDesk desk;
+    const GasBehaviour station(7, 6);
+    for (const core::Row& row : desk.dbconn.Query("select Description, unit from parameter")) {
+        for (const core::DateTime& at : {core::DateTime{2026, 3, 10, 12, 0, 0}, {2026, 3, 10, 6, 0, 0}}) {
+            const double value = std::fabs(station({1, row.Text("Description"), row.Text("unit"), Kind::Float}, at));
+            EXPECT_TRUE(value == 0 || (value > 1e-3 && value < 2e9) || row.Text("Description") == "DD MM YY HH MM SS")
+                << row.Text("Description") << ' ' << value;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace fieldsim
