@@ -29,11 +29,11 @@ class DetailWriter {
     DetailWriter(core::Database& dbconn, const MapChoices& choices) : dbconn_(dbconn), choices_(choices) {}
 
     // A row of `parameter` under its list position.
-    void Template(const core::Row& row) { Insert(row["Description"], row["address"], row["datatype"], row, 0, 1); }
+    void Template(const core::Row& row) { Insert(row["Description"], row["address"], row["datatype"], row, 1); }
 
     // A row of a CW table under its list position. Streams share the positions and are told by their number.
     void CwTemplate(const core::Row& row, int streamno) {
-        Insert(row[0], row["startaddress"], row["type"], row, 0, streamno);
+        Insert(row[0], row["startaddress"], row["type"], row, streamno);
     }
 
     void Register(const RegisterRow& row) {
@@ -53,10 +53,10 @@ class DetailWriter {
 
   private:
     void Insert(const core::Value& description, const core::Value& address, const core::Value& type,
-                const core::Row& row, int MSD, int streamno) {
-        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,?,?,?,?,?)",
+                const core::Row& row, int streamno) {
+        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,0,?,?,?,?)",
                         {choices_.locationID, description, address, type, ++srno_, choices_.groupno, row["unit"],
-                         row["aga"], MSD, row["CFP"], row["RS"], row["WS"], streamno});
+                         row["aga"], row["CFP"], row["RS"], row["WS"], streamno});
     }
 
     core::Database& dbconn_;

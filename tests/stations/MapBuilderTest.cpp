@@ -1,4 +1,5 @@
 #include "stations/MapBuilder.h"
+#include "stations/Tables.h"
 #include "support/ScratchDesk.h"
 
 namespace {
@@ -22,16 +23,10 @@ struct MapBuilderTest : testing::Test {
     support::ScratchDesk desk;
 
     std::int64_t Count(const std::string& condition) {
-        return desk.dbconn.First("select count(*) from configdata_detail where " + condition)->operator[](0).Long();
+        return tables::Count(desk.dbconn, "configdata_detail where " + condition);
     }
 
-    std::vector<std::string> Texts(const std::string& sql) {
-        std::vector<std::string> texts;
-        for (const Row& row : desk.dbconn.Query(sql)) {
-            texts.push_back(row[0].Text());
-        }
-        return texts;
-    }
+    std::vector<std::string> Texts(const std::string& sql) { return tables::Texts(desk.dbconn, sql); }
 
     std::vector<std::string> Cells(const std::string& description) {
         const auto row = desk.dbconn.First("select * from configdata_detail where description=?", {description});
@@ -70,7 +65,7 @@ TEST_F(MapBuilderTest, RowsOfEachFamily) {
         EXPECT_EQ(Count("aga='AGA7'") > 0, !c.optAga3);
         EXPECT_EQ(Count("description like 'Differential Pressure %'") > 0, c.optAga3) << "alarm rows 226 to 232";
         EXPECT_EQ(Count("description like 'UnCorr.Flowrate %'") > 0, !c.optAga3) << "alarm rows 268 to 274";
-        EXPECT_EQ(desk.dbconn.First("select max(srno) from configdata_detail")->operator[](0).Long(), c.rows);
+        EXPECT_THAT(Texts("select max(srno) from configdata_detail"), ElementsAre(std::to_string(c.rows)));
     }
 }
 
@@ -123,7 +118,8 @@ TEST_F(MapBuilderTest, TheAddressGridsOfferTheirOwnAlarmAndPidRows) {
 
 TEST_F(MapBuilderTest, RegistersFollowTheSizeOfAValue) {
     // Position 100 of the float list; a coil keeps its number.
-    const std::string name = Texts("select description from parameter where protocol='Modbus' and address='54-100'")[0];
+    const std::string name =
+        Texts("select description from parameter where protocol='Modbus' and address='54-100'").at(0);
     const struct {
         stations::RegisterSize registers;
         const char* address;
