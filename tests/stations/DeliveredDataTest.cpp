@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <map>
 
 #include "core/Users.h"
@@ -24,15 +26,14 @@ struct DeliveredDataTest : testing::Test {
 
 TEST_F(DeliveredDataTest, TheClockIsSetThroughItsFixedPlaces) {
     const Names parts = {"Set Year", "Set Month", "Set Date", "Set Hour", "Set Minute", "Set Second"};
-    const auto clock = [&](const std::string& table, const std::string& address, int list, int first) {
-        for (std::size_t i = 0; i < parts.size(); ++i) {
-            EXPECT_EQ(Texts("select " + address + " from " + table + " and description=?", {parts[i]}),
-                      Names{std::to_string(list) + "-" + std::to_string(first + static_cast<int>(i))});
+    const auto clock = [&](const std::string& addressOfName, int first) {
+        for (const std::string& part : parts) {
+            EXPECT_EQ(Texts(addressOfName, {part}), Names{"54-" + std::to_string(first++)}) << part;
         }
     };
-    clock("parameter where protocol='Modbus'", "address", 54, 120);
-    clock("parameter where protocol='BSAP'", "startaddress", 54, 120);
-    clock("mdbus_mflow_aga3 where 1=1", "startaddress", 54, 83);
+    clock("select address from parameter where protocol='Modbus' and description=?", 120);
+    clock("select startaddress from parameter where protocol='BSAP' and description=?", 120);
+    clock("select startaddress from mdbus_mflow_aga3 where description=?", 83);
     const std::string last = " where description='Set Time & Date'";
     EXPECT_EQ(Texts("select distinct address from parameter" + last), Names{"55-23"});
     EXPECT_EQ(Texts("select startaddress from mdbus_mflow_aga3" + last), Names{"55-11"});

@@ -1,3 +1,6 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "stations/MapBuilder.h"
 #include "stations/Tables.h"
 #include "support/ScratchDesk.h"
