@@ -145,7 +145,7 @@ std::optional<std::string> ModbusSlave::NextAscii() {
         const std::string line = buffer_.substr(0, end);
         buffer_.erase(0, end + 1);
         const std::size_t colon = line.rfind(':');
-        const auto message =
+        auto message =
             colon != std::string::npos ? AsciiMessage(std::string_view(line).substr(colon + 1)) : std::nullopt;
         if (message) {
             return message;

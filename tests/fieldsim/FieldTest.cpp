@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 
 #include "fieldsim/Checks.h"
@@ -14,7 +15,6 @@ namespace fieldsim {
 namespace {
 
 using support::Bytes;
-using support::Hex;
 
 struct FieldTest : testing::Test {
     support::ScratchDesk desk;
