@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+
+#include "protocols/Conversation.h"
+
+namespace protocols {
+
+struct ModbusReply {
+    enum class Kind {
+        Values,      // decoded
+        NoResponse,  // shorter than any reply
+        CrcError,    // the check bytes differ
+        Exception,   // the station refused; mbvalues[1] is its code
+        Empty,       // a length that does not fit, or a function that is not decoded
+    };
+
+    Kind kind = Kind::NoResponse;
+    // "No Response", "CRC ERROR", "Ex.Error", or decimal values, each followed by one blank.
+    //
+    // Floats in ASCII framing reach mbvalues only and leave this empty, which elsewhere means that there was no
+    // response. So whoever judges a reply goes by its kind, never by its text: such a reply is one of values.
+    std::string text;
+
+    // The station sent something that counts as its answer; an exception is one.
+    bool Answered() const { return kind == Kind::Values || kind == Kind::Exception; }
+};
+
+// Check a reply and decode it into mbvalues, its first value at index 1, by the function in it and by `floatread`.
+// Values behind index 125 are left out. Index 1 is also where a failure stands: -32100 for a short reply or a length
+// that does not fit, the third byte after a bad check, the code of an exception.
+//
+// Floats are high word first. Integers are signed, and their check word stands behind them in mbvalues.
+ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply);
+
+// From the colon to CR and LF. A wrong check passes: it has never been looked at in this framing. Only coils and floats
+// are decoded.
+ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply);
+
+}  // namespace protocols
