@@ -96,6 +96,7 @@ std::unique_ptr<QuantumUnit> MakeQuantum(Field::Served& served, std::vector<Sign
     served.values[1] = {values};
     QuantumOptions options;
     options.silentMessage = silent ? 2 : 0;
+    options.answerMs = AnswerMs(served.station);
     return std::make_unique<QuantumUnit>(served.station.slaveaddress, values, options);
 }
 

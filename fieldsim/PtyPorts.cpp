@@ -40,6 +40,7 @@ struct PtyPorts::Port {
     int master = -1;
     int slave = -1;  // kept open, so that the terminal lives on while no master has it open
     int watched = -1;
+    int openings = 0;  // by masters, of those that are still open
     std::multimap<std::uint64_t, std::string> due;
 
     ~Port() {
@@ -51,6 +52,15 @@ struct PtyPorts::Port {
             if (file >= 0) {
                 close(file);
             }
+        }
+    }
+
+    void Note(std::uint32_t event) {
+        if ((event & IN_OPEN) != 0) {
+            ++openings;
+        } else if ((event & IN_CLOSE) != 0 && --openings == 0) {
+            tcflush(slave, TCIFLUSH);
+            device->LineClosed();
         }
     }
 
@@ -101,7 +111,7 @@ std::string PtyPorts::Open(const std::filesystem::path& link, Device& device) {
         return link.string() + ": " + error.message();
     }
     port->link = link;
-    port->watched = inotify_add_watch(watch_, port->terminal.c_str(), IN_CLOSE);
+    port->watched = inotify_add_watch(watch_, port->terminal.c_str(), IN_OPEN | IN_CLOSE);
     ports_.push_back(std::move(port));
     return {};
 }
@@ -113,13 +123,14 @@ void PtyPorts::Turn(int atMostMs) {
     }
     files.push_back({watch_, POLLIN, 0});
     if (poll(files.data(), files.size(), UntilNextDue(atMostMs)) > 0) {
+        // First who opened and closed: what has come by now may be from the next session.
+        if ((files.back().revents & POLLIN) != 0) {
+            NoteOpenings();
+        }
         for (std::size_t i = 0; i < ports_.size(); ++i) {
             if ((files[i].revents & POLLIN) != 0) {
                 Receive(*ports_[i]);
             }
-        }
-        if ((files.back().revents & POLLIN) != 0) {
-            NoteClosed();
         }
     }
     for (const auto& port : ports_) {
@@ -139,16 +150,17 @@ void PtyPorts::Receive(Port& port) {
     }
 }
 
-// Bytes that find the terminal's buffer full are lost, as on a line that nobody reads.
+// Bytes that find the port closed or its buffer full are lost, as on a line that nobody reads.
 void PtyPorts::SendDue(Port& port) {
     const auto later = port.due.upper_bound(RealNow().milliseconds);
-    for (auto answer = port.due.begin(); answer != later; ++answer) {
+    const bool heard = port.openings > 0 || port.watched < 0;
+    for (auto answer = port.due.begin(); heard && answer != later; ++answer) {
         static_cast<void>(!write(port.master, answer->second.data(), answer->second.size()));
     }
     port.due.erase(port.due.begin(), later);
 }
 
-void PtyPorts::NoteClosed() {
+void PtyPorts::NoteOpenings() {
     alignas(inotify_event) std::array<char, 4096> events{};
     const ssize_t size = read(watch_, events.data(), events.size());
     for (ssize_t at = 0; at + static_cast<ssize_t>(sizeof(inotify_event)) <= size;) {
@@ -157,7 +169,7 @@ void PtyPorts::NoteClosed() {
         at += static_cast<ssize_t>(sizeof event + event.len);
         for (const auto& port : ports_) {
             if (port->watched == event.wd) {
-                port->device->LineClosed();
+                port->Note(event.mask);
             }
         }
     }

@@ -12,7 +12,7 @@
 namespace fieldsim {
 
 // Devices behind pseudo-terminals, in real time. The master opens and closes them like serial ports, as often as it
-// likes; a close ends a modem's call and loses what is still under way.
+// likes; a close ends a modem's call, and what comes while no master has the port open is lost.
 class PtyPorts {
   public:
     PtyPorts();
@@ -33,11 +33,11 @@ class PtyPorts {
 
     void Receive(Port& port);
     void SendDue(Port& port);
-    void NoteClosed();
+    void NoteOpenings();
     int UntilNextDue(int atMostMs) const;
 
     std::vector<std::unique_ptr<Port>> ports_;
-    int watch_;  // tells when a master closes its port
+    int watch_;  // tells when a master opens or closes its port
 };
 
 }  // namespace fieldsim

@@ -160,6 +160,16 @@ TEST(BsapStation, ServesNothingThatIsNotAskedRightly) {
     EXPECT_EQ(ask(kFirst), "");
 }
 
+// A station that sends the request's own numbers back doubles a 10 among them, and what follows it stands further on.
+TEST(BsapStation, EchoesTheSequenceNumbersIfItIsOfThatKind) {
+    BsapOptions options;
+    options.echoSequences = true;
+    Asker ask(options);
+    EXPECT_EQ(Hex(ask.Raw(Bytes(kPoll)).substr(0, 11)), "10 02 00 01 00 86 01 00 01 10 03");
+    EXPECT_EQ(Hex(ask.Raw(Bytes(kPoll16)).substr(0, 13)), "10 02 00 10 10 00 86 01 00 10 10 10 03");
+    EXPECT_EQ(Hex(ask(kFirst).substr(2, 6)), "00 04 00 0B 00 06");
+}
+
 TEST(BsapStation, SignsOnWithoutTheSequenceBytesThatDidNotFit) {
     Asker ask;
     ask.Raw(BsapFrame(Bytes("01 02 A0 00 0B 00 70 05 01 00")));
