@@ -1,0 +1,130 @@
+#include "protocols/Modem.h"
+
+#include <string>
+
+namespace protocols {
+
+namespace {
+
+constexpr int mostDials = 3;
+constexpr double stepMs = 1000;  // after each step of the dialogue
+constexpr double pollMs = 50;    // while a result is awaited
+constexpr const char* noModem = "Check if Modem is plugged-in and power is on";
+constexpr const char* notReached = "No Dialtone/Line Engaged/Remote Modem not Responding";
+
+bool Holds(const std::string& text, const char* word) {
+    return text.find(word) != std::string::npos;
+}
+
+bool SaysFailed(const std::string& received) {
+    return Holds(received, "NO CARRIER") || Holds(received, "NO ANSWER") || Holds(received, "ERROR");
+}
+
+bool HasResult(const std::string& received) {
+    return SaysFailed(received) || Holds(received, "CONNECT");
+}
+
+void Report(Conversation& talk, const std::string& failure, const DialOptions& options) {
+    if (options.unattended) {
+        talk.logs.WriteRtuErr(failure + "[" + std::to_string(talk.station.locationID) + "]");
+    } else {
+        talk.feedback.Box(failure);
+    }
+}
+
+// Closes the port, reports, and gives the outcome on.
+DialOutcome Fail(Conversation& talk, DialOutcome outcome, const std::string& failure, const DialOptions& options) {
+    talk.line->PortOpen(false);
+    Report(talk, failure, options);
+    return outcome;
+}
+
+void SendDialCommand(Conversation& talk, int attemptcount) {
+    talk.feedback.Status("Redial Count:" + std::to_string(attemptcount));
+    talk.line->ClearOutBuffer();
+    talk.line->ClearInBuffer();
+    talk.Wait(stepMs);
+    talk.feedback.Status("Dialing " + talk.station.phoneno);
+    talk.line->ClearInBuffer();
+    talk.line->Output(talk.station.dialprefix + talk.station.phoneno + "\r");
+    talk.feedback.Lamp("TX");
+}
+
+struct DialResult {
+    std::string received;
+    bool timedOut = false;
+};
+
+DialResult AwaitResult(Conversation& talk, double timeoutMs) {
+    DialResult result;
+    for (double waited = 0; !HasResult(result.received) && !result.timedOut && talk.Wait(pollMs);) {
+        const std::string bytes = talk.line->Input();
+        if (!bytes.empty()) {
+            talk.feedback.Lamp("RX");
+        }
+        result.received += bytes;
+        waited += pollMs;
+        result.timedOut = timeoutMs > 0 && waited >= timeoutMs && !HasResult(result.received);
+    }
+    return result;
+}
+
+// One dial, from the open port to the modem's result. True: connected, or taken for it.
+bool DialOnce(Conversation& talk, int attemptcount, const DialOptions& options) {
+    SendDialCommand(talk, attemptcount);
+    const DialResult result = AwaitResult(talk, options.resultTimeoutMs);
+    talk.Wait(stepMs);
+    talk.feedback.Status(result.timedOut ? "TimeOut!!!! " : "Response From Modem:" + result.received);
+    talk.Wait(stepMs);
+    return !SaysFailed(result.received);
+}
+
+}  // namespace
+
+bool CheckModem(Conversation& talk) {
+    return Holds(Exchange(talk, "at\r", stepMs), "OK");
+}
+
+DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& options) {
+    const bool answers = CheckModem(talk);
+    if (talk.Ended()) {
+        return DialOutcome::Ended;
+    }
+    if (!answers) {
+        return Fail(talk, DialOutcome::NoModem, noModem, options);
+    }
+    for (;;) {
+        const bool connected = DialOnce(talk, attemptcount, options);
+        if (talk.Ended()) {
+            return DialOutcome::Ended;
+        }
+        ++attemptcount;
+        if (connected) {
+            talk.feedback.Status(options.connected);
+            return DialOutcome::Connected;
+        }
+        HangUp(*talk.line, talk.clock, redialGuardMs);
+        talk.line->PortOpen(false);
+        if (attemptcount >= mostDials) {
+            return Fail(talk, DialOutcome::NotReached, notReached, options);
+        }
+        talk.Wait(options.redialMs);
+        if (talk.Ended()) {
+            return DialOutcome::Ended;
+        }
+        if (!talk.line->PortOpen(true)) {
+            return Fail(talk, DialOutcome::NoPort, talk.line->LastError(), options);
+        }
+    }
+}
+
+void HangUp(Line& line, core::Clock& clock, double guardMs) {
+    if (!line.PortOpen()) {
+        return;
+    }
+    line.Output("+++");
+    clock.WaitMs(guardMs, [&line] { return !line.PortOpen(); });
+    line.Output("ath\r");
+}
+
+}  // namespace protocols
