@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::uint64_t kRequestGapMs = 200;
 
-constexpr std::array<std::pair<std::string_view, Fault>, 9> kNames = {{
+constexpr std::array<std::pair<std::string_view, Fault>, 10> kNames = {{
+    {"None", Fault::None},
     {"Silence", Fault::Silence},
     {"NoiseBefore", Fault::NoiseBefore},
     {"NoiseAfter", Fault::NoiseAfter},
@@ -26,10 +27,10 @@ constexpr std::array<std::pair<std::string_view, Fault>, 9> kNames = {{
 
 }  // namespace
 
-Fault FaultByName(std::string_view name) {
+std::optional<Fault> FaultByName(std::string_view name) {
     const auto* const known =
         std::find_if(kNames.begin(), kNames.end(), [&](const auto& entry) { return entry.first == name; });
-    return known != kNames.end() ? known->second : Fault::None;
+    return known != kNames.end() ? std::optional(known->second) : std::nullopt;
 }
 
 std::vector<Answer> LineFaults::Receive(std::string_view bytes, const Moment& now) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -25,8 +26,8 @@ enum class Fault {
     NoCarrier,    // half an answer, then "NO CARRIER"
 };
 
-// "Silence", "NoiseBefore", ... as a fault; None for any other name.
-Fault FaultByName(std::string_view name);
+// "None", "Silence", "NoiseBefore", ... as a fault; nothing for any other name.
+std::optional<Fault> FaultByName(std::string_view name);
 
 // A line on which the device's answers meet faults: first those of a script, one an answer, then by chance.
 class LineFaults final : public Device {

@@ -1,8 +1,10 @@
 // fieldsim: plays the stations of a register on pseudo-terminals.
 
 #include <csignal>
+#include <deque>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -73,15 +75,41 @@ std::deque<fieldsim::DialOutcome> ModemScript(const std::string& text) {
     return script;
 }
 
-fieldsim::LineFaults::Options FaultScript(const std::string& text) {
+// The script of a station's faults; nothing when a name in it is none.
+std::optional<fieldsim::LineFaults::Options> FaultScript(const std::string& text) {
     fieldsim::LineFaults::Options faults;
     for (const std::string& name : Pieces(text)) {
-        faults.script.push_back(fieldsim::FaultByName(name));
+        const auto fault = fieldsim::FaultByName(name);
+        if (!fault) {
+            return std::nullopt;
+        }
+        faults.script.push_back(*fault);
     }
     return faults;
 }
 
-// An option with a value. False: there is no such option.
+bool ApplyFault(fieldsim::FieldOptions& field, std::int64_t locationID, const std::string& names) {
+    const auto script = FaultScript(names);
+    if (script) {
+        field.faults[locationID] = *script;
+    }
+    return script.has_value();
+}
+
+bool ApplyChance(fieldsim::FieldOptions& field, const std::string& name, double chance) {
+    const auto fault = fieldsim::FaultByName(name);
+    if (!fault) {
+        return false;
+    }
+    if (!field.faultsElsewhere) {
+        field.faultsElsewhere.emplace();
+        field.faultsElsewhere->seed = field.seed;
+    }
+    field.faultsElsewhere->chances[*fault] = chance;
+    return true;
+}
+
+// An option with a value. False: there is no such option, or its value is none.
 bool Apply(Arguments& arguments, const std::string& option, const std::string& value) {
     const std::size_t equals = value.find('=');
     const std::string key = value.substr(0, equals);
@@ -96,13 +124,9 @@ bool Apply(Arguments& arguments, const std::string& option, const std::string& v
     } else if (option == "--modem") {
         field.modems[PortNumber(key)] = ModemScript(rest);
     } else if (option == "--fault") {
-        field.faults[Number(key)] = FaultScript(rest);
+        return ApplyFault(field, Number(key), rest);
     } else if (option == "--chance") {
-        if (!field.faultsElsewhere) {
-            field.faultsElsewhere.emplace();
-            field.faultsElsewhere->seed = field.seed;
-        }
-        field.faultsElsewhere->chances[fieldsim::FaultByName(key)] = core::Val(rest);
+        return ApplyChance(field, key, core::Val(rest));
     } else if (option == "--silent") {
         field.silent.insert(Number(value));
     } else {
