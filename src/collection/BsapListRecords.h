@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace collection {
+
+// A signal of a station's list as the station sends it.
+struct ListSignal {
+    double value = 0;  // rounded to 6 decimals; a logical one is 1 or 0
+    int typecode = 0;
+    bool logical = false;
+    std::string unit;  // without the NULs and blanks around it
+    int MSD = 0;       // the signal's address, for writes
+};
+
+// "Analog Alarm(6)": what a type code stands for, with the code behind it.
+std::string SignalTypeText(const ListSignal& signal);
+
+// How the records of a list reply are laid out.
+struct RecordForm {
+    std::size_t firstRecord = 1;   // position from 1
+    bool units = true;             // long records: six characters of units in each
+    bool isTeleCorrector = false;  // its type code 32 is a logical one
+};
+
+struct ListRecords {
+    std::vector<ListSignal> signals;
+    // The records filled their place in the reply to its last byte. Otherwise bytes are missing, or are not records,
+    // and which record is which cannot be told. Always true for records without units, whose places in the reply are
+    // longer than they are.
+    bool whole = true;
+};
+
+// The records of a list reply whose pairs are undone, up to its trailer. A record that is cut short by the trailer is
+// not among them.
+ListRecords ReadRecords(std::string_view reply, const RecordForm& form);
+
+}  // namespace collection

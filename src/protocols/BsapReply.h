@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Where things stand in the replies of a BSAP station. Positions count from 1 over the text as it was received, or with
+// its pairs undone where that is said. The check of a reply is not looked at.
+namespace protocols {
+
+struct BsapReplyLayout {
+    // Poll reply as received, its first byte cut off.
+    std::size_t pollAddress;
+    std::size_t pollStatus;
+    // Version reply as received, two bytes.
+    std::size_t loadVersion;
+    // List reply, its pairs undone.
+    std::size_t listNext;  // two bytes
+    std::size_t firstRecord;
+};
+
+constexpr BsapReplyLayout longReply = {6, 7, 14, 14, 16};
+// One byte less in front of everything: the CW models.
+constexpr BsapReplyLayout shortReply = {5, 6, 13, 13, 15};
+
+constexpr const BsapReplyLayout& ReplyLayout(bool isCW) {
+    return isCW ? shortReply : longReply;
+}
+
+// DLE ETX and the check, at the end of every reply.
+constexpr std::size_t replyTrailer = 4;
+
+// The byte at a position from 1; nothing behind the end of the text.
+std::optional<int> ByteAtPosition(std::string_view reply, std::size_t position);
+
+// The reply with every pair 10 10 made one 10. The last two bytes are the check, which is not escaped: they stay.
+std::string UndoDoubling(const std::string& reply);
+
+// The reply as received is one frame from DLE STX to its check, nothing in front, nothing behind and no second one.
+// What a cut or noisy reply or two replies in one reading are not.
+bool IsWholeFrame(std::string_view reply);
+
+}  // namespace protocols
