@@ -1,0 +1,161 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "fieldsim/ModbusSlave.h"
+#include "protocols/FieldTalk.h"
+#include "protocols/ModbusTransact.h"
+#include "support/Hex.h"
+
+using namespace protocols;
+using support::Bytes;
+using support::Hex;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Kind = ModbusReply::Kind;
+
+namespace {
+
+const std::string request = Bytes("01 03 00 64 00 02 85 D4");  // two registers from 100
+const std::string hundred = fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes("01 03 04 42 C8 00 00"));
+const std::string badCheck = Bytes("01 03 04 42 C8 00 00 00 00");
+const std::string exception = Bytes("01 83 02 C0 F1");
+
+struct ModbusTransactTest : testing::Test, support::ScriptedTalk {
+    void SetUp() override {
+        line.PortOpen(true);
+        talk.modbus.floatread = true;
+    }
+};
+
+}  // namespace
+
+TEST_F(ModbusTransactTest, AScheduledReadTakesFiveWaits) {
+    std::uint64_t sentAt = 0;
+    line.answer = [&](const std::string&) {
+        sentAt = desk.clock.Elapsed();
+        return hundred;
+    };
+    const ModbusReply reply = ModbusTransact(talk, 100, 2, 3);
+    EXPECT_EQ(reply.kind, Kind::Values);
+    EXPECT_EQ(reply.text, "100 ");
+    EXPECT_EQ(talk.modbus.mbvalues[1], 100);
+    EXPECT_EQ(Hex(line.sent.at(0)), Hex(request));
+    EXPECT_EQ(sentAt, 2000U);
+    EXPECT_EQ(desk.clock.Elapsed(), 10000U);
+    EXPECT_THAT(desk.feedback.status, ElementsAre("Scheduler :: Sending Request", "Scheduler :: Wating for response",
+                                                  "Scheduler :: Converting Response...."));
+    EXPECT_EQ(desk.RtuErr(), "");
+}
+
+TEST_F(ModbusTransactTest, AScheduledFailureIsALineOfTheErrorLog) {
+    const std::string silent = "There was No Response from the controller[7]! Check Settings and try again!";
+    const struct {
+        std::string reply;
+        Kind kind;
+        const char* text;
+        std::vector<std::string> errors;
+    } cases[] = {
+        {"", Kind::NoResponse, "", {silent}},
+        {badCheck, Kind::CrcError, "", {"A CRC Error occurred in the last packet locationID --[7]!"}},
+        {Bytes("01 05 00 04 FF 00 CD FB"), Kind::Empty, "", {silent}},
+        {exception, Kind::Exception, "Ex.Error", {}},
+    };
+    for (const auto& [answer, kind, text, errors] : cases) {
+        std::filesystem::remove(desk.shared.rtuErrPath);
+        line.replies = {answer, hundred};
+        const ModbusReply reply = ModbusTransact(talk, 100, 2, 3);
+        EXPECT_EQ(reply.kind, kind);
+        EXPECT_EQ(reply.text, text);
+        EXPECT_EQ(Errors(), errors);
+        EXPECT_EQ(line.replies.size(), 1U) << "one try";
+    }
+    EXPECT_THAT(desk.feedback.boxes, IsEmpty());
+}
+
+TEST_F(ModbusTransactTest, ARequestThatCannotBeBuiltIsNotSent) {
+    for (const auto& [reg, slave] : {std::pair(-1, 1), {100, 248}}) {
+        talk.station.slaveaddress = slave;
+        EXPECT_FALSE(ModbusTransact(talk, reg, 2, 3).Answered());
+    }
+    EXPECT_THAT(line.sent, IsEmpty());
+    EXPECT_EQ(desk.feedback.boxes,
+              std::vector<std::string>(2, "Valid parameters not available to assemble Modbus packet"));
+}
+
+TEST_F(ModbusTransactTest, WhatWasLeftOnTheLineIsNoAnswer) {
+    desk.clock.After(1000, [&] { line.Output("noise"); });
+    line.replies = {hundred, ""};  // the first is there before the request
+    EXPECT_EQ(ModbusTransact(talk, 100, 2, 3).kind, Kind::NoResponse);
+}
+
+TEST_F(ModbusTransactTest, AConversationToldToEndStopsAtOnceWithoutALine) {
+    line.replies = {"", hundred};
+    for (const std::uint32_t endMs : {1000U, 3000U, 7000U}) {
+        support::ScriptedTalk other;
+        other.line.PortOpen(true);
+        other.desk.clock.After(endMs, [&] { other.field.EndConversation("Program ends"); });
+        EXPECT_FALSE(ModbusTransact(other.talk, 100, 2, 3).Answered());
+        EXPECT_EQ(other.desk.clock.Elapsed(), endMs);
+        EXPECT_EQ(other.desk.RtuErr(), "");
+        EXPECT_EQ(other.line.sent.size(), endMs > 2000 ? 1U : 0U);
+    }
+}
+
+TEST_F(ModbusTransactTest, OnlineTriesThreeTimesAndThenTells) {
+    const struct {
+        std::vector<std::string> replies;
+        Kind kind;
+        std::vector<std::string> boxes;
+        std::vector<std::string> tries;
+    } cases[] = {
+        {{badCheck, "", hundred}, Kind::Values, {}, {"Try1", "Try2"}},
+        {{hundred}, Kind::Values, {}, {}},
+        {{hundred.substr(0, 4), "", ""},
+         Kind::NoResponse,
+         {"There was No Response from the controller!\rCheck Settings and try again!"},
+         {"Try1", "Try2"}},
+        {{"", "", badCheck}, Kind::CrcError, {"A CRC Error occurred in the last packet!"}, {"Try1", "Try2"}},
+        {{exception, exception, exception}, Kind::Exception, {"Invalid Modbus Address Specified"}, {"Try1", "Try2"}},
+    };
+    for (const auto& [replies, kind, boxes, tries] : cases) {
+        std::filesystem::remove(desk.shared.rtuErrPath);
+        desk.feedback = {};
+        line.sent.clear();
+        line.replies = {replies.begin(), replies.end()};
+        const ModbusReply reply = ModbusTransact(talk, 100, 2, 3, onlineTransact);
+        EXPECT_EQ(reply.kind, kind);
+        EXPECT_EQ(reply.text, kind == Kind::Values ? "100 " : "");
+        EXPECT_EQ(desk.feedback.boxes, boxes);
+        EXPECT_EQ(Errors(), tries);
+        EXPECT_EQ(line.sent.size(), replies.size());
+    }
+}
+
+// A slave of another make of code, in both framings, whose answer comes just before the second wait is over.
+TEST(ModbusTransact, ReadsAStationInItsFraming) {
+    for (const bool ascii : {false, true}) {
+        for (const std::uint32_t answerMs : {50U, 3999U, 4001U}) {
+            support::SimulatedTalk field;
+            fieldsim::ModbusSlave slave(1, ascii ? fieldsim::Framing::Ascii : fieldsim::Framing::Rtu,
+                                        fieldsim::MakeModbusMap({{1, "Pressure", "bar", fieldsim::Kind::Float, 12.5},
+                                                                 {3, "Flow", "SCM", fieldsim::Kind::Float, -250}},
+                                                                {{1, "Valve", "", fieldsim::Kind::Logical, 1}}),
+                                        answerMs);
+            field.line.Attach(1, slave);
+            field.line.CommPort(1);
+            ASSERT_TRUE(field.line.PortOpen(true));
+            field.talk.station.mode = ascii ? "ASCII" : "RTU";
+            field.talk.modbus.floatread = true;
+
+            const ModbusReply floats = ModbusTransact(field.talk, 0, 4, 3);
+            EXPECT_EQ(floats.kind, answerMs < 4000 ? Kind::Values : Kind::NoResponse);
+            EXPECT_EQ(floats.text, answerMs < 4000 && !ascii ? "12.5 -250 " : "");
+            if (answerMs < 4000) {
+                EXPECT_EQ(field.talk.modbus.mbvalues[1], 12.5);
+                EXPECT_EQ(field.talk.modbus.mbvalues[2], -250);
+                EXPECT_TRUE(ModbusTransact(field.talk, 0, 1, 1).Answered());
+                EXPECT_EQ(field.talk.modbus.mbvalues[1], 1);
+            }
+        }
+    }
+}

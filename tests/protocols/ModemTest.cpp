@@ -1,0 +1,167 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "fieldsim/HayesModem.h"
+#include "protocols/FieldTalk.h"
+#include "protocols/Modem.h"
+
+using namespace protocols;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr const char* ok = "\r\nOK\r\n";
+constexpr const char* dialCommand = "atx3dt0265-12\r";
+
+struct ModemTest : testing::Test, support::ScriptedTalk {
+    int attemptcount = 0;
+
+    void SetUp() override { line.PortOpen(true); }
+};
+
+}  // namespace
+
+TEST_F(ModemTest, ConnectsAtTheFirstDial) {
+    line.replies = {ok, "\r\nCONNECT 9600\r\n"};
+    EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::Connected);
+    EXPECT_THAT(line.sent, ElementsAre("at\r", dialCommand));
+    EXPECT_EQ(attemptcount, 1);
+    EXPECT_THAT(desk.feedback.status,
+                ElementsAre("Redial Count:0", "Dialing 0265-12", "Response From Modem:\r\nCONNECT 9600\r\n",
+                            "connected to Location "));
+    EXPECT_EQ(desk.clock.Elapsed(), 1000U + 1000 + 50 + 1000 + 1000);
+    EXPECT_TRUE(line.PortOpen());
+    EXPECT_EQ(desk.RtuErr(), "");
+}
+
+TEST_F(ModemTest, ASilentModemIsNotDialled) {
+    for (const char* answer : {"", "at\r\r\nERROR\r\n"}) {
+        line.PortOpen(true);
+        line.sent.clear();
+        line.replies = {answer};
+        EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::NoModem);
+        EXPECT_THAT(line.sent, ElementsAre("at\r"));
+        EXPECT_FALSE(line.PortOpen());
+    }
+    EXPECT_EQ(attemptcount, 0);
+    EXPECT_EQ(Errors(), std::vector<std::string>(2, "Check if Modem is plugged-in and power is on[7]"));
+    EXPECT_THAT(desk.feedback.boxes, IsEmpty());
+}
+
+TEST_F(ModemTest, AFailedDialIsHungUpAndDialledAgain) {
+    line.replies = {ok, "NO CARRIER", "", "", "CONNECT"};
+    EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::Connected);
+    EXPECT_THAT(line.sent, ElementsAre("at\r", dialCommand, "+++", "ath\r", dialCommand));
+    EXPECT_EQ(attemptcount, 2);
+    EXPECT_EQ(line.opened, 2);
+    EXPECT_THAT(desk.feedback.status, Contains("Redial Count:1"));
+    // The first dial with its hang-up and pause, then the second.
+    EXPECT_EQ(desk.clock.Elapsed(), 1000U + (1000 + 50 + 2000) + 1500 + 1000 + (1000 + 50 + 2000));
+}
+
+TEST_F(ModemTest, TheThirdFailureEndsItWhoeverCounted) {
+    const struct {
+        int counted;  // by the scheduler before
+        std::vector<std::string> results;
+    } cases[] = {{0, {"NO ANSWER", "ERROR", "NO CARRIER"}},
+                 {2, {"\r\nCONNECT\r\nNO CARRIER\r\n"}},  // both in one reply is a failure
+                 {1, {"ERROR", "ERROR"}}};
+    for (const auto& [counted, results] : cases) {
+        std::filesystem::remove(desk.shared.rtuErrPath);
+        line.PortOpen(true);
+        line.sent.clear();
+        line.replies = {ok};
+        for (const std::string& result : results) {
+            line.replies.insert(line.replies.end(), {result, "", ""});
+        }
+        attemptcount = counted;
+        EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::NotReached);
+        EXPECT_EQ(attemptcount, 3);
+        EXPECT_EQ(line.sent.size(), 1 + 3 * results.size());
+        EXPECT_EQ(line.sent.back(), "ath\r");
+        EXPECT_FALSE(line.PortOpen());
+        EXPECT_THAT(Errors(), ElementsAre("No Dialtone/Line Engaged/Remote Modem not Responding[7]"));
+    }
+}
+
+TEST_F(ModemTest, ADialWithoutAResultCountsAsConnectedAfterThirtySeconds) {
+    line.replies = {ok, "BUSY"};
+    EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::Connected);
+    EXPECT_EQ(desk.clock.Elapsed(), 1000U + 1000 + 30000 + 2000);
+    EXPECT_THAT(desk.feedback.status,
+                ElementsAre("Redial Count:0", "Dialing 0265-12", "TimeOut!!!! ", "connected to Location "));
+    EXPECT_EQ(attemptcount, 1);
+}
+
+TEST_F(ModemTest, APortThatCannotBeOpenedAgainIsAFailure) {
+    line.replies = {ok, "NO CARRIER"};
+    desk.clock.After(3000, [this] { line.canOpen = false; });
+    EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::NoPort);
+    EXPECT_FALSE(line.PortOpen());
+    EXPECT_THAT(Errors(), ElementsAre("No such device[7]"));
+}
+
+TEST_F(ModemTest, OnlineWaitsAsLongAsItTakesAndTellsInBoxes) {
+    line.replies = {ok, ""};
+    desk.clock.After(95000, [this] { line.Output("x"); });
+    line.replies.emplace_back("CONNECT");
+    EXPECT_EQ(Dial(talk, attemptcount, onlineDial), DialOutcome::Connected);
+    EXPECT_EQ(desk.feedback.status.back(), "Connected to Location ");
+
+    line.replies = {""};
+    EXPECT_EQ(Dial(talk, attemptcount, onlineDial), DialOutcome::NoModem);
+    EXPECT_THAT(desk.feedback.boxes, ElementsAre("Check if Modem is plugged-in and power is on"));
+    EXPECT_EQ(desk.RtuErr(), "");
+}
+
+TEST_F(ModemTest, AConversationToldToEndStopsAtOnceAndCanStillHangUp) {
+    line.replies = {ok};
+    desk.clock.After(12345, [this] { field.EndConversation("Program ends"); });
+    EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::Ended);
+    EXPECT_EQ(desk.clock.Elapsed(), 12345U);
+    EXPECT_EQ(desk.RtuErr(), "");
+
+    HangUp(*talk.line, desk.clock, disconnectGuardMs);
+    EXPECT_EQ(desk.clock.Elapsed(), 12345U + 2500);
+    EXPECT_THAT(line.sent, ElementsAre("at\r", dialCommand, "+++", "ath\r"));
+    EXPECT_TRUE(line.PortOpen());
+}
+
+TEST_F(ModemTest, NothingIsHungUpOnALineThatWasTakenAway) {
+    const auto run = field.TakeOver("The scheduler took the line");
+    HangUp(*talk.line, desk.clock, disconnectGuardMs);
+    EXPECT_THAT(line.sent, IsEmpty());
+    EXPECT_EQ(desk.clock.Elapsed(), 0U);
+
+    // Also when that happens inside the guard time: the command must not reach the new conversation's station.
+    std::shared_ptr<LineLease> other;
+    desk.clock.After(500, [&] { other = field.TakeOver("The scheduler took the line"); });
+    HangUp(*run, desk.clock, disconnectGuardMs);
+    EXPECT_THAT(line.sent, ElementsAre("+++"));
+    EXPECT_EQ(desk.clock.Elapsed(), 500U);
+}
+
+// With a modem that keeps guard times, and forgets the call when its port closes.
+TEST(Modem, TalksToAHayesModem) {
+    support::SimulatedTalk field;
+    fieldsim::HayesModem modem;
+    struct Silent final : fieldsim::Device {
+        std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
+    } station;
+    modem.PhoneBook("0265-12", station);
+    modem.Script({{"NO CARRIER", 20000}, {"NO ANSWER", 25000}, {"CONNECT 9600", 8000}});
+    field.line.Attach(1, modem);
+    field.line.CommPort(1);
+    ASSERT_TRUE(field.line.PortOpen(true));
+
+    int attemptcount = 0;
+    EXPECT_EQ(Dial(field.talk, attemptcount), DialOutcome::Connected);
+    EXPECT_EQ(attemptcount, 3);
+    EXPECT_EQ(modem.Dialled().size(), 3U);
+    Exchange(field.talk, "a request");
+    EXPECT_TRUE(modem.Connected());
+    HangUp(*field.talk.line, field.desk.clock, redialGuardMs);
+    EXPECT_FALSE(modem.Connected());
+}
