@@ -40,10 +40,10 @@ struct FieldOptions {
     std::uint32_t seed = 1;
     int contractHour = 6;  // at which the gas day begins, 0 to 23
     ListAnswer lists = ListAnswer::AtOnce;
-    std::set<std::int64_t> silent;                       // stations that never answer for one list, register or message
-    std::map<std::int64_t, LineFaults::Options> faults;  // by station
-    std::optional<LineFaults::Options> faultsElsewhere;  // at all other stations, each with a seed of its own
-    std::map<int, std::deque<DialOutcome>> modems;       // scripts of the modems, by port number
+    std::set<std::int64_t> silent{};  // stations that never answer for one list, register or message
+    std::map<std::int64_t, LineFaults::Options> faults{};  // by station
+    std::optional<LineFaults::Options> faultsElsewhere{};  // at all other stations, each with a seed of its own
+    std::map<int, std::deque<DialOutcome>> modems{};       // scripts of the modems, by port number
 };
 
 // All devices of a station register: each station behind its port, or behind the modem there when it has a number to

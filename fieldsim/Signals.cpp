@@ -75,9 +75,11 @@ std::vector<ServedValue> SignalList::Served(std::string_view description) const 
 }
 
 bool SignalList::WasServed(std::string_view description, double value) const {
+    // Half of the fourth place, and what was rounded off on the way: a unit's text has five places.
+    constexpr double halfPlace = 0.5e-4 + 0.5e-5;
     const auto served = Served(description);
     return std::any_of(served.begin(), served.end(), [&](const ServedValue& known) {
-        return std::fabs(known.value - value) <= std::max(0.5e-4, std::fabs(known.value) * 1e-6);
+        return std::fabs(known.value - value) <= 1e-9 + std::max(halfPlace, std::fabs(known.value) * 1e-6);
     });
 }
 

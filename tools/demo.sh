@@ -36,7 +36,7 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
 fi
 
 "$build/demo_register" "$demo" "$contract_hour"
-"$build/fieldsim" --directory "$demo" --modem 'COM3=NO CARRIER,CONNECT' >"$demo/field.log" 2>&1 &
+"$build/fieldsim/fieldsim" --directory "$demo" --modem 'COM3=NO CARRIER,CONNECT' >"$demo/field.log" 2>&1 &
 children+=($!)
 /usr/bin/python3 tests/support/smtp_sink.py "$demo/mail" >"$demo/mail.log" 2>&1 &
 children+=($!)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing; does nothing, and needs no root, when none is.
+# Installs the Debian packages that are missing, and those named as arguments; does nothing, and needs no root, when
+# none is missing.
 set -euo pipefail
 
 packages=(
@@ -11,6 +12,8 @@ packages=(
 )
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
+
+packages+=("$@")
 
 missing=()
 for package in "${packages[@]}"; do

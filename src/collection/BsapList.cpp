@@ -63,7 +63,7 @@ class ListFetch {
         BsapState& state = talk_.bsap;
         const std::string reply = protocols::UndoDoubling(received);
         const std::size_t tooShort = state.usepoll ? 22 : 18;
-        if (reply.size() <= tooShort || !protocols::IsWholeFrame(received)) {
+        if (reply.size() <= tooShort || !protocols::IsWholeFrame(received) || !protocols::HasRightCheck(received)) {
             return std::nullopt;
         }
         const auto& layout = protocols::ReplyLayout(talk_.station.isCW);

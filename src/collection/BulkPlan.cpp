@@ -59,14 +59,17 @@ std::vector<Block> Contiguous(const std::vector<int>& addresses, BlockType type,
 
 }  // namespace
 
-int RegistersPerValue(BlockType type, bool rtu32bit) { return type == BlockType::Float && !rtu32bit ? 2 : 1; }
+int RegistersPerValue(BlockType type, bool rtu32bit) {
+    return type == BlockType::Float && !rtu32bit ? 2 : 1;
+}
 
 std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs, const core::Station& station,
                                         int streamno) {
     std::vector<Block> blocks;
     const std::string location = "[" + std::to_string(station.locationID) + "]";
     for (const core::Row& row :
-         dbconn.Query("select distinct(type) from configdata_detail where StreamNo=? and locationid=?",
+         dbconn.Query("select distinct(type) from configdata_detail where StreamNo=? and locationid=? "
+                      "order by type",
                       {streamno, station.locationID})) {
         const auto type = TypeOf(row[0].Text());
         if (!type) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/Text.h"
+#include "protocols/BsapCheck.h"
 
 namespace protocols {
 
@@ -28,6 +29,16 @@ bool IsWholeFrame(std::string_view reply) {
         dle = reply.find('\x10', dle + 2);
     }
     return dle != std::string_view::npos && reply.substr(dle, 2) == "\x10\x03" && dle + replyTrailer == reply.size();
+}
+
+bool HasRightCheck(std::string_view frame) {
+    constexpr std::size_t checkLength = 2;
+    if (frame.size() < checkLength) {
+        return false;
+    }
+    const std::string_view check = frame.substr(frame.size() - checkLength);
+    const int value = BsapCheck(frame.substr(0, frame.size() - checkLength));
+    return static_cast<unsigned char>(check[0]) == value % 256 && static_cast<unsigned char>(check[1]) == value / 256;
 }
 
 }  // namespace protocols

@@ -6,7 +6,7 @@
 #include <string_view>
 
 // Where things stand in the replies of a BSAP station. Positions count from 1 over the text as it was received, or with
-// its pairs undone where that is said. The check of a reply is not looked at.
+// its pairs undone where that is said. The check of a reply is looked at only where values are taken from it.
 namespace protocols {
 
 struct BsapReplyLayout {
@@ -40,5 +40,8 @@ std::string UndoDoubling(const std::string& reply);
 // The reply as received is one frame from DLE STX to its check, nothing in front, nothing behind and no second one.
 // What a cut or noisy reply or two replies in one reading are not.
 bool IsWholeFrame(std::string_view reply);
+
+// The check of a whole frame is right. A bit that falls over on the line would otherwise be a value.
+bool HasRightCheck(std::string_view frame);
 
 }  // namespace protocols

@@ -2,7 +2,9 @@
 
 namespace protocols {
 
-std::string Exchange(Conversation& talk, const std::string& frame) { return Exchange(talk, frame, talk.CommTimeout()); }
+std::string Exchange(Conversation& talk, const std::string& frame) {
+    return Exchange(talk, frame, talk.CommTimeout());
+}
 
 std::string Exchange(Conversation& talk, const std::string& frame, double answerMs) {
     if (talk.Ended()) {

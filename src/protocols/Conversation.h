@@ -16,9 +16,9 @@ namespace protocols {
 // The sequence numbers of the BSAP side. They live for the run of the program: no sign-on and no new station resets
 // them, so a late answer to an earlier station never has the number of the present request.
 struct BsapCounters {
-    int bsapseq = 0;       // link sequence, 1 to 255
-    int appseqlow = 0;     // application sequence, low byte
-    int appseqhigh = 0;    // and high byte
+    int bsapseq = 0;     // link sequence, 1 to 255
+    int appseqlow = 0;   // application sequence, low byte
+    int appseqhigh = 0;  // and high byte
 };
 
 // What the Modbus side keeps between building a request and reading its values.

@@ -50,7 +50,9 @@ std::shared_ptr<LineLease> FieldLine::TakeOver(const std::string& reason) {
     return Lease();
 }
 
-std::shared_ptr<LineLease> FieldLine::TakeIfFree() { return InUse() ? nullptr : Lease(); }
+std::shared_ptr<LineLease> FieldLine::TakeIfFree() {
+    return InUse() ? nullptr : Lease();
+}
 
 bool FieldLine::InUse() const {
     const auto holder = holder_.lock();

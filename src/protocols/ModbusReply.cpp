@@ -95,13 +95,17 @@ class Values {
     std::size_t next_ = 1;
 };
 
-ModbusReply Reply(std::string text) {
-    return {text.empty() ? Kind::Empty : Kind::Values, std::move(text)};
+ModbusReply Reply(std::string text, std::size_t count = 0) {
+    return {text.empty() ? Kind::Empty : Kind::Values, std::move(text), count};
+}
+
+ModbusReply Reply(Values& values) {
+    return Reply(std::move(values.text), values.Count());
 }
 
 ModbusReply NoResponse(ModbusState& modbus) {
     modbus.mbvalues[1] = lengthError;
-    return {Kind::NoResponse, "No Response"};
+    return {Kind::NoResponse, "No Response", 0};
 }
 
 ModbusReply LengthMismatch(ModbusState& modbus) {
@@ -111,7 +115,7 @@ ModbusReply LengthMismatch(ModbusState& modbus) {
 
 ModbusReply Exception(ModbusState& modbus, int code) {
     modbus.mbvalues[1] = code;
-    return {Kind::Exception, "Ex.Error"};
+    return {Kind::Exception, "Ex.Error", 0};
 }
 
 int ByteAt(std::string_view bytes, std::size_t index) {
@@ -149,7 +153,7 @@ ModbusReply DecodeCoils(ModbusState& modbus, std::string_view reply) {
     for (const char byte : CountedData(reply)) {
         values.AddCoils(static_cast<unsigned char>(byte));
     }
-    return Reply(std::move(values.text));
+    return Reply(values);
 }
 
 ModbusReply DecodeFloats(ModbusState& modbus, std::string_view reply) {
@@ -158,7 +162,7 @@ ModbusReply DecodeFloats(ModbusState& modbus, std::string_view reply) {
     for (std::size_t at = 0; at + 4 <= data.size(); at += 4) {
         values.AddFloat(BitsToFloat(DoubleWordAt(data, at)));
     }
-    return Reply(std::move(values.text));
+    return Reply(values);
 }
 
 ModbusReply DecodeIntegers(ModbusState& modbus, std::string_view reply) {
@@ -175,7 +179,7 @@ ModbusReply DecodeIntegers(ModbusState& modbus, std::string_view reply) {
     if (at + 2 <= reply.size()) {
         values.Add(SignedWordAt(reply, at));
     }
-    return Reply(std::move(values.text));
+    return Reply(values);
 }
 
 ModbusReply DecodeWritten(ModbusState& modbus, std::string_view reply) {
@@ -225,7 +229,7 @@ ModbusReply DecodeAsciiCoils(ModbusState& modbus, std::string_view pairs) {
     for (std::size_t at = 0; at < data.size(); at += 2) {
         values.AddCoils(PairAt(data, at));
     }
-    return Reply(std::move(values.text));
+    return Reply(values);
 }
 
 ModbusReply DecodeAsciiFloats(ModbusState& modbus, std::string_view pairs) {
@@ -234,7 +238,7 @@ ModbusReply DecodeAsciiFloats(ModbusState& modbus, std::string_view pairs) {
     for (std::size_t at = pairsFrom; at + digitsPerFloat <= pairs.size(); at += digitsPerFloat) {
         values.Add(HexToFloat(pairs.substr(at, digitsPerFloat)));
     }
-    return {values.Count() > 0 ? Kind::Values : Kind::Empty, {}};
+    return {values.Count() > 0 ? Kind::Values : Kind::Empty, {}, values.Count()};
 }
 
 }  // namespace
@@ -249,7 +253,7 @@ ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply) {
     const int crc = ModbusCrc(std::string_view(reply).substr(0, crcAt));
     if (ByteAt(reply, crcAt) != crc % 256 || ByteAt(reply, crcAt + 1) != crc / 256) {
         modbus.mbvalues[1] = ByteAt(reply, byteCountAt);
-        return {Kind::CrcError, "CRC ERROR"};
+        return {Kind::CrcError, "CRC ERROR", 0};
     }
     if ((ByteAt(reply, 1) & exceptionBit) != 0) {
         return Exception(modbus, ByteAt(reply, byteCountAt));
@@ -260,12 +264,19 @@ ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply) {
 ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply) {
     constexpr std::size_t shortest = 10;
     constexpr std::size_t functionAt = 2;
-    if (reply.size() < shortest) {
+    const std::size_t colon = reply.find(':');
+    const std::string_view frame = std::string_view(reply).substr(colon == std::string::npos ? 0 : colon);
+    if (frame.size() < shortest) {
         return NoResponse(modbus);
     }
     // Only these: what the last long reply left behind them stays.
     std::fill_n(modbus.mbvalues.begin(), 104, 0.0);
-    const std::string_view pairs = std::string_view(reply).substr(1, reply.size() - 2);
+    // The message ends where the digits do: a lost carrier's text is no datum.
+    const std::string_view pairs =
+        frame.substr(1, std::min(frame.find_first_not_of("0123456789ABCDEFabcdef", 1), frame.size()) - 1);
+    if (pairs.size() < pairsFrom || frame.find(':', 1) != std::string_view::npos) {
+        return Reply({});
+    }
     const int function = PairAt(pairs, functionAt);
     if ((function & exceptionBit) != 0) {
         return Exception(modbus, PairAt(pairs, functionAt + 2));

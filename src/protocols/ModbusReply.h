@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "protocols/Conversation.h"
@@ -21,6 +22,8 @@ struct ModbusReply {
     // Floats in ASCII framing reach mbvalues only and leave this empty, which elsewhere means that there was no
     // response. So whoever judges a reply goes by its kind, never by its text: such a reply is one of values.
     std::string text;
+    // How many values stand in mbvalues from index 1 on.
+    std::size_t count = 0;
 
     // The station sent something that counts as its answer; an exception is one.
     bool Answered() const { return kind == Kind::Values || kind == Kind::Exception; }
@@ -33,8 +36,9 @@ struct ModbusReply {
 // Floats are high word first. Integers are signed, and their check word stands behind them in mbvalues.
 ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply);
 
-// From the colon to CR and LF. A wrong check passes: it has never been looked at in this framing. Only coils and floats
-// are decoded.
+// From the colon to CR and LF; what stands in front of it is noise. With a second colon there is another reply, or an
+// echo, and which of them is the answer cannot be told: nothing is decoded. A wrong check passes: it has never been
+// looked at in this framing. Only coils and floats are decoded.
 ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply);
 
 }  // namespace protocols

@@ -1,5 +1,6 @@
 #include "protocols/ModbusTransact.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "core/Text.h"
@@ -26,8 +27,26 @@ bool Failed(const ModbusReply& reply, const TransactOptions& options) {
     return !reply.Answered() || (reply.kind == Kind::Exception && !options.unattended);
 }
 
-// One request and its reply.
-ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const TransactOptions& options) {
+// The numbers of values that the reply to a read may have: registers give just what was asked for, and perhaps the
+// check word behind it; coils come in bytes, and in ASCII framing with the check behind them.
+struct Expected {
+    std::size_t least;
+    std::size_t most;
+};
+
+Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
+    constexpr int readHoldingRegisters = 3;
+    constexpr int readInputRegisters = 4;
+    const bool registers = command == readHoldingRegisters || command == readInputRegisters;
+    const bool twoRegisters = registers && modbus.floatread && !modbus.rtu32bit;
+    const auto values = static_cast<std::size_t>(std::clamp(twoRegisters ? count / 2 : count, 0, 125));
+    return {values, values + (registers ? 1 : 15)};
+}
+
+// One request and its reply. A reply with fewer values than were asked for was cut, and what it lacks must not be taken
+// for zeros; one with more belongs to another request.
+ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const Expected& expected,
+                const TransactOptions& options) {
     const int timeout = talk.CommTimeout();
     talk.feedback.Status(options.waiting);
     const std::string bytes = Exchange(talk, frame, options.waitsForAnswer * timeout);
@@ -35,6 +54,9 @@ ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& f
         talk.feedback.Status(options.converting);
     }
     ModbusReply reply = framing.parse(talk.modbus, bytes);
+    if (reply.kind == Kind::Values && (reply.count < expected.least || reply.count > expected.most)) {
+        reply = {Kind::Empty, {}, 0};
+    }
     talk.Wait(options.waitsAfterAnswer * timeout);
     return reply;
 }
@@ -70,10 +92,11 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     if (!talk.Wait(talk.CommTimeout())) {
         return {};
     }
-    ModbusReply reply = Ask(talk, framing, request.frame, options);
+    const Expected expected = ExpectedValues(talk.modbus, count, command);
+    ModbusReply reply = Ask(talk, framing, request.frame, expected, options);
     for (int made = 1; made < options.tries && Failed(reply, options) && !talk.Ended(); ++made) {
         talk.logs.WriteRtuErr("Try" + std::to_string(made));
-        reply = Ask(talk, framing, request.frame, options);
+        reply = Ask(talk, framing, request.frame, expected, options);
     }
     if (!Failed(reply, options)) {
         return reply;

@@ -1,5 +1,6 @@
 #include "protocols/Modem.h"
 
+#include <cstdint>
 #include <string>
 
 namespace protocols {
@@ -39,44 +40,47 @@ DialOutcome Fail(Conversation& talk, DialOutcome outcome, const std::string& fai
     return outcome;
 }
 
-void SendDialCommand(Conversation& talk, int attemptcount) {
+// False: the conversation was told to end, and nothing was dialled.
+bool SendDialCommand(Conversation& talk, int attemptcount) {
     talk.feedback.Status("Redial Count:" + std::to_string(attemptcount));
     talk.line->ClearOutBuffer();
     talk.line->ClearInBuffer();
-    talk.Wait(stepMs);
+    if (!talk.Wait(stepMs)) {
+        return false;
+    }
     talk.feedback.Status("Dialing " + talk.station.phoneno);
     talk.line->ClearInBuffer();
     talk.line->Output(talk.station.dialprefix + talk.station.phoneno + "\r");
     talk.feedback.Lamp("TX");
+    return true;
 }
 
-struct DialResult {
+// What the modem said, up to a result or the time-out.
+std::string AwaitResult(Conversation& talk, double timeoutMs) {
     std::string received;
-    bool timedOut = false;
-};
-
-DialResult AwaitResult(Conversation& talk, double timeoutMs) {
-    DialResult result;
-    for (double waited = 0; !HasResult(result.received) && !result.timedOut && talk.Wait(pollMs);) {
+    const std::uint32_t start = talk.clock.Milliseconds();
+    const auto timedOut = [&] { return timeoutMs > 0 && talk.clock.Milliseconds() - start >= timeoutMs; };
+    while (!HasResult(received) && !timedOut() && talk.Wait(pollMs)) {
         const std::string bytes = talk.line->Input();
         if (!bytes.empty()) {
             talk.feedback.Lamp("RX");
         }
-        result.received += bytes;
-        waited += pollMs;
-        result.timedOut = timeoutMs > 0 && waited >= timeoutMs && !HasResult(result.received);
+        received += bytes;
     }
-    return result;
+    return received;
 }
 
 // One dial, from the open port to the modem's result. True: connected, or taken for it.
 bool DialOnce(Conversation& talk, int attemptcount, const DialOptions& options) {
-    SendDialCommand(talk, attemptcount);
-    const DialResult result = AwaitResult(talk, options.resultTimeoutMs);
+    if (!SendDialCommand(talk, attemptcount)) {
+        return false;
+    }
+    const std::string received = AwaitResult(talk, options.resultTimeoutMs);
+    if (talk.Wait(stepMs)) {
+        talk.feedback.Status(HasResult(received) ? "Response From Modem:" + received : "TimeOut!!!! ");
+    }
     talk.Wait(stepMs);
-    talk.feedback.Status(result.timedOut ? "TimeOut!!!! " : "Response From Modem:" + result.received);
-    talk.Wait(stepMs);
-    return !SaysFailed(result.received);
+    return !SaysFailed(received);
 }
 
 }  // namespace

@@ -33,56 +33,56 @@ std::string Repeated(int times, const std::string& text) {
 TEST(ModbusRtuReply, Outcomes) {
     const struct {
         const char* what;
-        bool floatread;
         std::string reply;
+        bool floatread;
         Kind kind;
         const char* text;
         std::vector<double> values;  // from index 1
     } cases[] = {
-        {"silence", true, "", Kind::NoResponse, "No Response", {-32100, 9}},
-        {"four bytes", true, Bytes("01 03 02 00"), Kind::NoResponse, "No Response", {-32100, 9}},
+        {"silence", "", true, Kind::NoResponse, "No Response", {-32100, 9}},
+        {"four bytes", Bytes("01 03 02 00"), true, Kind::NoResponse, "No Response", {-32100, 9}},
         {"two floats",
          true,
          Bytes("01 03 08 42 C8 00 00 BF C0 00 00 7C 1A"),
          Kind::Values,
          "100 -1.5 ",
          {100, -1.5, 0}},
-        {"a bad check", true, Bytes("01 03 08 42 C8 00 00 BF C0 00 00 7C 1B"), Kind::CrcError, "CRC ERROR", {8, 0}},
-        {"a flipped bit", true, Bytes("01 03 08 42 C8 00 01 BF C0 00 00 7C 1A"), Kind::CrcError, "CRC ERROR", {8, 0}},
-        {"an exception", true, Bytes("01 83 02 C0 F1"), Kind::Exception, "Ex.Error", {2, 0}},
+        {"a bad check", Bytes("01 03 08 42 C8 00 00 BF C0 00 00 7C 1B"), true, Kind::CrcError, "CRC ERROR", {8, 0}},
+        {"a flipped bit", Bytes("01 03 08 42 C8 00 01 BF C0 00 00 7C 1A"), true, Kind::CrcError, "CRC ERROR", {8, 0}},
+        {"an exception", Bytes("01 83 02 C0 F1"), true, Kind::Exception, "Ex.Error", {2, 0}},
         {"six decimals",
          true,
          Rtu("01 03 08 3E AA AA AB C6 1C 40 1A"),
          Kind::Values,
          "0.333333 -10000.025391 ",
          {0.333333, -10000.025391, 0}},
-        {"small floats", true, Rtu("01 03 08 38 D1 B7 17 33 D6 BF 95"), Kind::Values, "0.0001 0 ", {0.0001, 0, 0}},
-        {"a large float", true, Rtu("01 03 04 4E 93 2C 06"), Kind::Values, "1234567936 ", {1234567936, 0}},
-        {"floats, fewer counted", true, Rtu("01 03 04 42 C8 00 00 BF C0 00 00"), Kind::Values, "100 ", {100, 0}},
-        {"floats, more counted", true, Rtu("01 03 10 42 C8 00 00 BF C0"), Kind::Values, "100 ", {100, 0}},
-        {"no float at all", true, Rtu("01 03 00"), Kind::Empty, "", {0, 0}},
+        {"small floats", Rtu("01 03 08 38 D1 B7 17 33 D6 BF 95"), true, Kind::Values, "0.0001 0 ", {0.0001, 0, 0}},
+        {"a large float", Rtu("01 03 04 4E 93 2C 06"), true, Kind::Values, "1234567936 ", {1234567936, 0}},
+        {"floats, fewer counted", Rtu("01 03 04 42 C8 00 00 BF C0 00 00"), true, Kind::Values, "100 ", {100, 0}},
+        {"floats, more counted", Rtu("01 03 10 42 C8 00 00 BF C0"), true, Kind::Values, "100 ", {100, 0}},
+        {"no float at all", Rtu("01 03 00"), true, Kind::Empty, "", {0, 0}},
         {"signed integers",
          false,
          Rtu("01 03 06 7F FF 80 00 FF FE"),
          Kind::Values,
          "32767 -32768 -2 ",
          {32767, -32768, -2}},
-        {"input registers", false, Rtu("01 04 02 00 05"), Kind::Values, "5 ", {5}},
-        {"integers of another length", false, Rtu("01 03 04 00 01"), Kind::Empty, "", {-32100, 0}},
-        {"input registers as floats", true, Rtu("01 04 04 42 C8 00 00"), Kind::Empty, "", {0, 0}},
-        {"coils", false, Rtu("01 01 01 A5"), Kind::Values, "1 0 1 0 0 1 0 1 ", {1, 0, 1, 0, 0, 1, 0, 1, 0}},
+        {"input registers", Rtu("01 04 02 00 05"), false, Kind::Values, "5 ", {5}},
+        {"integers of another length", Rtu("01 03 04 00 01"), false, Kind::Empty, "", {-32100, 0}},
+        {"input registers as floats", Rtu("01 04 04 42 C8 00 00"), true, Kind::Empty, "", {0, 0}},
+        {"coils", Rtu("01 01 01 A5"), false, Kind::Values, "1 0 1 0 0 1 0 1 ", {1, 0, 1, 0, 0, 1, 0, 1, 0}},
         {"coils, more counted",
          false,
          Rtu("01 01 40 80"),
          Kind::Values,
          "0 0 0 0 0 0 0 1 ",
          {0, 0, 0, 0, 0, 0, 0, 1, 0}},
-        {"a register written", false, Rtu("01 06 00 09 FF FE"), Kind::Values, "-2 ", {0}},
-        {"too long for it", false, Rtu("01 06 00 09 FF FE 00"), Kind::Empty, "", {-32100}},
-        {"registers written", false, Bytes("01 10 00 C6 00 02 A1 F5"), Kind::Values, "1 16 198 2 41461 ", {0}},
-        {"a coil written", false, Bytes("01 05 00 04 FF 00 CD FB"), Kind::Empty, "", {0}},
+        {"a register written", Rtu("01 06 00 09 FF FE"), false, Kind::Values, "-2 ", {0}},
+        {"too long for it", Rtu("01 06 00 09 FF FE 00"), false, Kind::Empty, "", {-32100}},
+        {"registers written", Bytes("01 10 00 C6 00 02 A1 F5"), false, Kind::Values, "1 16 198 2 41461 ", {0}},
+        {"a coil written", Bytes("01 05 00 04 FF 00 CD FB"), false, Kind::Empty, "", {0}},
     };
-    for (const auto& [what, floatread, reply, kind, text, values] : cases) {
+    for (const auto& [what, reply, floatread, kind, text, values] : cases) {
         SCOPED_TRACE(what);
         ModbusState modbus;
         modbus.mbvalues.fill(9);  // of an earlier reply
@@ -120,20 +120,20 @@ TEST(ModbusRtuReply, TheLongestRepliesKeepWhatFits) {
 TEST(ModbusAsciiReply, Outcomes) {
     const struct {
         const char* what;
-        bool floatread;
         const char* reply;
+        bool floatread;
         Kind kind;
         const char* text;
         std::vector<double> values;
     } cases[] = {
-        {"silence", true, "", Kind::NoResponse, "No Response", {-32100, 9}},
-        {"nine characters", true, ":0103007\r", Kind::NoResponse, "No Response", {-32100, 9}},
-        {"two floats", true, ":01030842C80000BFC000006B\r\n", Kind::Values, "", {100, -1.5, 0}},
-        {"a wrong check", true, ":01030842C80000BFC0000000\r\n", Kind::Values, "", {100, -1.5, 0}},
-        {"a float cut short", true, ":01030842C80000BFC0\r\n", Kind::Values, "", {100, 0}},
-        {"no float", true, ":010300FC\r\n", Kind::Empty, "", {0, 0}},
-        {"an exception", true, ":0183027A\r\n", Kind::Exception, "Ex.Error", {2, 0}},
-        {"integers", false, ":0103020005F5\r\n", Kind::Empty, "", {0, 0}},
+        {"silence", "", true, Kind::NoResponse, "No Response", {-32100, 9}},
+        {"nine characters", ":0103007\r", true, Kind::NoResponse, "No Response", {-32100, 9}},
+        {"two floats", ":01030842C80000BFC000006B\r\n", true, Kind::Values, "", {100, -1.5, 0}},
+        {"a wrong check", ":01030842C80000BFC0000000\r\n", true, Kind::Values, "", {100, -1.5, 0}},
+        {"a float cut short", ":01030842C80000BFC0\r\n", true, Kind::Values, "", {100, 0}},
+        {"no float", ":010300FC\r\n", true, Kind::Empty, "", {0, 0}},
+        {"an exception", ":0183027A\r\n", true, Kind::Exception, "Ex.Error", {2, 0}},
+        {"integers", ":0103020005F5\r\n", false, Kind::Empty, "", {0, 0}},
         // The pair behind the data, here the check 58, is taken for coils as well.
         {"coils",
          false,
@@ -141,10 +141,13 @@ TEST(ModbusAsciiReply, Outcomes) {
          Kind::Values,
          "1 0 1 0 0 1 0 1 0 0 0 1 1 0 1 0 ",
          {1, 0, 1, 0, 0, 1, 0, 1, 0, 0, 0, 1, 1, 0, 1, 0, 0}},
-        {"coils, more counted", false, ":0101FF01\r\n", Kind::Values, "1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 ", {1, 0}},
-        {"noise", true, "\x81\xFF..garbage..\x01", Kind::Empty, "", {0, 0}},
+        {"coils, more counted", ":0101FF01\r\n", false, Kind::Values, "1 0 0 0 0 0 0 0 ", {1, 0}},
+        {"noise in front", "~}:01030442C80000EE\r\n", true, Kind::Values, "", {100, 0}},
+        {"a lost carrier", ":01030842C80000BF\r\nNO CARRIER\r\n", true, Kind::Values, "", {100, 0}},
+        {"two replies", ":01030442C80000EE\r\n:01030442C80000EE\r\n", true, Kind::Empty, "", {0, 0}},
+        {"noise", "\x81\xFF..garbage..\x01", true, Kind::Empty, "", {0, 0}},
     };
-    for (const auto& [what, floatread, reply, kind, text, values] : cases) {
+    for (const auto& [what, reply, floatread, kind, text, values] : cases) {
         SCOPED_TRACE(what);
         ModbusState modbus;
         modbus.mbvalues.fill(9);

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "collection/CollectionRun.h"
+#include "collection/Mail.h"
+#include "collection/Workplace.h"
+
+namespace collection {
+
+// What runs by itself each minute: collects the stations whose contract hour is the present minute, one after the
+// other, records the outcome of each, and mails the day's report behind them.
+class Scheduler {
+  public:
+    Scheduler(Workplace& place, MailTransport& mail) : place_(place), mail_(mail) {}
+
+    // The minute's tick. A tick that comes while stations are being collected selects its own stations at its own
+    // minute and puts them behind the ones in hand; the call in hand serves them. Never throws.
+    void Tick();
+
+    // Clears sampledtoday of every station that was last tried on another day of the month. Throws DatabaseError.
+    void ResetDailyFlags();
+
+    // Stations are being collected, or their mail is being sent.
+    bool Busy() const { return running_; }
+
+    // The program ends: the waits of the conversation in hand end, its line is hung up and closed, and no further
+    // station is tried. Whoever calls this waits until Busy() is over.
+    void Leave();
+
+  private:
+    // A station of the selection of a minute.
+    struct DueStation {
+        std::int64_t locationID = 0;
+        std::string consumer;
+        std::string duration;
+        bool due = false;
+    };
+
+    std::vector<DueStation> SelectDue() const;
+    void ServeMinute(const std::vector<DueStation>& stations);
+    void ServeStation(const DueStation& station);
+    void Collect(const DueStation& station, RunState& state);
+    void Record(const DueStation& station, bool failed);
+
+    Workplace& place_;
+    MailTransport& mail_;
+    std::deque<std::vector<DueStation>> minutes_;
+    bool running_ = false;
+    bool leaving_ = false;
+};
+
+}  // namespace collection

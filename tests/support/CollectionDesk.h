@@ -1,0 +1,57 @@
+#pragma once
+
+#include <vector>
+
+#include "collection/Scheduler.h"
+#include "demo/DemoRegister.h"
+#include "fieldsim/Field.h"
+#include "fieldsim/SimLine.h"
+#include "support/ScratchDesk.h"
+
+namespace support {
+
+// Mail that goes nowhere but into a list.
+struct RecordingMail final : collection::MailTransport {
+    std::vector<collection::MailMessage> sent;
+    collection::MailOutcome Send(const collection::MailMessage& message, const collection::MailServer&, core::Clock&,
+                                 const std::function<bool()>&) override {
+        sent.push_back(message);
+        return {true, ""};
+    }
+};
+
+// A desk whose scheduler is live: one tick a minute on the virtual clock, on a line to a simulated field.
+class CollectionDesk : public ScratchDesk {
+  public:
+    using ScratchDesk::ScratchDesk;
+
+    fieldsim::SimLine line{clock};
+    protocols::FieldLine fieldLine{line, clock};
+    protocols::BsapCounters counters;
+    collection::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
+    RecordingMail mail;
+    collection::Scheduler scheduler{place, mail};
+
+    // Every station of the register gets its far side.
+    fieldsim::Field& OpenField(const fieldsim::FieldOptions& options = {}) {
+        field_ = std::make_unique<fieldsim::Field>(dbconn, options);
+        field_->AttachTo(line);
+        return *field_;
+    }
+
+    void StartTicking() {
+        clock.Every(60000, [this] { scheduler.Tick(); });
+    }
+
+    core::Row Master(std::int64_t locationID) {
+        return dbconn.First("select * from configdata_master where locationID=?", {locationID}).value();
+    }
+    std::int64_t Count(const std::string& sql, std::initializer_list<core::Value> values = {}) {
+        return dbconn.First("select count(*) from " + sql, values).value()[0].Long();
+    }
+
+  private:
+    std::unique_ptr<fieldsim::Field> field_;
+};
+
+}  // namespace support
