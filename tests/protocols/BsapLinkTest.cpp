@@ -1,0 +1,221 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "fieldsim/BsapFrame.h"
+#include "protocols/BsapLink.h"
+#include "protocols/BsapReply.h"
+#include "protocols/FieldTalk.h"
+#include "support/Hex.h"
+
+using namespace protocols;
+using support::Bytes;
+using support::Hex;
+
+namespace {
+
+std::string Reply(const char* body) {
+    return fieldsim::BsapFrame(Bytes(body));
+}
+
+// Replies of station 1: status 0 to the poll, load version 12 34.
+const char* const pollLong = "00 01 00 86 01 00 01";
+const char* const pollShort = "00 01 86 01 00 01";
+const char* const versionLong = "00 02 00 0B 00 00 A0 00 00 00 00 12 34 23";
+const char* const versionShort = "00 02 0B 00 00 A0 00 00 00 00 12 34 23";
+const char* const signedIn = "00 01 00 86 01 00 02";
+
+struct Outcome {
+    const char* name;
+    bool isCW;
+    std::string phoneno;
+    std::string poll;
+    std::string version;
+    bool expected;
+    int rtustatus;
+    std::size_t sends;
+};
+
+class BsapLink : public testing::Test, public support::ScriptedTalk {
+  public:
+    BsapLink() {
+        talk.station.slaveaddress = 1;
+        talk.station.consumer = "O'Neil Works";
+        talk.station.phoneno = "";
+        talk.currentuser = "rao";
+        line.PortOpen(true);
+    }
+
+    std::string Log() const { return support::FileText(desk.shared.logpath); }
+    std::int64_t AuditLines() { return desk.dbconn.First("select count(*) from TTS_table").value()[0].Long(); }
+};
+
+}  // namespace
+
+TEST_F(BsapLink, SignOnOutcomes) {
+    const std::string poll = Reply(pollLong);
+    const std::string version = Reply(versionLong);
+    const Outcome cases[] = {
+        {"good", false, "", poll, version, true, 0, 3},
+        {"good CW", true, "", Reply(pollShort), Reply(versionShort), true, 0, 3},
+        {"silent", false, "", "", "", false, -1000, 1},
+        {"one byte", false, "", "\x10", "", false, -1000, 1},
+        {"ends before the status", false, "", poll.substr(0, 7), "", false, -1000, 1},
+        {"another address", false, "", Reply("00 01 00 86 02 00 01"), "", false, 0, 1},
+        {"another address behind a modem", false, "0265", Reply("00 01 00 86 02 00 01"), "", false, 0, 1},
+        {"another address of a CW", true, "", Reply("00 01 86 02 00 01"), "", false, 0, 1},
+        {"the same behind a modem", true, "0265", Reply("00 01 86 02 00 01"), Reply(versionShort), true, 0, 3},
+        {"silent CW behind a modem", true, "0265", "", "", false, -1000, 1},
+        {"status 1", false, "", Reply("00 01 00 86 01 01 01"), version, true, 1, 3},
+        {"status 2", false, "", Reply("00 01 00 86 01 02 01"), "", false, 2, 1},
+        {"status 2 of a CW behind a modem", true, "0265", Reply("00 01 86 02 02 01"), "", false, 2, 1},
+        // The poll reply is read as received: a doubled byte in front moves the address.
+        {"doubled sequence", false, "", Reply("00 10 00 86 01 00 10"), "", false, 1, 1},
+        {"no version", false, "", poll, "", false, 0, 3},
+        {"version 0 0", false, "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 00 23"), false, 0, 3},
+        {"version 0 5", false, "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 05 23"), true, 0, 3},
+        {"only acknowledged", false, "", poll, Reply(signedIn), false, 0, 3},
+        {"acknowledged at length", false, "", poll, Reply("00 02 00 86 01 00 01 02 03 04 05"), false, 0, 3},
+    };
+    for (const Outcome& c : cases) {
+        SCOPED_TRACE(c.name);
+        talk.station.isCW = c.isCW;
+        talk.station.phoneno = c.phoneno;
+        line.sent.clear();
+        line.replies = {c.poll, Reply(signedIn), c.version};
+        EXPECT_EQ(SignOn(talk), c.expected);
+        EXPECT_EQ(talk.bsap.rtustatus, c.rtustatus);
+        EXPECT_EQ(Hex(talk.bsap.lastpollreply), Hex(c.poll));
+        EXPECT_EQ(line.sent.size(), c.sends);
+    }
+}
+
+TEST_F(BsapLink, SignOnSendsItsThreeMessagesAndKeepsTheVersion) {
+    line.replies = {Reply(pollLong), Reply(signedIn), Reply(versionLong)};
+    ASSERT_TRUE(SignOn(talk, {screenPassword, SignOnLog::None, SignOnTexts::Polling}));
+    ASSERT_EQ(line.sent.size(), 3U);
+    EXPECT_EQ(Hex(line.sent[0]), "10 02 01 01 85 10 10 10 03 2C B5");
+    EXPECT_EQ(Hex(line.sent[1]).substr(0, 54), "10 02 01 02 A0 02 00 0B 00 70 05 01 34 38 32 39 31 33 ");
+    EXPECT_EQ(Hex(line.sent[2]), "10 02 01 03 A0 04 00 0B 00 04 02 01 FF 11 23 4F 4E 2E 2E 00 10 03 49 B6");
+    EXPECT_EQ(talk.bsap.loadversion1, 0x12);
+    EXPECT_EQ(talk.bsap.loadversion2, 0x34);
+    EXPECT_EQ(desk.clock.Elapsed(), 3 * 2000U);
+    EXPECT_EQ(desk.feedback.status,
+              (std::vector<std::string>{"Polling Rtu.....[O'Neil Works]", "Connected Since 09/03/2026 07:59:36"}));
+    EXPECT_EQ(desk.dbconn.Query("select * from TTS_table").back()[0].Text(),
+              "09/03/2026 07:59:36: User rao connected to RTU O'Neil Works.");
+}
+
+TEST_F(BsapLink, VersionFromThePollWhereTheStationIsReadSo) {
+    talk.bsap.usepoll = true;
+    line.replies = {Reply(pollLong), Reply(signedIn), Reply(versionShort)};
+    EXPECT_TRUE(SignOn(talk));
+    EXPECT_EQ(Hex(line.sent[2]).substr(0, 23), "10 02 01 03 85 10 10 10");
+    EXPECT_EQ(talk.bsap.loadversion1, 0x12);
+    EXPECT_EQ(talk.bsap.loadversion2, 0x34);
+}
+
+TEST_F(BsapLink, LogHasWhatTheScreenLogs) {
+    const std::string all = "\rPolling RTU Msg\n\r10 2 1 1 85 10 10 10 3 2C B5 \n\rPolling Reply from RTU\n\r\n";
+    const std::pair<SignOnLog, std::string> cases[] = {
+        {SignOnLog::None, ""}, {SignOnLog::PollReply, "\rPolling Reply from RTU\n\r\n"}, {SignOnLog::All, all}};
+    desk.shared.logGenflag = true;
+    for (const auto& [logs, text] : cases) {
+        std::filesystem::remove(desk.shared.logpath);
+        counters = {};
+        SignOn(talk, {"", logs, SignOnTexts::All});
+        EXPECT_EQ(Log(), text);
+    }
+    line.replies = {Reply(pollLong), Reply(signedIn), Reply(versionLong)};
+    SignOn(talk);
+    for (const char* title : {"Sign On Message", "Sign On Reply", "GetVersion Message", "Vesrion response"}) {
+        const std::string log = Log();
+        EXPECT_NE(log.find(std::string("\r") + title + "\n"), std::string::npos) << title;
+    }
+}
+
+TEST_F(BsapLink, AnAuditTrailThatFailsLosesNoStation) {
+    desk.dbconn.Execute("drop table TTS_table");
+    line.replies = {Reply(pollLong), Reply(signedIn), Reply(versionLong)};
+    EXPECT_TRUE(SignOn(talk));
+    ASSERT_EQ(Errors().size(), 1U);
+    EXPECT_NE(Errors()[0].find("TTS_table"), std::string::npos);
+}
+
+TEST_F(BsapLink, AConversationThatEndsSignsOnNowhere) {
+    line.replies = {Reply(pollLong), Reply(signedIn), Reply(versionLong)};
+    desk.clock.After(3000, [this] { field.TakeOver("taken"); });
+    EXPECT_FALSE(SignOn(talk));
+    EXPECT_EQ(line.sent.size(), 2U);
+    EXPECT_EQ(AuditLines(), 0);
+}
+
+TEST_F(BsapLink, PollIsNeededForElevenToSeventeenBytes) {
+    const std::pair<std::size_t, bool> cases[] = {{0, false}, {10, false}, {11, true}, {17, true}, {18, false}};
+    for (const auto& [length, needed] : cases) {
+        line.sent.clear();
+        line.replies = {"answer"};
+        std::string pollReply;
+        EXPECT_EQ(Check_NeedPoll(talk, std::string(length, 'x'), pollReply), needed) << length;
+        EXPECT_EQ(line.sent.size(), needed ? 1U : 0U);
+        EXPECT_EQ(pollReply, needed ? "answer" : "");
+    }
+}
+
+TEST_F(BsapLink, RequestCycle) {
+    const std::string answer(20, 'a');
+    desk.shared.logGenflag = true;
+    line.replies = {answer};
+    EXPECT_EQ(RequestCycle(talk, "F", {"Get List 54 Response", true}), answer);
+    EXPECT_EQ(line.sent, std::vector<std::string>{"F"});
+
+    line.sent.clear();
+    line.replies = {Reply(signedIn), answer, "ok"};
+    EXPECT_EQ(RequestCycle(talk, "F", {"Get List 54 Response", true}), answer);
+    ASSERT_EQ(line.sent.size(), 3U);
+    EXPECT_EQ(Hex(line.sent[1]), "10 02 01 01 85 10 10 10 03 2C B5");
+    EXPECT_EQ(Hex(line.sent[2]).substr(0, 17), "10 02 01 02 8B 02");
+    const std::string log = Log();
+    EXPECT_EQ(log.substr(log.size() - 34), "\rGet List UP_ACK Response\n\r6F 6B \n");
+    EXPECT_NE(log.find("\rGet List 54 Response\n\r10 2 0 1 "), std::string::npos);
+
+    // Acknowledged, then nothing; what the poll brings late does not go to the next request.
+    line.replies = {Reply(signedIn), "", answer, "next"};
+    EXPECT_EQ(RequestCycle(talk, "F"), "");
+    EXPECT_EQ(RequestCycle(talk, "G"), "next");
+}
+
+TEST(BsapReply, PairsAreUndoneButNotInTheCheck) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"10 02 10 10 41 10 10 10 10 10 03 C1 C2", "10 02 10 41 10 10 10 03 C1 C2"},
+        {"10 02 41 10 10 10 03 C1 C2", "10 02 41 10 10 03 C1 C2"},
+        {"10 02 41 10 03 10 10", "10 02 41 10 03 10 10"},
+        {"10", "10"},
+        {"", ""},
+    };
+    for (const auto& [received, undone] : cases) {
+        EXPECT_EQ(Hex(UndoDoubling(Bytes(received))), undone);
+    }
+}
+
+TEST(BsapReply, WholeFrames) {
+    const std::pair<const char*, bool> cases[] = {
+        {"10 02 41 10 03 C1 C2", true},
+        {"10 02 10 10 03 10 10 10 03 10 10", true},
+        {"10 02 41 10 03 C1", false},        // cut
+        {"10 02 41 10 10 03 C1 C2", false},  // that was a 10 and a 03 of the body
+        {"10 02 41 10", false},
+        {"10 02", false},
+        {"", false},
+        {"00 10 02 41 10 03 C1 C2", false},                    // noise in front
+        {"10 02 41 10 03 C1 C2 00", false},                    // and behind
+        {"10 02 41 10 03 C1 C2 10 02 41 10 03 C1 C2", false},  // two
+        {"10 02 41 10 41 10 03 C1 C2", false},                 // a broken escape
+    };
+    for (const auto& [received, whole] : cases) {
+        EXPECT_EQ(IsWholeFrame(Bytes(received)), whole) << received;
+    }
+}
