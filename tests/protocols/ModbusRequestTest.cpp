@@ -128,23 +128,23 @@ TEST(ModbusAsciiRequest, Frames) {
 
 TEST(ModbusWriteFrame, WritesOneValue) {
     const struct {
-        bool rtu32bit;
         double value;
         int reg;
         int command;
         int slave;
+        bool rtu32bit;
         const char* message;  // without the check
     } cases[] = {
-        {false, 100, 198, 16, 1, "01 10 00 C6 00 02 04 42 C8 00 00"},
-        {true, 100, 198, 16, 1, "01 10 00 C6 00 01 04 42 C8 00 00"},
-        {false, -123456, 198, 16, 1, "01 10 00 C6 00 02 04 C7 F1 20 00"},
-        {false, 1, 4, 5, 1, "01 05 00 04 FF 00"},
-        {false, 1.0000001, 4, 5, 1, "01 05 00 04 00 00"},
-        {false, 0, 4, 5, 1, "01 05 00 04 00 00"},
-        {false, -2, 9, 6, 247, "F7 06 00 09 FF FE"},
-        {false, 1, 9, 15, 1, "01 0F 00 09 00 00 00 00 01"},
+        {100, 198, 16, 1, false, "01 10 00 C6 00 02 04 42 C8 00 00"},
+        {100, 198, 16, 1, true, "01 10 00 C6 00 01 04 42 C8 00 00"},
+        {-123456, 198, 16, 1, false, "01 10 00 C6 00 02 04 C7 F1 20 00"},
+        {1, 4, 5, 1, false, "01 05 00 04 FF 00"},
+        {1.0000001, 4, 5, 1, false, "01 05 00 04 00 00"},
+        {0, 4, 5, 1, false, "01 05 00 04 00 00"},
+        {-2, 9, 6, 247, false, "F7 06 00 09 FF FE"},
+        {1, 9, 15, 1, false, "01 0F 00 09 00 00 00 00 01"},
     };
-    for (const auto& [rtu32bit, value, reg, command, slave, message] : cases) {
+    for (const auto& [value, reg, command, slave, rtu32bit, message] : cases) {
         ModbusState modbus;
         modbus.rtu32bit = rtu32bit;
         EXPECT_EQ(Hex(BuildWriteFrame(modbus, value, reg, command, slave).frame),

@@ -129,6 +129,20 @@ TEST_F(ModemTest, AConversationToldToEndStopsAtOnceAndCanStillHangUp) {
     EXPECT_TRUE(line.PortOpen());
 }
 
+TEST_F(ModemTest, NothingIsDialledAfterTheEnd) {
+    const std::pair<std::uint32_t, std::size_t> cases[] = {{500, 1}, {1500, 1}, {2500, 2}, {6000, 4}};
+    for (const auto& [endMs, sent] : cases) {  // at the check, before the dial, at its result, at the redial
+        support::ScriptedTalk other;
+        other.line.PortOpen(true);
+        other.line.replies = {ok, "NO CARRIER"};
+        other.desk.clock.After(endMs, [&other = other] { other.field.EndConversation("Program ends"); });
+        EXPECT_EQ(Dial(other.talk, attemptcount), DialOutcome::Ended);
+        EXPECT_EQ(other.desk.clock.Elapsed(), endMs);
+        EXPECT_EQ(other.line.sent.size(), sent);
+        EXPECT_EQ(other.desk.RtuErr(), "");
+    }
+}
+
 TEST_F(ModemTest, NothingIsHungUpOnALineThatWasTakenAway) {
     const auto run = field.TakeOver("The scheduler took the line");
     HangUp(*talk.line, desk.clock, disconnectGuardMs);

@@ -5,7 +5,6 @@
 #include "support/Hex.h"
 
 using namespace protocols;
-using support::Bytes;
 using support::Hex;
 
 namespace {

@@ -1,0 +1,74 @@
+// Replies of any bytes to the Modbus parsers, in both framings and both kinds of numbers, and numbers of any size to
+// the conversions and the builders.
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "protocols/ModbusCheck.h"
+#include "protocols/ModbusNumbers.h"
+#include "protocols/ModbusReply.h"
+#include "protocols/ModbusRequest.h"
+
+using namespace protocols;
+
+namespace {
+
+void Check(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+void Parse(std::string reply, bool floatread) {
+    ModbusState modbus;
+    modbus.floatread = floatread;
+    ParseAsciiReply(modbus, reply);
+    ParseRtuReply(modbus, reply);
+    // Past the check, which random bytes do not meet.
+    const int crc = ModbusCrc(reply);
+    reply += {static_cast<char>(crc), static_cast<char>(crc >> 8)};
+    Check(ParseRtuReply(modbus, reply).kind != ModbusReply::Kind::CrcError);
+    for (const double value : modbus.mbvalues) {
+        Check(std::isfinite(value));
+    }
+}
+
+void Convert(std::uint64_t bits) {
+    const auto number = std::bit_cast<double>(bits);
+    const auto bytes = FloatToBytes(number);
+    const std::uint32_t word = static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
+                               static_cast<std::uint32_t>(bytes[2]) << 8 | bytes[3];
+    const auto stored = static_cast<double>(std::bit_cast<float>(word));
+    if (std::isnormal(stored) && std::fabs(number) < std::ldexp(1.0, 128)) {
+        Check(std::fabs(stored) <= std::fabs(number) &&
+              std::fabs(number - stored) < std::ldexp(std::fabs(number), -23));
+    }
+    Check(std::isfinite(BitsToFloat(static_cast<std::uint32_t>(bits))));
+    PowerOfTwo(static_cast<int>(bits));
+
+    std::vector<float> data = {std::bit_cast<float>(static_cast<std::uint32_t>(bits))};
+    for (const int command : {3, 5, 15, 16}) {
+        BuildRtuRequest(command, 1, number, data);
+        BuildAsciiRequest(command, 1, number, data);
+        BuildWriteFrame({}, number, 1, command, 1);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t size) {
+    const std::string input(reinterpret_cast<const char*>(bytes), size);
+    Parse(input, false);
+    Parse(input, true);
+    HexToFloat(input);
+    BitsToFloat(input);
+    Check(std::isfinite(BitsToNumber(input, 0.5)));
+    if (size >= sizeof(std::uint64_t)) {
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, bytes, sizeof bits);
+        Convert(bits);
+    }
+    return 0;
+}
