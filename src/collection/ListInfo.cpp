@@ -8,7 +8,9 @@ namespace collection {
 
 namespace {
 
-bool IsBsap(const core::Station& station) { return core::SameText(station.protocol, "BSAP"); }
+bool IsBsap(const core::Station& station) {
+    return core::SameText(station.protocol, "BSAP");
+}
 
 }  // namespace
 

@@ -4,7 +4,9 @@ namespace collection {
 
 namespace {
 
-core::Value Nullable(const std::optional<double>& value) { return value ? core::Value(*value) : core::Value(); }
+core::Value Nullable(const std::optional<double>& value) {
+    return value ? core::Value(*value) : core::Value();
+}
 
 }  // namespace
 

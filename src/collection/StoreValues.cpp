@@ -9,10 +9,7 @@ namespace {
 class Store {
   public:
     Store(core::Database& dbconn, const core::Station& station, int streamno)
-        : dbconn_(dbconn),
-          station_(station),
-          streamno_(streamno),
-          bsap_(core::SameText(station.protocol, "BSAP")) {}
+        : dbconn_(dbconn), station_(station), streamno_(streamno), bsap_(core::SameText(station.protocol, "BSAP")) {}
 
     void Put(const ListValue& read, const std::string& address, const char* modbusType) {
         if (!read.read) {
@@ -21,13 +18,15 @@ class Store {
         const double value = core::RoundTo(read.value, 4);
         if (bsap_) {
             const std::string unit = core::Trim(core::ReplaceAll(read.unit, std::string_view("\0", 1), " "));
-            dbconn_.Execute("update configData_detail set lastvalue=?, unit=?, MSD=? where startaddress=? and "
-                            "StreamNo=? and locationid=?",
-                            {value, unit, read.MSD, address, streamno_, station_.locationID});
+            dbconn_.Execute(
+                "update configData_detail set lastvalue=?, unit=?, MSD=? where startaddress=? and "
+                "StreamNo=? and locationid=?",
+                {value, unit, read.MSD, address, streamno_, station_.locationID});
         } else {
-            dbconn_.Execute("update configData_detail set lastvalue=? where startaddress=? and locationid=? and "
-                            "StreamNo=? and type=?",
-                            {value, address, station_.locationID, streamno_, modbusType});
+            dbconn_.Execute(
+                "update configData_detail set lastvalue=? where startaddress=? and locationid=? and "
+                "StreamNo=? and type=?",
+                {value, address, station_.locationID, streamno_, modbusType});
         }
     }
 

@@ -29,16 +29,22 @@ std::string Print(const char* format, Numbers... numbers) {
 
 }  // namespace
 
-int DateTime::DayOfWeek() const { return static_cast<int>(weekday(sys_days(CalendarDay(*this))).c_encoding()) + 1; }
+int DateTime::DayOfWeek() const {
+    return static_cast<int>(weekday(sys_days(CalendarDay(*this))).c_encoding()) + 1;
+}
 
 bool DateTime::Valid() const {
     return year >= 1 && year <= 9999 && month >= 1 && month <= 12 && day >= 1 && CalendarDay(*this).ok() && hour >= 0 &&
            hour < 24 && minute >= 0 && minute < 60 && second >= 0 && second < 60;
 }
 
-std::string DateText(const DateTime& at) { return Print("%02d/%02d/%04d", at.day, at.month, at.year); }
+std::string DateText(const DateTime& at) {
+    return Print("%02d/%02d/%04d", at.day, at.month, at.year);
+}
 
-std::string TimeText(const DateTime& at) { return Print("%02d:%02d:%02d", at.hour, at.minute, at.second); }
+std::string TimeText(const DateTime& at) {
+    return Print("%02d:%02d:%02d", at.hour, at.minute, at.second);
+}
 
 std::string IsoText(const DateTime& at) {
     return Print("%04d-%02d-%02d %02d:%02d:%02d", at.year, at.month, at.day, at.hour, at.minute, at.second);

@@ -34,7 +34,9 @@ void Logs::WriteLogLine(const std::string& text) {
     }
 }
 
-bool Logs::WriteConfParams(const std::string& text) { return Append(shared_.confparamspath, text, std::ios::trunc); }
+bool Logs::WriteConfParams(const std::string& text) {
+    return Append(shared_.confparamspath, text, std::ios::trunc);
+}
 
 std::string Logs::Stamp() const {
     const DateTime now = clock_.Now();

@@ -16,7 +16,9 @@ bool AnyOf(const std::array<std::string_view, n>& names, const std::string& text
 }
 
 // The port number is the last character of the port's name: "COM12" opens port 2. Operators number their ports 1 to 9.
-int PortNumber(const std::string& comport) { return static_cast<int>(Val(comport.substr(comport.size() - 1))); }
+int PortNumber(const std::string& comport) {
+    return static_cast<int>(Val(comport.substr(comport.size() - 1)));
+}
 
 std::string DialCommand(Database& dbconn, const std::string& comtype) {
     const auto row = dbconn.First("select * from modem where comtype=?", {comtype});
@@ -64,8 +66,7 @@ std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID) {
     station.consumer = row->Text("consumer");
     station.modelno = row->Text("modelno");
     station.isCW = IsCwModel(station.modelno);
-    station.isTeleCorrector =
-        SameText(station.modelno, "TeleCorrector") || SameText(station.modelno, "TeleCorrector+");
+    station.isTeleCorrector = SameText(station.modelno, "TeleCorrector") || SameText(station.modelno, "TeleCorrector+");
     station.isMultiStream = IsMultiStreamModel(station.modelno);
     station.comtype = row->Text("comtype");
     station.dialprefix = DialCommand(dbconn, station.comtype);

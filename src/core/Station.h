@@ -17,24 +17,24 @@ struct Station {
     std::string consumer;
     std::string modelno;
     std::string comtype;
-    std::string ip;                 // set: an "IP" station, which has no line
-    int comport = 1;                // port number
-    std::string settings;           // "9600,N,8,1"
-    std::string phoneno;            // empty: a line without a modem
-    std::string protocol;           // "Modbus", "BSAP" or "Quantum"; "BSAP" for every CW model
-    std::string mode;               // Modbus framing "RTU" or "ASCII", empty for the other protocols
+    std::string ip;        // set: an "IP" station, which has no line
+    int comport = 1;       // port number
+    std::string settings;  // "9600,N,8,1"
+    std::string phoneno;   // empty: a line without a modem
+    std::string protocol;  // "Modbus", "BSAP" or "Quantum"; "BSAP" for every CW model
+    std::string mode;      // Modbus framing "RTU" or "ASCII", empty for the other protocols
     int slaveaddress = 1;
-    int commtimeout = 2000;         // ms between line operations, from delaytime
+    int commtimeout = 2000;  // ms between line operations, from delaytime
     int No_Stream = 1;
     std::array<std::string, 4> stream;  // metering method of each stream
     std::string systemtype;
     double voltlimit = 0;
-    bool rtuBitsMode = false;       // one register holds a whole float
-    bool MB_CONFIG = false;         // collected by the configured register map
+    bool rtuBitsMode = false;  // one register holds a whole float
+    bool MB_CONFIG = false;    // collected by the configured register map
     bool isCW = false;
     bool isTeleCorrector = false;
     bool isMultiStream = false;
-    std::string dialprefix;         // modem dial command
+    std::string dialprefix;  // modem dial command
 
     // The metering method of a stream from 1, where the model has one; empty otherwise.
     std::string ModelText(int streamno) const;

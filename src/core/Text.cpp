@@ -13,13 +13,17 @@ namespace {
 
 // Code page 1252 from 0x80 to 0x9F; the five undefined codes stand for themselves.
 constexpr std::array<std::uint16_t, 32> upperControls = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D,
-    0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A,
-    0x0153, 0x009D, 0x017E, 0x0178};
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0'; }
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0';
+}
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 void AppendUtf8(std::string& out, std::uint32_t code) {
     if (code < 0x80) {
@@ -32,25 +36,6 @@ void AppendUtf8(std::string& out, std::uint32_t code) {
         out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
         out += static_cast<char>(0x80 | (code & 0x3F));
     }
-}
-
-// The next code point of a UTF-8 text; nothing at a malformed place. Four-byte forms have no 8-bit character anyway.
-std::optional<std::uint32_t> NextCodePoint(std::string_view text, std::size_t& at) {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    const int following = lead < 0x80 ? 0 : (lead & 0xE0) == 0xC0 ? 1 : (lead & 0xF0) == 0xE0 ? 2 : -1;
-    if (following < 0 || at + static_cast<std::size_t>(following) >= text.size()) {
-        return std::nullopt;
-    }
-    std::uint32_t code = following == 0 ? lead : following == 1 ? lead & 0x1F : lead & 0x0F;
-    for (int i = 0; i < following; ++i) {
-        const auto next = static_cast<unsigned char>(text[++at]);
-        if ((next & 0xC0) != 0x80) {
-            return std::nullopt;
-        }
-        code = (code << 6) | (next & 0x3F);
-    }
-    ++at;
-    return code;
 }
 
 }  // namespace
@@ -143,6 +128,24 @@ std::string FromCodePage(std::string_view bytes) {
         AppendUtf8(out, byte >= 0x80 && byte < 0xA0 ? upperControls[byte - 0x80] : byte);
     }
     return out;
+}
+
+std::optional<std::uint32_t> NextCodePoint(std::string_view utf8, std::size_t& at) {
+    const auto lead = static_cast<unsigned char>(utf8[at]);
+    const int following = lead < 0x80 ? 0 : (lead & 0xE0) == 0xC0 ? 1 : (lead & 0xF0) == 0xE0 ? 2 : -1;
+    if (following < 0 || at + static_cast<std::size_t>(following) >= utf8.size()) {
+        return std::nullopt;
+    }
+    std::uint32_t code = following == 0 ? lead : following == 1 ? lead & 0x1F : lead & 0x0F;
+    for (int i = 1; i <= following; ++i) {
+        const auto next = static_cast<unsigned char>(utf8[at + static_cast<std::size_t>(i)]);
+        if ((next & 0xC0) != 0x80) {
+            return std::nullopt;
+        }
+        code = (code << 6) | (next & 0x3F);
+    }
+    at += static_cast<std::size_t>(following) + 1;
+    return code;
 }
 
 std::optional<std::string> ToCodePage(std::string_view utf8) {

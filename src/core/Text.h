@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +34,10 @@ std::string HexLine(std::string_view bytes);
 
 // Text from the wire or from an 8-bit store (code page 1252) as UTF-8. Every byte has a character.
 std::string FromCodePage(std::string_view bytes);
+
+// The code point at a place of a UTF-8 text, which moves on behind it; nothing, and the place stays, where the text is
+// malformed or the code point is beyond 0xFFFF.
+std::optional<std::uint32_t> NextCodePoint(std::string_view utf8, std::size_t& at);
 
 // The 8-bit form of a UTF-8 text; nothing when a character has none.
 std::optional<std::string> ToCodePage(std::string_view utf8);

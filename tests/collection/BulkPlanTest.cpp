@@ -1,7 +1,6 @@
-#include "collection/BulkPlan.h"
-
 #include <gtest/gtest.h>
 
+#include "collection/BulkPlan.h"
 #include "support/ScratchDesk.h"
 
 using namespace collection;
@@ -20,9 +19,10 @@ struct BulkPlanTest : testing::Test {
 
     void Map(const std::string& type, const std::vector<int>& addresses, int streamno = 1) {
         for (const int address : addresses) {
-            desk.dbconn.Execute("insert into configdata_detail(locationID, startaddress, type, StreamNo) "
-                                "values(5,?,?,?)",
-                                {std::to_string(address), type, streamno});
+            desk.dbconn.Execute(
+                "insert into configdata_detail(locationID, startaddress, type, StreamNo) "
+                "values(5,?,?,?)",
+                {std::to_string(address), type, streamno});
         }
     }
     std::vector<Block> Plan() { return Collect_StartAddress(desk.dbconn, desk.logs, station, 1); }
@@ -47,15 +47,17 @@ TEST_F(BulkPlanTest, ABlockEndsAtThirtyRegistersAndAtAGap) {
     Map("Integer", Range(1, 31));
     Map("Coil(Boolean)", {1, 2, 4});
     Map("Float", Range(101, 131, 2), 1);
-    EXPECT_EQ(Plan(), (std::vector<Block>{
-                          {1, 2, coil}, {4, 1, coil}, {101, 30, real}, {131, 2, real}, {1, 30, integer}, {31, 1, integer}}));
+    EXPECT_EQ(Plan(),
+              (std::vector<Block>{
+                  {1, 2, coil}, {4, 1, coil}, {101, 30, real}, {131, 2, real}, {1, 30, integer}, {31, 1, integer}}));
 }
 
 TEST_F(BulkPlanTest, OtherStreamsAndUnsetAddressesAreNoAddresses) {
     Map("Integer", {0, 7});
     Map("Integer", {9}, 2);
-    desk.dbconn.Execute("insert into configdata_detail(locationID, startaddress, type, StreamNo) "
-                        "values(5,'','Integer',1),(5,null,'Integer',1),(5,'54-3','Integer',2)");
+    desk.dbconn.Execute(
+        "insert into configdata_detail(locationID, startaddress, type, StreamNo) "
+        "values(5,'','Integer',1),(5,null,'Integer',1),(5,'54-3','Integer',2)");
     EXPECT_EQ(Plan(), (std::vector<Block>{{7, 1, integer}}));
 }
 

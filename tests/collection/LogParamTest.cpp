@@ -1,7 +1,6 @@
-#include "collection/LogParam.h"
-
 #include <gtest/gtest.h>
 
+#include "collection/LogParam.h"
 #include "collection/RunFigures.h"
 #include "support/ScratchDesk.h"
 
@@ -30,7 +29,8 @@ TEST(UpsertLogParam, ASecondRunOfTheDayUpdatesItsRow) {
 TEST(UpsertLogParam, IsFoundByTheStationsDateAndStampedWithTheComputers) {
     support::ScratchDesk desk;
     const core::DateTime now{2026, 3, 9, 8, 0, 0};
-    UpsertLogParam(desk.dbconn, 1, {2026, 3, 8, 23, 59, 0}, now, {});  // the station is a minute late: no row of the 8th
+    UpsertLogParam(desk.dbconn, 1, {2026, 3, 8, 23, 59, 0}, now,
+                   {});  // the station is a minute late: no row of the 8th
     EXPECT_EQ(desk.dbconn.First("select date from LogParam")->Text("date"), "2026-03-09 08:00:00");
 }
 

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "core/Clock.h"
+#include "core/Database.h"
+#include "core/Feedback.h"
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+
+namespace collection {
+
+// One mail. Each of the three recipient fields holds one address or is empty.
+struct MailMessage {
+    std::string sender;
+    std::string to;
+    std::string cc;
+    std::string bcc;  // gets the mail and stands in no header
+    std::string subject;
+    std::string text;
+    std::filesystem::path attachment;
+};
+
+// How the mail leaves: the row of mail_server.
+struct MailServer {
+    std::string url;  // "smtp://host:port" or "smtps://..."
+    std::string user;
+    std::string password;
+};
+
+struct MailOutcome {
+    bool sent = false;
+    std::string reason;  // why not, in the server's or the network's words
+};
+
+class MailTransport {
+  public:
+    virtual ~MailTransport() = default;
+
+    // Delivers the mail to the server, waiting through the clock. Ends early, unsent, as soon as `ended` holds.
+    virtual MailOutcome Send(const MailMessage& message, const MailServer& server, core::Clock& clock,
+                             const std::function<bool()>& ended) = 0;
+};
+
+// mail_server's row; an empty url is the server on this machine.
+MailServer ReadMailServer(core::Database& dbconn);
+
+// The mail behind a minute's collections: to whom email_settings says, with the daily report of today, which is made
+// for it. Without a row or an addressee nothing happens. A failure leaves the last status text and a line in
+// RTU_Err.log; the next selected minute mails again. Throws DatabaseError.
+void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
+              core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
+
+}  // namespace collection

@@ -1,0 +1,132 @@
+#include "collection/Workbook.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <system_error>
+
+#include "core/Text.h"
+
+namespace collection {
+
+namespace {
+
+constexpr std::size_t longestName = 180;  // bytes, so that the date and the ending still fit
+
+std::string Hex(std::uint64_t number, int digits) {
+    std::string text;
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
+        text += "0123456789ABCDEF"[(number >> shift) & 15];
+    }
+    return text;
+}
+
+// An over-long name keeps its beginning; the sum (FNV-1a) of the whole keeps two such names apart.
+std::string Shortened(const std::string& name) {
+    std::uint64_t sum = 14695981039346656037ULL;
+    for (const char c : name) {
+        sum = (sum ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    }
+    std::size_t cut = longestName;
+    while ((static_cast<unsigned char>(name[cut]) & 0xC0) == 0x80) {
+        --cut;  // not inside a character
+    }
+    return name.substr(0, cut) + "~" + Hex(sum, 16);
+}
+
+std::string FileName(const std::string& consumer) {
+    constexpr std::string_view unsafe = "/\\:*?\"<>|%";
+    std::string name;
+    for (const char c : consumer) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool hidden = name.empty() && c == '.';
+        if (byte < 0x20 || byte == 0x7F || hidden || unsafe.find(c) != std::string_view::npos) {
+            name += "%" + Hex(byte, 2);
+        } else {
+            name += c;
+        }
+    }
+    return name.size() > longestName ? Shortened(name) : name;
+}
+
+// Each line ends with a CR of its own in front of the file's line end.
+std::string Line(const std::string& text) {
+    return text + "\r\n";
+}
+
+std::string Block(core::Database& dbconn, const core::DateTime& now, const std::string& consumer, int streamno,
+                  const std::string& model) {
+    const auto rows = dbconn.Query("select * from sched_temp");
+    std::string block;
+    if (!rows.empty()) {
+        block += Line("Schedule Date:-  " + core::DateText(now) + "  Schedule Time:-   " + core::TimeText(now));
+        block += Line("RTU Name:- " + consumer);
+        block += Line("Stream:- " + std::to_string(streamno));
+        block += Line("Model Name:- " + model);
+    }
+    block += Line("Sr. No\tDescription\tValue  \tUnit");
+    int number = 0;
+    for (const core::Row& row : rows) {
+        block += Line(std::to_string(++number) + "\t" + row[0].Text() + "\t" + row[1].Text() + "\t" + row[2].Text());
+    }
+    return block;
+}
+
+[[noreturn]] void Fail() {
+    throw std::system_error(errno, std::generic_category());
+}
+
+class AppendedFile {
+  public:
+    explicit AppendedFile(const std::filesystem::path& path)
+        : descriptor_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644)) {
+        if (descriptor_ < 0) {
+            Fail();
+        }
+    }
+    ~AppendedFile() { close(descriptor_); }
+    AppendedFile(const AppendedFile&) = delete;
+    AppendedFile& operator=(const AppendedFile&) = delete;
+
+    void Write(std::string_view text) const {
+        while (!text.empty()) {
+            const ssize_t written = write(descriptor_, text.data(), text.size());
+            if (written < 0) {
+                Fail();
+            }
+            text.remove_prefix(static_cast<std::size_t>(written));
+        }
+        if (fsync(descriptor_) != 0) {
+            Fail();
+        }
+    }
+
+  private:
+    int descriptor_;
+};
+
+}  // namespace
+
+std::filesystem::path WorkbookPath(const core::MAIN_Module& shared, const std::string& consumer,
+                                   const core::DateTime& date) {
+    return shared.schedulerDirectory / (FileName(consumer) + "_" + std::to_string(date.day) +
+                                        std::to_string(date.month) + std::to_string(date.year) + ".xls");
+}
+
+void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared, const core::Clock& clock,
+                        core::Feedback& feedback, core::Logs& logs, const std::string& consumer, int streamno,
+                        const std::string& model) {
+    try {
+        const core::DateTime now = clock.Now();
+        AppendedFile(WorkbookPath(shared, consumer, now)).Write(Block(dbconn, now, consumer, streamno, model));
+    } catch (const std::exception& failure) {
+        feedback.Status("Error in creating Excel");
+        logs.WriteRtuErr(std::string("Error in creating Excel: ") + failure.what());
+    }
+}
+
+}  // namespace collection

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "core/Clock.h"
+#include "core/Database.h"
+#include "core/Feedback.h"
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+
+namespace collection {
+
+// The station's workbook of a day: its name, "_", day, month and year without leading zeros, ".xls", in the scheduler
+// directory. Two dates can give one name (1/11 and 11/1), which the readers of these files know. A name may hold any
+// character: what cannot stand in a file name becomes "%" and its code, so the path never leaves the directory.
+std::filesystem::path WorkbookPath(const core::MAIN_Module& shared, const std::string& consumer,
+                                   const core::DateTime& date);
+
+// Appends the block of a run to the workbook of today: the values of sched_temp behind their heading, tab-separated.
+// It is on the disk when this returns. A failure is told in the status bar and RTU_Err.log, and the run goes on.
+void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared, const core::Clock& clock,
+                        core::Feedback& feedback, core::Logs& logs, const std::string& consumer, int streamno,
+                        const std::string& model);
+
+}  // namespace collection

@@ -1,0 +1,64 @@
+#include <gmock/gmock.h>
+
+#include "collection/DailyReport.h"
+#include "support/ScratchDesk.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+struct DailyReportTest : testing::Test {
+    support::ScratchDesk desk{{2026, 3, 10, 8, 0, 0}};
+    const core::DateTime day = desk.clock.Now();
+
+    void Make() {
+        collection::makereport_daily(desk.dbconn, day, desk.feedback);
+        collection::WriteDailyReport(desk.dbconn, day, desk.shared.dailyReportPath);
+    }
+    std::string Page() const { return support::FileText(desk.shared.dailyReportPath); }
+};
+
+TEST_F(DailyReportTest, HoldsARowAStationWithTheFiguresOfTheDay) {
+    desk.dbconn.Execute(
+        "insert into configdata_master(locationID,consumer,presentallocation,MGO_Qty,Cont_Pr) values"
+        "(2,'Mill',24000,20000,8.5),(1,'Farm',null,null,null),(3,'Old',1,2,3)");
+    desk.dbconn.Execute(
+        "insert into LogParam values(2,'2026-03-10 06:00:00','',500,12000,7.25),"
+        "(3,'2026-03-09 06:00:00','',1,1,1),(3,'2026-02-10 06:00:00','',1,1,1)");
+    Make();
+    const auto rows = desk.dbconn.Query("select * from daily_rep");
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[0].Text("consumer"), "Farm");
+    EXPECT_EQ(rows[0].Number("presentallocation"), 0);
+    EXPECT_EQ(rows[1].Long("srno"), 2);
+    EXPECT_EQ(rows[1].Number("dayflow"), 500);
+    EXPECT_EQ(rows[1].Number("averageflow"), 1200);  // 12000 on the tenth
+    EXPECT_EQ(rows[1].Number("pressure"), 7.25);
+    EXPECT_EQ(rows[1].Text("status"), "A");
+    EXPECT_EQ(rows[2].Number("dayflow"), 0);
+    Make();
+    EXPECT_EQ(desk.dbconn.Query("select * from daily_rep").size(), 3U);
+}
+
+TEST_F(DailyReportTest, ThePageSurvivesAnyName) {
+    desk.dbconn.Execute("insert into configdata_master(locationID,consumer) values(1,?)",
+                        {"{Süd} \\ O'Brien \xFF \xF0\x9F\x98\x80"});
+    Make();
+    EXPECT_THAT(Page(), HasSubstr("\\{S\\u252?d\\} \\\\ O'Brien ? "));
+    EXPECT_THAT(Page(), HasSubstr("10/03/2026"));
+    int depth = 0;
+    const std::string page = Page();
+    for (std::size_t i = 0; i < page.size(); ++i) {
+        depth += page[i] == '{' && page[i - (i > 0)] != '\\' ? 1 : 0;
+        depth -= page[i] == '}' && page[i - 1] != '\\' ? 1 : 0;
+    }
+    EXPECT_EQ(depth, 0);
+}
+
+TEST_F(DailyReportTest, AnEmptyRegisterIsTold) {
+    Make();
+    EXPECT_THAT(desk.feedback.status, testing::Contains("No Data available"));
+    EXPECT_THAT(Page(), testing::StartsWith("{\\rtf1"));
+}
+
+}  // namespace

@@ -1,0 +1,80 @@
+#include <gmock/gmock.h>
+
+#include "collection/Workbook.h"
+#include "support/ScratchDesk.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+struct WorkbookTest : testing::Test {
+    support::ScratchDesk desk{{2026, 3, 5, 8, 0, 7}};
+
+    void Write(const std::string& consumer) {
+        collection::WriteSchedulerFile(desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, consumer, 2,
+                                       "AGA7");
+    }
+    std::string Book(const std::string& consumer) {
+        return support::FileText(collection::WorkbookPath(desk.shared, consumer, desk.clock.Now()));
+    }
+};
+
+TEST_F(WorkbookTest, AppendsABlockARun) {
+    desk.dbconn.Execute("insert into sched_temp values('Flow \"A\"', 12.5, 'SCMH'),('Volume', null, '')");
+    Write("Mill");
+    const std::string block =
+        "Schedule Date:-  05/03/2026  Schedule Time:-   08:00:07\r\n"
+        "RTU Name:- Mill\r\n"
+        "Stream:- 2\r\n"
+        "Model Name:- AGA7\r\n"
+        "Sr. No\tDescription\tValue  \tUnit\r\n"
+        "1\tFlow \"A\"\t12.5\tSCMH\r\n"
+        "2\tVolume\t\t\r\n";
+    EXPECT_EQ(Book("Mill"), block);
+    Write("Mill");
+    EXPECT_EQ(Book("Mill"), block + block);
+    EXPECT_TRUE(std::filesystem::exists(desk.shared.schedulerDirectory / "Mill_532026.xls"));
+}
+
+TEST_F(WorkbookTest, WithoutValuesTheHeadingStandsAlone) {
+    Write("Mill");
+    EXPECT_EQ(Book("Mill"), "Sr. No\tDescription\tValue  \tUnit\r\n");
+}
+
+TEST_F(WorkbookTest, EveryNameIsOneFileInsideTheDirectory) {
+    const std::vector<std::string> names = {"../../etc/x",
+                                            "a/b",
+                                            "a\\b",
+                                            "..",
+                                            ".hidden",
+                                            "O'Brien's",
+                                            "a%2Fb",
+                                            "Süd",
+                                            "line\nbreak",
+                                            std::string("nul\0", 4),
+                                            std::string(10000, 'x') + "1",
+                                            std::string(10000, 'x') + "2",
+                                            ""};
+    for (const std::string& name : names) {
+        Write(name);
+    }
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(desk.shared.directory)) {
+        files += entry.path().extension() == ".xls" ? 1 : 0;
+        EXPECT_TRUE(entry.path().extension() != ".xls" || entry.path().parent_path() == desk.shared.schedulerDirectory);
+    }
+    EXPECT_EQ(files, names.size());
+    EXPECT_EQ(desk.RtuErr(), "");
+}
+
+TEST_F(WorkbookTest, AFailureIsToldAndTheRunGoesOn) {
+    std::filesystem::create_symlink("/dev/full", collection::WorkbookPath(desk.shared, "Full", desk.clock.Now()));
+    Write("Full");
+    std::filesystem::remove_all(desk.shared.schedulerDirectory);
+    Write("Mill");
+    EXPECT_THAT(desk.feedback.status, testing::ElementsAre("Error in creating Excel", "Error in creating Excel"));
+    EXPECT_THAT(desk.RtuErr(), HasSubstr("No space left on device"));
+    EXPECT_THAT(desk.RtuErr(), HasSubstr("No such file or directory"));
+}
+
+}  // namespace
