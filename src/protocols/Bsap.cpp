@@ -96,14 +96,14 @@ std::string Bsap::get_by_address(int address, std::int32_t signalAddress) {
 }
 
 std::string Bsap::get_by_name(int address, int count, std::span<const std::string> names) {
-    constexpr int columns = 3;
+    constexpr std::size_t columns = 3;
     constexpr int mostNames = 99;
     const int present = static_cast<int>((names.size() + columns - 1) / columns);
     const int sent = std::clamp(count, 0, std::min(present, mostNames));
     // The stations take the count as the hexadecimal reading of its decimal digits.
     std::string function = "\x04\x05\xF8\x01\xFF"s + LowByte(DigitsAsHex(sent));
-    for (int row = 0; row < sent; ++row) {
-        function += Closed(names[static_cast<std::size_t>(row * columns)]);
+    for (std::size_t row = 0; row < static_cast<std::size_t>(sent); ++row) {
+        function += Closed(names[row * columns]);
     }
     return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow, function);
 }

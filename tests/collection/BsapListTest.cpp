@@ -319,8 +319,9 @@ TEST(BsapListRecords, Kinds) {
 
 TEST(BsapListRecords, NothingIsTakenFromTheTrailer) {
     const std::string record = Analog(onePointFive, 300);
+    const std::string whole = "head" + Times(2, record) + "tail";
     for (std::size_t length = 0; length <= 2 * record.size() + 8; ++length) {
-        const std::string reply = ("head" + record + record + "tail").substr(0, length);
+        const std::string reply = whole.substr(0, length);
         const ListRecords records = ReadRecords(reply, {5, true, false});
         const std::size_t room = length < 8 ? 0 : length - 8;
         EXPECT_EQ(records.signals.size(), room / record.size()) << length;

@@ -25,7 +25,7 @@ std::string Frame(int bsapseq, int appseq, const Build& build, BsapState state =
     const int before = std::max(appseq - 2, 0);
     BsapCounters counters{bsapseq - 1, before % 256, before / 256};
     Bsap message(counters, state, isCW);
-    const std::string frame = Hex(build(message));
+    std::string frame = Hex(build(message));
     EXPECT_EQ(counters.bsapseq, bsapseq) << frame;
     EXPECT_EQ(counters.appseqhigh * 256 + counters.appseqlow, appseq) << frame;
     return frame;

@@ -30,13 +30,13 @@ const char* const signedIn = "00 01 00 86 01 00 02";
 
 struct Outcome {
     const char* name;
-    bool isCW;
     std::string phoneno;
     std::string poll;
     std::string version;
-    bool expected;
-    int rtustatus;
     std::size_t sends;
+    int rtustatus;
+    bool isCW;
+    bool expected;
 };
 
 class BsapLink : public testing::Test, public support::ScriptedTalk {
@@ -59,26 +59,26 @@ TEST_F(BsapLink, SignOnOutcomes) {
     const std::string poll = Reply(pollLong);
     const std::string version = Reply(versionLong);
     const Outcome cases[] = {
-        {"good", false, "", poll, version, true, 0, 3},
-        {"good CW", true, "", Reply(pollShort), Reply(versionShort), true, 0, 3},
-        {"silent", false, "", "", "", false, -1000, 1},
-        {"one byte", false, "", "\x10", "", false, -1000, 1},
-        {"ends before the status", false, "", poll.substr(0, 7), "", false, -1000, 1},
-        {"another address", false, "", Reply("00 01 00 86 02 00 01"), "", false, 0, 1},
-        {"another address behind a modem", false, "0265", Reply("00 01 00 86 02 00 01"), "", false, 0, 1},
-        {"another address of a CW", true, "", Reply("00 01 86 02 00 01"), "", false, 0, 1},
-        {"the same behind a modem", true, "0265", Reply("00 01 86 02 00 01"), Reply(versionShort), true, 0, 3},
-        {"silent CW behind a modem", true, "0265", "", "", false, -1000, 1},
-        {"status 1", false, "", Reply("00 01 00 86 01 01 01"), version, true, 1, 3},
-        {"status 2", false, "", Reply("00 01 00 86 01 02 01"), "", false, 2, 1},
-        {"status 2 of a CW behind a modem", true, "0265", Reply("00 01 86 02 02 01"), "", false, 2, 1},
+        {"good", "", poll, version, 3, 0, false, true},
+        {"good CW", "", Reply(pollShort), Reply(versionShort), 3, 0, true, true},
+        {"silent", "", "", "", 1, -1000, false, false},
+        {"one byte", "", "\x10", "", 1, -1000, false, false},
+        {"ends before the status", "", poll.substr(0, 7), "", 1, -1000, false, false},
+        {"another address", "", Reply("00 01 00 86 02 00 01"), "", 1, 0, false, false},
+        {"another address behind a modem", "0265", Reply("00 01 00 86 02 00 01"), "", 1, 0, false, false},
+        {"another address of a CW", "", Reply("00 01 86 02 00 01"), "", 1, 0, true, false},
+        {"the same behind a modem", "0265", Reply("00 01 86 02 00 01"), Reply(versionShort), 3, 0, true, true},
+        {"silent CW behind a modem", "0265", "", "", 1, -1000, true, false},
+        {"status 1", "", Reply("00 01 00 86 01 01 01"), version, 3, 1, false, true},
+        {"status 2", "", Reply("00 01 00 86 01 02 01"), "", 1, 2, false, false},
+        {"status 2 of a CW behind a modem", "0265", Reply("00 01 86 02 02 01"), "", 1, 2, true, false},
         // The poll reply is read as received: a doubled byte in front moves the address.
-        {"doubled sequence", false, "", Reply("00 10 00 86 01 00 10"), "", false, 1, 1},
-        {"no version", false, "", poll, "", false, 0, 3},
-        {"version 0 0", false, "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 00 23"), false, 0, 3},
-        {"version 0 5", false, "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 05 23"), true, 0, 3},
-        {"only acknowledged", false, "", poll, Reply(signedIn), false, 0, 3},
-        {"acknowledged at length", false, "", poll, Reply("00 02 00 86 01 00 01 02 03 04 05"), false, 0, 3},
+        {"doubled sequence", "", Reply("00 10 00 86 01 00 10"), "", 1, 1, false, false},
+        {"no version", "", poll, "", 3, 0, false, false},
+        {"version 0 0", "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 00 23"), 3, 0, false, false},
+        {"version 0 5", "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 05 23"), 3, 0, false, true},
+        {"only acknowledged", "", poll, Reply(signedIn), 3, 0, false, false},
+        {"acknowledged at length", "", poll, Reply("00 02 00 86 01 00 01 02 03 04 05"), 3, 0, false, false},
     };
     for (const Outcome& c : cases) {
         SCOPED_TRACE(c.name);
