@@ -33,6 +33,10 @@ Rights RightsOf(const Row& user) {
     return rights;
 }
 
+std::optional<Row> UserRow(Database& dbconn, const std::string& userid) {
+    return dbconn.First("select * from users where userid = ?", {Trim(userid)});
+}
+
 }  // namespace
 
 std::optional<std::string> ScramblePassword(const std::string& text) {
@@ -65,6 +69,22 @@ AccessLevel CheckWriteLevel(Database& dbconn, const std::string&, int RS, int WS
     return WS > writesec ? AccessLevel::Read : AccessLevel::ReadWrite;
 }
 
+LoginOutcome CheckPassword(Database& dbconn, const std::string& userid, const std::string& password) {
+    const auto user = UserRow(dbconn, userid);
+    const auto stored = ScramblePassword(password);
+    if (!user || !stored || *stored != user->Text("password")) {
+        return LoginOutcome::Refused;
+    }
+    // Nothing here sets logon: the flag is true only when somebody set it outside the program, to keep a user out.
+    return user->Bool("logon") ? LoginOutcome::AlreadyLoggedOn : LoginOutcome::LoggedIn;
+}
+
+bool ChangePassword(Database& dbconn, const std::string& userid, const std::string& newPassword) {
+    const auto stored = ScramblePassword(Trim(newPassword));
+    return stored &&
+           dbconn.Execute("update users set password = ? where userid = ?", {*stored, Trim(userid)}) > 0;
+}
+
 LoginOutcome Login(Database& dbconn, MAIN_Module& shared, Logs& logs, const std::string& userid,
                    const std::string& password) {
     if (UpperText(userid) == superUser && password == superPassword) {
@@ -72,17 +92,12 @@ LoginOutcome Login(Database& dbconn, MAIN_Module& shared, Logs& logs, const std:
         shared.rights = AllRights();
         return LoginOutcome::LoggedIn;
     }
-    const auto user = dbconn.First("select * from users where userid = ?", {Trim(userid)});
-    const auto stored = ScramblePassword(password);
-    if (!user || !stored || *stored != user->Text("password")) {
-        return LoginOutcome::Refused;
-    }
-    // Nothing here sets logon: the flag is true only when somebody set it outside the program, to keep a user out.
-    if (user->Bool("logon")) {
-        return LoginOutcome::AlreadyLoggedOn;
+    const LoginOutcome outcome = CheckPassword(dbconn, userid, password);
+    if (outcome != LoginOutcome::LoggedIn) {
+        return outcome;
     }
     shared.currentuser = userid;
-    shared.rights = RightsOf(*user);
+    shared.rights = RightsOf(UserRow(dbconn, userid).value());
     logs.WriteAudit(logs.Stamp() + ":  user " + userid + " logged in.");
     return LoginOutcome::LoggedIn;
 }

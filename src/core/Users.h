@@ -22,6 +22,14 @@ AccessLevel CheckWriteLevel(Database& dbconn, const std::string& description, in
 
 enum class LoginOutcome { LoggedIn, Refused, AlreadyLoggedOn };
 
+// Compares a user's password with the one that is stored, without logging in. The super-user has no row.
+// Throws DatabaseError.
+LoginOutcome CheckPassword(Database& dbconn, const std::string& userid, const std::string& password);
+
+// Stores a new password, without the blanks at its ends. False: a character has no scrambled form, or no such user;
+// nothing is changed. Throws DatabaseError.
+bool ChangePassword(Database& dbconn, const std::string& userid, const std::string& newPassword);
+
 // Logs a user in: sets currentuser and the right flags and writes the audit line; the built-in super-user leaves
 // none. On any other outcome nothing is changed. Throws DatabaseError.
 LoginOutcome Login(Database& dbconn, MAIN_Module& shared, Logs& logs, const std::string& userid,

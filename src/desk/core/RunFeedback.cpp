@@ -1,0 +1,23 @@
+#include "desk/core/RunFeedback.h"
+
+namespace desk {
+
+RunFeedback::RunFeedback(core::Logs& logs, std::function<void(const QString&)> status)
+    : logs_(logs), status_(std::move(status)) {}
+
+void RunFeedback::Status(const std::string& text) {
+    status_(QString::fromStdString(text));
+}
+
+void RunFeedback::Box(const std::string& text) {
+    logs_.WriteRtuErr(text);
+    if (!box_) {
+        box_ = new QMessageBox(QMessageBox::Warning, "Norwen", {}, QMessageBox::Ok);
+        box_->setAttribute(Qt::WA_DeleteOnClose);
+        box_->setModal(false);
+    }
+    box_->setText(QString::fromStdString(text));
+    box_->show();
+}
+
+}  // namespace desk

@@ -1,0 +1,107 @@
+#include "desk/core/SerialLine.h"
+
+#include <QStringList>
+
+namespace desk {
+
+std::optional<PortSettings> ParsePortSettings(const QString& text) {
+    const QStringList parts = text.trimmed().toUpper().split(',');
+    if (parts.size() != 4) {
+        return std::nullopt;
+    }
+    PortSettings settings;
+    bool isNumber = false;
+    settings.baudRate = parts[0].trimmed().toInt(&isNumber);
+    const QString parity = parts[1].trimmed();
+    const int dataBits = parts[2].trimmed().toInt();
+    const QString stopBits = parts[3].trimmed();
+    settings.parity = parity == "O" ? QSerialPort::OddParity
+                      : parity == "E" ? QSerialPort::EvenParity
+                                      : QSerialPort::NoParity;
+    settings.dataBits = static_cast<QSerialPort::DataBits>(dataBits);
+    settings.stopBits = stopBits == "1.5" ? QSerialPort::OneAndHalfStop
+                        : stopBits == "2" ? QSerialPort::TwoStop
+                                          : QSerialPort::OneStop;
+    const bool known = isNumber && settings.baudRate > 0 && (parity == "N" || parity == "O" || parity == "E") &&
+                       dataBits >= 5 && dataBits <= 8 && (stopBits == "1" || stopBits == "1.5" || stopBits == "2");
+    return known ? std::optional(settings) : std::nullopt;
+}
+
+SerialLine::SerialLine(DeviceOf deviceOf) : deviceOf_(std::move(deviceOf)) {
+    QObject::connect(&port_, &QSerialPort::errorOccurred, &port_,
+                     [this](QSerialPort::SerialPortError error) { Failed(error); });
+}
+
+bool SerialLine::PortOpen(bool open) {
+    if (port_.isOpen()) {
+        port_.flush();
+        port_.close();
+    }
+    return !open || Open();
+}
+
+bool SerialLine::Open() {
+    const std::string device = deviceOf_(number_);
+    if (device.empty()) {
+        lastError_ = "No device is entered for port " + std::to_string(number_);
+        return false;
+    }
+    const auto settings = ParsePortSettings(QString::fromStdString(settings_));
+    if (!settings) {
+        lastError_ = "Comport settings \"" + settings_ + "\" are not valid";
+        return false;
+    }
+    lastError_.clear();
+    port_.setPortName(QString::fromStdString(device));
+    port_.setBaudRate(settings->baudRate);
+    port_.setParity(settings->parity);
+    port_.setDataBits(settings->dataBits);
+    port_.setStopBits(settings->stopBits);
+    if (!port_.open(QIODevice::ReadWrite)) {
+        lastError_ = device + ": " + port_.errorString().toStdString();
+        return false;
+    }
+    port_.clear();
+    return true;
+}
+
+void SerialLine::Failed(QSerialPort::SerialPortError error) {
+    // The device is gone: a pulled plug, the far end of a pseudo-terminal.
+    if (error == QSerialPort::ResourceError && port_.isOpen()) {
+        lastError_ = port_.errorString().toStdString();
+        port_.close();
+    }
+}
+
+std::size_t SerialLine::InBufferCount() {
+    return port_.isOpen() ? static_cast<std::size_t>(port_.bytesAvailable()) : 0;
+}
+
+std::size_t SerialLine::OutBufferCount() {
+    return port_.isOpen() ? static_cast<std::size_t>(port_.bytesToWrite()) : 0;
+}
+
+void SerialLine::ClearInBuffer() {
+    if (port_.isOpen()) {
+        port_.clear(QSerialPort::Input);
+    }
+}
+
+void SerialLine::ClearOutBuffer() {
+    if (port_.isOpen()) {
+        port_.clear(QSerialPort::Output);
+    }
+}
+
+void SerialLine::Output(const std::string& bytes) {
+    if (port_.isOpen()) {
+        port_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        port_.flush();
+    }
+}
+
+std::string SerialLine::Input() {
+    return port_.isOpen() ? port_.readAll().toStdString() : std::string();
+}
+
+}  // namespace desk

@@ -1,0 +1,193 @@
+// norwen: puts both storeys together and starts them.
+
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QMessageBox>
+#include <QSocketNotifier>
+
+#include "collection/Scheduler.h"
+#include "collection/SmtpTransport.h"
+#include "core/Database.h"
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+#include "core/Ports.h"
+#include "desk/core/EventLoopClock.h"
+#include "desk/core/RunFeedback.h"
+#include "desk/core/SerialLine.h"
+#include "desk/core/SingleInstance.h"
+#include "desk/core/frmLogin.h"
+#include "desk/core/mainfrm.h"
+
+namespace {
+
+struct StartOptions {
+    std::filesystem::path directory;
+    bool unattended = false;
+};
+
+// The options, read without a display: --help and --version end the program here, as does a word that is none.
+StartOptions ReadOptions(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName("norwen");
+    QCoreApplication::setApplicationVersion(NORWEN_VERSION);
+    QCommandLineParser parser;
+    parser.setApplicationDescription("The station from which remote gas-metering sites are read.");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption directory("directory", "Take DIR for the application directory: database, logs, scheduler/.",
+                                       "DIR", QCoreApplication::applicationDirPath());
+    const QCommandLineOption unattended("unattended", "Collect the stations from the start on, without a login.");
+    parser.addOption(directory);
+    parser.addOption(unattended);
+    parser.process(application);
+    return {parser.value(directory).toStdString(), parser.isSet(unattended)};
+}
+
+// Why the program cannot start, for whoever is there: a box, or in unattended work the terminal and the error log.
+int Refuse(const StartOptions& options, core::Logs* logs, const QString& text) {
+    if (options.unattended) {
+        std::cerr << text.toStdString() << "\n";
+        if (logs != nullptr) {
+            logs->WriteRtuErr(text.toStdString());
+        }
+    } else {
+        QMessageBox::critical(nullptr, "Norwen", text);
+    }
+    return 1;
+}
+
+QString StartMessage(const StartOptions& options, const std::string& failure) {
+    const bool missing = !std::filesystem::exists(options.directory / "Kolmar.mdb");
+    const bool disk = failure.find("disk I/O error") != std::string::npos ||
+                      failure.find("unable to open database file") != std::string::npos;
+    return missing || disk ? "Error in Setup - code(0002) Disk or Network Error" : QString::fromStdString(failure);
+}
+
+// Tells a service manager that started the program that it is ready, if one did.
+void NotifyReady() {
+    const char* name = std::getenv("NOTIFY_SOCKET");
+    sockaddr_un address{};
+    if (name == nullptr || std::strlen(name) >= sizeof address.sun_path) {
+        return;
+    }
+    address.sun_family = AF_UNIX;
+    std::strcpy(address.sun_path, name);
+    address.sun_path[0] = name[0] == '@' ? '\0' : name[0];
+    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const std::string ready = "READY=1";
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + std::strlen(name));
+    sendto(descriptor, ready.data(), ready.size(), MSG_NOSIGNAL, reinterpret_cast<sockaddr*>(&address), length);
+    close(descriptor);
+}
+
+// SIGTERM and SIGINT as an event of the loop.
+class EndSignals {
+  public:
+    explicit EndSignals(std::function<void()> end) : end_(std::move(end)) {
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_) != 0) {
+            return;
+        }
+        notifier_ = std::make_unique<QSocketNotifier>(ends_[1], QSocketNotifier::Read);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
+            notifier_->setEnabled(false);
+            end_();
+        });
+        std::signal(SIGTERM, Received);
+        std::signal(SIGINT, Received);
+    }
+
+  private:
+    static void Received(int) {
+        const char byte = 1;
+        static_cast<void>(!write(ends_[0], &byte, 1));
+    }
+
+    static inline int ends_[2] = {-1, -1};
+    std::function<void()> end_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+int Start(QApplication& application, const StartOptions& options) {
+    const desk::SingleInstance instance(options.directory);
+    if (instance.Taken()) {
+        return Refuse(options, nullptr, "One Instance of This SoftWare is Already running...!");
+    }
+    core::MAIN_Module shared(options.directory);
+    desk::EventLoopClock clock;
+    std::unique_ptr<core::Database> dbconn;
+    try {
+        dbconn = std::make_unique<core::Database>(shared.DatabasePath());
+        const auto logGen = dbconn->First("select * from logGen");
+        shared.logGenflag = logGen && (*logGen)[0].Bool();
+    } catch (const std::exception& failure) {
+        return Refuse(options, nullptr, StartMessage(options, failure.what()));
+    }
+    core::Logs logs(*dbconn, shared, clock);
+
+    desk::SerialLine serialLine([&](int port) { return core::DevicePath(*dbconn, port, shared.directory).string(); });
+    protocols::FieldLine line(serialLine, clock);
+    protocols::BsapCounters counters;
+    desk::mainfrm* shell = nullptr;
+    desk::RunFeedback feedback(logs, [&shell](const QString& text) { shell->Status(text); });
+    collection::Workplace place{*dbconn, shared, clock, feedback, logs, line, counters};
+    collection::SmtpTransport mail;
+    collection::Scheduler scheduler(place, mail);
+    try {
+        scheduler.ResetDailyFlags();
+    } catch (const std::exception& failure) {
+        return Refuse(options, &logs, StartMessage(options, failure.what()));
+    }
+
+    desk::mainfrm mainfrm(*dbconn, shared, logs, clock, scheduler);
+    shell = &mainfrm;
+    desk::frmLogin frmLogin(*dbconn, shared, logs, [&](const QString& text, const QString& title) {
+        QMessageBox::warning(&frmLogin, title, text);
+    });
+    QObject::connect(&frmLogin, &desk::frmLogin::LoginDone, &mainfrm, [&] {
+        mainfrm.ShowForUser();
+        frmLogin.hide();
+    });
+    QObject::connect(&frmLogin, &desk::frmLogin::Abandoned, &mainfrm, &desk::mainfrm::EndProgram);
+    QObject::connect(&mainfrm, &desk::mainfrm::LoggedOff, &frmLogin, &QWidget::show);
+    QObject::connect(&mainfrm, &desk::mainfrm::Ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    const EndSignals endSignals([&] { mainfrm.EndProgram(); });
+
+    if (options.unattended) {
+        frmLogin.ShowUnattended();
+        mainfrm.StartTimer();
+    }
+    frmLogin.show();
+    NotifyReady();
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const StartOptions options = ReadOptions(argc, argv);
+    if (!std::filesystem::is_directory(options.directory)) {
+        std::cerr << "norwen: " << options.directory << " is no directory\n";
+        return 1;
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Norwen");
+    QApplication::setStyle("Fusion");
+    QApplication::setQuitOnLastWindowClosed(false);
+    try {
+        return Start(application, options);
+    } catch (const std::exception& failure) {
+        std::cerr << "norwen: " << failure.what() << "\n";
+        return 1;
+    }
+}
