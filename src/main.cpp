@@ -1,12 +1,5 @@
 // norwen: puts both storeys together and starts them.
 
-#include <csignal>
-#include <cstring>
-#include <filesystem>
-#include <iostream>
-#include <memory>
-#include <string>
-
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -15,6 +8,12 @@
 #include <QCommandLineParser>
 #include <QMessageBox>
 #include <QSocketNotifier>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
 
 #include "collection/Scheduler.h"
 #include "collection/SmtpTransport.h"
@@ -45,8 +44,9 @@ StartOptions ReadOptions(int argc, char** argv) {
     parser.setApplicationDescription("The station from which remote gas-metering sites are read.");
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption directory("directory", "Take DIR for the application directory: database, logs, scheduler/.",
-                                       "DIR", QCoreApplication::applicationDirPath());
+    const QCommandLineOption directory("directory",
+                                       "Take DIR for the application directory: database, logs, scheduler/.", "DIR",
+                                       QCoreApplication::applicationDirPath());
     const QCommandLineOption unattended("unattended", "Collect the stations from the start on, without a login.");
     parser.addOption(directory);
     parser.addOption(unattended);

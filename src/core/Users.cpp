@@ -81,8 +81,7 @@ LoginOutcome CheckPassword(Database& dbconn, const std::string& userid, const st
 
 bool ChangePassword(Database& dbconn, const std::string& userid, const std::string& newPassword) {
     const auto stored = ScramblePassword(Trim(newPassword));
-    return stored &&
-           dbconn.Execute("update users set password = ? where userid = ?", {*stored, Trim(userid)}) > 0;
+    return stored && dbconn.Execute("update users set password = ? where userid = ?", {*stored, Trim(userid)}) > 0;
 }
 
 LoginOutcome Login(Database& dbconn, MAIN_Module& shared, Logs& logs, const std::string& userid,

@@ -6,9 +6,9 @@
 
 namespace desk {
 
-// When the tick behind one at `previous` is due, in milliseconds since 1970, if it is `now`: a minute later, at the same
-// second. A clock that was set, or a program that was held up past that moment, goes on at that second of the minute in
-// hand or of the next.
+// When the tick behind one at `previous` is due, in milliseconds since 1970, if it is `now`: a minute later, at the
+// same second. A clock that was set, or a program that was held up past that moment, goes on at that second of the
+// minute in hand or of the next.
 qint64 NextTick(qint64 previous, qint64 now);
 
 // Calls back once a minute, always at the second at which it was started. It follows the wall clock: a timer that only

@@ -15,7 +15,7 @@ std::optional<PortSettings> ParsePortSettings(const QString& text) {
     const QString parity = parts[1].trimmed();
     const int dataBits = parts[2].trimmed().toInt();
     const QString stopBits = parts[3].trimmed();
-    settings.parity = parity == "O" ? QSerialPort::OddParity
+    settings.parity = parity == "O"   ? QSerialPort::OddParity
                       : parity == "E" ? QSerialPort::EvenParity
                                       : QSerialPort::NoParity;
     settings.dataBits = static_cast<QSerialPort::DataBits>(dataBits);

@@ -26,11 +26,7 @@ void Guarded(core::Logs& logs, const Work& work) {
 }  // namespace
 
 frmLogin::frmLogin(core::Database& dbconn, core::MAIN_Module& shared, core::Logs& logs, MessageBox box)
-    : dbconn_(dbconn),
-      shared_(shared),
-      logs_(logs),
-      box_(std::move(box)),
-      ui_(std::make_unique<Ui::frmLogin>()) {
+    : dbconn_(dbconn), shared_(shared), logs_(logs), box_(std::move(box)), ui_(std::make_unique<Ui::frmLogin>()) {
     ui_->setupUi(this);
     setWindowTitle("Login" + QString::fromStdString(shared_.versionsuffix));
     QFont title = ui_->lbltitle->font();
@@ -82,7 +78,7 @@ void frmLogin::Enter() {
 void frmLogin::closeEvent(QCloseEvent* event) {
     event->accept();
     if (!loggedIn_) {
-        emit Abandoned();
+        Q_EMIT Abandoned();
     }
 }
 
@@ -112,7 +108,7 @@ void frmLogin::cmdOk() {
         if (Accepted(core::Login(dbconn_, shared_, logs_, ui_->txtuser->text().toStdString(),
                                  ui_->txtpassword->text().toStdString()))) {
             loggedIn_ = true;
-            emit LoginDone();
+            Q_EMIT LoginDone();
         }
     });
 }
@@ -139,8 +135,7 @@ void frmLogin::cmdsave() {
         return;
     }
     Guarded(logs_, [this] {
-        if (!core::ChangePassword(dbconn_, ui_->txtuser->text().toStdString(),
-                                  ui_->txtnewpass->text().toStdString())) {
+        if (!core::ChangePassword(dbconn_, ui_->txtuser->text().toStdString(), ui_->txtnewpass->text().toStdString())) {
             box_("The new password holds a character that cannot be stored", "Login");
             Select(ui_->txtnewpass);
             return;

@@ -30,7 +30,7 @@ class frmLogin : public QDialog {
     // The logged-in flag.
     bool LoggedIn() const { return loggedIn_; }
 
-  signals:
+  Q_SIGNALS:
     void LoginDone();
     // Closed while nobody is logged in: the program ends.
     void Abandoned();

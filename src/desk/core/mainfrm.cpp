@@ -88,7 +88,7 @@ void mainfrm::Tick() {
     scheduler_.Tick();
     // A tick inside a run returns at once; the outer one ends the program when its run has unwound.
     if (ending_ && !scheduler_.Busy()) {
-        emit Ended();
+        Q_EMIT Ended();
     }
 }
 
@@ -100,7 +100,7 @@ void mainfrm::cmdlogoff() {
         logs_.WriteRtuErr(failure.what());
     }
     hide();
-    emit LoggedOff();
+    Q_EMIT LoggedOff();
 }
 
 void mainfrm::cmdexit() {
@@ -126,7 +126,7 @@ void mainfrm::EndProgram() {
     Unload();
     scheduler_.Leave();
     if (!scheduler_.Busy()) {
-        emit Ended();
+        Q_EMIT Ended();
     }
 }
 

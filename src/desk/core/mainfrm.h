@@ -45,7 +45,7 @@ class mainfrm : public QMainWindow {
     // Ends the program: at once, or, while stations are collected, as soon as their line is hung up and closed.
     void EndProgram();
 
-  signals:
+  Q_SIGNALS:
     void LoggedOff();
     void Ended();
 

@@ -1,0 +1,95 @@
+#include <gmock/gmock.h>
+
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include "desk/core/RunFeedback.h"
+#include "desk/core/SingleInstance.h"
+#include "desk/core/mainfrm.h"
+#include "support/CollectionDesk.h"
+
+namespace {
+
+struct ShellTest : testing::Test {
+    support::CollectionDesk desk;
+    ::desk::mainfrm shell{desk.dbconn, desk.shared, desk.logs, desk.clock, desk.scheduler};
+    QSignalSpy ended{&shell, &::desk::mainfrm::Ended};
+
+    std::string Audit() {
+        const auto row = desk.dbconn.First("select LOG from TTS_table order by rowid desc");
+        return row ? row->Text("LOG") : "";
+    }
+};
+
+TEST_F(ShellTest, LogsOffWhileTheScheduleGoesOn) {
+    desk.shared.currentuser = "operator";
+    desk.dbconn.Execute("update users set logon=true");
+    shell.ShowForUser();
+    QSignalSpy loggedOff{&shell, &::desk::mainfrm::LoggedOff};
+    shell.findChild<QPushButton*>("cmdlogoff")->click();
+    EXPECT_EQ(loggedOff.count(), 1);
+    EXPECT_FALSE(shell.isVisible());
+    EXPECT_EQ(ended.count(), 0);
+    EXPECT_EQ(Audit(), "09/03/2026 07:59:30:  user operator logged out");
+    EXPECT_FALSE(desk.dbconn.First("select logon from users")->Bool("logon"));
+}
+
+TEST_F(ShellTest, ExitsWithItsAuditLine) {
+    desk.shared.currentuser = "operator";
+    shell.ShowForUser();
+    shell.findChild<QPushButton*>("cmdexit")->click();
+    EXPECT_EQ(Audit(), "09/03/2026 07:59:30 :operator logged out.");
+    EXPECT_EQ(ended.count(), 1);
+}
+
+TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
+    demo::DemoStation station{"Mill", "TeleFlow", "Modbus", "RTU", 1, 1};
+    station.contracthour = "08:00";
+    demo::AddStation(desk.dbconn, station);
+    desk.OpenField();
+    desk.clock.Run(30000);
+    desk.shared.currentuser = "operator";
+    shell.ShowForUser();
+    desk.clock.After(700, [this] {
+        shell.close();
+        EXPECT_EQ(ended.count(), 0);
+        EXPECT_TRUE(desk.scheduler.Busy());
+    });
+    desk.scheduler.Tick();
+    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_EQ(desk.clock.Elapsed(), 30700U);
+}
+
+TEST_F(ShellTest, StatusTextsStandInTheFirstPanelAndInTheList) {
+    shell.Status("Collecting Data");
+    auto* list = shell.findChild<QListWidget*>("lstlines");
+    EXPECT_EQ(list->item(0)->text(), "07:59:30   Collecting Data");
+    for (int i = 0; i < 600; ++i) {
+        shell.Status("line");
+    }
+    EXPECT_EQ(list->count(), 500);
+}
+
+TEST_F(ShellTest, ABoxOfARunWaitsForNobodyAndIsWrittenDown) {
+    ::desk::RunFeedback feedback(desk.logs, [](const QString&) {});
+    feedback.Box("Value is not defined in Modbus Parameter Table");
+    feedback.Box("Valid parameters not available to assemble Modbus packet");
+    EXPECT_THAT(desk.RtuErr(), testing::HasSubstr("--:Value is not defined in Modbus Parameter Table\n"));
+    EXPECT_THAT(desk.RtuErr(), testing::HasSubstr("--:Valid parameters not available"));
+}
+
+TEST(SingleInstance, IsOneADirectoryAndEndsWithItsHolder) {
+    const support::ScratchDirectory one;
+    const support::ScratchDirectory two;
+    {
+        const ::desk::SingleInstance first(one.path);
+        EXPECT_FALSE(first.Taken());
+        EXPECT_TRUE(::desk::SingleInstance(one.path).Taken());
+        EXPECT_FALSE(::desk::SingleInstance(two.path).Taken());
+    }
+    EXPECT_FALSE(::desk::SingleInstance(one.path).Taken());
+}
+
+}  // namespace
