@@ -11,6 +11,7 @@
 
 #include "bench/Figure.h"
 #include "core/Ports.h"
+#include "core/Text.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/SerialLine.h"
 #include "support/ChildProcess.h"
