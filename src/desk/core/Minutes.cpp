@@ -8,18 +8,21 @@ namespace desk {
 namespace {
 
 constexpr qint64 minute = 60000;
-constexpr qint64 tolerance = 1000;  // of a timer that fires a little early
+constexpr qint64 latestPhase = 58000;
+constexpr qint64 look = 5000;  // how often the clock is looked at, in case it is set
 
 }  // namespace
 
-qint64 NextTick(qint64 previous, qint64 now) {
-    const qint64 next = previous + minute;
-    if (next > now && next - now <= minute + tolerance) {
-        return next;
+qint64 NextTick(qint64 phase, qint64 served, qint64 now) {
+    qint64 next = now - now % minute + phase;
+    while (next <= now || next / minute == served / minute) {
+        next += minute;
     }
-    const qint64 second = previous % minute;
-    const qint64 sameSecond = now - now % minute + second;
-    return sameSecond > now ? sameSecond : sameSecond + minute;
+    return next;
+}
+
+qint64 PhaseOf(qint64 now) {
+    return std::min(now % minute, latestPhase);
 }
 
 Minutes::Minutes(std::function<void()> tick) : tick_(std::move(tick)) {
@@ -29,21 +32,21 @@ Minutes::Minutes(std::function<void()> tick) : tick_(std::move(tick)) {
 }
 
 void Minutes::Start() {
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    next_ = now + minute;
-    Arm(now);
+    served_ = QDateTime::currentMSecsSinceEpoch();
+    phase_ = PhaseOf(served_);
+    Arm(served_);
 }
 
 void Minutes::Arm(qint64 now) {
-    // Looked at again from time to time, in case the clock is set meanwhile.
-    timer_.start(static_cast<int>(std::clamp<qint64>(next_ - now, 1, minute + tolerance)));
+    next_ = NextTick(phase_, served_, now);
+    timer_.start(static_cast<int>(std::min(next_ - now, look)));
 }
 
 void Minutes::Elapsed() {
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     const bool due = now >= next_;
-    if (due || next_ - now > minute + tolerance) {
-        next_ = NextTick(next_, now);
+    if (due) {
+        served_ = now;
     }
     // Armed before the tick: it may take longer than a minute, and the next one has to come inside it.
     Arm(now);

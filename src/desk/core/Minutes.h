@@ -6,13 +6,17 @@
 
 namespace desk {
 
-// When the tick behind one at `previous` is due, in milliseconds since 1970, if it is `now`: a minute later, at the
-// same second. A clock that was set, or a program that was held up past that moment, goes on at that second of the
-// minute in hand or of the next.
-qint64 NextTick(qint64 previous, qint64 now);
+// When the next tick is due, in milliseconds since 1970, if it is `now`: the first moment to come that is `phase`
+// milliseconds into its minute and not in the minute of `served`, in which the last tick was. So no minute has two
+// ticks, also when the clock is set back or a tick came late.
+qint64 NextTick(qint64 phase, qint64 served, qint64 now);
 
-// Calls back once a minute, always at the second at which it was started. It follows the wall clock: a timer that only
-// counts would drift, and at the edge of a minute skip one contract hour and meet another twice.
+// Where in its minute a timer started at `now` ticks: at that moment, but not in the last seconds, from which a small
+// delay would carry a tick over the edge and lose the stations of a minute.
+qint64 PhaseOf(qint64 now);
+
+// Calls back once a minute, at the same second of each. It follows the wall clock: a timer that only counts would
+// drift, and at the edge of a minute skip one contract hour and meet another twice.
 class Minutes : public QObject {
     Q_OBJECT
 
@@ -29,6 +33,8 @@ class Minutes : public QObject {
 
     std::function<void()> tick_;
     QTimer timer_;
+    qint64 phase_ = 0;
+    qint64 served_ = 0;
     qint64 next_ = 0;
 };
 
