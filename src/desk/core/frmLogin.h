@@ -13,7 +13,7 @@ class QLineEdit;
 
 namespace desk {
 
-// Shows a message with a title and returns when the operator has read it.
+// Shows a message with a title over the form. It does not wait for the operator: see ShowBox.
 using MessageBox = std::function<void(const QString& text, const QString& title)>;
 
 // Who is there? The first screen, and again after a log-off.

@@ -32,6 +32,9 @@ mainfrm::mainfrm(core::Database& dbconn, core::MAIN_Module& shared, core::Logs& 
       ui_(std::make_unique<Ui::mainfrm>()) {
     ui_->setupUi(this);
     setWindowTitle("Norwen" + QString::fromStdString(shared_.versionsuffix));
+    // A station or a user may have any name, also one that looks like markup.
+    panel_->setTextFormat(Qt::PlainText);
+    ui_->lbluser->setTextFormat(Qt::PlainText);
     ui_->statusbar->addWidget(panel_, 1);
     QFont large = ui_->lblclock->font();
     large.setPointSizeF(large.pointSizeF() * 1.6);
@@ -68,7 +71,7 @@ void mainfrm::Status(const QString& text) {
 }
 
 void mainfrm::ShowForUser() {
-    ui_->lbluser->setText("Logged in as " + QString::fromStdString(shared_.currentuser).toHtmlEscaped());
+    ui_->lbluser->setText("Logged in as " + QString::fromStdString(shared_.currentuser));
     StartTimer();
     show();
     ui_->lstlines->setFocus();

@@ -36,6 +36,9 @@ class mainfrm : public QMainWindow {
     // The schedule is live from here on: the first tick comes in a minute. Further calls change nothing.
     void StartTimer();
 
+    // The minute's tick: the schedule's work, and once an hour and a minute the reset of the day's flags.
+    void Tick();
+
     // A status text: the first panel of the status bar, and the list of what was done.
     void Status(const QString& text);
 
@@ -53,7 +56,6 @@ class mainfrm : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
 
   private:
-    void Tick();
     void cmdlogoff();
     void cmdexit();
     void Unload();
