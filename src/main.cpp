@@ -21,6 +21,7 @@
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "core/Ports.h"
+#include "desk/core/Boxes.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/RunFeedback.h"
 #include "desk/core/SerialLine.h"
@@ -51,16 +52,18 @@ StartOptions ReadOptions(int argc, char** argv) {
     parser.addOption(directory);
     parser.addOption(unattended);
     parser.process(application);
+    if (!parser.positionalArguments().isEmpty()) {
+        std::cerr << "norwen: Unexpected argument '" << parser.positionalArguments().first().toStdString() << "'.\n";
+        std::exit(EXIT_FAILURE);
+    }
     return {parser.value(directory).toStdString(), parser.isSet(unattended)};
 }
 
 // Why the program cannot start, for whoever is there: a box, or in unattended work the terminal and the error log.
-int Refuse(const StartOptions& options, core::Logs* logs, const QString& text) {
+int Refuse(const StartOptions& options, const QString& text) {
     if (options.unattended) {
         std::cerr << text.toStdString() << "\n";
-        if (logs != nullptr) {
-            logs->WriteRtuErr(text.toStdString());
-        }
+        core::WriteRtuErr(core::MAIN_Module(options.directory), desk::EventLoopClock(), text.toStdString());
     } else {
         QMessageBox::critical(nullptr, "Norwen", text);
     }
@@ -121,7 +124,7 @@ class EndSignals {
 int Start(QApplication& application, const StartOptions& options) {
     const desk::SingleInstance instance(options.directory);
     if (instance.Taken()) {
-        return Refuse(options, nullptr, "One Instance of This SoftWare is Already running...!");
+        return Refuse(options, "One Instance of This SoftWare is Already running...!");
     }
     core::MAIN_Module shared(options.directory);
     desk::EventLoopClock clock;
@@ -131,7 +134,7 @@ int Start(QApplication& application, const StartOptions& options) {
         const auto logGen = dbconn->First("select * from logGen");
         shared.logGenflag = logGen && (*logGen)[0].Bool();
     } catch (const std::exception& failure) {
-        return Refuse(options, nullptr, StartMessage(options, failure.what()));
+        return Refuse(options, StartMessage(options, failure.what()));
     }
     core::Logs logs(*dbconn, shared, clock);
 
@@ -146,14 +149,13 @@ int Start(QApplication& application, const StartOptions& options) {
     try {
         scheduler.ResetDailyFlags();
     } catch (const std::exception& failure) {
-        return Refuse(options, &logs, StartMessage(options, failure.what()));
+        return Refuse(options, StartMessage(options, failure.what()));
     }
 
     desk::mainfrm mainfrm(*dbconn, shared, logs, clock, scheduler);
     shell = &mainfrm;
-    desk::frmLogin frmLogin(*dbconn, shared, logs, [&](const QString& text, const QString& title) {
-        QMessageBox::warning(&frmLogin, title, text);
-    });
+    desk::frmLogin frmLogin(*dbconn, shared, logs,
+                            [&](const QString& text, const QString& title) { desk::ShowBox(&frmLogin, text, title); });
     QObject::connect(&frmLogin, &desk::frmLogin::LoginDone, &mainfrm, [&] {
         mainfrm.ShowForUser();
         frmLogin.hide();

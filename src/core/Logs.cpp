@@ -17,14 +17,23 @@ bool Append(const std::filesystem::path& file, const std::string& text, std::ios
     return out.good();
 }
 
+std::string StampOf(const Clock& clock) {
+    const DateTime now = clock.Now();
+    return DateText(now) + " " + TimeText(now);
+}
+
 }  // namespace
+
+bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text) {
+    return Append(shared.rtuErrPath, StampOf(clock) + "--:" + text + "\n", std::ios::app);
+}
 
 void Logs::WriteAudit(const std::string& auditline) {
     dbconn_.Execute("insert into TTS_table values(?)", {auditline});
 }
 
 bool Logs::WriteRtuErr(const std::string& text) {
-    return Append(shared_.rtuErrPath, Stamp() + "--:" + text + "\n", std::ios::app);
+    return core::WriteRtuErr(shared_, clock_, text);
 }
 
 void Logs::WriteLogLine(const std::string& text) {
@@ -39,8 +48,7 @@ bool Logs::WriteConfParams(const std::string& text) {
 }
 
 std::string Logs::Stamp() const {
-    const DateTime now = clock_.Now();
-    return DateText(now) + " " + TimeText(now);
+    return StampOf(clock_);
 }
 
 }  // namespace core

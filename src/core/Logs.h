@@ -8,6 +8,10 @@ class Clock;
 class Database;
 struct MAIN_Module;
 
+// One line of RTU_Err.log, also while no database is open: date and time, "--:", the text. A log that cannot be written
+// stops nobody: tells whether the line is in the file.
+bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text);
+
 // The three records of what happened, and the printout of parameters.
 class Logs {
   public:
@@ -17,8 +21,7 @@ class Logs {
     // One line of the audit trail, TTS_table, as its event words it. Throws DatabaseError.
     void WriteAudit(const std::string& auditline);
 
-    // One line of RTU_Err.log: date and time, "--:", the text. A log that cannot be written stops nobody:
-    // tells whether the line is in the file.
+    // The same, of this desk.
     bool WriteRtuErr(const std::string& text);
 
     // A title or a line of bytes of the BSAP traffic, into log.txt; nothing while logGenflag is false.
