@@ -73,7 +73,15 @@ void SerialLine::Failed(QSerialPort::SerialPortError error) {
     }
 }
 
+// Takes over what has arrived since the event loop last ran, without waiting for more.
+void SerialLine::Gather() {
+    if (port_.isOpen()) {
+        port_.waitForReadyRead(0);
+    }
+}
+
 std::size_t SerialLine::InBufferCount() {
+    Gather();
     return port_.isOpen() ? static_cast<std::size_t>(port_.bytesAvailable()) : 0;
 }
 
@@ -101,6 +109,7 @@ void SerialLine::Output(const std::string& bytes) {
 }
 
 std::string SerialLine::Input() {
+    Gather();
     return port_.isOpen() ? port_.readAll().toStdString() : std::string();
 }
 

@@ -19,7 +19,8 @@ struct PortSettings {
 // Nothing for a text that is no settings.
 std::optional<PortSettings> ParsePortSettings(const QString& text);
 
-// The real line: a serial port of the machine. Bytes arrive while the event loop runs, as it does in every wait.
+// The real line: a serial port of the machine. The driver raises DTR and RTS at the opening and, once the last byte is
+// out, drops them at the close, so that a modem hangs up.
 class SerialLine final : public protocols::Line {
   public:
     // The device of a port number; empty when there is none.
@@ -41,6 +42,7 @@ class SerialLine final : public protocols::Line {
 
   private:
     bool Open();
+    void Gather();
     void Failed(QSerialPort::SerialPortError error);
 
     DeviceOf deviceOf_;
