@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
+#include "desk/core/Boxes.h"
 #include "desk/core/frmLogin.h"
 #include "support/ScratchDesk.h"
 
@@ -108,7 +110,10 @@ TEST_F(LoginTest, ChangesAPasswordOnceTheOldOneIsRight) {
     Click("cmdsave");
     txtnewpass->setText("gate7");
     txtconfirmpass->setText("gate7");
-    Click("cmdsave");
+    txtconfirmpass->setFocus();
+    QTest::keyClick(txtconfirmpass, Qt::Key_Return);  // on to the command that is next
+    EXPECT_TRUE(form.findChild<QPushButton*>("cmdsave")->hasFocus());
+    QTest::keyClick(&form, Qt::Key_Return);
     EXPECT_EQ(boxes, (std::vector<std::string>{"Please Enter New Password", "Please Confirm Password",
                                                "The new password holds a character that cannot be stored",
                                                "Password Changed"}));
@@ -120,6 +125,25 @@ TEST_F(LoginTest, ChangesAPasswordOnceTheOldOneIsRight) {
     Type("operator", "gate7");
     Click("cmdOk");
     EXPECT_EQ(done.count(), 1);
+}
+
+TEST_F(LoginTest, BehindTheMessageTheMistakeIsSelected) {
+    ::desk::frmLogin login(desk.dbconn, desk.shared, desk.logs, [&login](const QString& text, const QString& title) {
+        ::desk::ShowBox(&login, text, title);
+    });
+    login.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&login));
+    auto* user = login.findChild<QLineEdit*>("txtuser");
+    user->setText("nobody");
+    login.findChild<QPushButton*>("cmdOk")->click();
+    auto* box = login.findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->text(), "Invalid UserName or Password , try again!");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+    QTest::keyClick(box, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&login));
+    EXPECT_TRUE(user->hasFocus());
+    EXPECT_EQ(user->selectedText(), "nobody");
 }
 
 }  // namespace

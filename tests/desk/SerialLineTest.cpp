@@ -1,8 +1,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pty.h>
 #include <unistd.h>
 
+#include <QTimer>
 #include <array>
 
 #include "desk/core/EventLoopClock.h"
@@ -53,6 +55,27 @@ TEST_F(SerialLineTest, EveryByteGoesBothWaysUnchanged) {
     EXPECT_EQ(line.InBufferCount(), all.size());
     EXPECT_EQ(line.Input(), all);
     EXPECT_EQ(line.InBufferCount(), 0U);
+}
+
+TEST_F(SerialLineTest, WhatHasArrivedIsSeenWithoutAnEventLoop) {
+    ASSERT_TRUE(line.PortOpen(true));
+    EXPECT_EQ(line.Input(), "");
+    FarWrites("answer");
+    pollfd arrived{near, POLLIN, 0};
+    ASSERT_EQ(poll(&arrived, 1, 5000), 1);
+    EXPECT_EQ(line.InBufferCount(), 6U);
+    EXPECT_EQ(line.Input(), "answer");
+}
+
+TEST_F(SerialLineTest, APortClosedInsideAWaitGivesNothingMore) {
+    ASSERT_TRUE(line.PortOpen(true));
+    QTimer::singleShot(5, [this] {
+        FarWrites("late");
+        line.PortOpen(false);
+    });
+    clock.WaitMs(50);
+    EXPECT_EQ(line.Input(), "");
+    EXPECT_FALSE(line.PortOpen());
 }
 
 TEST_F(SerialLineTest, WhatWasSentBeforeThePortWasOpenedIsNotReadAsAnAnswer) {

@@ -27,6 +27,7 @@ TEST_F(ShellTest, LogsOffWhileTheScheduleGoesOn) {
     desk.shared.currentuser = "operator";
     desk.dbconn.Execute("update users set logon=true");
     shell.ShowForUser();
+    EXPECT_EQ(shell.findChild<QLabel*>("lbluser")->text(), "Logged in as operator");
     QSignalSpy loggedOff{&shell, &::desk::mainfrm::LoggedOff};
     shell.findChild<QPushButton*>("cmdlogoff")->click();
     EXPECT_EQ(loggedOff.count(), 1);
@@ -57,9 +58,30 @@ TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
         EXPECT_EQ(ended.count(), 0);
         EXPECT_TRUE(desk.scheduler.Busy());
     });
-    desk.scheduler.Tick();
+    shell.Tick();
+    EXPECT_EQ(ended.count(), 1);
+    EXPECT_FALSE(desk.scheduler.Busy());
     EXPECT_FALSE(desk.line.PortOpen());
     EXPECT_EQ(desk.clock.Elapsed(), 30700U);
+}
+
+TEST_F(ShellTest, EverySixtyFirstTickResetsTheFlagsAndAFailureStopsNoTick) {
+    demo::AddStation(desk.dbconn, {"Mill", "TeleFlow", "Modbus", "RTU", 1, 1});
+    desk.dbconn.Execute("update configdata_master set sampledtoday=true, sampleddate=8, contracthour='23:00'");
+    const auto sampled = [this] {
+        return desk.dbconn.First("select sampledtoday from configdata_master")->Bool("sampledtoday");
+    };
+    for (int tick = 1; tick <= 60; ++tick) {
+        shell.Tick();
+    }
+    EXPECT_TRUE(sampled());
+    shell.Tick();
+    EXPECT_FALSE(sampled());
+    desk.dbconn.Execute("drop table configdata_master");
+    for (int tick = 1; tick <= 61; ++tick) {
+        EXPECT_NO_THROW(shell.Tick());
+    }
+    EXPECT_THAT(desk.RtuErr(), testing::HasSubstr("no such table: configdata_master"));
 }
 
 TEST_F(ShellTest, StatusTextsStandInTheFirstPanelAndInTheList) {

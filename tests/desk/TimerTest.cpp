@@ -1,27 +1,39 @@
-#include <QDateTime>
-#include <QEventLoop>
+#include <QApplication>
+#include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 
+#include "desk/core/Boxes.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/Minutes.h"
 
-TEST(NextTick, ComesAMinuteLaterAtTheSameSecond) {
+TEST(NextTick, ComesOnceAMinuteAtTheSameSecond) {
     struct Case {
         const char* what;
-        qint64 previous, now, next;
+        qint64 phase, served, now, next;
     };
     for (const Case& c : {
-             Case{"on time", 90000, 90003, 150000},
-             Case{"a little early", 90000, 89998, 150000},
-             Case{"the tick took long", 90000, 140000, 150000},
-             Case{"held up past the next", 90000, 151000, 210000},
-             Case{"held up for an hour", 90000, 90000 + 3600500, 90000 + 3660000},
-             Case{"the clock was set back", 3690000, 100000, 150000},
-             Case{"set back by days, to the second", 90000 + 86400000, 90000, 150000},
+             Case{"just started", 30000, 90000, 90000, 150000},
+             Case{"on time", 30000, 90003, 90003, 150000},
+             Case{"looked at in between", 30000, 90003, 140000, 150000},
+             Case{"held up within its minute", 30000, 119000, 119000, 150000},
+             Case{"held up into the next minute: no second tick there", 59000, 180500, 180500, 299000},
+             Case{"held up for an hour", 30000, 3690500, 3690500, 3750000},
+             Case{"set back by an hour", 30000, 3690000, 100000, 150000},
+             Case{"set back a little, before the tick that was", 30000, 330000, 315000, 390000},
+             Case{"set back a little, over the edge", 2000, 302000, 298000, 362000},
+             Case{"set forward", 30000, 90000, 700000, 750000},
          }) {
-        EXPECT_EQ(desk::NextTick(c.previous, c.now), c.next) << c.what;
+        EXPECT_EQ(desk::NextTick(c.phase, c.served, c.now), c.next) << c.what;
     }
+}
+
+TEST(PhaseOf, KeepsClearOfTheEdgeOfTheMinute) {
+    EXPECT_EQ(desk::PhaseOf(600000), 0);
+    EXPECT_EQ(desk::PhaseOf(631234), 31234);
+    EXPECT_EQ(desk::PhaseOf(659990), 58000);
+    // From there the first tick is in the minute after the start all the same.
+    EXPECT_EQ(desk::NextTick(58000, 659990, 659990), 718000);
 }
 
 TEST(EventLoopClock, WaitsAsLongAsItIsTold) {
@@ -61,4 +73,21 @@ TEST(EventLoopClock, WakeEndsAWaitWhoseConditionHolds) {
     EXPECT_FALSE(clock.WaitMs(60000, [&] { return ended; }));
     EXPECT_LT(clock.Milliseconds() - start, 10000U);
     EXPECT_TRUE(ended);
+}
+
+TEST(ShowBox, HoldsUpNoRunWhileItStands) {
+    desk::EventLoopClock clock;
+    QWidget form;
+    form.show();
+    QTimer::singleShot(5, [&] { desk::ShowBox(&form, "Invalid <b>UserName</b>", "Login"); });
+    const auto start = clock.Milliseconds();
+    // A box with a loop of its own would keep this wait until somebody comes.
+    QTimer::singleShot(20000, [] { QApplication::closeAllWindows(); });
+    clock.WaitMs(100);
+    EXPECT_LT(clock.Milliseconds() - start, 10000U);
+    auto* box = form.findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->isVisible());
+    EXPECT_EQ(box->text(), "Invalid <b>UserName</b>");
+    EXPECT_EQ(box->textFormat(), Qt::PlainText);
 }
