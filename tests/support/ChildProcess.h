@@ -48,6 +48,8 @@ class ChildProcess {
         }
     }
 
+    pid_t Pid() const { return pid_; }
+
     // The exit code, or 128 and the signal that ended it.
     int Wait() {
         if (pid_ > 0) {
