@@ -85,7 +85,7 @@ void NotifyReady() {
         return;
     }
     address.sun_family = AF_UNIX;
-    std::strcpy(address.sun_path, name);
+    std::memcpy(address.sun_path, name, std::strlen(name));
     address.sun_path[0] = name[0] == '@' ? '\0' : name[0];
     const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     const std::string ready = "READY=1";
