@@ -33,6 +33,8 @@ frmLogin::frmLogin(core::Database& dbconn, core::MAIN_Module& shared, core::Logs
     title.setPointSizeF(title.pointSizeF() * 2);
     title.setBold(true);
     ui_->lbltitle->setFont(title);
+    // Both blocks of fields in one column.
+    ui_->lbluser->setMinimumWidth(ui_->lblconfirmpass->sizeHint().width());
     connect(ui_->cmdOk, &QPushButton::clicked, this, &frmLogin::cmdOk);
     connect(ui_->cmdchange, &QPushButton::clicked, this, &frmLogin::cmdchange);
     connect(ui_->cmdsave, &QPushButton::clicked, this, &frmLogin::cmdsave);
@@ -154,6 +156,7 @@ void frmLogin::ShowNewPassword(bool shown) {
     ui_->txtuser->setEnabled(!shown);
     ui_->cmdchange->setEnabled(!shown);
     ui_->cmdsave->setEnabled(shown);
+    (shown ? ui_->cmdsave : ui_->cmdOk)->setDefault(true);
 }
 
 }  // namespace desk
