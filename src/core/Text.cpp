@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -76,9 +75,8 @@ double Val(std::string_view text) {
         text.remove_prefix(1);
     }
     // "inf" and "nan" parse as numbers elsewhere; here they are text.
-    const auto digit = text.find_first_not_of('-');
-    if (digit == std::string_view::npos || digit > 1 ||
-        (std::isdigit(static_cast<unsigned char>(text[digit])) == 0 && text[digit] != '.')) {
+    if (text.empty() || std::string_view("0123456789.").find(text[text.size() > 1 && text[0] == '-' ? 1 : 0]) ==
+                            std::string_view::npos) {
         return 0;
     }
     double value = 0;
