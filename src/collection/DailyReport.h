@@ -14,7 +14,7 @@ namespace collection {
 // Throws DatabaseError.
 void makereport_daily(core::Database& dbconn, const core::DateTime& day, core::Feedback& feedback);
 
-// Lays daily_rep out as a one-page table, in RTF. The file is replaced whole, so that nobody reads half of it.
+// Lays daily_rep out as a page in RTF, headed by the day. The file is replaced whole, so that nobody reads half of it.
 // Throws DatabaseError, and std::system_error when it cannot be written.
 void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const std::filesystem::path& file);
 

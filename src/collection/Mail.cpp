@@ -1,7 +1,11 @@
 #include "collection/Mail.h"
 
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <optional>
+#include <sstream>
+#include <stdexcept>
 
 #include "collection/DailyReport.h"
 #include "core/Text.h"
@@ -44,6 +48,25 @@ std::string Sender(core::Database& dbconn, const MailMessage& message) {
     return !message.to.empty() ? message.to : !message.cc.empty() ? message.cc : message.bcc;
 }
 
+std::string FileBytes(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    if (!in || !bytes) {
+        throw std::runtime_error(file.filename().string() + " cannot be read");
+    }
+    return bytes.str();
+}
+
+// Makes the report and takes it along at once: a screen may make one of another day while the mail is on its way.
+void AttachReport(core::Database& dbconn, const core::MAIN_Module& shared, const core::DateTime& day,
+                  core::Feedback& feedback, MailMessage& message) {
+    makereport_daily(dbconn, day, feedback);
+    WriteDailyReport(dbconn, day, shared.dailyReportPath);
+    message.attachmentName = shared.dailyReportPath.filename().string();
+    message.attachment = FileBytes(shared.dailyReportPath);
+}
+
 }  // namespace
 
 MailServer ReadMailServer(core::Database& dbconn) {
@@ -58,23 +81,20 @@ MailServer ReadMailServer(core::Database& dbconn) {
 
 void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
               core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended) {
-    auto message = Compose(dbconn);
-    if (!message) {
-        return;
-    }
-    feedback.Status("Sending Mail");
-    message->sender = Sender(dbconn, *message);
-    message->attachment = shared.dailyReportPath;
-    const core::DateTime today = clock.Now();
-    makereport_daily(dbconn, today, feedback);
-    clock.WaitMs(settleMs, ended);
+    MailOutcome outcome;
     try {
-        WriteDailyReport(dbconn, today, shared.dailyReportPath);
+        auto message = Compose(dbconn);
+        if (!message) {
+            return;
+        }
+        feedback.Status("Sending Mail");
+        message->sender = Sender(dbconn, *message);
+        AttachReport(dbconn, shared, clock.Now(), feedback, *message);
+        clock.WaitMs(settleMs, ended);
+        outcome = transport.Send(*message, ReadMailServer(dbconn), clock, ended);
     } catch (const std::exception& failure) {
-        logs.WriteRtuErr(std::string("Mail not sent: ") + failure.what());
-        return;
+        outcome.reason = failure.what();
     }
-    const MailOutcome outcome = transport.Send(*message, ReadMailServer(dbconn), clock, ended);
     if (outcome.sent) {
         feedback.Status("Mail Sent");
     } else {

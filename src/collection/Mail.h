@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -20,7 +19,8 @@ struct MailMessage {
     std::string bcc;  // gets the mail and stands in no header
     std::string subject;
     std::string text;
-    std::filesystem::path attachment;
+    std::string attachmentName;  // empty: no attachment
+    std::string attachment;      // its bytes
 };
 
 // How the mail leaves: the row of mail_server.

@@ -2,25 +2,36 @@
 
 #include <curl/curl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <array>
-#include <ctime>
 #include <memory>
+#include <set>
 #include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "collection/MailHeaders.h"
+#include "core/Text.h"
 
 namespace collection {
 
 namespace {
 
-constexpr double stepMs = 20;  // between two looks at the connection
+constexpr double stepMs = 20;  // between two looks at the connection, in which the event loop turns
+constexpr int pollMs = 4;      // at most, in which it does not
 constexpr long connectLimitMs = 15000;
+
+void Require(CURLcode code) {
+    if (code != CURLE_OK) {
+        throw std::runtime_error(curl_easy_strerror(code));
+    }
+}
 
 // curl needs its global state before the first handle; the last transport's end is the program's.
 void StartCurl() {
     static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (started != CURLE_OK) {
-        throw std::runtime_error(curl_easy_strerror(started));
-    }
+    Require(started);
 }
 
 struct EasyEnd {
@@ -48,84 +59,33 @@ class TextList {
     curl_slist* list_ = nullptr;
 };
 
-// A text that stands in a header: one line, whatever was typed.
-std::string OneLine(const std::string& text) {
-    std::string line;
-    for (const char c : text) {
-        line += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
-    }
-    return line;
-}
-
-// A header's text in plain characters, others as an encoded word.
-std::string HeaderText(const std::string& text) {
-    const std::string line = OneLine(text);
-    bool plain = true;
-    for (const char c : line) {
-        plain = plain && static_cast<unsigned char>(c) < 0x7F;
-    }
-    if (plain) {
-        return line;
-    }
-    constexpr std::size_t longestWord = 40;  // bytes in one encoded word, so that its line stays short
-    std::string encoded;
-    std::string word;
-    const auto flush = [&] {
-        encoded += (encoded.empty() ? "=?utf-8?Q?" : "\r\n =?utf-8?Q?") + word + "?=";
-        word.clear();
-    };
-    for (const char c : line) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool startsCharacter = (byte & 0xC0) != 0x80;
-        if (startsCharacter && word.size() >= longestWord) {
-            flush();
-        }
-        if ((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) {
-            word += c;
-        } else {
-            word += std::string("=") + "0123456789ABCDEF"[byte >> 4] + "0123456789ABCDEF"[byte & 15];
+std::vector<std::string> Recipients(const MailMessage& message) {
+    std::vector<std::string> recipients;
+    for (const std::string& recipient : {message.to, message.cc, message.bcc}) {
+        if (!recipient.empty()) {
+            recipients.push_back(recipient);
         }
     }
-    flush();
-    return encoded;
+    return recipients;
 }
 
-// Now, as a mail's header has it, in the machine's zone.
-std::string DateHeader() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    std::array<char, 64> text{};
-    std::strftime(text.data(), text.size(), "%a, %d %b %Y %H:%M:%S %z", &local);
-    return text.data();
-}
-
-std::string Bracketed(const std::string& address) {
-    return "<" + OneLine(address) + ">";
+void RequireAddress(const std::string& text) {
+    if (!IsAddress(text)) {
+        throw std::invalid_argument("\"" + OneLine(text) + "\" is not one mail address");
+    }
 }
 
 class Delivery {
   public:
-    Delivery(const MailMessage& message, const MailServer& server)
+    Delivery(const MailMessage& message, const MailServer& server, const core::Clock& clock)
         : easy_(curl_easy_init()), multi_(curl_multi_init()), mime_(curl_mime_init(easy_.get())) {
         if (!easy_ || !multi_ || !mime_) {
             throw std::runtime_error("no memory for the mail");
         }
-        Address(message);
+        Address(message, clock);
         Fill(message);
-        Option(CURLOPT_URL, server.url.c_str());
-        Option(CURLOPT_PROTOCOLS_STR, "smtp,smtps");
-        if (!server.user.empty()) {
-            Option(CURLOPT_USERNAME, server.user.c_str());
-            Option(CURLOPT_PASSWORD, server.password.c_str());
-            // The password does not go over the network in the clear.
-            Option(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
-        }
-        Option(CURLOPT_CONNECTTIMEOUT_MS, connectLimitMs);
-        Option(CURLOPT_NOSIGNAL, 1L);
-        Option(CURLOPT_ERRORBUFFER, words_.data());
-        Option(CURLOPT_SOCKOPTFUNCTION, &Delivery::Opened);
-        Option(CURLOPT_SOCKOPTDATA, this);
+        Server(server);
+        Connections();
         curl_multi_add_handle(multi_.get(), easy_.get());
     }
     ~Delivery() {
@@ -135,7 +95,7 @@ class Delivery {
     Delivery(const Delivery&) = delete;
     Delivery& operator=(const Delivery&) = delete;
 
-    MailOutcome Run(core::Clock& clock, const std::function<bool()>& ended) {
+    MailOutcome Run(core::Clock& clock, double timeLimitMs, const std::function<bool()>& ended) {
         const std::uint32_t start = clock.Milliseconds();
         for (;;) {
             int running = 0;
@@ -146,11 +106,12 @@ class Delivery {
             if (ended()) {
                 return {false, "the program ends"};
             }
-            if (clock.Milliseconds() - start >= SmtpTransport::timeLimitMs) {
+            if (clock.Milliseconds() - start >= timeLimitMs) {
                 return {false, "the mail server takes too long"};
             }
-            // Nothing is lost when the answer is there at once; a clock that does not really wait is kept in step.
-            curl_multi_poll(multi_.get(), nullptr, 0, 1, nullptr);
+            // Ends at once when there is something to do. On a clock whose waits take no time the server still gets
+            // some.
+            curl_multi_poll(multi_.get(), nullptr, 0, pollMs, nullptr);
             clock.WaitMs(stepMs, ended);
         }
     }
@@ -158,58 +119,76 @@ class Delivery {
   private:
     template <typename Setting>
     void Option(CURLoption option, Setting setting) {
-        const CURLcode code = curl_easy_setopt(easy_.get(), option, setting);
-        if (code != CURLE_OK) {
-            throw std::runtime_error(curl_easy_strerror(code));
-        }
+        Require(curl_easy_setopt(easy_.get(), option, setting));
     }
 
-    // At the end of a connection curl says QUIT and waits up to two minutes for the answer, with the whole program. The
-    // mail's fate is known by then: with nothing more to hear the wait is over at once.
-    void StopListening() const {
-        if (connection_ != CURL_SOCKET_BAD) {
-            shutdown(connection_, SHUT_RD);
+    void Address(const MailMessage& message, const core::Clock& clock) {
+        RequireAddress(message.sender);
+        for (const std::string& recipient : Recipients(message)) {
+            RequireAddress(recipient);
+            recipients_.Add(Bracketed(recipient));
         }
-    }
-    static int Opened(void* delivery, curl_socket_t connection, curlsocktype) {
-        static_cast<Delivery*>(delivery)->connection_ = connection;
-        return CURL_SOCKOPT_OK;
-    }
-
-    void Address(const MailMessage& message) {
-        for (const std::string& recipient : {message.to, message.cc, message.bcc}) {
-            if (!recipient.empty()) {
-                recipients_.Add(Bracketed(recipient));
-            }
+        const std::string unique = std::to_string(clock.Milliseconds()) + "." + std::to_string(getpid());
+        for (const std::string& header : MailHeaders(message, clock.Now(), unique)) {
+            headers_.Add(header);
         }
-        headers_.Add("Date: " + DateHeader());
-        headers_.Add("From: " + Bracketed(message.sender));
-        if (!message.to.empty()) {
-            headers_.Add("To: " + Bracketed(message.to));
-        }
-        if (!message.cc.empty()) {
-            headers_.Add("Cc: " + Bracketed(message.cc));
-        }
-        headers_.Add("Subject: " + HeaderText(message.subject));
         Option(CURLOPT_MAIL_FROM, Bracketed(message.sender).c_str());
         Option(CURLOPT_MAIL_RCPT, recipients_.Get());
         Option(CURLOPT_HTTPHEADER, headers_.Get());
     }
 
     void Fill(const MailMessage& message) {
+        const std::string lines = core::ReplaceAll(core::ReplaceAll(message.text, "\r\n", "\n"), "\n", "\r\n");
         curl_mimepart* text = curl_mime_addpart(mime_.get());
-        curl_mime_data(text, message.text.c_str(), message.text.size());
-        curl_mime_type(text, "text/plain; charset=utf-8");
-        curl_mime_encoder(text, "quoted-printable");
-        if (!message.attachment.empty()) {
+        Require(curl_mime_data(text, lines.data(), lines.size()));
+        Require(curl_mime_type(text, "text/plain; charset=utf-8"));
+        Require(curl_mime_encoder(text, "quoted-printable"));
+        if (!message.attachmentName.empty()) {
             curl_mimepart* file = curl_mime_addpart(mime_.get());
-            if (curl_mime_filedata(file, message.attachment.c_str()) != CURLE_OK) {
-                throw std::runtime_error("no file " + message.attachment.filename().string());
-            }
-            curl_mime_type(file, "application/rtf");
-            curl_mime_encoder(file, "base64");
+            Require(curl_mime_data(file, message.attachment.data(), message.attachment.size()));
+            Require(curl_mime_filename(file, message.attachmentName.c_str()));
+            Require(curl_mime_type(file, "application/rtf"));
+            Require(curl_mime_encoder(file, "base64"));
         }
         Option(CURLOPT_MIMEPOST, mime_.get());
+    }
+
+    void Server(const MailServer& server) {
+        Option(CURLOPT_URL, server.url.c_str());
+        Option(CURLOPT_PROTOCOLS_STR, "smtp,smtps");
+        Option(CURLOPT_PROXY, "");  // whatever the environment says
+        if (!server.user.empty()) {
+            Option(CURLOPT_USERNAME, server.user.c_str());
+            Option(CURLOPT_PASSWORD, server.password.c_str());
+            Option(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
+        }
+    }
+
+    void Connections() {
+        Option(CURLOPT_CONNECTTIMEOUT_MS, connectLimitMs);
+        Option(CURLOPT_NOSIGNAL, 1L);
+        Option(CURLOPT_QUICK_EXIT, 1L);  // a name that is still being looked up holds nobody up
+        Option(CURLOPT_ERRORBUFFER, words_.data());
+        Option(CURLOPT_SOCKOPTFUNCTION, &Delivery::Opened);
+        Option(CURLOPT_SOCKOPTDATA, this);
+        Option(CURLOPT_CLOSESOCKETFUNCTION, &Delivery::Closed);
+        Option(CURLOPT_CLOSESOCKETDATA, this);
+    }
+
+    // At the end of a connection curl says QUIT and waits up to two minutes for the answer, with the whole program. The
+    // mail's fate is known by then: with nothing more to hear the wait is over at once.
+    void StopListening() const {
+        for (const curl_socket_t connection : open_) {
+            shutdown(connection, SHUT_RD);
+        }
+    }
+    static int Opened(void* delivery, curl_socket_t connection, curlsocktype) {
+        static_cast<Delivery*>(delivery)->open_.insert(connection);
+        return CURL_SOCKOPT_OK;
+    }
+    static int Closed(void* delivery, curl_socket_t connection) {
+        static_cast<Delivery*>(delivery)->open_.erase(connection);
+        return close(connection);
     }
 
     MailOutcome Result() {
@@ -227,7 +206,7 @@ class Delivery {
     }
 
     std::array<char, CURL_ERROR_SIZE> words_{};
-    curl_socket_t connection_ = CURL_SOCKET_BAD;  // the last one that was opened
+    std::set<curl_socket_t> open_;
     TextList recipients_;
     TextList headers_;
     std::unique_ptr<CURL, EasyEnd> easy_;
@@ -241,7 +220,7 @@ MailOutcome SmtpTransport::Send(const MailMessage& message, const MailServer& se
                                 const std::function<bool()>& ended) {
     try {
         StartCurl();
-        return Delivery(message, server).Run(clock, ended);
+        return Delivery(message, server, clock).Run(clock, timeLimitMs_, ended);
     } catch (const std::exception& failure) {
         return {false, failure.what()};
     }

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <system_error>
 
@@ -32,7 +31,7 @@ std::string Shortened(const std::string& name) {
         sum = (sum ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
     }
     std::size_t cut = longestName;
-    while ((static_cast<unsigned char>(name[cut]) & 0xC0) == 0x80) {
+    while (cut > 0 && (static_cast<unsigned char>(name[cut]) & 0xC0) == 0x80) {
         --cut;  // not inside a character
     }
     return name.substr(0, cut) + "~" + Hex(sum, 16);
@@ -58,54 +57,73 @@ std::string Line(const std::string& text) {
     return text + "\r\n";
 }
 
+// A text in its place of a line. One that holds a tab or a line end would move what stands behind it into another
+// column or on to a line of its own.
+std::string Cell(const std::string& text) {
+    std::string cell = text;
+    for (char& c : cell) {
+        c = static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+    }
+    return cell;
+}
+
 std::string Block(core::Database& dbconn, const core::DateTime& now, const std::string& consumer, int streamno,
                   const std::string& model) {
     const auto rows = dbconn.Query("select * from sched_temp");
     std::string block;
     if (!rows.empty()) {
         block += Line("Schedule Date:-  " + core::DateText(now) + "  Schedule Time:-   " + core::TimeText(now));
-        block += Line("RTU Name:- " + consumer);
+        block += Line("RTU Name:- " + Cell(consumer));
         block += Line("Stream:- " + std::to_string(streamno));
-        block += Line("Model Name:- " + model);
+        block += Line("Model Name:- " + Cell(model));
     }
     block += Line("Sr. No\tDescription\tValue  \tUnit");
     int number = 0;
     for (const core::Row& row : rows) {
-        block += Line(std::to_string(++number) + "\t" + row[0].Text() + "\t" + row[1].Text() + "\t" + row[2].Text());
+        block += Line(std::to_string(++number) + "\t" + Cell(row[0].Text()) + "\t" + row[1].Text() + "\t" +
+                      Cell(row[2].Text()));
     }
     return block;
 }
 
-[[noreturn]] void Fail() {
-    throw std::system_error(errno, std::generic_category());
-}
-
+// A file that grows by whole blocks: one that cannot be written to its end is taken back.
 class AppendedFile {
   public:
     explicit AppendedFile(const std::filesystem::path& path)
         : descriptor_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644)) {
         if (descriptor_ < 0) {
-            Fail();
+            throw std::system_error(errno, std::generic_category());
         }
     }
     ~AppendedFile() { close(descriptor_); }
     AppendedFile(const AppendedFile&) = delete;
     AppendedFile& operator=(const AppendedFile&) = delete;
 
-    void Write(std::string_view text) const {
-        while (!text.empty()) {
-            const ssize_t written = write(descriptor_, text.data(), text.size());
-            if (written < 0) {
-                Fail();
-            }
-            text.remove_prefix(static_cast<std::size_t>(written));
+    // The block is on the disk when this returns. Throws std::system_error, and the file is as it was.
+    void Append(std::string_view block) const {
+        const off_t before = lseek(descriptor_, 0, SEEK_END);
+        if (WriteAll(block) && fsync(descriptor_) == 0) {
+            return;
         }
-        if (fsync(descriptor_) != 0) {
-            Fail();
+        const int error = errno;
+        if (before < 0 || ftruncate(descriptor_, before) != 0) {
+            throw std::system_error(error, std::generic_category(), "half a block is left in the file");
         }
+        throw std::system_error(error, std::generic_category());
     }
 
   private:
+    bool WriteAll(std::string_view text) const {
+        while (!text.empty()) {
+            const ssize_t written = write(descriptor_, text.data(), text.size());
+            if (written < 0 && errno != EINTR) {
+                return false;
+            }
+            text.remove_prefix(static_cast<std::size_t>(written < 0 ? 0 : written));
+        }
+        return true;
+    }
+
     int descriptor_;
 };
 
@@ -122,7 +140,7 @@ void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared,
                         const std::string& model) {
     try {
         const core::DateTime now = clock.Now();
-        AppendedFile(WorkbookPath(shared, consumer, now)).Write(Block(dbconn, now, consumer, streamno, model));
+        AppendedFile(WorkbookPath(shared, consumer, now)).Append(Block(dbconn, now, consumer, streamno, model));
     } catch (const std::exception& failure) {
         feedback.Status("Error in creating Excel");
         logs.WriteRtuErr(std::string("Error in creating Excel: ") + failure.what());

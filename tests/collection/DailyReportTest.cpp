@@ -55,6 +55,25 @@ TEST_F(DailyReportTest, ThePageSurvivesAnyName) {
     EXPECT_EQ(depth, 0);
 }
 
+TEST_F(DailyReportTest, FiguresHaveTwoPlacesAndATotal) {
+    desk.dbconn.Execute(
+        "insert into configdata_master(locationID,consumer,presentallocation,MGO_Qty,Cont_Pr) values"
+        "(1,'A',999,-1234.5,8.5),(2,'B',1234567.891,-100,1e300)");
+    Make();
+    for (const char* const figure : {" 999.00", " -1\\~234.50", " 1\\~234\\~567.89", " -100.00", " 8.50", " 1e+300",
+                                     "\\b 1\\~235\\~566.89\\b0", "\\b -1\\~334.50\\b0"}) {
+        EXPECT_THAT(Page(), HasSubstr(figure)) << figure;
+    }
+}
+
+TEST_F(DailyReportTest, AReportThatCannotBeWrittenLeavesTheOldOne) {
+    Make();
+    const std::string before = Page();
+    std::filesystem::create_directory(desk.shared.directory / "daily_report.rtf.part");
+    EXPECT_THROW(Make(), std::system_error);
+    EXPECT_EQ(Page(), before);
+}
+
 TEST_F(DailyReportTest, AnEmptyRegisterIsTold) {
     Make();
     EXPECT_THAT(desk.feedback.status, testing::Contains("No Data available"));

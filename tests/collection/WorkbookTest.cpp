@@ -1,4 +1,7 @@
 #include <gmock/gmock.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include "collection/Workbook.h"
 #include "support/ScratchDesk.h"
@@ -54,6 +57,7 @@ TEST_F(WorkbookTest, EveryNameIsOneFileInsideTheDirectory) {
                                             std::string("nul\0", 4),
                                             std::string(10000, 'x') + "1",
                                             std::string(10000, 'x') + "2",
+                                            std::string(300, '\x80'),  // no characters of UTF-8
                                             ""};
     for (const std::string& name : names) {
         Write(name);
@@ -65,6 +69,31 @@ TEST_F(WorkbookTest, EveryNameIsOneFileInsideTheDirectory) {
     }
     EXPECT_EQ(files, names.size());
     EXPECT_EQ(desk.RtuErr(), "");
+}
+
+TEST_F(WorkbookTest, ATextStaysInItsColumn) {
+    desk.dbconn.Execute("insert into sched_temp values(?, 1, ?)", {"Flow\t99\r\n2", "m\n3"});
+    Write("Mill\r\nStream:- 9");
+    EXPECT_THAT(Book("Mill\r\nStream:- 9"), HasSubstr("RTU Name:- Mill  Stream:- 9\r\n"));
+    EXPECT_THAT(Book("Mill\r\nStream:- 9"), HasSubstr("\r\n1\tFlow 99  2\t1\tm 3\r\n"));
+}
+
+// A file system that gets full in the middle of a block, played by the limit of this process.
+TEST_F(WorkbookTest, ABlockThatDoesNotFitIsTakenBack) {
+    Write("Mill");
+    const std::string before = Book("Mill");
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit full{before.size() + 10, limit.rlim_max};
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &full);
+    Write("Mill");
+    setrlimit(RLIMIT_FSIZE, &limit);
+    signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(Book("Mill"), before);
+    EXPECT_THAT(desk.feedback.status, testing::ElementsAre("Error in creating Excel"));
+    Write("Mill");
+    EXPECT_EQ(Book("Mill"), before + before);
 }
 
 TEST_F(WorkbookTest, AFailureIsToldAndTheRunGoesOn) {

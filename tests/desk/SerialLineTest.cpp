@@ -125,6 +125,16 @@ TEST_F(SerialLineTest, APulledPlugClosesThePort) {
     near = far = -1;
 }
 
+TEST_F(SerialLineTest, APulledPlugIsNoticedByAReadToo) {
+    ASSERT_TRUE(line.PortOpen(true));
+    close(near);
+    close(far);
+    near = far = -1;
+    EXPECT_EQ(line.Input(), "");
+    EXPECT_FALSE(line.PortOpen());
+    EXPECT_EQ(line.InBufferCount(), 0U);
+}
+
 TEST(ParsePortSettings, TakesWhatStationsHaveAndNothingElse) {
     const auto odd = desk::ParsePortSettings("19200,O,7,2");
     ASSERT_TRUE(odd);
