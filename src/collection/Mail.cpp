@@ -41,7 +41,7 @@ std::optional<MailMessage> Compose(core::Database& dbconn) {
 // Who it comes from: as mail_server says, else the first addressee, who then at least knows the name.
 std::string Sender(core::Database& dbconn, const MailMessage& message) {
     const auto row = dbconn.First("select sender from mail_server");
-    const std::string sender = row ? core::Trim(row->Text("sender")) : std::string();
+    std::string sender = row ? core::Trim(row->Text("sender")) : std::string();
     if (!sender.empty()) {
         return sender;
     }
