@@ -118,11 +118,13 @@ TEST_F(SerialLineTest, APulledPlugClosesThePort) {
     ASSERT_TRUE(line.PortOpen(true));
     close(near);
     close(far);
-    clock.WaitMs(50);
-    line.Output("x");
+    near = far = -1;
     clock.WaitMs(50);
     EXPECT_FALSE(line.PortOpen());
-    near = far = -1;
+    EXPECT_NE(line.LastError().find("the device is gone"), std::string::npos);
+    line.Output("x");
+    clock.WaitMs(20);
+    EXPECT_EQ(line.OutBufferCount(), 0U);
 }
 
 TEST_F(SerialLineTest, APulledPlugIsNoticedByAReadToo) {

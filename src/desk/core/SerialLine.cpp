@@ -1,5 +1,7 @@
 #include "desk/core/SerialLine.h"
 
+#include <poll.h>
+
 #include <QStringList>
 
 namespace desk {
@@ -66,9 +68,10 @@ bool SerialLine::Open() {
 }
 
 void SerialLine::Failed(QSerialPort::SerialPortError error) {
-    // The device is gone: a pulled plug, the far end of a pseudo-terminal.
-    if (error == QSerialPort::ResourceError && port_.isOpen()) {
-        lastError_ = port_.errorString().toStdString();
+    const bool isTransfer = error == QSerialPort::ReadError || error == QSerialPort::WriteError;
+    // Left open, a device that is gone would wake the event loop without end.
+    if (port_.isOpen() && (error == QSerialPort::ResourceError || (isTransfer && HungUp()))) {
+        lastError_ = port_.portName().toStdString() + ": the device is gone";
         port_.close();
     }
 }
@@ -83,6 +86,13 @@ void SerialLine::Gather() {
 std::size_t SerialLine::InBufferCount() {
     Gather();
     return port_.isOpen() ? static_cast<std::size_t>(port_.bytesAvailable()) : 0;
+}
+
+// The device is gone: a pulled plug, the far end of a pseudo-terminal. A read that merely found nothing is an error to
+// the serial port too, so the system is asked.
+bool SerialLine::HungUp() const {
+    pollfd device{port_.handle(), 0, 0};
+    return poll(&device, 1, 0) > 0;
 }
 
 std::size_t SerialLine::OutBufferCount() {

@@ -44,6 +44,7 @@ class SerialLine final : public protocols::Line {
     bool Open();
     void Gather();
     void Failed(QSerialPort::SerialPortError error);
+    bool HungUp() const;
 
     DeviceOf deviceOf_;
     QSerialPort port_;
