@@ -57,7 +57,7 @@ need "workbooks" "${#books[@]}" 4
 
 echo
 echo "Mail"
-mails=("$demo"/mail/*)
+mails=("$demo"/mail/*.eml)
 for mail in "${mails[@]}"; do
   echo "  $mail"
   grep -iE '^(from|to|subject|date):|filename=' "$mail" | tr -d '\r' | sed 's/^/    /'

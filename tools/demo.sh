@@ -59,7 +59,7 @@ children+=($program)
 
 # The mail goes out behind the last station.
 for _ in $(seq 300); do
-  [ -n "$(ls "$demo/mail")" ] && break
+  compgen -G "$demo/mail/*.eml" >/dev/null && break
   kill -0 "$program" 2>/dev/null || { echo "demo: the program has ended"; cat "$demo/norwen.log"; exit 1; }
   sleep 1
 done
