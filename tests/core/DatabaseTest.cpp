@@ -1,7 +1,6 @@
-#include "core/Database.h"
-
 #include <gtest/gtest.h>
 
+#include "core/Database.h"
 #include "support/ScratchDesk.h"
 
 using namespace core;
@@ -35,9 +34,16 @@ TEST_F(DatabaseTest, FindsTextAndColumnsInAnySpelling) {
 
 TEST_F(DatabaseTest, TheHourOfTheScheduleComparesInAnyOfItsForms) {
     const std::pair<const char*, const char*> cases[] = {
-        {"00:00", "12:00 AM"},    {"00:59:59", "12:59 AM"}, {"12:00", "12:00 PM"},        {"13:05", "01:05 PM"},
-        {"23:59:01", "11:59 PM"}, {"8:5", "08:05 AM"},      {"2026-11-24 08:05:00", "08:05 AM"},
-        {"08:05 AM", "08:05 AM"}, {"01:05 PM", "01:05 PM"}, {"12:00 AM", "12:00 AM"},
+        {"00:00", "12:00 AM"},
+        {"00:59:59", "12:59 AM"},
+        {"12:00", "12:00 PM"},
+        {"13:05", "01:05 PM"},
+        {"23:59:01", "11:59 PM"},
+        {"8:5", "08:05 AM"},
+        {"2026-11-24 08:05:00", "08:05 AM"},
+        {"08:05 AM", "08:05 AM"},
+        {"01:05 PM", "01:05 PM"},
+        {"12:00 AM", "12:00 AM"},
     };
     for (const auto& [stored, text] : cases) {
         EXPECT_EQ(One("select format(?,'HH:MM AMPM')", {stored}), text) << stored;

@@ -1,7 +1,6 @@
-#include "core/Logs.h"
-
 #include <gtest/gtest.h>
 
+#include "core/Logs.h"
 #include "support/ScratchDesk.h"
 
 namespace {

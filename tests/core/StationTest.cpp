@@ -1,7 +1,6 @@
-#include "core/Station.h"
-
 #include <gtest/gtest.h>
 
+#include "core/Station.h"
 #include "support/ScratchDesk.h"
 
 using namespace core;
@@ -66,8 +65,9 @@ TEST_F(StationTest, StreamsCountOnMultistreamModelsOnly) {
 
 TEST_F(StationTest, TheCountsAreThoseOfTheModelInHand) {
     desk.dbconn.Execute("delete from modbus_para");
-    desk.dbconn.Execute("insert into modbus_para values(10,1,2,3,4,5,6,7,'TeleFlow'),(20,2,0,0,0,0,0,0,'TeleCorrector'),"
-                        "(30,3,0,0,0,0,0,0,'AGA7')");
+    desk.dbconn.Execute(
+        "insert into modbus_para values(10,1,2,3,4,5,6,7,'TeleFlow'),(20,2,0,0,0,0,0,0,'TeleCorrector'),"
+        "(30,3,0,0,0,0,0,0,'AGA7')");
     EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1)->floatcount, 10);
     EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1)->archive[5], 7);
     EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleCorrector'"), 1)->boolcount, 2);

@@ -1,17 +1,17 @@
-#include "core/Text.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
+#include "core/Text.h"
+
 using namespace core;
 
 TEST(Val, ReadsTheLeadingNumberAndNothingElse) {
     const std::pair<const char*, double> cases[] = {
-        {"12", 12},    {" -1.5 bar", -1.5}, {"+3", 3},  {"1e3", 1000}, {"1E-2x", 0.01}, {".5", 0.5}, {"", 0},
-        {"abc", 0},    {"-", 0},            {"--1", 0}, {"inf", 0},    {"nan", 0},      {"1e999", 0}, {"7,5", 7},
-        {"0x10", 0},   {"-infinity", 0},
+        {"12", 12},   {" -1.5 bar", -1.5}, {"+3", 3},   {"1e3", 1000},    {"1E-2x", 0.01}, {".5", 0.5},
+        {"", 0},      {"abc", 0},          {"-", 0},    {"--1", 0},       {"inf", 0},      {"nan", 0},
+        {"1e999", 0}, {"7,5", 7},          {"0x10", 0}, {"-infinity", 0},
     };
     for (const auto& [text, value] : cases) {
         EXPECT_EQ(Val(text), value) << text;
@@ -19,12 +19,8 @@ TEST(Val, ReadsTheLeadingNumberAndNothingElse) {
 }
 
 TEST(NumberText, IsWhatAnOperatorWouldWrite) {
-    const std::pair<double, const char*> cases[] = {{100, "100"},
-                                                    {-1.5, "-1.5"},
-                                                    {0.1 + 0.2, "0.3"},
-                                                    {-0.0, "0"},
-                                                    {0.0001, "0.0001"},
-                                                    {123456789.25, "123456789.25"}};
+    const std::pair<double, const char*> cases[] = {{100, "100"}, {-1.5, "-1.5"},     {0.1 + 0.2, "0.3"},
+                                                    {-0.0, "0"},  {0.0001, "0.0001"}, {123456789.25, "123456789.25"}};
     for (const auto& [value, text] : cases) {
         EXPECT_EQ(NumberText(value), text);
     }

@@ -1,7 +1,6 @@
-#include "core/Users.h"
-
 #include <gtest/gtest.h>
 
+#include "core/Users.h"
 #include "support/ScratchDesk.h"
 
 using namespace core;
@@ -13,9 +12,10 @@ struct UsersTest : testing::Test {
 
     void AddUser(const std::string& userid, const std::string& firstname, const std::string& password, int readsec,
                  int writesec) {
-        desk.dbconn.Execute("insert into users(userid, firstname, password, readsec, writesec, tts, logon) "
-                            "values(?,?,?,?,?,true,false)",
-                            {userid, firstname, ScramblePassword(password).value(), readsec, writesec});
+        desk.dbconn.Execute(
+            "insert into users(userid, firstname, password, readsec, writesec, tts, logon) "
+            "values(?,?,?,?,?,true,false)",
+            {userid, firstname, ScramblePassword(password).value(), readsec, writesec});
     }
     LoginOutcome Try(const std::string& userid, const std::string& password) {
         return Login(desk.dbconn, desk.shared, desk.logs, userid, password);
@@ -25,23 +25,23 @@ struct UsersTest : testing::Test {
 TEST(ScramblePassword, ReversesAndRaisesEachCodeByItsPosition) {
     EXPECT_EQ(ScramblePassword("abc"), "fdb");  // c+3, b+2, a+1
     EXPECT_EQ(ScramblePassword(""), "");
-    EXPECT_EQ(ScramblePassword("þ"), "ÿ");          // 254 + 1
+    EXPECT_EQ(ScramblePassword("þ"), "ÿ");           // 254 + 1
     EXPECT_EQ(ScramblePassword("ÿ"), std::nullopt);  // 255 + 1 leaves the code page
     EXPECT_EQ(ScramblePassword("日"), std::nullopt);
 }
 
 TEST_F(UsersTest, LoginLetsInWhoHasTheRightPasswordAndNobodyElse) {
     AddUser("o'neil", "Pat", "Gate7", 3, 2);
-    for (const auto& [userid, password] : std::initializer_list<std::pair<std::string, std::string>>{
-             {"o'neil", "gate7"},
-             {"o'neil", ""},
-             {"", ""},
-             {"' or '1'='1", "' or '1'='1"},
-             {"%", "Gate7"},
-             {"WARDEN", "PANELGROVE"},
-             {" warden", "panelgrove"},
-             {std::string(10000, 'a'), std::string(10000, 'b')},
-             {"o'neil", "日"}}) {
+    for (const auto& [userid, password] :
+         std::initializer_list<std::pair<std::string, std::string>>{{"o'neil", "gate7"},
+                                                                    {"o'neil", ""},
+                                                                    {"", ""},
+                                                                    {"' or '1'='1", "' or '1'='1"},
+                                                                    {"%", "Gate7"},
+                                                                    {"WARDEN", "PANELGROVE"},
+                                                                    {" warden", "panelgrove"},
+                                                                    {std::string(10000, 'a'), std::string(10000, 'b')},
+                                                                    {"o'neil", "日"}}) {
         EXPECT_EQ(Try(userid, password), LoginOutcome::Refused) << userid;
         EXPECT_EQ(desk.shared.currentuser, "");
     }
