@@ -22,7 +22,10 @@
 #include "core/MAIN_Module.h"
 #include "core/Ports.h"
 #include "desk/core/Boxes.h"
+#include "desk/core/Desk.h"
 #include "desk/core/EventLoopClock.h"
+#include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
 #include "desk/core/RunFeedback.h"
 #include "desk/core/SerialLine.h"
 #include "desk/core/SingleInstance.h"
@@ -34,6 +37,7 @@ namespace {
 struct StartOptions {
     std::filesystem::path directory;
     bool unattended = false;
+    desk::Palette palette = desk::Palette::System;
 };
 
 // The options, read without a display: --help and --version end the program here, as does a word that is none.
@@ -49,6 +53,8 @@ StartOptions ReadOptions(int argc, char** argv) {
                                        "Take DIR for the application directory: database, logs, scheduler/.", "DIR",
                                        QCoreApplication::applicationDirPath());
     const QCommandLineOption unattended("unattended", "Collect the stations from the start on, without a login.");
+    const QCommandLineOption palette("palette", "Take light or dark colours; else those of the system.", "COLOURS");
+    parser.addOption(palette);
     parser.addOption(directory);
     parser.addOption(unattended);
     parser.process(application);
@@ -56,7 +62,11 @@ StartOptions ReadOptions(int argc, char** argv) {
         std::cerr << "norwen: Unexpected argument '" << parser.positionalArguments().first().toStdString() << "'.\n";
         std::exit(EXIT_FAILURE);
     }
-    return {parser.value(directory).toStdString(), parser.isSet(unattended)};
+    const QString colours = parser.value(palette);
+    return {parser.value(directory).toStdString(), parser.isSet(unattended),
+            colours == "dark"    ? desk::Palette::Dark
+            : colours == "light" ? desk::Palette::Light
+                                 : desk::Palette::System};
 }
 
 // Why the program cannot start, for whoever is there: a box, or in unattended work the terminal and the error log.
@@ -152,7 +162,9 @@ int Start(QApplication& application, const StartOptions& options) {
         return Refuse(options, StartMessage(options, failure.what()));
     }
 
-    desk::mainfrm mainfrm(*dbconn, shared, logs, clock, scheduler);
+    desk::Navigator navigator;
+    desk::Desk desk{*dbconn, shared, logs, clock, feedback, line, scheduler, mail, navigator};
+    desk::mainfrm mainfrm(desk);
     shell = &mainfrm;
     desk::frmLogin frmLogin(*dbconn, shared, logs,
                             [&](const QString& text, const QString& title) { desk::ShowBox(&frmLogin, text, title); });
@@ -184,7 +196,7 @@ int main(int argc, char** argv) {
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName("Norwen");
-    QApplication::setStyle("Fusion");
+    desk::ApplyLook(application, options.palette);
     QApplication::setQuitOnLastWindowClosed(false);
     try {
         return Start(application, options);

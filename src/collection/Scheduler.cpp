@@ -1,5 +1,6 @@
 #include "collection/Scheduler.h"
 
+#include "collection/Schedule.h"
 #include "core/Text.h"
 
 namespace collection {
@@ -8,16 +9,6 @@ namespace {
 
 constexpr int maxAttempts = 3;
 constexpr double pauseMs = 500;
-
-bool IsDue(const std::string& duration, double day, const core::DateTime& now) {
-    if (core::SameText(duration, "Daily")) {
-        return true;
-    }
-    if (core::SameText(duration, "Weekly")) {
-        return day == now.DayOfWeek();
-    }
-    return core::SameText(duration, "Monthly") && day == now.day;
-}
 
 // What an edge of the schedule does with an error: it is written down, and the schedule goes on.
 template <typename Work>
@@ -92,12 +83,16 @@ void Scheduler::ServeMinute(const std::vector<DueStation>& stations) {
 void Scheduler::ServeStation(const DueStation& station) {
     RunState state{true, 0};
     if (station.due) {
+        inHand_ = station.locationID;
+        Tell(&RunWatcher::Collecting, station);
         Collect(station, state);
+        inHand_.reset();
     }
     // A station of the selection that is not due today is marked as not sampled; one that was cut off by the end of
     // the program keeps its mark.
     if (!leaving_) {
         Record(station, state.runfailed);
+        Tell(&RunWatcher::Collected, station);
     }
 }
 
@@ -114,6 +109,12 @@ void Scheduler::Collect(const DueStation& station, RunState& state) {
         collectiong_Data(place_, station.locationID, state);
         place_.clock.WaitMs(pauseMs, [this] { return leaving_; });
         ++state.attemptcount;
+    }
+}
+
+void Scheduler::Tell(void (RunWatcher::*event)(std::int64_t), const DueStation& station) {
+    if (watcher_ != nullptr) {
+        (watcher_->*event)(station.locationID);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,18 @@
 #include "collection/Workplace.h"
 
 namespace collection {
+
+// Follows the schedule as it happens.
+class RunWatcher {
+  public:
+    virtual ~RunWatcher() = default;
+
+    // The station's turn has come, and it is due.
+    virtual void Collecting(std::int64_t locationID) = 0;
+
+    // Its turn is over, and its mark in the register is set. A station that was selected but not due comes here at once.
+    virtual void Collected(std::int64_t locationID) = 0;
+};
 
 // What runs by itself each minute: collects the stations whose contract hour is the present minute, one after the
 // other, records the outcome of each, and mails the day's report behind them.
@@ -23,6 +36,12 @@ class Scheduler {
 
     // Clears sampledtoday of every station that was last tried on another day of the month. Throws DatabaseError.
     void ResetDailyFlags();
+
+    // Who is told of each station from now on; null: nobody.
+    void Watch(RunWatcher* watcher) { watcher_ = watcher; }
+
+    // The station that is being collected.
+    std::optional<std::int64_t> InHand() const { return inHand_; }
 
     // Stations are being collected, or their mail is being sent.
     bool Busy() const { return running_; }
@@ -45,10 +64,13 @@ class Scheduler {
     void ServeStation(const DueStation& station);
     void Collect(const DueStation& station, RunState& state);
     void Record(const DueStation& station, bool failed);
+    void Tell(void (RunWatcher::*event)(std::int64_t), const DueStation& station);
 
     Workplace& place_;
     MailTransport& mail_;
     std::deque<std::vector<DueStation>> minutes_;
+    RunWatcher* watcher_ = nullptr;
+    std::optional<std::int64_t> inHand_;
     bool running_ = false;
     bool leaving_ = false;
 };

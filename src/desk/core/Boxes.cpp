@@ -1,13 +1,34 @@
 #include "desk/core/Boxes.h"
 
-#include <QMessageBox>
-
 namespace desk {
 
-void ShowBox(QWidget* over, const QString& text, const QString& title) {
-    auto* box = new QMessageBox(QMessageBox::Warning, title, text, QMessageBox::Ok, over);
+namespace {
+
+QMessageBox* NewBox(QWidget* over, const QString& text, const QString& title, QMessageBox::Icon icon,
+                    QMessageBox::StandardButtons buttons) {
+    auto* box = new QMessageBox(icon, title, text, buttons, over);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
+    return box;
+}
+
+}  // namespace
+
+void ShowBox(QWidget* over, const QString& text, const QString& title, QMessageBox::Icon icon) {
+    NewBox(over, text, title, icon, QMessageBox::Ok)->open();
+}
+
+void AskBox(QWidget* over, const QString& text, const QString& title, std::function<void()> yes,
+            std::function<void()> no) {
+    auto* box = NewBox(over, text, title, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No);
+    box->setDefaultButton(QMessageBox::No);
+    box->setEscapeButton(QMessageBox::No);
+    QObject::connect(box, &QMessageBox::finished, over, [yes = std::move(yes), no = std::move(no)](int answer) {
+        const auto& next = answer == QMessageBox::Yes ? yes : no;
+        if (next) {
+            next();
+        }
+    });
     box->open();
 }
 

@@ -1,14 +1,17 @@
 #include "desk/core/mainfrm.h"
 
 #include <QCloseEvent>
-#include <QFont>
 #include <QLabel>
 
 #include "collection/Scheduler.h"
-#include "core/Database.h"
+#include "core/Clock.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "core/Users.h"
+#include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
+#include "desk/core/frmGraphicRept.h"
+#include "desk/core/frmmain.h"
 #include "ui_mainfrm.h"
 
 namespace desk {
@@ -16,38 +19,51 @@ namespace desk {
 namespace {
 
 constexpr int ticksToReset = 60;
-constexpr int mostLines = 500;
+
+// What the shell does by itself fails without a word on the screen; the log says why.
+template <typename Work>
+void Guarded(core::Logs& logs, const Work& work) {
+    try {
+        work();
+    } catch (const std::exception& failure) {
+        logs.WriteRtuErr(failure.what());
+    }
+}
 
 }  // namespace
 
-mainfrm::mainfrm(core::Database& dbconn, core::MAIN_Module& shared, core::Logs& logs, const core::Clock& clock,
-                 collection::Scheduler& scheduler)
-    : dbconn_(dbconn),
-      shared_(shared),
-      logs_(logs),
-      clock_(clock),
-      scheduler_(scheduler),
+mainfrm::mainfrm(Desk& desk)
+    : desk_(desk),
       timer1_([this] { Tick(); }),
       panel_(new QLabel),
+      overview_(new frmGraphicRept(desk)),
+      menu_(new frmmain(desk)),
       ui_(std::make_unique<Ui::mainfrm>()) {
     ui_->setupUi(this);
-    setWindowTitle("Norwen" + QString::fromStdString(shared_.versionsuffix));
+    ui_->layout->addWidget(&desk_.navigator, 1);
     // A station or a user may have any name, also one that looks like markup.
     panel_->setTextFormat(Qt::PlainText);
     ui_->lbluser->setTextFormat(Qt::PlainText);
+    ui_->lblcaption->setTextFormat(Qt::PlainText);
     ui_->statusbar->addWidget(panel_, 1);
-    QFont large = ui_->lblclock->font();
-    large.setPointSizeF(large.pointSizeF() * 1.6);
-    ui_->lblclock->setFont(large);
-    ui_->lblschedule->setFont(large);
-    connect(ui_->cmdlogoff, &QPushButton::clicked, this, &mainfrm::cmdlogoff);
-    connect(ui_->cmdexit, &QPushButton::clicked, this, &mainfrm::cmdexit);
+    ui_->lblcaption->setFont(Larger(font(), 1.5, true));
+    ui_->lblclock->setFont(Larger(font(), 1.5));
+    Mute(ui_->lbluser);
+    connect(&desk_.navigator, &Navigator::Changed, this, &mainfrm::ShowCaption);
+    connect(overview_, &frmGraphicRept::MenuWanted, this, [this] { desk_.navigator.Home(menu_); });
+    connect(overview_, &frmGraphicRept::Exited, this, &mainfrm::EndProgram);
+    connect(menu_, &frmmain::NodesWanted, this, [this] { desk_.navigator.Home(overview_); });
+    connect(menu_, &frmmain::LoggedOff, this, &mainfrm::LogOff);
+    connect(menu_, &frmmain::Exited, this, &mainfrm::EndProgram);
     connect(&seconds_, &QTimer::timeout, this, &mainfrm::ShowClock);
     seconds_.start(1000);
     ShowClock();
+    resize(1024, 740);
 }
 
-mainfrm::~mainfrm() = default;
+mainfrm::~mainfrm() {
+    desk_.navigator.setParent(nullptr);
+}
 
 void mainfrm::StartTimer() {
     if (!timer1_.Running()) {
@@ -56,63 +72,46 @@ void mainfrm::StartTimer() {
 }
 
 void mainfrm::ShowClock() {
-    const core::DateTime now = clock_.Now();
+    const core::DateTime now = desk_.clock.Now();
     ui_->lblclock->setText(QString::fromStdString(core::DateText(now) + "  " + core::TimeText(now)));
-    ui_->lblschedule->setText(scheduler_.Busy() ? "Collecting stations" : "Waiting for the next contract hour");
+}
+
+void mainfrm::ShowCaption(Page* front) {
+    ui_->lblcaption->setText(front->windowTitle());
+    setWindowTitle(front->windowTitle());
 }
 
 void mainfrm::Status(const QString& text) {
     panel_->setText(text);
-    ui_->lstlines->addItem(QString::fromStdString(core::TimeText(clock_.Now())) + "   " + text);
-    if (ui_->lstlines->count() > mostLines) {
-        delete ui_->lstlines->takeItem(0);
-    }
-    ui_->lstlines->scrollToBottom();
+    overview_->Line(text);
 }
 
 void mainfrm::ShowForUser() {
-    ui_->lbluser->setText("Logged in as " + QString::fromStdString(shared_.currentuser));
+    ui_->lbluser->setText("Logged in as " + QString::fromStdString(desk_.shared.currentuser));
     StartTimer();
     show();
-    ui_->lstlines->setFocus();
+    desk_.navigator.Home(overview_);
 }
 
 void mainfrm::Tick() {
-    try {
+    Guarded(desk_.logs, [this] {
         if (resetCounter_ == ticksToReset) {
             resetCounter_ = 0;
-            scheduler_.ResetDailyFlags();
+            desk_.scheduler.ResetDailyFlags();
         } else {
             ++resetCounter_;
         }
-    } catch (const std::exception& failure) {
-        logs_.WriteRtuErr(failure.what());
-    }
-    scheduler_.Tick();
+    });
+    desk_.scheduler.Tick();
     // A tick inside a run returns at once; the outer one ends the program when its run has unwound.
-    if (ending_ && !scheduler_.Busy()) {
+    if (ending_ && !desk_.scheduler.Busy()) {
         Q_EMIT Ended();
     }
 }
 
-void mainfrm::cmdlogoff() {
-    try {
-        core::ClearLogon(dbconn_, shared_.currentuser);
-        logs_.WriteAudit(logs_.Stamp() + ":  user " + shared_.currentuser + " logged out");
-    } catch (const std::exception& failure) {
-        logs_.WriteRtuErr(failure.what());
-    }
+void mainfrm::LogOff() {
     hide();
     Q_EMIT LoggedOff();
-}
-
-void mainfrm::cmdexit() {
-    try {
-        logs_.WriteAudit(logs_.Stamp() + " :" + shared_.currentuser + " logged out.");
-    } catch (const std::exception& failure) {
-        logs_.WriteRtuErr(failure.what());
-    }
-    EndProgram();
 }
 
 void mainfrm::closeEvent(QCloseEvent* event) {
@@ -127,18 +126,14 @@ void mainfrm::EndProgram() {
     ending_ = true;
     hide();
     Unload();
-    scheduler_.Leave();
-    if (!scheduler_.Busy()) {
+    desk_.scheduler.Leave();
+    if (!desk_.scheduler.Busy()) {
         Q_EMIT Ended();
     }
 }
 
 void mainfrm::Unload() {
-    try {
-        core::ClearLogon(dbconn_, shared_.currentuser);
-    } catch (const std::exception& failure) {
-        logs_.WriteRtuErr(failure.what());
-    }
+    Guarded(desk_.logs, [this] { core::ClearLogon(desk_.dbconn, desk_.shared.currentuser); });
 }
 
 }  // namespace desk

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/Database.h"
+
+// What the overview of the stations shows.
+namespace collection {
+
+constexpr int groups = 4;
+constexpr int stationsAGroup = 10;
+constexpr int nodeButtons = groups * stationsAGroup + 1;  // cmdLoc(0) to cmdLoc(40)
+
+struct Node {
+    std::int64_t locationId = 0;
+    std::string consumer;
+    bool sampledtoday = false;
+    int index = 0;  // of its button: (groupno - 1) * 10 + groupcnt
+};
+
+// The register's stations by group and location. A station whose group and count give no button has the index -1.
+// Throws DatabaseError.
+std::vector<Node> ReadNodes(core::Database& dbconn);
+
+// The sums of what the groups' stations have collected this month, "1234.5 SCM"; "0 SCM" for a group without a value.
+// Throws DatabaseError.
+std::array<std::string, groups> GroupTotals(core::Database& dbconn);
+
+// A station's line in the list of a group: consumer, last value, unit. One without a value has "0" and "MSCFH".
+struct GroupVolume {
+    std::string consumer;
+    std::string lastvalue;
+    std::string unit;
+};
+
+// The stations of a group by location. Throws DatabaseError.
+std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno);
+
+// A station's line in the view of the schedule: "hh:mm", and "Yes" or "No".
+struct ScheduleLine {
+    std::string consumer;
+    std::string contracthour;
+    std::string sampledtoday;
+};
+
+// All stations in the order of the register. Throws DatabaseError.
+std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn);
+
+}  // namespace collection

@@ -1,0 +1,35 @@
+#pragma once
+
+namespace core {
+class Clock;
+class Database;
+class Feedback;
+class Logs;
+struct MAIN_Module;
+}  // namespace core
+namespace collection {
+class MailTransport;
+class Scheduler;
+}  // namespace collection
+namespace protocols {
+class FieldLine;
+}
+
+namespace desk {
+
+class Navigator;
+
+// What every screen works with.
+struct Desk {
+    core::Database& dbconn;
+    core::MAIN_Module& shared;
+    core::Logs& logs;
+    core::Clock& clock;
+    core::Feedback& feedback;
+    protocols::FieldLine& line;
+    collection::Scheduler& scheduler;
+    collection::MailTransport& mail;
+    Navigator& navigator;
+};
+
+}  // namespace desk

@@ -1,0 +1,188 @@
+#include "desk/core/frmGraphicRept.h"
+
+#include <QListWidget>
+
+#include "collection/Schedule.h"
+#include "core/Clock.h"
+#include "core/Feedback.h"
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+#include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
+#include "desk/core/NodeButton.h"
+#include "desk/core/frmshowdata.h"
+#include "desk/session/StationDoor.h"
+#include "ui_frmGraphicRept.h"
+
+namespace desk {
+
+namespace {
+
+constexpr int mostLines = 500;
+constexpr int linesInSight = 3;
+constexpr double fromAfar = 1.5;
+
+}  // namespace
+
+frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::make_unique<Ui::frmGraphicRept>()) {
+    ui_->setupUi(this);
+    Title("NodeView ");
+    MakeColumns();
+    MakeLegend();
+    for (QLabel* label : {ui_->lblnow, ui_->lblnext}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setFont(Larger(font(), fromAfar));
+    }
+    ui_->layout->setStretch(0, 1);
+    ui_->foot->setStretch(0, 1);
+    ui_->lstlines->setFixedHeight(fontMetrics().height() * linesInSight + 12);
+    connect(ui_->cmdMenu, &QPushButton::clicked, this, &frmGraphicRept::MenuWanted);
+    connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::cmdClose);
+    connect(&minute_, &QTimer::timeout, this, &frmGraphicRept::ShowNext);
+    minute_.start(5000);
+    desk_.scheduler.Watch(this);
+    ui_->cmdMenu->setFocus();
+}
+
+frmGraphicRept::~frmGraphicRept() {
+    desk_.scheduler.Watch(nullptr);
+}
+
+// A column a group: its name, its ten stations, and at the foot what they have collected. cmdLoc(0), which only a
+// station without a number in its group has, stands over the first.
+void frmGraphicRept::MakeColumns() {
+    const QFont large = Larger(font(), fromAfar, true);
+    for (int index = 0; index < collection::nodeButtons; ++index) {
+        auto* button = new NodeButton(this);
+        button->setObjectName("cmdLoc" + QString::number(index));
+        button->setFont(large);
+        const int place = index == 0 ? 0 : (index - 1) % collection::stationsAGroup + 1;
+        const int group = index == 0 ? 0 : (index - 1) / collection::stationsAGroup;
+        ui_->nodes->addWidget(button, place + 1, group);
+        ui_->nodes->setRowStretch(place + 1, index == 0 ? 0 : 1);
+        connect(button, &QPushButton::clicked, this, [this, index] { cmdLoc(index); });
+        cmdLoc_[static_cast<std::size_t>(index)] = button;
+    }
+    for (int group = 0; group < collection::groups; ++group) {
+        auto* name = new QLabel("Group " + QString::number(group + 1));
+        name->setFont(large);
+        ui_->nodes->addWidget(name, 0, group, Qt::AlignHCenter);
+        auto* total = new QPushButton;
+        total->setObjectName("lblgroup" + QString::number(group + 1));
+        total->setFont(large);
+        total->setFlat(true);
+        total->setToolTip("The volumes of group " + QString::number(group + 1));
+        connect(total, &QPushButton::clicked, this,
+                [this, group] { desk_.navigator.Open(new frmshowdata(desk_, group + 1)); });
+        ui_->nodes->addWidget(total, collection::stationsAGroup + 2, group);
+        ui_->nodes->setColumnStretch(group, 1);
+        lblgroup_[static_cast<std::size_t>(group)] = total;
+    }
+}
+
+void frmGraphicRept::MakeLegend() {
+    for (const auto& [state, word] :
+         {std::pair{NodeState::Collected, "Collected"}, std::pair{NodeState::NotCollected, "Not collected"},
+          std::pair{NodeState::Collecting, "Collecting"}}) {
+        auto* sample = new NodeButton(this);
+        sample->ShowNode(word, state);
+        sample->setFocusPolicy(Qt::NoFocus);
+        sample->setAttribute(Qt::WA_TransparentForMouseEvents);
+        sample->setFixedWidth(fontMetrics().horizontalAdvance("Not collected") + fontMetrics().height() + 28);
+        ui_->legend->addWidget(sample);
+    }
+}
+
+void frmGraphicRept::Activated() {
+    Guarded([this] {
+        Reset();
+        Refresh();
+    });
+}
+
+void frmGraphicRept::Reset() {
+    for (NodeButton* button : cmdLoc_) {
+        button->ShowNode("Remote Loc.", NodeState::NoStation);
+        button->hide();
+    }
+}
+
+void frmGraphicRept::Refresh() {
+    nodes_ = collection::ReadNodes(desk_.dbconn);
+    for (const collection::Node& node : nodes_) {
+        const QString consumer = QString::fromStdString(node.consumer);
+        if (node.index < 0) {
+            desk_.feedback.Status("No place in the overview for " + node.consumer);
+            continue;
+        }
+        NodeButton* button = cmdLoc_[static_cast<std::size_t>(node.index)];
+        const bool inHand = desk_.scheduler.InHand() == node.locationId;
+        button->ShowNode(consumer, inHand              ? NodeState::Collecting
+                                   : node.sampledtoday ? NodeState::Collected
+                                                       : NodeState::NotCollected);
+        button->show();
+    }
+    const auto totals = collection::GroupTotals(desk_.dbconn);
+    for (std::size_t group = 0; group < totals.size(); ++group) {
+        lblgroup_[group]->setText(QString::fromStdString(totals[group]));
+    }
+    ShowNow();
+    ShowNext();
+}
+
+void frmGraphicRept::ShowNow() {
+    for (const collection::Node& node : nodes_) {
+        if (desk_.scheduler.InHand() == node.locationId) {
+            ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer));
+            return;
+        }
+    }
+    ui_->lblnow->setText("The line is free");
+}
+
+void frmGraphicRept::ShowNext() {
+    Guarded([this] {
+        const core::DateTime now = desk_.clock.Now();
+        const auto next = collection::NextDue(desk_.dbconn, now);
+        if (!next) {
+            ui_->lblnext->setText("No station has a schedule");
+            return;
+        }
+        const bool today = core::DateText(next->at) == core::DateText(now);
+        ui_->lblnext->setText("Next: " + QString::fromStdString(next->consumer) + " at " +
+                              QString::fromStdString(core::TimeText(next->at).substr(0, 5)) +
+                              (today ? QString() : " on " + QString::fromStdString(core::DateText(next->at))));
+    });
+}
+
+void frmGraphicRept::Line(const QString& text) {
+    ui_->lstlines->addItem(QString::fromStdString(core::TimeText(desk_.clock.Now())) + "   " + text);
+    if (ui_->lstlines->count() > mostLines) {
+        delete ui_->lstlines->takeItem(0);
+    }
+    ui_->lstlines->scrollToBottom();
+}
+
+void frmGraphicRept::Collecting(std::int64_t) {
+    Guarded([this] { Refresh(); });
+}
+
+void frmGraphicRept::Collected(std::int64_t) {
+    Guarded([this] { Refresh(); });
+}
+
+void frmGraphicRept::cmdLoc(int index) {
+    for (const collection::Node& node : nodes_) {
+        if (node.index == index) {
+            Guarded([&] { desk_.navigator.Open(new StationDoor(desk_, node.locationId)); });
+            return;
+        }
+    }
+}
+
+void frmGraphicRept::cmdClose() {
+    Guarded([this] { desk_.logs.WriteAudit(desk_.logs.Stamp() + ": " + desk_.shared.currentuser + " logged out."); });
+    Q_EMIT Exited();
+}
+
+}  // namespace desk

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QTimer>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "collection/NodeOverview.h"
+#include "collection/Scheduler.h"
+#include "desk/core/Page.h"
+
+namespace Ui {
+class frmGraphicRept;
+}
+class QPushButton;
+
+namespace desk {
+
+class NodeButton;
+
+// The wall: every station as a button with the state of today's collection, in four groups with their totals. It
+// follows a run as it happens. The first screen after a login.
+class frmGraphicRept : public Page, public collection::RunWatcher {
+    Q_OBJECT
+
+  public:
+    explicit frmGraphicRept(Desk& desk);
+    ~frmGraphicRept() override;
+
+    // Rebuilds the display from the register.
+    void Activated() override;
+
+    // One more line of what was done.
+    void Line(const QString& text);
+
+    void Collecting(std::int64_t locationID) override;
+    void Collected(std::int64_t locationID) override;
+
+  Q_SIGNALS:
+    void MenuWanted();
+    void Exited();
+
+  private:
+    void MakeColumns();
+    void MakeLegend();
+    void Reset();
+    void Refresh();
+    void ShowNow();
+    void ShowNext();
+    void cmdLoc(int index);
+    void cmdClose();
+
+    std::array<NodeButton*, collection::nodeButtons> cmdLoc_{};
+    std::array<QPushButton*, collection::groups> lblgroup_{};
+    std::vector<collection::Node> nodes_;
+    QTimer minute_;
+    std::unique_ptr<Ui::frmGraphicRept> ui_;
+};
+
+}  // namespace desk

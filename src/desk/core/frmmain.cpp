@@ -1,0 +1,51 @@
+#include "desk/core/frmmain.h"
+
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+#include "core/Users.h"
+#include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
+#include "ui_frmmain.h"
+
+namespace desk {
+
+frmmain::frmmain(Desk& desk) : Page(desk, "Main Options"), ui_(std::make_unique<Ui::frmmain>()) {
+    ui_->setupUi(this);
+    Title("Main Options");
+    for (QPushButton* command : findChildren<QPushButton*>()) {
+        command->setFont(Larger(font(), 1.3));
+        command->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    }
+    CloseCommand(ui_->cmdonline);
+    connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
+    connect(ui_->cmdlogoff, &QPushButton::clicked, this, &frmmain::cmdlogoff);
+    connect(ui_->cmdexit, &QPushButton::clicked, this, &frmmain::cmdexit);
+    ui_->cmdonline->setFocus();
+}
+
+frmmain::~frmmain() = default;
+
+void frmmain::ApplyRights() {
+    const core::Rights& rights = desk_.shared.rights;
+    ui_->cmdconfigsta->setEnabled(rights.rightConfigStation);
+    ui_->cmdtts->setEnabled(rights.rightTts);
+    ui_->cmdScheduler->setEnabled(rights.rightScheduler);
+    ui_->cmdgc->setEnabled(rights.rightGasComposition);
+    ui_->cmduser->setEnabled(rights.rightUserManager);
+    ui_->cmdUtility->setEnabled(rights.rightUtility);
+}
+
+void frmmain::cmdlogoff() {
+    Guarded([this] {
+        core::ClearLogon(desk_.dbconn, desk_.shared.currentuser);
+        desk_.logs.WriteAudit(desk_.logs.Stamp() + ":  user " + desk_.shared.currentuser + " logged out");
+    });
+    Q_EMIT LoggedOff();
+}
+
+void frmmain::cmdexit() {
+    Guarded([this] { desk_.logs.WriteAudit(desk_.logs.Stamp() + " :" + desk_.shared.currentuser + " logged out."); });
+    Q_EMIT Exited();
+}
+
+}  // namespace desk

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include "desk/core/Page.h"
+
+namespace Ui {
+class frmmain;
+}
+
+namespace desk {
+
+// The menu: a command a screen, open to whom the rights say.
+class frmmain : public Page {
+    Q_OBJECT
+
+  public:
+    explicit frmmain(Desk& desk);
+    ~frmmain() override;
+
+    // The rights are those of the user who is logged in now.
+    void Activated() override { ApplyRights(); }
+
+  Q_SIGNALS:
+    void NodesWanted();
+    void LoggedOff();
+    void Exited();
+
+  private:
+    void ApplyRights();
+    void cmdlogoff();
+    void cmdexit();
+
+    std::unique_ptr<Ui::frmmain> ui_;
+};
+
+}  // namespace desk

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QMessageBox>
+#include <QTest>
+#include <functional>
+#include <string>
+
+#include "desk/core/Desk.h"
+#include "desk/core/Navigator.h"
+#include "desk/core/Page.h"
+#include "support/CollectionDesk.h"
+
+namespace support {
+
+// A desk with a window for its screens, on the delivered database and the virtual clock. Clicks and keys reach the page
+// in front as an operator's do.
+class ScreenDesk : public CollectionDesk {
+  public:
+    using CollectionDesk::CollectionDesk;
+
+    desk::Navigator window;
+    desk::Desk desk{dbconn, shared, logs, clock, feedback, fieldLine, scheduler, mail, window};
+
+    // Opens a page in the window, which is as large as the smallest screen.
+    template <class Form, class... Arguments>
+    Form& Open(Arguments&&... arguments) {
+        auto* form = new Form(desk, std::forward<Arguments>(arguments)...);
+        window.resize(1024, 680);
+        window.Open(form);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        return *form;
+    }
+};
+
+// A control of a page by its name; the test ends where there is none.
+template <class Control = QWidget>
+Control& The(const QWidget& page, const char* name) {
+    auto* control = page.findChild<Control*>(name);
+    if (control == nullptr) {
+        throw std::runtime_error(std::string("no control ") + name);
+    }
+    return *control;
+}
+
+inline void Click(const QWidget& page, const char* name) {
+    QTest::mouseClick(&The(page, name), Qt::LeftButton);
+    QCoreApplication::processEvents();
+}
+
+// Types into a field, in place of what it holds.
+inline void Type(const QWidget& page, const char* name, const QString& text) {
+    QWidget& field = The(page, name);
+    field.setFocus();
+    QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&field, Qt::Key_Delete);
+    QTest::keyClicks(&field, text);
+}
+
+// The message box over a page; null when there is none.
+inline QMessageBox* Box(const QWidget& page) {
+    for (QMessageBox* box : page.findChildren<QMessageBox*>()) {
+        if (box->isVisible()) {
+            return box;
+        }
+    }
+    return nullptr;
+}
+
+// The text of the box over a page, which is then answered; empty when there is none.
+inline std::string Answer(const QWidget& page, QMessageBox::StandardButton button = QMessageBox::Ok) {
+    QMessageBox* box = Box(page);
+    if (box == nullptr) {
+        return {};
+    }
+    const std::string text = box->text().toStdString();
+    QTest::mouseClick(box->button(button), Qt::LeftButton);
+    QTest::qWaitForWindowActive(page.window());
+    QCoreApplication::processEvents();
+    return text;
+}
+
+// The name of the control that has the focus of a page.
+inline std::string Focus(const QWidget& page) {
+    const QWidget* focus = page.focusWidget();
+    return focus == nullptr ? "" : focus->objectName().toStdString();
+}
+
+}  // namespace support
