@@ -24,7 +24,8 @@ std::array<std::string, groups> GroupTotals(core::Database& dbconn) {
                       "Month' or description = 'Cumulative Standard Volume' group by groupno")) {
         const auto groupno = row.Long("groupno");
         if (groupno >= 1 && groupno <= groups) {
-            totals[static_cast<std::size_t>(groupno - 1)] = core::NumberText(core::RoundTo(row.Number("total"), 4)) + " SCM";
+            totals[static_cast<std::size_t>(groupno - 1)] =
+                core::NumberText(core::RoundTo(row.Number("total"), 4)) + " SCM";
         }
     }
     return totals;
@@ -48,8 +49,8 @@ std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno) {
 std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn) {
     std::vector<ScheduleLine> lines;
     for (const core::Row& row : dbconn.Query("select consumer, contracthour, sampledtoday from configdata_master")) {
-        lines.push_back({row.Text("consumer"), row.Text("contracthour").substr(0, 5),
-                         row.Bool("sampledtoday") ? "Yes" : "No"});
+        lines.push_back(
+            {row.Text("consumer"), row.Text("contracthour").substr(0, 5), row.Bool("sampledtoday") ? "Yes" : "No"});
     }
     return lines;
 }

@@ -41,9 +41,9 @@ std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime&
     const std::int64_t midnight = minute - now.hour * 3600 - now.minute * 60;
     std::optional<NextStation> next;
     std::int64_t earliest = 0;
-    for (const core::Row& row : dbconn.Query(
-             "select consumer, contracthour, duration, day from configdata_master where duration <> 'NO' "
-             "order by locationID")) {
+    for (const core::Row& row :
+         dbconn.Query("select consumer, contracthour, duration, day from configdata_master where duration <> 'NO' "
+                      "order by locationID")) {
         for (std::int64_t day = 0; day <= farthestDay; ++day) {
             const std::int64_t at = midnight + day * secondsADay + SecondsOfDay(row[1].Text());
             if (at > minute && IsDue(row[2].Text(), row[3].Number(), core::FromSeconds(at))) {

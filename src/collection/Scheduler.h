@@ -20,7 +20,8 @@ class RunWatcher {
     // The station's turn has come, and it is due.
     virtual void Collecting(std::int64_t locationID) = 0;
 
-    // Its turn is over, and its mark in the register is set. A station that was selected but not due comes here at once.
+    // Its turn is over, and its mark in the register is set. A station that was selected but not due comes here at
+    // once.
     virtual void Collected(std::int64_t locationID) = 0;
 };
 

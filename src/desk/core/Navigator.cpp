@@ -19,7 +19,8 @@ void Navigator::Open(Page* page) {
     addWidget(page);
     opened_.push_back(page);
     // Queued, since the page may close itself from a handler of its own.
-    connect(page, &Page::Closed, this, [this, page] { Leave(page); }, Qt::QueuedConnection);
+    connect(
+        page, &Page::Closed, this, [this, page] { Leave(page); }, Qt::QueuedConnection);
     BringForward(page);
 }
 

@@ -18,7 +18,8 @@ frmshowdata::frmshowdata(Desk& desk, int groupno)
     Guarded([&] {
         double total = 0;
         for (const auto& volume : collection::GroupVolumes(desk_.dbconn, groupno)) {
-            ui_->floatgrid->AddItem(QString::fromStdString(volume.consumer + "\t" + volume.lastvalue + "\t" + volume.unit));
+            ui_->floatgrid->AddItem(
+                QString::fromStdString(volume.consumer + "\t" + volume.lastvalue + "\t" + volume.unit));
             total += core::Val(volume.lastvalue);
         }
         ui_->lbltotal->setText("Total: " + QString::fromStdString(core::NumberText(core::RoundTo(total, 4))));
