@@ -3,21 +3,20 @@
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "core/Users.h"
-#include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
+#include "desk/core/frmHisErrLog.h"
 #include "ui_frmmain.h"
 
 namespace desk {
 
-frmmain::frmmain(Desk& desk) : Page(desk, "Main Options"), ui_(std::make_unique<Ui::frmmain>()) {
+frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_unique<Ui::frmmain>()) {
     ui_->setupUi(this);
     Title("Main Options");
-    for (QPushButton* command : findChildren<QPushButton*>()) {
-        command->setFont(Larger(font(), 1.3));
-        command->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    }
+    StyleCommands();
+    NotYet(ui_->cmd_calibration);
     CloseCommand(ui_->cmdonline);
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
+    Opens<frmHisErrLog>(ui_->cmdUtility);
     connect(ui_->cmdlogoff, &QPushButton::clicked, this, &frmmain::cmdlogoff);
     connect(ui_->cmdexit, &QPushButton::clicked, this, &frmmain::cmdexit);
     ui_->cmdonline->setFocus();

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/core/MenuPage.h"
 
 namespace Ui {
 class frmmain;
@@ -11,7 +11,7 @@ class frmmain;
 namespace desk {
 
 // The menu: a command a screen, open to whom the rights say.
-class frmmain : public Page {
+class frmmain : public MenuPage {
     Q_OBJECT
 
   public:

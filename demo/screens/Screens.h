@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "demo/screens/Stage.h"
+
+namespace demo {
+
+// One screen of the program as an operator sees it at work.
+struct Screen {
+    std::string name;  // of its picture
+    // Brings it to the front and returns what is to be looked at: the shell, or a window of its own.
+    std::function<QWidget*(Stage&)> show;
+};
+
+// All screens, each in the states that look different.
+const std::vector<Screen>& Screens();
+
+}  // namespace demo

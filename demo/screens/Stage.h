@@ -1,0 +1,76 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "collection/Mail.h"
+#include "collection/Scheduler.h"
+#include "core/Feedback.h"
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+#include "desk/core/Desk.h"
+#include "desk/core/Navigator.h"
+#include "desk/core/mainfrm.h"
+#include "fieldsim/Field.h"
+#include "fieldsim/SimLine.h"
+#include "fieldsim/VirtualClock.h"
+
+// The whole desk on a virtual clock before a simulated field, with weeks of collections behind it: what the pictures of
+// the operator's guide are taken of.
+namespace demo {
+
+class Stage {
+  public:
+    // Works on a copy of the delivered database in `directory`, which exists.
+    Stage(const std::filesystem::path& delivered, const std::filesystem::path& directory);
+
+    // The shell with the overview in front, for the user "operator".
+    void LogIn();
+
+    desk::Desk& Surroundings() { return desk_; }
+    desk::mainfrm& Shell() { return *shell_; }
+    desk::Page& Front() { return *navigator_.Front(); }
+
+    template <class Form, class... Arguments>
+    Form& Open(Arguments&&... arguments) {
+        auto* form = new Form(desk_, std::forward<Arguments>(arguments)...);
+        navigator_.Open(form);
+        return *form;
+    }
+
+  private:
+    struct StatusLine final : core::Feedback {
+        desk::mainfrm* shell = nullptr;
+        void Status(const std::string& text) override;
+        void Box(const std::string& text) override { Status(text); }
+    };
+    struct NoMail final : collection::MailTransport {
+        collection::MailOutcome Send(const collection::MailMessage&, const collection::MailServer&, core::Clock&,
+                                     const std::function<bool()>&) override {
+            return {true, ""};
+        }
+    };
+
+    void Collect();
+
+    core::MAIN_Module shared_;
+    core::Database dbconn_;
+    fieldsim::VirtualClock clock_;
+    core::Logs logs_{dbconn_, shared_, clock_};
+    StatusLine feedback_;
+    fieldsim::SimLine serial_{clock_};
+    protocols::FieldLine line_{serial_, clock_};
+    protocols::BsapCounters counters_;
+    collection::Workplace place_{dbconn_, shared_, clock_, feedback_, logs_, line_, counters_};
+    NoMail mail_;
+    collection::Scheduler scheduler_{place_, mail_};
+    desk::Navigator navigator_;
+    desk::Desk desk_{dbconn_, shared_, logs_, clock_, feedback_, line_, scheduler_, mail_, navigator_};
+    std::unique_ptr<desk::mainfrm> shell_;
+    std::unique_ptr<fieldsim::Field> field_;
+};
+
+}  // namespace demo

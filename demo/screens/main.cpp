@@ -1,0 +1,58 @@
+// demo_screens: draws every screen on demo data, for the operator's guide.
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QScreen>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+
+#include "demo/screens/Screens.h"
+#include "desk/core/Look.h"
+
+namespace {
+
+// Lets the windows settle: what is queued is done, layouts are made, and what grows has grown.
+void Settle() {
+    QElapsedTimer passed;
+    passed.start();
+    while (passed.elapsed() < 150) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) {
+        std::cerr << "usage: demo_screens DATABASE DIRECTORY light|dark\n"
+                     "Draws every screen on a copy of the delivered DATABASE into DIRECTORY.\n";
+        return 2;
+    }
+    QApplication application(argc, argv);
+    desk::ApplyLook(application, std::string(argv[3]) == "dark" ? desk::Palette::Dark : desk::Palette::Light);
+    try {
+        const std::filesystem::path pictures(argv[2]);
+        const std::filesystem::path work = pictures / "work";
+        std::filesystem::remove_all(work);
+        std::filesystem::create_directories(work);
+        {
+            demo::Stage stage(argv[1], work);
+            stage.LogIn();
+            for (const demo::Screen& screen : demo::Screens()) {
+                QWidget* window = screen.show(stage);
+                Settle();
+                const QString file = QString::fromStdString((pictures / (screen.name + ".png")).string());
+                if (!window->grab().save(file)) {
+                    std::cerr << "demo_screens: " << file.toStdString() << " cannot be written\n";
+                    return 1;
+                }
+            }
+        }
+        std::filesystem::remove_all(work);
+    } catch (const std::exception& failure) {
+        std::cerr << "demo_screens: " << failure.what() << "\n";
+        return 1;
+    }
+    return 0;
+}

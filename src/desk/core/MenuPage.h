@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QAbstractButton>
+
+#include "desk/core/Navigator.h"
+#include "desk/core/Page.h"
+
+namespace desk {
+
+// A page of commands that open other pages.
+class MenuPage : public Page {
+    Q_OBJECT
+
+  public:
+    using Page::Page;
+
+  protected:
+    // The look of all commands of this page; after they have been made.
+    void StyleCommands();
+
+    // The command opens a page; that one's close brings this menu back.
+    template <class Form>
+    void Opens(QAbstractButton* command) {
+        connect(command, &QAbstractButton::clicked, this,
+                [this] { Guarded([this] { desk_.navigator.Open(new Form(desk_)); }); });
+    }
+
+    // A command whose page the program does not have yet.
+    static void NotYet(QAbstractButton* command);
+};
+
+}  // namespace desk
