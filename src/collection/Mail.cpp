@@ -19,7 +19,7 @@ constexpr std::uintmax_t largestAttachment = 25U << 20U;
 // The addressees and the texts; nothing when there is nobody to mail to.
 std::optional<MailMessage> Compose(core::Database& dbconn) {
     MailMessage message = ScheduledMail(ReadEmailSettings(dbconn));
-    if (message.to.empty() && message.cc.empty() && message.bcc.empty()) {
+    if (!HasAddressee(message)) {
         return std::nullopt;
     }
     return message;

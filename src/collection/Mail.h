@@ -24,6 +24,10 @@ struct MailMessage {
     std::string attachment;      // its bytes
 };
 
+inline bool HasAddressee(const MailMessage& message) {
+    return !message.to.empty() || !message.cc.empty() || !message.bcc.empty();
+}
+
 // How the mail leaves: the row of mail_server.
 struct MailServer {
     std::string url;  // "smtp://host:port" or "smtps://..."; empty: the server on this machine

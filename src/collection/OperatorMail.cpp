@@ -1,7 +1,6 @@
 #include "collection/OperatorMail.h"
 
 #include <exception>
-#include <optional>
 #include <utility>
 
 #include "collection/MailHeaders.h"
@@ -9,22 +8,19 @@
 
 namespace collection {
 
-namespace {
-
-std::optional<MailFault> AddresseeFault(const MailMessage& message) {
-    if (message.to.empty() && message.cc.empty() && message.bcc.empty()) {
+std::optional<MailFault> FaultOf(const MailMessage& message) {
+    if (!HasAddressee(message)) {
         return MailFault{MailField::To, "Specify Mail Address"};
     }
-    for (const auto& [field, address] : {std::pair{MailField::To, message.to}, std::pair{MailField::Cc, message.cc},
-                                         std::pair{MailField::Bcc, message.bcc}}) {
+    for (const auto& [field, address] :
+         {std::pair{MailField::To, message.to}, std::pair{MailField::Cc, message.cc},
+          std::pair{MailField::Bcc, message.bcc}, std::pair{MailField::Sender, message.sender}}) {
         if (!address.empty() && !IsAddress(address)) {
             return MailFault{field, NotOneAddress(address)};
         }
     }
     return std::nullopt;
 }
-
-}  // namespace
 
 void NameWhatIsEmpty(OperatorMail& mail) {
     for (std::string* text : {&mail.subject, &mail.text}) {
@@ -44,7 +40,7 @@ std::variant<MailMessage, MailFault> Compose(const OperatorMail& mail, const Mai
     message.subject = named.subject;
     message.text = named.text + " ";
     message.sender = Sender(server, message);
-    if (auto fault = AddresseeFault(message)) {
+    if (auto fault = FaultOf(message)) {
         return *fault;
     }
     try {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -20,11 +21,14 @@ struct OperatorMail {
 };
 
 // Why a mail cannot go, and the field in which it is mended.
-enum class MailField { To, Cc, Bcc, Attachment };
+enum class MailField { To, Cc, Bcc, Sender, Attachment };
 struct MailFault {
     MailField field;
     std::string text;
 };
+
+// What is wrong with the addressees or the sender of a mail, if anything is.
+std::optional<MailFault> FaultOf(const MailMessage& message);
 
 // Puts "None" where there is no subject or no text.
 void NameWhatIsEmpty(OperatorMail& mail);
