@@ -16,7 +16,7 @@ std::optional<MailFault> FaultOf(const MailMessage& message) {
          {std::pair{MailField::To, message.to}, std::pair{MailField::Cc, message.cc},
           std::pair{MailField::Bcc, message.bcc}, std::pair{MailField::Sender, message.sender}}) {
         if (!address.empty() && !IsAddress(address)) {
-            return MailFault{field, NotOneAddress(address)};
+            return MailFault{field, (field == MailField::Sender ? "Sender: " : "") + NotOneAddress(address)};
         }
     }
     return std::nullopt;

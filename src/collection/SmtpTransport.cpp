@@ -21,6 +21,7 @@ namespace {
 constexpr double stepMs = 20;  // between two looks at the connection, in which the event loop turns
 constexpr int pollMs = 4;      // at most, in which it does not
 constexpr long connectLimitMs = 15000;
+constexpr const char* farewell = "221";
 constexpr const char* ownMachine = "smtp://127.0.0.1:25";
 
 void Require(CURLcode code) {
@@ -198,9 +199,13 @@ class Delivery {
         return close(connection);
     }
 
-    // Each line of the server's answers comes here; the last one of a mail that fails says why.
+    // Each line of the server's answers comes here. The last one of a mail that fails says why; behind it comes only
+    // the farewell.
     static std::size_t Said(const char* line, std::size_t, std::size_t length, void* delivery) {
-        static_cast<Delivery*>(delivery)->said_ = core::Trim(OneLine({line, length}));
+        const std::string answer = core::Trim(OneLine({line, length}));
+        if (!answer.starts_with(farewell)) {
+            static_cast<Delivery*>(delivery)->said_ = answer;
+        }
         return length;
     }
     std::string Refusal() const {
