@@ -1,61 +1,28 @@
 #include "collection/Mail.h"
 
 #include <exception>
-#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 
 #include "collection/DailyReport.h"
-#include "core/Text.h"
+#include "collection/EmailSettings.h"
 
 namespace collection {
 
 namespace {
 
 constexpr double settleMs = 500;  // between the report and its mail
-
-std::string Or(const std::string& text, const char* whenEmpty) {
-    return text.empty() ? whenEmpty : text;
-}
+constexpr std::uintmax_t largestAttachment = 25U << 20U;
 
 // The addressees and the texts; nothing when there is nobody to mail to.
 std::optional<MailMessage> Compose(core::Database& dbconn) {
-    const auto row = dbconn.First("select * from email_settings");
-    if (!row) {
+    MailMessage message = ScheduledMail(ReadEmailSettings(dbconn));
+    if (!HasAddressee(message)) {
         return std::nullopt;
     }
-    MailMessage message;
-    message.to = core::Trim(row->Text("to"));
-    message.cc = core::Trim(row->Text("cc"));
-    message.bcc = core::Trim(row->Text("bcc"));
-    if (message.to.empty() && message.cc.empty() && message.bcc.empty()) {
-        return std::nullopt;
-    }
-    message.subject = Or(row->Text("subject"), "Daily Progress Report");
-    message.text = Or(row->Text("message"), "Daily Progress Report");
     return message;
-}
-
-// Who it comes from: as mail_server says, else the first addressee, who then at least knows the name.
-std::string Sender(core::Database& dbconn, const MailMessage& message) {
-    const auto row = dbconn.First("select sender from mail_server");
-    std::string sender = row ? core::Trim(row->Text("sender")) : std::string();
-    if (!sender.empty()) {
-        return sender;
-    }
-    return !message.to.empty() ? message.to : !message.cc.empty() ? message.cc : message.bcc;
-}
-
-std::string FileBytes(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    if (!in || !bytes) {
-        throw std::runtime_error(file.filename().string() + " cannot be read");
-    }
-    return bytes.str();
 }
 
 // Makes the report and takes it along at once: a screen may make one of another day while the mail is on its way.
@@ -63,20 +30,35 @@ void AttachReport(core::Database& dbconn, const core::MAIN_Module& shared, const
                   core::Feedback& feedback, MailMessage& message) {
     makereport_daily(dbconn, day, feedback);
     WriteDailyReport(dbconn, day, shared.dailyReportPath);
-    message.attachmentName = shared.dailyReportPath.filename().string();
-    message.attachment = FileBytes(shared.dailyReportPath);
+    Attach(message, shared.dailyReportPath);
 }
 
 }  // namespace
 
-MailServer ReadMailServer(core::Database& dbconn) {
-    const auto row = dbconn.First("select * from mail_server");
-    MailServer server;
-    if (row) {
-        server = {core::Trim(row->Text("url")), row->Text("user"), row->Text("password")};
+std::string Sender(const MailServer& server, const MailMessage& message) {
+    if (!server.sender.empty()) {
+        return server.sender;
     }
-    server.url = Or(server.url, "smtp://127.0.0.1:25");
-    return server;
+    return !message.to.empty() ? message.to : !message.cc.empty() ? message.cc : message.bcc;
+}
+
+void Attach(MailMessage& message, const std::filesystem::path& file) {
+    const std::string name = file.filename().string();
+    std::error_code failure;
+    // A pipe or a device would never come to its end.
+    if (!std::filesystem::is_regular_file(file, failure)) {
+        throw std::runtime_error(name + (std::filesystem::exists(file, failure) ? " is not a file" : " is not there"));
+    }
+    if (std::filesystem::file_size(file, failure) > largestAttachment) {
+        throw std::runtime_error(name + " is larger than 25 MB, which no mail server takes");
+    }
+    std::ifstream in(file, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (!in.is_open() || in.bad()) {
+        throw std::runtime_error(name + " cannot be read");
+    }
+    message.attachmentName = name;
+    message.attachment = std::move(bytes);
 }
 
 void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
@@ -88,10 +70,11 @@ void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clo
             return;
         }
         feedback.Status("Sending Mail");
-        message->sender = Sender(dbconn, *message);
+        const MailServer server = ReadMailServer(dbconn);
+        message->sender = Sender(server, *message);
         AttachReport(dbconn, shared, clock.Now(), feedback, *message);
         clock.WaitMs(settleMs, ended);
-        outcome = transport.Send(*message, ReadMailServer(dbconn), clock, ended);
+        outcome = transport.Send(*message, server, clock, ended);
     } catch (const std::exception& failure) {
         outcome.reason = failure.what();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -23,11 +24,16 @@ struct MailMessage {
     std::string attachment;      // its bytes
 };
 
+inline bool HasAddressee(const MailMessage& message) {
+    return !message.to.empty() || !message.cc.empty() || !message.bcc.empty();
+}
+
 // How the mail leaves: the row of mail_server.
 struct MailServer {
-    std::string url;  // "smtp://host:port" or "smtps://..."
+    std::string url;  // "smtp://host:port" or "smtps://..."; empty: the server on this machine
     std::string user;
     std::string password;
+    std::string sender;  // empty: the first addressee of each mail
 };
 
 struct MailOutcome {
@@ -44,8 +50,12 @@ class MailTransport {
                              const std::function<bool()>& ended) = 0;
 };
 
-// mail_server's row; an empty url is the server on this machine.
-MailServer ReadMailServer(core::Database& dbconn);
+// Who a mail comes from: as mail_server says, else its first addressee, who then at least knows the name.
+std::string Sender(const MailServer& server, const MailMessage& message);
+
+// Takes a file along, under its own name. Throws std::runtime_error with what the operator is told when it cannot be
+// read.
+void Attach(MailMessage& message, const std::filesystem::path& file);
 
 // The mail behind a minute's collections: to whom email_settings says, with the daily report of today, which is made
 // for it. Without a row or an addressee nothing happens. A failure leaves the last status text and a line in

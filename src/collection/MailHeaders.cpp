@@ -25,13 +25,14 @@ bool IsPlain(const std::string& line) {
            std::all_of(line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x7F; });
 }
 
-std::string Quoted(char c) {
+// A character that means itself in every notation, or its byte behind a mark.
+std::string Escaped(char c, char mark) {
     if ((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) {
         return {c};
     }
     constexpr std::string_view digits = "0123456789ABCDEF";
     const auto byte = static_cast<unsigned char>(c);
-    return {'=', digits[byte >> 4], digits[byte & 15]};
+    return {mark, digits[byte >> 4], digits[byte & 15]};
 }
 
 std::string EncodedWords(const std::string& line) {
@@ -46,7 +47,7 @@ std::string EncodedWords(const std::string& line) {
         if (word.size() >= (startsCharacter ? longestWord : wordLimit)) {
             endWord();
         }
-        word += Quoted(c);
+        word += Escaped(c, '=');
     }
     endWord();
     return words;
@@ -79,6 +80,11 @@ bool IsAddress(const std::string& text) {
            std::none_of(text.begin(), text.end(), IsControl);
 }
 
+std::string NotOneAddress(const std::string& text) {
+    constexpr std::size_t shown = 60;
+    return "\"" + OneLine(text.size() > shown ? text.substr(0, shown) + "..." : text) + "\" is not one mail address";
+}
+
 std::string Bracketed(const std::string& address) {
     return "<" + address + ">";
 }
@@ -105,6 +111,20 @@ std::string MailDate(const core::DateTime& at) {
                   months.at(static_cast<std::size_t>(at.month - 1)), at.year, core::TimeText(at).c_str(),
                   zone < 0 ? '-' : '+', off / 60, off % 60);
     return text.data();
+}
+
+std::string Disposition(const std::string& fileName) {
+    const bool isPlain = std::all_of(fileName.begin(), fileName.end(), [](char c) {
+        return !IsControl(c) && static_cast<unsigned char>(c) < 0x7F && c != '"' && c != '\\';
+    });
+    if (isPlain) {
+        return "Content-Disposition: attachment; filename=\"" + fileName + "\"";
+    }
+    std::string encoded;
+    for (const char c : fileName) {
+        encoded += Escaped(c, '%');
+    }
+    return "Content-Disposition: attachment; filename*=utf-8''" + encoded;
 }
 
 std::vector<std::string> MailHeaders(const MailMessage& message, const core::DateTime& now, const std::string& unique) {

@@ -13,6 +13,9 @@ namespace collection {
 // semicolon, so that it is neither two addresses nor a header or a command of its own.
 bool IsAddress(const std::string& text);
 
+// What the operator is told of a text that is none.
+std::string NotOneAddress(const std::string& text);
+
 // An address as envelope and headers have it.
 std::string Bracketed(const std::string& address);
 
@@ -25,6 +28,9 @@ std::string HeaderText(const std::string& text);
 
 // "Tue, 10 Mar 2026 08:00:00 +0100": a local time of this machine's zone, in English whatever the locale.
 std::string MailDate(const core::DateTime& at);
+
+// How an attachment is named: as it stands in plain ASCII, in the extended notation (RFC 2231) otherwise.
+std::string Disposition(const std::string& fileName);
 
 // Date, Message-ID, From, To, Cc and Subject; the hidden addressee is in none of them. `unique` tells two mails of one
 // second apart.

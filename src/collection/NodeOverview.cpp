@@ -46,13 +46,4 @@ std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno) {
     return volumes;
 }
 
-std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn) {
-    std::vector<ScheduleLine> lines;
-    for (const core::Row& row : dbconn.Query("select consumer, contracthour, sampledtoday from configdata_master")) {
-        lines.push_back(
-            {row.Text("consumer"), row.Text("contracthour").substr(0, 5), row.Bool("sampledtoday") ? "Yes" : "No"});
-    }
-    return lines;
-}
-
 }  // namespace collection

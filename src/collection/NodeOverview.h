@@ -39,14 +39,4 @@ struct GroupVolume {
 // The stations of a group by location. Throws DatabaseError.
 std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno);
 
-// A station's line in the view of the schedule: "hh:mm", and "Yes" or "No".
-struct ScheduleLine {
-    std::string consumer;
-    std::string contracthour;
-    std::string sampledtoday;
-};
-
-// All stations in the order of the register. Throws DatabaseError.
-std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn);
-
 }  // namespace collection

@@ -58,4 +58,13 @@ std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime&
     return next;
 }
 
+std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn) {
+    std::vector<ScheduleLine> lines;
+    for (const core::Row& row : dbconn.Query("select consumer, contracthour, sampledtoday from configdata_master")) {
+        lines.push_back(
+            {row.Text("consumer"), row.Text("contracthour").substr(0, 5), row.Bool("sampledtoday") ? "Yes" : "No"});
+    }
+    return lines;
+}
+
 }  // namespace collection

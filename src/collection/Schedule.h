@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/Clock.h"
 #include "core/Database.h"
@@ -21,5 +22,15 @@ struct NextStation {
 // The station that is collected next, behind the minute of `now`: the earliest, and of these the one with the lowest
 // location. Nothing when no station has a schedule. Throws DatabaseError.
 std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime& now);
+
+// A station's line in the view of the schedule: "hh:mm", and "Yes" or "No".
+struct ScheduleLine {
+    std::string consumer;
+    std::string contracthour;
+    std::string sampledtoday;
+};
+
+// All stations in the order of the register. Throws DatabaseError.
+std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn);
 
 }  // namespace collection

@@ -50,6 +50,7 @@ class Scheduler {
     // The program ends: the waits of the conversation in hand end, its line is hung up and closed, and no further
     // station is tried. Whoever calls this waits until Busy() is over.
     void Leave();
+    bool Leaving() const { return leaving_; }
 
   private:
     // A station of the selection of a minute.

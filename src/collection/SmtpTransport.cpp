@@ -21,6 +21,8 @@ namespace {
 constexpr double stepMs = 20;  // between two looks at the connection, in which the event loop turns
 constexpr int pollMs = 4;      // at most, in which it does not
 constexpr long connectLimitMs = 15000;
+constexpr const char* farewell = "221";
+constexpr const char* ownMachine = "smtp://127.0.0.1:25";
 
 void Require(CURLcode code) {
     if (code != CURLE_OK) {
@@ -71,7 +73,7 @@ std::vector<std::string> Recipients(const MailMessage& message) {
 
 void RequireAddress(const std::string& text) {
     if (!IsAddress(text)) {
-        throw std::invalid_argument("\"" + OneLine(text) + "\" is not one mail address");
+        throw std::invalid_argument(NotOneAddress(text));
     }
 }
 
@@ -147,14 +149,18 @@ class Delivery {
             curl_mimepart* file = curl_mime_addpart(mime_.get());
             Require(curl_mime_data(file, message.attachment.data(), message.attachment.size()));
             Require(curl_mime_filename(file, message.attachmentName.c_str()));
-            Require(curl_mime_type(file, "application/rtf"));
+            attachmentHeaders_.Add(Disposition(message.attachmentName));
+            Require(curl_mime_headers(file, attachmentHeaders_.Get(), 0));
+            if (message.attachmentName.ends_with(".rtf")) {
+                Require(curl_mime_type(file, "application/rtf"));  // of the others curl knows the type
+            }
             Require(curl_mime_encoder(file, "base64"));
         }
         Option(CURLOPT_MIMEPOST, mime_.get());
     }
 
     void Server(const MailServer& server) {
-        Option(CURLOPT_URL, server.url.c_str());
+        Option(CURLOPT_URL, server.url.empty() ? ownMachine : server.url.c_str());
         Option(CURLOPT_PROTOCOLS_STR, "smtp,smtps");
         Option(CURLOPT_PROXY, "");  // whatever the environment says
         if (!server.user.empty()) {
@@ -169,6 +175,8 @@ class Delivery {
         Option(CURLOPT_NOSIGNAL, 1L);
         Option(CURLOPT_QUICK_EXIT, 1L);  // a name that is still being looked up holds nobody up
         Option(CURLOPT_ERRORBUFFER, words_.data());
+        Option(CURLOPT_HEADERFUNCTION, &Delivery::Said);
+        Option(CURLOPT_HEADERDATA, this);
         Option(CURLOPT_SOCKOPTFUNCTION, &Delivery::Opened);
         Option(CURLOPT_SOCKOPTDATA, this);
         Option(CURLOPT_CLOSESOCKETFUNCTION, &Delivery::Closed);
@@ -191,6 +199,20 @@ class Delivery {
         return close(connection);
     }
 
+    // Each line of the server's answers comes here. The last one of a mail that fails says why; behind it comes only
+    // the farewell.
+    static std::size_t Said(const char* line, std::size_t, std::size_t length, void* delivery) {
+        const std::string answer = core::Trim(OneLine({line, length}));
+        if (!answer.starts_with(farewell)) {
+            static_cast<Delivery*>(delivery)->said_ = answer;
+        }
+        return length;
+    }
+    std::string Refusal() const {
+        const bool refuses = !said_.empty() && (said_.front() == '4' || said_.front() == '5');
+        return refuses ? ", the server said: " + said_ : "";
+    }
+
     MailOutcome Result() {
         int left = 0;
         while (const CURLMsg* done = curl_multi_info_read(multi_.get(), &left)) {
@@ -199,16 +221,18 @@ class Delivery {
             }
             if (done->msg == CURLMSG_DONE) {
                 const std::string words = words_.data();
-                return {false, words.empty() ? curl_easy_strerror(done->data.result) : words};
+                return {false, (words.empty() ? curl_easy_strerror(done->data.result) : words) + Refusal()};
             }
         }
         return {false, "the connection was lost"};
     }
 
     std::array<char, CURL_ERROR_SIZE> words_{};
+    std::string said_;
     std::set<curl_socket_t> open_;
     TextList recipients_;
     TextList headers_;
+    TextList attachmentHeaders_;
     std::unique_ptr<CURL, EasyEnd> easy_;
     std::unique_ptr<CURLM, MultiEnd> multi_;
     std::unique_ptr<curl_mime, MimeEnd> mime_;

@@ -22,6 +22,14 @@ struct Rights {
     bool rightSetup = false;
 };
 
+// What frmemaildetails stores for the mails of the operators, as long as the program runs.
+struct Addressees {
+    std::string to;
+    std::string cc;
+    std::string bcc;
+    std::string subject;
+};
+
 struct MAIN_Module {
     explicit MAIN_Module(std::filesystem::path applicationDirectory) : directory(std::move(applicationDirectory)) {}
 
@@ -39,6 +47,7 @@ struct MAIN_Module {
     std::string currentuser;  // user id as typed at login, kept after log-off; WARDEN for the super-user
     bool logGenflag = false;  // the BSAP traffic is recorded in log.txt
     Rights rights;
+    Addressees addressees;
 };
 
 }  // namespace core

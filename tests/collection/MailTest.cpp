@@ -9,8 +9,8 @@
 #include "collection/Mail.h"
 #include "collection/MailHeaders.h"
 #include "collection/SmtpTransport.h"
-#include "support/ChildProcess.h"
 #include "support/CollectionDesk.h"
+#include "support/MailSink.h"
 
 using testing::ContainsRegex;
 using testing::HasSubstr;
@@ -21,17 +21,12 @@ namespace {
 // A mail server of its own for each test.
 struct MailTest : testing::Test {
     support::CollectionDesk desk;
-    support::ScratchDirectory received;
-    support::ChildProcess server{{"/usr/bin/python3", SMTP_SINK, received.path.string()}};
+    support::MailSink sink;
     collection::SmtpTransport smtp;
 
-    std::string Url() {
-        EXPECT_TRUE(server.Printed("\n")) << server.Said();
-        return "smtp://127.0.0.1:" + server.Said().substr(10, server.Said().find('\n') - 10);
-    }
     void Settings(const std::string& to, const std::string& cc, const std::string& bcc, const std::string& subject = "",
                   const std::string& message = "") {
-        desk.dbconn.Execute("update mail_server set url=?, sender='station@here'", {Url()});
+        desk.dbconn.Execute("update mail_server set url=?, sender='station@here'", {sink.Url()});
         desk.dbconn.Execute("delete from email_settings");
         desk.dbconn.Execute("insert into email_settings values(?,?,?,?,?)", {to, cc, bcc, subject, message});
     }
@@ -39,9 +34,7 @@ struct MailTest : testing::Test {
         collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, smtp,
                              [] { return false; });
     }
-    std::string Received(int number, const std::string& ending = "eml") const {
-        return support::FileText(received.path / (std::to_string(number) + "." + ending));
-    }
+    std::string Received(int number, const std::string& ending = "eml") const { return sink.Received(number, ending); }
 };
 
 TEST_F(MailTest, ReachesEveryAddresseeWithTheReportOfToday) {
@@ -92,7 +85,7 @@ TEST_F(MailTest, WithoutAnAddresseeNothingHappens) {
     Send();
     EXPECT_TRUE(desk.feedback.status.empty());
     EXPECT_FALSE(std::filesystem::exists(desk.shared.dailyReportPath));
-    EXPECT_TRUE(std::filesystem::is_empty(received.path));
+    EXPECT_TRUE(sink.Nothing());
 }
 
 TEST_F(MailTest, TextsOfEveryKindArriveAndNoneBecomesAHeader) {
@@ -123,7 +116,7 @@ TEST_F(MailTest, WhatIsNotOneAddressIsNeitherACommandNorAHeader) {
         Send();
         lines += 2;
     }
-    EXPECT_TRUE(std::filesystem::is_empty(received.path));
+    EXPECT_TRUE(sink.Nothing());
     const std::string log = desk.RtuErr();
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), lines) << log;
 }
@@ -132,12 +125,12 @@ TEST_F(MailTest, AFailureIsWrittenDownAndHoldsNobodyUp) {
     desk.dbconn.Execute("insert into configdata_master(locationID,consumer) values(1,'Mill')");
     Settings("refused@x", "", "");
     Send();
-    EXPECT_THAT(desk.RtuErr(), HasSubstr("Mail not sent: "));
+    EXPECT_THAT(desk.RtuErr(), ContainsRegex("Mail not sent: .* 550 no such user\n"));
     // This server has no TLS: the password must not go to it.
     desk.dbconn.Execute("update mail_server set user='u', password='Secret7'");
     desk.dbconn.Execute("update email_settings set \"to\"='to@x'");
     Send();
-    EXPECT_FALSE(std::filesystem::exists(received.path / "1.eml"));
+    EXPECT_TRUE(sink.Nothing());
     desk.dbconn.Execute("update mail_server set url='smtp://127.0.0.1:1', user='u', password='Secret7'");
     Send();
     desk.dbconn.Execute("update mail_server set url='nonsense://x'");

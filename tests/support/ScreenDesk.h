@@ -75,7 +75,8 @@ inline std::string Answer(const QWidget& page, QMessageBox::StandardButton butto
     }
     const std::string text = box->text().toStdString();
     QTest::mouseClick(box->button(button), Qt::LeftButton);
-    QTest::qWaitForWindowActive(page.window());
+    page.window()->activateWindow();  // the offscreen platform does not do it
+    EXPECT_TRUE(QTest::qWaitForWindowActive(page.window()));
     QCoreApplication::processEvents();
     return text;
 }

@@ -3,8 +3,9 @@
 usage: smtp_sink.py DIRECTORY
 
 Prints "listening PORT" when it is ready, on 127.0.0.1. The file N.eml of mail N holds the envelope in lines
-"X-Mail-From:" and "X-Rcpt-To:" in front of what was received; N.subject, N.text and N.attachment hold what a mail
-program makes of it, N.defects what it finds wrong. Recipients that begin with "refused" are refused.
+"X-Mail-From:" and "X-Rcpt-To:" in front of what was received; N.subject, N.text, N.attachment and N.name (of the
+attachment) hold what a mail program makes of it, N.defects what it finds wrong. Recipients that begin with "refused"
+are refused.
 """
 
 import email
@@ -48,6 +49,7 @@ class Sink:
         self.write("text", mail.get_body().get_payload(decode=True))
         for part in mail.iter_attachments():
             self.write("attachment", part.get_payload(decode=True))
+            self.write("name", part.get_filename().encode())
         self.write("defects", "\n".join(defects).encode())
 
     def write(self, ending, content):

@@ -1,0 +1,18 @@
+#include "desk/reports/PathLabel.h"
+
+#include <QPainter>
+#include <QStyle>
+
+namespace desk {
+
+QSize PathLabel::minimumSizeHint() const {
+    return {fontMetrics().averageCharWidth() * 20, fontMetrics().height()};
+}
+
+void PathLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, palette(),
+                          isEnabled(), fontMetrics().elidedText(text(), Qt::ElideMiddle, width()), foregroundRole());
+}
+
+}  // namespace desk

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+
+#include "collection/OperatorMail.h"
+#include "desk/core/Page.h"
+#include "desk/reports/OutgoingMail.h"
+
+namespace Ui {
+class frmemail;
+}
+
+namespace desk {
+
+// An operator writes a mail, with a file if need be. It can be written between login and logoff only, and each mail
+// that is sent ends that.
+class frmemail : public Page {
+    Q_OBJECT
+
+  public:
+    explicit frmemail(Desk& desk);
+    ~frmemail() override;
+
+  private:
+    void cmdlogin();
+    void cmdlogoff();
+    void cmdaddressees();
+    void cmdremove();
+    void cmdmail();
+    void cmdCancel();
+
+    void Reset();
+    void ShowState();
+    void TakeAddressees();
+    void AttachFile(const QString& file);
+    collection::OperatorMail Typed() const;
+    void AskToSend(const collection::OperatorMail& mail, const collection::MailMessage& message);
+    void Send(const collection::MailMessage& message);
+    void Ended(bool sent, const QString& answer);
+    QWidget& FieldOf(collection::MailField field) const;
+
+    bool loggedIn_ = false;
+    bool closing_ = false;  // as soon as the mail is out
+    OutgoingMail mail_;
+    std::unique_ptr<Ui::frmemail> ui_;
+};
+
+}  // namespace desk
