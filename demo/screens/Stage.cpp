@@ -16,12 +16,12 @@ struct WallStation {
     bool sampledtoday;
 };
 const std::vector<WallStation> wall{
-    {"Ashgrove Dairy", 1, true},   {"Bridge Street", 1, true},    {"Carr Lane", 1, true},      {"Dunmore Glass", 1, false},
-    {"Eastfield", 2, true},        {"Fernhill Paper", 2, true},   {"Glen Foundry", 2, false},  {"Harbour", 2, true},
-    {"Ivy Bank", 2, true},         {"Juniper Road", 2, true},     {"Kestrel Tiles", 3, true},  {"Longmoor", 3, true},
-    {"Mill Lane", 3, true},        {"Northway Bakery", 3, false}, {"Orchard Park", 3, true},   {"Priory Works", 3, true},
-    {"Quarry Hill", 4, false},     {"Ridgeway", 4, true},         {"Station Road", 4, true},   {"Tollgate Brick", 4, true},
-    {"Underwood", 4, true},        {"Valley Steel", 4, false},    {"Westbrook", 4, true},      {"Yew Tree Farm", 4, true},
+    {"Ashgrove Dairy", 1, true}, {"Bridge Street", 1, true},    {"Carr Lane", 1, true},     {"Dunmore Glass", 1, false},
+    {"Eastfield", 2, true},      {"Fernhill Paper", 2, true},   {"Glen Foundry", 2, false}, {"Harbour", 2, true},
+    {"Ivy Bank", 2, true},       {"Juniper Road", 2, true},     {"Kestrel Tiles", 3, true}, {"Longmoor", 3, true},
+    {"Mill Lane", 3, true},      {"Northway Bakery", 3, false}, {"Orchard Park", 3, true},  {"Priory Works", 3, true},
+    {"Quarry Hill", 4, false},   {"Ridgeway", 4, true},         {"Station Road", 4, true},  {"Tollgate Brick", 4, true},
+    {"Underwood", 4, true},      {"Valley Steel", 4, false},    {"Westbrook", 4, true},     {"Yew Tree Farm", 4, true},
 };
 
 std::filesystem::path Copied(const std::filesystem::path& delivered, const std::filesystem::path& directory) {

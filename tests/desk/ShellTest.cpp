@@ -8,13 +8,13 @@
 #include "desk/core/RunFeedback.h"
 #include "desk/core/SingleInstance.h"
 #include "desk/core/mainfrm.h"
-#include "support/CollectionDesk.h"
+#include "support/ScreenDesk.h"
 
 namespace {
 
 struct ShellTest : testing::Test {
-    support::CollectionDesk desk;
-    ::desk::mainfrm shell{desk.dbconn, desk.shared, desk.logs, desk.clock, desk.scheduler};
+    support::ScreenDesk desk;
+    ::desk::mainfrm shell{desk.desk};
     QSignalSpy ended{&shell, &::desk::mainfrm::Ended};
 
     std::string Audit() {
@@ -29,7 +29,8 @@ TEST_F(ShellTest, LogsOffWhileTheScheduleGoesOn) {
     shell.ShowForUser();
     EXPECT_EQ(shell.findChild<QLabel*>("lbluser")->text(), "Logged in as operator");
     QSignalSpy loggedOff{&shell, &::desk::mainfrm::LoggedOff};
-    shell.findChild<QPushButton*>("cmdlogoff")->click();
+    support::Click(*desk.window.Front(), "cmdMenu");
+    support::Click(*desk.window.Front(), "cmdlogoff");
     EXPECT_EQ(loggedOff.count(), 1);
     EXPECT_FALSE(shell.isVisible());
     EXPECT_EQ(ended.count(), 0);
@@ -40,8 +41,17 @@ TEST_F(ShellTest, LogsOffWhileTheScheduleGoesOn) {
 TEST_F(ShellTest, ExitsWithItsAuditLine) {
     desk.shared.currentuser = "operator";
     shell.ShowForUser();
-    shell.findChild<QPushButton*>("cmdexit")->click();
+    support::Click(*desk.window.Front(), "cmdMenu");
+    support::Click(*desk.window.Front(), "cmdexit");
     EXPECT_EQ(Audit(), "09/03/2026 07:59:30 :operator logged out.");
+    EXPECT_EQ(ended.count(), 1);
+}
+
+TEST_F(ShellTest, ExitsFromTheOverviewWithItsOwnAuditLine) {
+    desk.shared.currentuser = "operator";
+    shell.ShowForUser();
+    support::Click(*desk.window.Front(), "cmdClose");
+    EXPECT_EQ(Audit(), "09/03/2026 07:59:30: operator logged out.");
     EXPECT_EQ(ended.count(), 1);
 }
 
@@ -84,15 +94,6 @@ TEST_F(ShellTest, EverySixtyFirstTickResetsTheFlagsAndAFailureStopsNoTick) {
     EXPECT_THAT(desk.RtuErr(), testing::HasSubstr("no such table: configdata_master"));
 }
 
-TEST_F(ShellTest, StatusTextsStandInTheFirstPanelAndInTheList) {
-    shell.Status("Collecting Data");
-    auto* list = shell.findChild<QListWidget*>("lstlines");
-    EXPECT_EQ(list->item(0)->text(), "07:59:30   Collecting Data");
-    for (int i = 0; i < 600; ++i) {
-        shell.Status("line");
-    }
-    EXPECT_EQ(list->count(), 500);
-}
 
 TEST_F(ShellTest, ABoxOfARunWaitsForNobodyAndIsWrittenDown) {
     ::desk::RunFeedback feedback(desk.logs, [](const QString&) {});

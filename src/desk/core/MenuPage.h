@@ -15,9 +15,6 @@ class MenuPage : public Page {
     using Page::Page;
 
   protected:
-    // The look of all commands of this page; after they have been made.
-    void StyleCommands();
-
     // The command opens a page; that one's close brings this menu back.
     template <class Form>
     void Opens(QAbstractButton* command) {

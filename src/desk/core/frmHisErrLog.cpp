@@ -8,7 +8,6 @@ namespace desk {
 frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::make_unique<Ui::frmHisErrLog>()) {
     ui_->setupUi(this);
     Title("Utility");
-    StyleCommands();
     NotYet(ui_->cmdarch);
     NotYet(ui_->cmd_calib);
     CloseCommand(ui_->cmdClose);

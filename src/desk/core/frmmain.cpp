@@ -12,7 +12,6 @@ namespace desk {
 frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_unique<Ui::frmmain>()) {
     ui_->setupUi(this);
     Title("Main Options");
-    StyleCommands();
     NotYet(ui_->cmd_calibration);
     CloseCommand(ui_->cmdonline);
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);

@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+
+#include "desk/core/Grid.h"
+#include "desk/core/NodeButton.h"
+#include "desk/core/frmGraphicRept.h"
+#include "desk/core/mainfrm.h"
+#include "desk/session/StationDoor.h"
+#include "support/ScreenDesk.h"
+
+namespace {
+
+using ::desk::NodeButton;
+using ::desk::NodeState;
+using support::Click;
+using support::The;
+
+// The overview in the shell, before a field of two stations that are due at eight.
+struct OverviewTest : testing::Test {
+    support::ScreenDesk desk;
+    ::desk::mainfrm shell{desk.desk};
+    std::int64_t first = Add("North Gate", 1);
+    std::int64_t second = Add("O'Brien & <b>Sons</b>", 2);
+
+    std::int64_t Add(const std::string& consumer, int groupno) {
+        demo::DemoStation station{consumer, "TeleFlow", "Modbus", "RTU", groupno, groupno};
+        station.contracthour = "08:00";
+        station.groupno = groupno;
+        return demo::AddStation(desk.dbconn, station);
+    }
+    void LogIn() {
+        desk.shared.currentuser = "operator";
+        shell.ShowForUser();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&shell));
+    }
+    QWidget& Front() { return *desk.window.Front(); }
+    NodeButton& Node(int index) { return The<NodeButton>(Front(), ("cmdLoc" + std::to_string(index)).c_str()); }
+    QString Label(const char* name) { return The<QLabel>(Front(), name).text(); }
+};
+
+TEST_F(OverviewTest, ShowsEveryStationAtItsPlaceInTheColourOfItsState) {
+    desk.dbconn.Execute("update configdata_master set sampledtoday = true where locationID = ?", {second});
+    LogIn();
+    EXPECT_EQ(shell.windowTitle(), "NodeView  - v10.3");
+    EXPECT_TRUE(Node(1).isVisible());
+    EXPECT_EQ(Node(1).text(), "North Gate");
+    EXPECT_EQ(Node(1).Colour(), QColor(192, 192, 255));
+    EXPECT_EQ(Node(11).Colour(), QColor(0, 255, 0));
+    EXPECT_EQ(Node(11).accessibleName(), "O'Brien & <b>Sons</b>, Collected today");
+    for (const int index : {0, 2, 10, 12, 31, 40}) {
+        EXPECT_FALSE(Node(index).isVisible()) << index;
+        EXPECT_EQ(Node(index).text(), "Remote Loc.");
+        EXPECT_EQ(Node(index).Colour(), QColor(255, 192, 192));
+    }
+    EXPECT_EQ(Label("lblnext"), "Next: North Gate at 08:00");
+}
+
+TEST_F(OverviewTest, FollowsARunWithoutBeingActivatedAgain) {
+    desk.OpenField();
+    LogIn();
+    std::vector<std::string> seen;
+    desk.clock.Every(1000, [&] {
+        const std::string now = Label("lblnow").toStdString() + (Node(1).State() == NodeState::Collecting ? " 1" : "") +
+                                (Node(11).State() == NodeState::Collecting ? " 11" : "");
+        if (seen.empty() || seen.back() != now) {
+            seen.push_back(now);
+        }
+    });
+    desk.clock.After(30000, [this] { shell.Tick(); });
+    desk.clock.Run(600000);
+    EXPECT_THAT(seen, testing::ElementsAre("The line is free", "Collecting North Gate 1",
+                                           "Collecting O'Brien & <b>Sons</b> 11", "The line is free"));
+    EXPECT_EQ(Node(1).Colour(), QColor(0, 255, 0));
+    EXPECT_EQ(Node(11).Colour(), QColor(0, 255, 0));
+    const auto month = desk.dbconn.First(
+        "select lastvalue from configdata_detail where locationID=? and description='Volume This Month'", {first});
+    EXPECT_EQ(The<QPushButton>(Front(), "lblgroup1").text().toStdString(), month->Text("lastvalue") + " SCM");
+    EXPECT_EQ(The<QPushButton>(Front(), "lblgroup3").text(), "0 SCM");
+}
+
+TEST_F(OverviewTest, AStationThatCannotBeReachedStaysInItsColourAndTheNextOneFollows) {
+    fieldsim::LineFaults::Options dead;
+    dead.chances[fieldsim::Fault::Silence] = 1;
+    desk.OpenField({.faults = {{first, dead}}});
+    LogIn();
+    desk.clock.After(30000, [this] { shell.Tick(); });
+    desk.clock.Run(900000);
+    EXPECT_EQ(Node(1).State(), NodeState::NotCollected);
+    EXPECT_EQ(Node(11).State(), NodeState::Collected);
+}
+
+TEST_F(OverviewTest, AStationWithoutAPlaceIsToldAndHidesNoOther) {
+    desk.dbconn.Execute("update configdata_master set groupno = 7 where locationID = ?", {first});
+    LogIn();
+    EXPECT_TRUE(Node(11).isVisible());
+    EXPECT_THAT(desk.feedback.status, testing::Contains("No place in the overview for North Gate"));
+}
+
+TEST_F(OverviewTest, AClickOpensTheDoorOfTheStationWhichSaysThatItIsNotConnected) {
+    LogIn();
+    Click(Front(), "cmdLoc11");
+    EXPECT_EQ(Front().windowTitle(), "Parameter List - v10.3----(O'Brien & <b>Sons</b>)");
+    EXPECT_EQ(Label("lblconsumer"), "O'Brien & <b>Sons</b>");
+    EXPECT_EQ(Label("lblconnection"), "Not connected");
+    QTest::keyClick(&Front(), Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    EXPECT_NE(Front().findChild<QWidget*>("cmdLoc1"), nullptr);
+
+    desk.dbconn.Execute("update configdata_master set modelno = 'CW_Micro' where locationID = ?", {first});
+    Node(1).setFocus();
+    QTest::keyClick(&Node(1), Qt::Key_Return);
+    EXPECT_EQ(Front().windowTitle(), "Selection Menu - v10.3----(North Gate)");
+}
+
+TEST_F(OverviewTest, ATotalOpensTheVolumesOfItsGroup) {
+    desk.dbconn.Execute(
+        "update configdata_detail set lastvalue=12.5 where description='Volume This Month' and locationID=?", {first});
+    Add("South Gate", 1);
+    desk.dbconn.Execute("delete from configdata_detail where locationID=3");
+    LogIn();
+    Click(Front(), "lblgroup1");
+    EXPECT_EQ(Front().windowTitle(), "Group 1 - v10.3");
+    auto& grid = The<::desk::Grid>(Front(), "floatgrid");
+    EXPECT_EQ(grid.TabSeparated().toStdString(),
+              "Station\tVolume\tUnit\r\nNorth Gate\t12.5\tSCM\r\nSouth Gate\t0\tMSCFH\r\n");
+    EXPECT_EQ(Label("lbltotal"), "Total: 12.5");
+}
+
+TEST_F(OverviewTest, ShowsTheLastLinesOfWhatWasDone) {
+    LogIn();
+    shell.Status("Collecting Data");
+    auto* list = Front().findChild<QListWidget*>("lstlines");
+    EXPECT_EQ(list->item(0)->text(), "07:59:30   Collecting Data");
+    for (int i = 0; i < 600; ++i) {
+        shell.Status("line");
+    }
+    EXPECT_EQ(list->count(), 500);
+}
+
+// Each command of the menus and the right that it needs.
+TEST_F(OverviewTest, AMenuOffersWhatTheRightsOfTheUserAllow) {
+    struct Case {
+        bool core::Rights::*right;
+        const char* menu;
+        const char* command;
+    };
+    const Case cases[] = {{&core::Rights::rightConfigStation, "cmdMenu", "cmdconfigsta"},
+                          {&core::Rights::rightTts, "cmdMenu", "cmdtts"},
+                          {&core::Rights::rightScheduler, "cmdMenu", "cmdScheduler"},
+                          {&core::Rights::rightGasComposition, "cmdMenu", "cmdgc"},
+                          {&core::Rights::rightUserManager, "cmdMenu", "cmduser"},
+                          {&core::Rights::rightUtility, "cmdMenu", "cmdUtility"},
+                          {&core::Rights::rightDailyReport, "cmdUtility", "cmdReport"},
+                          {&core::Rights::rightTrends, "cmdUtility", "cmdChart"},
+                          {&core::Rights::rightHistorical, "cmdUtility", "cmdhisotrical"}};
+    const auto enabled = [&](const Case& c) {
+        LogIn();
+        Click(Front(), "cmdMenu");
+        if (std::string(c.menu) == "cmdUtility") {
+            Click(Front(), "cmdUtility");
+        }
+        return The(Front(), c.command).isEnabled();
+    };
+    for (const Case& c : cases) {
+        desk.shared.rights = {};
+        desk.shared.rights.rightUtility = std::string(c.menu) == "cmdUtility";
+        EXPECT_FALSE(enabled(c)) << c.command;
+        desk.shared.rights.*c.right = true;
+        EXPECT_TRUE(enabled(c)) << c.command;
+    }
+    // What the program does not have yet says so.
+    for (const char* later : {"cmdarch", "cmd_calib"}) {
+        EXPECT_FALSE(The(Front(), later).isEnabled());
+        EXPECT_EQ(The(Front(), later).toolTip(), "Not available in this version");
+    }
+}
+
+}  // namespace
