@@ -52,6 +52,7 @@ void OutgoingMail::Deliver(const Parcel& parcel) {
 void OutgoingMail::Stop() {
     if (stopped_) {
         *stopped_ = true;
+        desk_.clock.Wake();
     }
 }
 
