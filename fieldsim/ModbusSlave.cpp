@@ -12,6 +12,8 @@ namespace fieldsim {
 
 namespace {
 
+constexpr int kWriteRegisters = 16;
+
 constexpr int kIllegalFunction = 1;
 constexpr int kIllegalAddress = 2;
 constexpr int kIllegalValue = 3;
@@ -35,7 +37,7 @@ std::size_t RtuLength(std::string_view start) {
     if (function >= 1 && function <= 6) {
         return 8;
     }
-    if (function == 15 || function == 16) {
+    if (function == 15 || function == kWriteRegisters) {
         return start.size() > 6 ? 9U + ByteAt(start, 6) : 0;
     }
     return start.size();  // not a function of ours: whatever has come is tried as a whole
@@ -78,6 +80,11 @@ std::string FloatBytes(double value) {
     const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
     return {static_cast<char>(bits >> 24U), static_cast<char>(bits >> 16U), static_cast<char>(bits >> 8U),
             static_cast<char>(bits)};
+}
+
+double FloatOf(std::string_view bytes) {
+    return std::bit_cast<float>(static_cast<std::uint32_t>(WordAt(bytes, 0)) << 16U |
+                                static_cast<std::uint32_t>(WordAt(bytes, 2)));
 }
 
 std::string WordBytes(double value) {
@@ -159,7 +166,7 @@ std::optional<std::string> ModbusSlave::NextAscii() {
 
 bool ModbusSlave::StaysSilent(std::string_view request) const {
     const int function = ByteAt(request, 0);
-    if (silentRegister_ == 0 || (function != 3 && function != 4) || request.size() != 5) {
+    if (silentRegister_ == 0 || (function != 3 && function != 4 && function != kWriteRegisters) || request.size() < 5) {
         return false;
     }
     const int first = WordAt(request, 1) + 1;
@@ -168,6 +175,9 @@ bool ModbusSlave::StaysSilent(std::string_view request) const {
 
 std::string ModbusSlave::Execute(std::string_view request, const Moment& now) {
     const int function = ByteAt(request, 0);
+    if (function == kWriteRegisters) {
+        return WriteRegisters(request, now);
+    }
     if (function < 1 || function > 4 || request.size() != 5) {
         return Exception(function, kIllegalFunction);
     }
@@ -184,6 +194,43 @@ std::string ModbusSlave::Execute(std::string_view request, const Moment& now) {
     }
     const std::string data = coils ? ReadCoils(first, count, now) : ReadRegisters(first, count, now);
     return std::string{static_cast<char>(function), static_cast<char>(data.size())} + data;
+}
+
+std::string ModbusSlave::WriteRegisters(std::string_view request, const Moment& now) {
+    constexpr std::size_t head = 6;
+    const std::size_t width = map_.floatInOneRegister ? 4 : 2;
+    const int first = request.size() > head ? WordAt(request, 1) + 1 : 0;
+    const int count = first > 0 ? WordAt(request, 3) : 0;
+    const std::size_t length = static_cast<std::size_t>(count) * width;
+    if (count == 0 || length > 246 || ByteAt(request, 5) != length || request.size() != head + length) {
+        return Exception(kWriteRegisters, kIllegalValue);
+    }
+    for (int i = 0; i < count; ++i) {
+        if (Owner(first + i) == nullptr) {
+            return Exception(kWriteRegisters, kIllegalAddress);
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        const std::string_view bytes = request.substr(head + static_cast<std::size_t>(i) * width, width);
+        const Signal& signal = *Owner(first + i);
+        if (signal.kind != Kind::Float) {
+            map_.registers->Fix(signal, static_cast<std::int16_t>(WordAt(bytes, width - 2)));
+            continue;
+        }
+        std::string all = FloatBytes(map_.registers->ValueAt(signal, now.local));
+        all.replace(first + i == signal.position ? 0 : 2, width, bytes);
+        map_.registers->Fix(signal, FloatOf(all));
+    }
+    return std::string(request.substr(0, 5));
+}
+
+const Signal* ModbusSlave::Owner(int number) const {
+    const Signal* signal = map_.registers->At(number);
+    if (signal == nullptr && !map_.floatInOneRegister) {
+        const Signal* before = map_.registers->At(number - 1);
+        return before != nullptr && before->kind == Kind::Float ? before : nullptr;
+    }
+    return signal;
 }
 
 std::string ModbusSlave::ReadCoils(int first, int count, const Moment& now) {
@@ -217,11 +264,8 @@ std::string ModbusSlave::RegisterBytes(int number, const Moment& now) {
     if (map_.floatInOneRegister) {
         return FloatBytes(0);
     }
-    const Signal* before = map_.registers->At(number - 1);
-    if (before != nullptr && before->kind == Kind::Float) {
-        return FloatBytes(map_.registers->ValueAt(*before, now.local)).substr(2);
-    }
-    return WordBytes(0);
+    const Signal* before = Owner(number);
+    return before != nullptr ? FloatBytes(map_.registers->ValueAt(*before, now.local)).substr(2) : WordBytes(0);
 }
 
 std::string ModbusFrame(Framing framing, std::string_view message) {

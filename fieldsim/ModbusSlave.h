@@ -27,8 +27,10 @@ struct ModbusMap {
 ModbusMap MakeModbusMap(std::vector<Signal> registers, std::vector<Signal> coils, bool floatInOneRegister = false,
                         const Behaviour& behaviour = {});
 
-// A Modbus slave that can be read: coils by functions 1 and 2, registers by 3 and 4. Every other function is
-// exception 1. It is silent for other addresses, for broadcasts and for frames with a bad check.
+// A Modbus slave that can be read, coils by functions 1 and 2, registers by 3 and 4, and whose registers are written by
+// function 16: what was written is what is read from then on. A write that touches a register without a signal is
+// exception 2 and changes nothing. Every other function is exception 1. It is silent for other addresses, for
+// broadcasts and for frames with a bad check.
 class ModbusSlave final : public Device {
   public:
     ModbusSlave(int address, Framing framing, ModbusMap map, std::uint32_t answerMs = 50)
@@ -36,7 +38,7 @@ class ModbusSlave final : public Device {
 
     std::vector<Answer> Receive(std::string_view bytes, const Moment& now) override;
 
-    // Reads that touch this register are never answered; 0: every read is.
+    // Requests that touch this register are never answered; 0: every request is.
     void NeverAnswer(int reg) { silentRegister_ = reg; }
 
     const ModbusMap& Map() const { return map_; }
@@ -51,6 +53,9 @@ class ModbusSlave final : public Device {
     bool StaysSilent(std::string_view request) const;
     // The function and what follows it, of a request and of its answer.
     std::string Execute(std::string_view request, const Moment& now);
+    std::string WriteRegisters(std::string_view request, const Moment& now);
+    // The signal that a register belongs to, as its first or its second one; null where there is none.
+    const Signal* Owner(int number) const;
     std::string ReadCoils(int first, int count, const Moment& now);
     std::string ReadRegisters(int first, int count, const Moment& now);
     std::string RegisterBytes(int number, const Moment& now);

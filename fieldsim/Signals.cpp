@@ -86,7 +86,7 @@ bool SignalList::WasServed(std::string_view description, double value) const {
 bool SignalList::Fix(std::string_view description, double value) {
     const Signal* signal = Find(description);
     if (signal != nullptr) {
-        fixed_[signal->position] = value;
+        Fix(*signal, value);
     }
     return signal != nullptr;
 }

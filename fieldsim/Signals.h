@@ -61,6 +61,7 @@ class SignalList {
     bool WasServed(std::string_view description, double value) const;
 
     // From now on the signal keeps this value. False: no signal of that name.
+    void Fix(const Signal& signal, double value) { fixed_[signal.position] = value; }
     bool Fix(std::string_view description, double value);
 
   private:

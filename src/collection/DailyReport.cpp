@@ -29,6 +29,16 @@ void makereport_daily(core::Database& dbconn, const core::DateTime& day, core::F
     });
 }
 
+std::vector<DailyLine> DailyLines(core::Database& dbconn) {
+    std::vector<DailyLine> lines;
+    for (const core::Row& row : dbconn.Query("select * from daily_rep order by srno")) {
+        lines.push_back({static_cast<int>(row.Long("srno")), row.Text("consumer"), row.Number("presentallocation"),
+                         row.Number("MGO_Qty"), row.Number("dayflow"), row.Number("monthflow"),
+                         row.Number("averageflow"), row.Number("pressure"), row.Number("Cont_Pr")});
+    }
+    return lines;
+}
+
 void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const std::filesystem::path& file) {
     const std::string page = ReportRtf(dbconn.Query("select * from daily_rep order by srno"), day);
     std::filesystem::path part = file;
@@ -42,7 +52,13 @@ void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const s
         std::filesystem::remove(part, ignored);
         throw std::system_error(error, std::generic_category(), file.filename().string());
     }
-    std::filesystem::rename(part, file);
+    std::error_code failure;
+    std::filesystem::rename(part, file, failure);
+    if (failure) {
+        std::error_code ignored;
+        std::filesystem::remove(part, ignored);
+        throw std::system_error(failure, file.filename().string());
+    }
 }
 
 }  // namespace collection

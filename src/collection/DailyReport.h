@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "core/Clock.h"
 #include "core/Database.h"
@@ -13,6 +15,22 @@ namespace collection {
 // station has not is 0. A register without stations is told in the status bar and leaves the table empty.
 // Throws DatabaseError.
 void makereport_daily(core::Database& dbconn, const core::DateTime& day, core::Feedback& feedback);
+
+// A station's line of the report: SCM, the average in SCM a day, the pressures in kg/cm2.
+struct DailyLine {
+    int number = 0;  // from 1
+    std::string consumer;
+    double presentallocation = 0;
+    double MGO_Qty = 0;
+    double dayflow = 0;
+    double monthflow = 0;
+    double averageflow = 0;
+    double pressure = 0;
+    double Cont_Pr = 0;
+};
+
+// What daily_rep holds, in the order of its numbers. Throws DatabaseError.
+std::vector<DailyLine> DailyLines(core::Database& dbconn);
 
 // Lays daily_rep out as a page in RTF, headed by the day. The file is replaced whole, so that nobody reads half of it.
 // Throws DatabaseError, and std::system_error when it cannot be written.

@@ -1,6 +1,7 @@
 #include "protocols/ModbusTransact.h"
 
 #include <algorithm>
+#include <functional>
 #include <vector>
 
 #include "core/Text.h"
@@ -34,6 +35,9 @@ struct Expected {
     std::size_t most;
 };
 
+// Whether a reply with good values is that of its request.
+using Belongs = std::function<bool(const ModbusReply& reply, const std::string& bytes)>;
+
 Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
     constexpr int readHoldingRegisters = 3;
     constexpr int readInputRegisters = 4;
@@ -43,9 +47,8 @@ Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
     return {values, values + (registers ? 1 : 15)};
 }
 
-// One request and its reply. A reply with fewer values than were asked for was cut, and what it lacks must not be taken
-// for zeros; one with more belongs to another request.
-ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const Expected& expected,
+// One request and its reply.
+ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const Belongs& belongs,
                 const TransactOptions& options) {
     const int timeout = talk.CommTimeout();
     talk.feedback.Status(options.waiting);
@@ -54,7 +57,7 @@ ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& f
         talk.feedback.Status(options.converting);
     }
     ModbusReply reply = framing.parse(talk.modbus, bytes);
-    if (reply.kind == Kind::Values && (reply.count < expected.least || reply.count > expected.most)) {
+    if (reply.kind == Kind::Values && !belongs(reply, bytes)) {
         reply = {Kind::Empty, {}, 0};
     }
     talk.Wait(options.waitsAfterAnswer * timeout);
@@ -78,12 +81,9 @@ void ShowFailure(Conversation& talk, Kind kind) {
     }
 }
 
-}  // namespace
-
-ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, const TransactOptions& options) {
-    const Framing framing = FramingOf(talk.station);
-    std::vector<float> data = {static_cast<float>(count)};
-    const ModbusRequest request = framing.build(command, talk.station.slaveaddress, reg, data);
+// A whole transaction of a request that was built, or was not.
+ModbusReply Transact(Conversation& talk, const Framing& framing, const ModbusRequest& request, const Belongs& belongs,
+                     const TransactOptions& options) {
     if (!request.Built()) {
         talk.feedback.Box("Valid parameters not available to assemble Modbus packet");
         return {};
@@ -92,11 +92,10 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     if (!talk.Wait(talk.CommTimeout())) {
         return {};
     }
-    const Expected expected = ExpectedValues(talk.modbus, count, command);
-    ModbusReply reply = Ask(talk, framing, request.frame, expected, options);
+    ModbusReply reply = Ask(talk, framing, request.frame, belongs, options);
     for (int made = 1; made < options.tries && Failed(reply, options) && !talk.Ended(); ++made) {
         talk.logs.WriteRtuErr("Try" + std::to_string(made));
-        reply = Ask(talk, framing, request.frame, expected, options);
+        reply = Ask(talk, framing, request.frame, belongs, options);
     }
     if (!Failed(reply, options)) {
         return reply;
@@ -106,6 +105,36 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     }
     reply.text.clear();
     return reply;
+}
+
+}  // namespace
+
+ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, const TransactOptions& options) {
+    const Framing framing = FramingOf(talk.station);
+    std::vector<float> data = {static_cast<float>(count)};
+    const ModbusRequest request = framing.build(command, talk.station.slaveaddress, reg, data);
+    const Expected expected = ExpectedValues(talk.modbus, count, command);
+    // A reply with fewer values than were asked for was cut, and what it lacks must not be taken for zeros; one with
+    // more belongs to another request.
+    const auto belongs = [expected](const ModbusReply& reply, const std::string&) {
+        return reply.count >= expected.least && reply.count <= expected.most;
+    };
+    return Transact(talk, framing, request, belongs, options);
+}
+
+bool ModbusWrite(Conversation& talk, int reg, double value) {
+    constexpr int writeRegisters = 16;
+    const Framing framing = FramingOf(talk.station);
+    const ModbusRequest request =
+        framing.build == BuildAsciiRequest
+            ? ModbusRequest{{}, "Bad framing for a float."}
+            : BuildWriteFrame(talk.modbus, value, reg, writeRegisters, talk.station.slaveaddress);
+    // The acknowledgement repeats the head of its request: slave, function, register, quantity.
+    constexpr std::size_t head = 6;
+    const auto belongs = [&request](const ModbusReply&, const std::string& bytes) {
+        return bytes.compare(0, head, request.frame, 0, head) == 0;
+    };
+    return Transact(talk, framing, request, belongs, scheduledTransact).kind == Kind::Values;
 }
 
 }  // namespace protocols

@@ -36,4 +36,10 @@ inline constexpr TransactOptions onlineTransact = {
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command,
                            const TransactOptions& options = scheduledTransact);
 
+// Writes a float into the station's register `reg`, as numbered on the line: function 16, two registers or one by
+// talk.modbus.rtu32bit, paced and reported as a scheduled read. Tells whether the station acknowledged this very write;
+// a late answer to another one counts as none. A station in ASCII framing has no frame that carries a float, so for it
+// the request cannot be built.
+bool ModbusWrite(Conversation& talk, int reg, double value);
+
 }  // namespace protocols

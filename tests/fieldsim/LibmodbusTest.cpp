@@ -83,5 +83,20 @@ TEST(Libmodbus, ReadsCoilsRegistersAndExceptions) {
     }
 }
 
+TEST(Libmodbus, WritesRegistersAndReadsThemBack) {
+    ModbusSlave slave(17, Framing::Rtu,
+                      MakeModbusMap({{1, "P", "", Kind::Float, 100}, {3, "T", "", Kind::Float, 20}}, {}), 5);
+    const ServedSlave served(slave);
+    const Master master = Connect(served.Path(), 17);
+    ASSERT_TRUE(master) << modbus_strerror(errno);
+    std::array<std::uint16_t, 4> registers{0xC148, 0};
+    ASSERT_EQ(modbus_write_registers(master.get(), 2, 2, registers.data()), 2) << modbus_strerror(errno);
+    ASSERT_EQ(modbus_read_registers(master.get(), 0, 4, registers.data()), 4) << modbus_strerror(errno);
+    EXPECT_EQ(modbus_get_float_abcd(registers.data()), 100);
+    EXPECT_EQ(modbus_get_float_abcd(registers.data() + 2), -12.5F);
+    EXPECT_EQ(modbus_write_registers(master.get(), 3, 2, registers.data()), -1);
+    EXPECT_EQ(errno, EMBXILADD);
+}
+
 }  // namespace
 }  // namespace fieldsim

@@ -67,13 +67,40 @@ TEST(ModbusSlave, EveryFunctionAndException) {
         {"01 01 00 00 07 D1", "01 81 03"},        // 2001 coils
         {"01 03 00 07 00 02", "01 83 02"},        // one past the last register
         {"01 01 00 0A 00 01", "01 81 02"},
-        {"01 06 00 00 00 01", "01 86 01"},  // a slave that can be read only
-        {"01 10 00 00 00 02 04 42 C8 00 00", "01 90 01"},
+        {"01 06 00 00 00 01", "01 86 01"},
         {"01 2B 0E 01 00", "01 AB 01"},
     };
     for (const auto& test : cases) {
         ModbusSlave& asked = test.floatInOneRegister ? wide : slave;
         EXPECT_EQ(Hex(Ask(asked, Rtu(test.request))), Hex(Rtu(test.answer))) << test.request;
+    }
+}
+
+TEST(ModbusSlave, KeepsWhatIsWrittenIntoItsRegisters) {
+    const struct {
+        const char* request;
+        const char* answer;
+        const char* pressure;         // registers 1 and 2, or the whole register 1, behind it
+        const char* count = "FF FE";  // register 5
+        bool floatInOneRegister = false;
+    } cases[] = {
+        {"01 10 00 00 00 02 04 C1 48 00 01", "01 10 00 00 00 02", "C1 48 00 01"},
+        {"01 10 00 01 00 01 02 12 34", "01 10 00 01 00 01", "42 C8 12 34"},  // the half of a float
+        {"01 10 00 00 00 05 0A 00 00 00 00 00 00 00 00 80 01", "01 10 00 00 00 05", "00 00 00 00", "80 01"},
+        {"01 10 00 00 00 01 04 C1 48 00 01", "01 10 00 00 00 01", "C1 48 00 01", "FF FE", true},
+        {"01 10 00 00 00 02 04 C1 48 00 01", "01 90 03", "42 C8 00 00", "FF FE", true},
+        {"01 10 00 04 00 02 04 00 01 00 01", "01 90 02", "42 C8 00 00"},  // nothing in register 6
+        {"01 10 00 08 00 01 02 00 01", "01 90 02", "42 C8 00 00"},        // past the last one
+        {"01 10 00 00 00 02 02 C1 48", "01 90 03", "42 C8 00 00"},
+        {"01 10 00 00 00 00 00", "01 90 03", "42 C8 00 00"},
+    };
+    for (const auto& test : cases) {
+        ModbusSlave slave(1, Framing::Rtu, TestMap(test.floatInOneRegister));
+        EXPECT_EQ(Hex(Ask(slave, Rtu(test.request))), Hex(Rtu(test.answer))) << test.request;
+        const std::string first = Ask(slave, Rtu(test.floatInOneRegister ? "01 03 00 00 00 01" : "01 03 00 00 00 02"));
+        EXPECT_EQ(Hex(first.substr(3, 4)), test.pressure) << test.request;
+        const std::string fifth = Ask(slave, Rtu("01 03 00 04 00 01"));
+        EXPECT_EQ(Hex(fifth.substr(3, fifth.size() - 5)), test.count) << test.request;
     }
 }
 
@@ -86,6 +113,7 @@ TEST(ModbusSlave, StaysSilentForWhatIsNotMeantForIt) {
     EXPECT_EQ(Ask(slave, Rtu("00 03 00 00 00 02"), 3000), "");
     slave.NeverAnswer(7);
     EXPECT_EQ(Ask(slave, Rtu("01 03 00 05 00 02"), 4000), "");
+    EXPECT_EQ(Ask(slave, Rtu("01 10 00 06 00 02 04 00 00 00 00"), 4500), "");
     EXPECT_NE(Ask(slave, Rtu("01 03 00 00 00 02"), 5000), "");
 }
 

@@ -158,3 +158,42 @@ TEST(ModbusTransact, ReadsAStationInItsFraming) {
         }
     }
 }
+
+// 100.0 to register 198 of slave 1.
+TEST_F(ModbusTransactTest, AWriteIsDoneWhenTheStationAcknowledgesThisVeryOne) {
+    const std::string silent = "There was No Response from the controller[7]! Check Settings and try again!";
+    const struct {
+        const char* reply;  // without its check
+        bool written;
+        std::vector<std::string> errors;
+        bool rtu32bit = false;
+    } cases[] = {
+        {"01 10 00 C6 00 02", true, {}},        {"01 10 00 C6 00 01", true, {}, true},
+        {"01 10 00 C4 00 02", false, {silent}},  // the answer to the one before, late
+        {"02 10 00 C6 00 02", false, {silent}}, {"01 10 00 C6 00 01", false, {silent}},
+        {"01 06 00 C6 00 02", false, {silent}}, {"01 03 04 42 C8 00 00", false, {silent}},
+        {"01 10 00 C6 00", false, {silent}},    {"01 90 02", false, {}},
+    };
+    for (const auto& test : cases) {
+        std::filesystem::remove(desk.shared.rtuErrPath);
+        line.sent.clear();
+        talk.modbus.rtu32bit = test.rtu32bit;
+        line.replies = {fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes(test.reply))};
+        EXPECT_EQ(ModbusWrite(talk, 198, 100), test.written) << test.reply;
+        EXPECT_EQ(Errors(), test.errors) << test.reply;
+        ASSERT_EQ(line.sent.size(), 1U);
+        EXPECT_EQ(Hex(line.sent[0]),
+                  test.rtu32bit ? "01 10 00 C6 00 01 04 42 C8 00 00 EA 60" : "01 10 00 C6 00 02 04 42 C8 00 00 EA 53");
+    }
+    EXPECT_FALSE(ModbusWrite(talk, 198, 100)) << "silence";
+    EXPECT_EQ(Errors().back(), silent);
+}
+
+TEST_F(ModbusTransactTest, AWriteThatHasNoFrameIsNotSent) {
+    EXPECT_FALSE(ModbusWrite(talk, 70000, 100));
+    EXPECT_FALSE(ModbusWrite(talk, 198, 1e300));
+    talk.station.mode = "ASCII";
+    EXPECT_FALSE(ModbusWrite(talk, 198, 100));
+    EXPECT_THAT(line.sent, IsEmpty());
+    EXPECT_EQ(desk.feedback.boxes.size(), 3U);
+}

@@ -1,0 +1,91 @@
+#include "collection/GasComposition.h"
+
+#include <cfloat>
+#include <charconv>
+#include <cmath>
+
+#include "core/Text.h"
+#include "protocols/ModbusTransact.h"
+
+namespace collection {
+
+namespace {
+
+// The whole of a text as a number, without the blanks around it.
+template <typename Number>
+std::optional<Number> WholeNumber(const std::string& text) {
+    const std::string trimmed = core::Trim(text);
+    const char* const end = trimmed.data() + trimmed.size();
+    Number number{};
+    const auto read = std::from_chars(trimmed.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+// A register's number in the map, from 1. A list position, "54-94", is none.
+std::optional<int> RegisterOf(const std::string& startaddress) {
+    const auto number = WholeNumber<int>(startaddress);
+    return number && *number >= 1 && *number <= 65536 ? number : std::nullopt;
+}
+
+}  // namespace
+
+std::vector<GasStation> GasStations(core::Database& dbconn) {
+    std::vector<GasStation> stations;
+    for (const core::Row& row :
+         dbconn.Query("select locationId,consumer from ConfigData_Master where protocol = 'Modbus' and "
+                      "gross_detail = false and aga8_fpv = true order by locationID")) {
+        stations.push_back({row.Long("locationId"), row.Text("consumer")});
+    }
+    return stations;
+}
+
+std::vector<GasComponent> GasComposition(core::Database& dbconn, std::int64_t locationID) {
+    auto rows = dbconn.Query("select * from write_gc where locationid=?", {locationID});
+    if (rows.empty()) {
+        rows = dbconn.Query("select * from configdata_detail where aga = 'GC' and locationid=?", {locationID});
+    }
+    std::vector<GasComponent> components;
+    for (const core::Row& row : rows) {
+        components.push_back({row.Text("startaddress"), row.Text("description"), row.Number("lastvalue")});
+    }
+    return components;
+}
+
+void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const std::vector<GasComponent>& components) {
+    dbconn.InTransaction([&] {
+        dbconn.Execute("delete from write_gc where locationid=?", {locationID});
+        for (const GasComponent& component : components) {
+            dbconn.Execute("insert into write_gc(locationid,description,startaddress,lastvalue) values(?,?,?,?)",
+                           {locationID, component.description, component.startaddress, component.value});
+        }
+    });
+}
+
+std::optional<double> GasValue(const std::string& text) {
+    const auto value = WholeNumber<double>(text);
+    return value && std::fabs(*value) <= FLT_MAX ? value : std::nullopt;
+}
+
+double GasSum(const std::vector<GasComponent>& components) {
+    double sum = 0;
+    for (const GasComponent& component : components) {
+        sum += component.value;
+    }
+    return core::RoundTo(sum, 4);
+}
+
+bool write_gascomposition(Workplace& place, protocols::Conversation& talk) {
+    place.feedback.Status("Writing Gas Composition");
+    for (const core::Row& row :
+         place.dbconn.Query("select * from write_gc where locationid=? order by cast(startaddress as integer)",
+                            {talk.station.locationID})) {
+        const auto number = RegisterOf(row.Text("startaddress"));
+        if (!number || !protocols::ModbusWrite(talk, *number - 1, row.Number("lastvalue"))) {
+            place.logs.WriteRtuErr("Gas composition write not complete / RTU not available");
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace collection

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "collection/Workplace.h"
+#include "core/Database.h"
+
+// The gas composition that a station is to calculate with: what the operator wants (table write_gc), and the way to it.
+namespace collection {
+
+struct GasStation {
+    std::int64_t locationId = 0;
+    std::string consumer;
+};
+
+// The stations that take a composition, by location: Modbus, with AGA8 in its Detail form. Throws DatabaseError.
+std::vector<GasStation> GasStations(core::Database& dbconn);
+
+// One value of a composition and the register that it goes to.
+struct GasComponent {
+    std::string startaddress;
+    std::string description;
+    double value = 0;
+};
+
+// The wanted composition of a station or, where none was ever saved, the one that was last read from it.
+// Throws DatabaseError.
+std::vector<GasComponent> GasComposition(core::Database& dbconn, std::int64_t locationID);
+
+// Makes these the wanted composition of a station, in place of the one before. All or nothing. Throws DatabaseError.
+void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const std::vector<GasComponent>& components);
+
+// What an operator typed as a value: a number with a decimal point that a station's float can hold, and nothing else.
+std::optional<double> GasValue(const std::string& text);
+
+// The sum of the components, to 4 places.
+double GasSum(const std::vector<GasComponent>& components);
+
+// Writes the wanted composition into the station of a conversation whose line is up, register by register. The first
+// row that the station does not acknowledge ends it, with a line in RTU_Err.log: the station then calculates with a
+// part of the new values. So does a row without a register. Tells whether all were written. Throws DatabaseError.
+//
+// It stands ready: no run starts it, whatever `gasauto` says.
+bool write_gascomposition(Workplace& place, protocols::Conversation& talk);
+
+}  // namespace collection

@@ -1,0 +1,114 @@
+#include "desk/collection/frmrpt.h"
+
+#include <QFileDialog>
+#include <cmath>
+#include <system_error>
+
+#include "collection/DailyReport.h"
+#include "core/Text.h"
+#include "ui_frmrpt.h"
+
+namespace desk {
+
+namespace {
+
+// Two places, so that the points stand below each other.
+QString Figure(double value) {
+    constexpr double widest = 1e12;
+    return std::fabs(value) < widest ? QString::number(value, 'f', 2) : QString::fromStdString(core::NumberText(value));
+}
+
+QStringList Cells(const collection::DailyLine& line) {
+    return {QString::number(line.number),
+            QString::fromStdString(line.consumer),
+            Figure(line.presentallocation),
+            Figure(line.MGO_Qty),
+            Figure(line.dayflow),
+            Figure(line.monthflow),
+            Figure(line.averageflow),
+            Figure(line.pressure),
+            Figure(line.Cont_Pr)};
+}
+
+}  // namespace
+
+frmrpt::frmrpt(Desk& desk) : Page(desk, "Daily Report "), ui_(std::make_unique<Ui::frmrpt>()) {
+    ui_->setupUi(this);
+    Title("Daily Report ");
+    CloseCommand(ui_->cmdClose);
+    ui_->Grid->FormatString(
+        ">Sr. No|<Consumer|>Allocation (SCM)|>MGO Qty (SCM)|>Day Flow (SCM)|>Month Flow (SCM)|>Average (SCM/day)|"
+        ">Pressure (kg/cm2)|>Cont. Pr. (kg/cm2)");
+    const core::DateTime today = desk_.clock.Now();
+    ui_->dtpicker->setDate(QDate(today.year, today.month, today.day));
+    connect(ui_->dtpicker, &QDateEdit::dateChanged, this, &frmrpt::Clear);
+    connect(ui_->cmddaily, &QPushButton::clicked, this, &frmrpt::cmddaily);
+    connect(ui_->cmdsavertf, &QPushButton::clicked, this, &frmrpt::cmdsavertf);
+    connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
+}
+
+frmrpt::~frmrpt() = default;
+
+core::DateTime frmrpt::Day() const {
+    const QDate date = ui_->dtpicker->date();
+    return {date.year(), date.month(), date.day()};
+}
+
+void frmrpt::Clear() {
+    ui_->Grid->Clear();
+    ui_->cmdsavertf->setEnabled(false);
+}
+
+void frmrpt::Make() {
+    Clear();
+    collection::makereport_daily(desk_.dbconn, Day(), desk_.feedback);
+    std::vector<QStringList> rows;
+    for (const auto& line : collection::DailyLines(desk_.dbconn)) {
+        rows.push_back(Cells(line));
+    }
+    ui_->Grid->AddItems(rows);
+    ui_->Grid->SelectRow(0);
+    ui_->cmdsavertf->setEnabled(!rows.empty());
+}
+
+void frmrpt::cmddaily() {
+    Guarded([this] {
+        Make();
+        if (ui_->Grid->Rows() == 0) {
+            Show("No Data available");
+        }
+    });
+}
+
+void frmrpt::cmdsavertf() {
+    auto* dialog = new QFileDialog(this, "Save Report", {}, "Rich text (*.rtf)");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    // Its own question would wait in a loop of its own.
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    dialog->setDefaultSuffix("rtf");
+    dialog->selectFile("daily_report.rtf");
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+        if (QFile::exists(file)) {
+            Ask(file + " exists. Replace it?", [this, file] { Write(file); });
+        } else {
+            Write(file);
+        }
+    });
+    dialog->open();
+}
+
+// The scheduled mail fills the same table for its own day, perhaps since this one was made: it is made anew.
+void frmrpt::Write(const QString& file) {
+    Guarded([this, &file] {
+        Make();
+        try {
+            collection::WriteDailyReport(desk_.dbconn, Day(), file.toStdString());
+            Show("Report saved", QMessageBox::Information);
+        } catch (const std::system_error& failure) {
+            Show(QString::fromStdString(failure.what()));
+        }
+    });
+}
+
+}  // namespace desk

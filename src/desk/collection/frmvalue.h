@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+
+namespace Ui {
+class frmvalue;
+}
+
+namespace desk {
+
+// Asks for one value over a form, which takes no input meanwhile. Show it with open(); it deletes itself at its end.
+class frmvalue : public QDialog {
+    Q_OBJECT
+
+  public:
+    frmvalue(QWidget* over, const QString& description, double value);
+    ~frmvalue() override;
+
+  Q_SIGNALS:
+    // The operator has given a value; the window is about to close.
+    void Given(double value);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void cmdOk();
+
+    std::unique_ptr<Ui::frmvalue> ui_;
+};
+
+}  // namespace desk

@@ -1,0 +1,183 @@
+#include <gmock/gmock.h>
+
+#include "collection/CollectionRun.h"
+#include "collection/GasComposition.h"
+#include "support/CollectionDesk.h"
+
+using collection::GasComponent;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+const char* const notComplete = "Gas composition write not complete / RTU not available\n";
+
+struct GasCompositionTest : testing::Test {
+    support::CollectionDesk desk;
+    std::int64_t location = demo::AddStation(desk.dbconn, {"Mill", "TeleFlow", "Modbus", "RTU", 1, 3});
+    fieldsim::Field* field = nullptr;
+
+    // A conversation with the station whose line is up.
+    protocols::Conversation Connect() {
+        auto lease = desk.fieldLine.TakeOver("");
+        lease->CommPort(1);
+        EXPECT_TRUE(lease->PortOpen(true));
+        protocols::Conversation talk{lease,     desk.clock,    desk.feedback,
+                                     desk.logs, desk.counters, core::ReadStation(desk.dbconn, location).value(),
+                                     "operator"};
+        talk.modbus.rtu32bit = talk.station.rtuBitsMode;
+        return talk;
+    }
+    bool Write() {
+        protocols::Conversation talk = Connect();
+        return collection::write_gascomposition(desk.place, talk);
+    }
+    void Collect() {
+        collection::RunState state;
+        collection::collectiong_Data(desk.place, location, state);
+        EXPECT_FALSE(state.runfailed) << desk.RtuErr();
+    }
+    // What the station itself holds.
+    double Held(const std::string& description) {
+        const auto* values = field->Values(location, 1, description);
+        return values->ValueAt(*values->Find(description), desk.clock.Now());
+    }
+};
+
+TEST_F(GasCompositionTest, OnlyAModbusStationWithAga8DetailTakesOne) {
+    const struct {
+        const char* consumer;
+        const char* change;
+    } others[] = {{"NX-19", "aga8_fpv=false"}, {"Gross", "Gross_Detail=true"}, {"Unknown", "aga8_fpv=null"}};
+    for (const auto& [consumer, change] : others) {
+        const auto other = demo::AddStation(desk.dbconn, {consumer, "TeleFlow", "Modbus", "RTU", 2, 1});
+        desk.dbconn.Execute(std::string("update configdata_master set ") + change + " where locationID=?", {other});
+    }
+    demo::AddStation(desk.dbconn, {"Hill", "TeleFlow+", "BSAP", "", 3, 5});
+    demo::AddStation(desk.dbconn, {"O'Brien's", "TeleFlow", "Modbus", "ASCII", 4, 1});
+    std::vector<std::string> names;
+    for (const auto& station : collection::GasStations(desk.dbconn)) {
+        names.push_back(station.consumer);
+    }
+    EXPECT_THAT(names, ElementsAre("Mill", "O'Brien's"));
+}
+
+TEST_F(GasCompositionTest, TheLastReadOneIsOfferedUntilOneIsSaved) {
+    field = &desk.OpenField();
+    Collect();
+    auto components = collection::GasComposition(desk.dbconn, location);
+    ASSERT_EQ(components.size(), 21U);
+    EXPECT_EQ(components[0].description, "Methane");
+    EXPECT_TRUE(field->WasServed(location, 1, "Methane", components[0].value));
+    components[0].value = 91.25;
+    components[1].description = "it's";
+    collection::SaveGasComposition(desk.dbconn, location, components);
+    Collect();
+    const auto wanted = collection::GasComposition(desk.dbconn, location);
+    ASSERT_EQ(wanted.size(), 21U);
+    EXPECT_EQ(wanted[0].value, 91.25);
+    EXPECT_EQ(wanted[1].description, "it's");
+    EXPECT_EQ(wanted[20].startaddress, components[20].startaddress);
+
+    desk.dbconn.Execute(
+        "create temp trigger full before insert on write_gc when new.description='Nitrogen' begin "
+        "select raise(abort,'disk full'); end");
+    EXPECT_THROW(collection::SaveGasComposition(desk.dbconn, location, {{"1", "Methane", 1}, {"3", "Nitrogen", 2}}),
+                 core::DatabaseError);
+    EXPECT_EQ(collection::GasComposition(desk.dbconn, location).size(), 21U);
+}
+
+// A written composition is what the station then gives out, and nothing beside it has moved.
+TEST_F(GasCompositionTest, TheStationHoldsWhatWasWritten) {
+    for (const bool rtubits : {false, true}) {
+        desk.dbconn.Execute("update configdata_master set rtubits=?", {rtubits});
+        if (rtubits) {
+            desk.dbconn.Execute("update configdata_detail set startaddress=(startaddress+1)/2 where type='Float'");
+            desk.dbconn.Execute("delete from write_gc");
+        }
+        field = &desk.OpenField();
+        ASSERT_TRUE(field->Values(location, 1, "Flowing Pressure")->Fix("Flowing Pressure", 18.5));
+        auto components = collection::GasComposition(desk.dbconn, location);
+        for (std::size_t i = 0; i < components.size(); ++i) {
+            components[i].value = rtubits ? 0.5 * static_cast<double>(i) : 80 - 3.25 * static_cast<double>(i);
+        }
+        collection::SaveGasComposition(desk.dbconn, location, components);
+        ASSERT_TRUE(Write()) << desk.RtuErr();
+        for (const GasComponent& component : components) {
+            EXPECT_EQ(Held(component.description), component.value) << component.description;
+        }
+        EXPECT_EQ(Held("Flowing Pressure"), 18.5);
+    }
+    EXPECT_EQ(desk.feedback.status.front(), "Writing Gas Composition");
+    EXPECT_EQ(desk.RtuErr(), "");
+}
+
+// Rows go by the number of their register. One without a register on the wire ends the write where it stands.
+TEST_F(GasCompositionTest, TheFirstRowThatFailsEndsIt) {
+    const struct {
+        const char* address;
+        bool nitrogen;  // written before it
+        bool all;
+    } cases[] = {{"9999", true, false},   {"9", true, true},  {"-5", false, false},
+                 {"54-94", false, false}, {"", false, false}, {"0", false, false}};
+    const auto components = collection::GasComposition(desk.dbconn, location);
+    for (const auto& [address, nitrogen, all] : cases) {
+        field = &desk.OpenField();
+        const double before = Held("Nitrogen");
+        collection::SaveGasComposition(desk.dbconn, location,
+                                       {{address, "X", 1}, {components[1].startaddress, "Nitrogen", 7}});
+        std::filesystem::remove(desk.shared.rtuErrPath);
+        EXPECT_EQ(Write(), all) << address;
+        EXPECT_EQ(Held("Nitrogen"), nitrogen ? 7 : before) << address;
+        EXPECT_EQ(desk.RtuErr().find(notComplete) != std::string::npos, !all) << address;
+    }
+}
+
+TEST_F(GasCompositionTest, AFaultAtARowEndsIt) {
+    using fieldsim::Fault;
+    const auto offered = collection::GasComposition(desk.dbconn, location);
+    collection::SaveGasComposition(desk.dbconn, location,
+                                   {{offered[0].startaddress, "Methane", 88},
+                                    {offered[1].startaddress, "Nitrogen", 7},
+                                    {offered[2].startaddress, "Carbon Dioxide", 5}});
+    for (const Fault fault : {Fault::Silence, Fault::NoiseBefore, Fault::NoiseAfter, Fault::BadCheck, Fault::Cut,
+                              Fault::Late, Fault::Exception, Fault::Echo, Fault::NoCarrier}) {
+        fieldsim::FieldOptions options;
+        options.faults[location].script = {Fault::None, fault};
+        field = &desk.OpenField(options);
+        const double before = Held("Carbon Dioxide");
+        std::filesystem::remove(desk.shared.rtuErrPath);
+        EXPECT_FALSE(Write());
+        EXPECT_EQ(Held("Methane"), 88);
+        EXPECT_EQ(Held("Carbon Dioxide"), before);
+        EXPECT_THAT(desk.RtuErr(), HasSubstr(notComplete)) << static_cast<int>(fault);
+    }
+}
+
+TEST_F(GasCompositionTest, ARunThatTakesTheLineEndsIt) {
+    collection::SaveGasComposition(desk.dbconn, location, collection::GasComposition(desk.dbconn, location));
+    field = &desk.OpenField();
+    auto talk = Connect();
+    desk.clock.After(1250, [this] { desk.fieldLine.TakeOver("A scheduled collection has taken the line"); });
+    EXPECT_FALSE(collection::write_gascomposition(desk.place, talk));
+    EXPECT_EQ(desk.clock.Elapsed(), 1250U);
+    EXPECT_THAT(desk.RtuErr(), HasSubstr(notComplete));
+}
+
+TEST(GasValue, IsANumberAndNothingElse) {
+    const struct {
+        const char* text;
+        std::optional<double> value;
+    } cases[] = {
+        {"95.5", 95.5}, {" -1e-3 ", -0.001}, {"0", 0.0},   {".5", 0.5},  {"abc", {}},
+        {"1,5", {}},    {"1 2", {}},         {"5%", {}},   {"", {}},     {"nan", {}},
+        {"inf", {}},    {"1e300", {}},       {"0x10", {}}, {"1.5.", {}},
+    };
+    for (const auto& [text, value] : cases) {
+        EXPECT_EQ(collection::GasValue(text), value) << text;
+    }
+    EXPECT_EQ(collection::GasValue(std::string(10000, '9')), std::nullopt);
+    EXPECT_EQ(collection::GasSum({{"", "", 0.1}, {"", "", 0.2}}), 0.3);
+}
+
+}  // namespace
