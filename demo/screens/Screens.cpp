@@ -1,13 +1,22 @@
 #include "demo/screens/Screens.h"
 
-#include <QApplication>
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 
 #include "core/MAIN_Module.h"
+#include "desk/collection/frmGCWrite.h"
+#include "desk/collection/frmScheduler.h"
+#include "desk/collection/frm_Sch_Data.h"
+#include "desk/collection/frmrpt.h"
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/frmHisErrLog.h"
 #include "desk/core/frmLogin.h"
 #include "desk/core/frmmain.h"
 #include "desk/core/frmshowdata.h"
+#include "desk/reports/frmemail.h"
+#include "desk/reports/frmemail_settings.h"
+#include "desk/reports/frmemaildetails.h"
 #include "desk/session/StationDoor.h"
 
 namespace demo {
@@ -41,6 +50,36 @@ QWidget* Login(Stage& stage) {
     return login;
 }
 
+QWidget* DailyReport(Stage& stage) {
+    stage.Open<desk::frmrpt>();
+    return Click(stage, "cmddaily");
+}
+
+void Fill(Stage& stage, const char* field, const char* text) {
+    stage.Front().findChild<QLineEdit*>(field)->setText(text);
+}
+
+QWidget* Mail(Stage& stage) {
+    stage.Open<desk::frmemail>();
+    Click(stage, "cmdlogin");
+    Fill(stage, "txtmailto", "dispatch@norwen.example");
+    Fill(stage, "txtsubject", "Hill Farm");
+    stage.Front().findChild<QPlainTextEdit*>("txtmsg")->setPlainText(
+        "The modem of Hill Farm answers again.\nThe day of the 22nd was collected by hand.");
+    return &stage.Shell();
+}
+
+QWidget* MailSettings(Stage& stage) {
+    stage.Open<desk::frmemail_settings>();
+    Fill(stage, "txtmailto", "dispatch@norwen.example");
+    Fill(stage, "txtsubject", "Daily report");
+    Fill(stage, "txturl", "smtps://mail.norwen.example");
+    Fill(stage, "txtserveruser", "station");
+    Fill(stage, "txtserverpassword", "secret");
+    Fill(stage, "txtsender", "station@norwen.example");
+    return Click(stage, "cmdtest");
+}
+
 }  // namespace
 
 const std::vector<Screen>& Screens() {
@@ -51,6 +90,13 @@ const std::vector<Screen>& Screens() {
         {"group", Page<desk::frmshowdata>(1)},
         {"station", Page<desk::StationDoor>(std::int64_t{3})},
         {"utility", Page<desk::frmHisErrLog>()},
+        {"scheduler", Page<desk::frmScheduler>()},
+        {"gas", Page<desk::frmGCWrite>()},
+        {"daily_report", DailyReport},
+        {"scheduler_data", Page<desk::frm_Sch_Data>()},
+        {"mail", Mail},
+        {"mail_addressees", Page<desk::frmemaildetails>()},
+        {"mail_settings", MailSettings},
     };
     return screens;
 }

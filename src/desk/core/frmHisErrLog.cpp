@@ -1,6 +1,10 @@
 #include "desk/core/frmHisErrLog.h"
 
 #include "core/MAIN_Module.h"
+#include "desk/collection/frm_Sch_Data.h"
+#include "desk/collection/frmrpt.h"
+#include "desk/reports/frmemail.h"
+#include "desk/reports/frmemail_settings.h"
 #include "ui_frmHisErrLog.h"
 
 namespace desk {
@@ -8,6 +12,10 @@ namespace desk {
 frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::make_unique<Ui::frmHisErrLog>()) {
     ui_->setupUi(this);
     Title("Utility");
+    Opens<frmrpt>(ui_->cmdReport);
+    Opens<frm_Sch_Data>(ui_->cmd_schedul);
+    Opens<frmemail>(ui_->cmd_email);
+    Opens<frmemail_settings>(ui_->cmd_emailsettings);
     NotYet(ui_->cmdarch);
     NotYet(ui_->cmd_calib);
     CloseCommand(ui_->cmdClose);

@@ -3,6 +3,8 @@
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "core/Users.h"
+#include "desk/collection/frmGCWrite.h"
+#include "desk/collection/frmScheduler.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/frmHisErrLog.h"
 #include "ui_frmmain.h"
@@ -16,6 +18,8 @@ frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_uni
     CloseCommand(ui_->cmdonline);
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
     Opens<frmHisErrLog>(ui_->cmdUtility);
+    Opens<frmScheduler>(ui_->cmdScheduler);
+    Opens<frmGCWrite>(ui_->cmdgc);
     connect(ui_->cmdlogoff, &QPushButton::clicked, this, &frmmain::cmdlogoff);
     connect(ui_->cmdexit, &QPushButton::clicked, this, &frmmain::cmdexit);
     ui_->cmdonline->setFocus();
