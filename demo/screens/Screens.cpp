@@ -1,6 +1,8 @@
 #include "demo/screens/Screens.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
+#include <QDateEdit>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
@@ -14,6 +16,9 @@
 #include "desk/core/frmLogin.h"
 #include "desk/core/frmmain.h"
 #include "desk/core/frmshowdata.h"
+#include "desk/reports/frmHistLog.h"
+#include "desk/reports/frmchart.h"
+#include "desk/reports/frmdialout.h"
 #include "desk/reports/frmemail.h"
 #include "desk/reports/frmemail_settings.h"
 #include "desk/reports/frmemaildetails.h"
@@ -59,6 +64,21 @@ void Fill(Stage& stage, const char* field, const char* text) {
     stage.Front().findChild<QLineEdit*>(field)->setText(text);
 }
 
+QWidget* History(Stage& stage) {
+    stage.Open<desk::frmHistLog>();
+    auto* from = stage.Front().findChild<QDateEdit*>("DTPicker1");
+    from->setDate(from->date().addDays(-6));
+    Click(stage, "cmdGo");
+    return Click(stage, "cmdList");
+}
+
+QWidget* Chart(Stage& stage, const char* command) {
+    stage.Open<desk::frmchart>();
+    stage.Front().findChild<QComboBox*>("cmbLocId")->setCurrentIndex(0);
+    stage.Front().findChild<QComboBox*>("cmbMonth")->setCurrentText("3");
+    return Click(stage, command);
+}
+
 QWidget* Mail(Stage& stage) {
     stage.Open<desk::frmemail>();
     Click(stage, "cmdlogin");
@@ -94,6 +114,10 @@ const std::vector<Screen>& Screens() {
         {"gas", Page<desk::frmGCWrite>()},
         {"daily_report", DailyReport},
         {"scheduler_data", Page<desk::frm_Sch_Data>()},
+        {"history", History},
+        {"chart_line", [](Stage& stage) { return Chart(stage, "cmdLineChart"); }},
+        {"chart_bar", [](Stage& stage) { return Chart(stage, "cmdBarChart"); }},
+        {"dialout", Page<desk::frmdialout>()},
         {"mail", Mail},
         {"mail_addressees", Page<desk::frmemaildetails>()},
         {"mail_settings", MailSettings},

@@ -37,8 +37,8 @@ frmrpt::frmrpt(Desk& desk) : Page(desk, "Daily Report "), ui_(std::make_unique<U
     Title("Daily Report ");
     CloseCommand(ui_->cmdClose);
     ui_->Grid->FormatString(
-        ">Sr. No|<Consumer|>Allocation (SCM)|>MGO Qty (SCM)|>Day Flow (SCM)|>Month Flow (SCM)|>Average (SCM/day)|"
-        ">Pressure (kg/cm2)|>Cont. Pr. (kg/cm2)");
+        ">Sr. No|<Consumer|>Allocation\n(SCM)|>MGO Qty\n(SCM)|>Day Flow\n(SCM)|>Month Flow\n(SCM)|"
+        ">Average\n(SCM/day)|>Pressure\n(kg/cm2)|>Cont. Pr.\n(kg/cm2)");
     const core::DateTime today = desk_.clock.Now();
     ui_->dtpicker->setDate(QDate(today.year, today.month, today.day));
     connect(ui_->dtpicker, &QDateEdit::dateChanged, this, &frmrpt::Clear);

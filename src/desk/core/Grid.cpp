@@ -42,7 +42,7 @@ Grid::Grid(QWidget* parent) : QTableView(parent) {
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     connect(this, &QTableView::clicked, this, [this](const QModelIndex& index) { Q_EMIT RowChosen(index.row()); });
 }
 
@@ -58,7 +58,16 @@ void Grid::FormatString(const QString& format) {
         captions.append(column);
     }
     model_.Columns(captions, alignments);
+    FitColumns();
+}
+
+// As wide as caption and cells, with room between a number and the text of the next column.
+void Grid::FitColumns() {
+    constexpr int gap = 16;
     resizeColumnsToContents();
+    for (int column = 0; column < Columns(); ++column) {
+        setColumnWidth(column, columnWidth(column) + gap);
+    }
 }
 
 void Grid::AddItem(const QString& row) {
@@ -67,7 +76,7 @@ void Grid::AddItem(const QString& row) {
 
 void Grid::AddItems(const std::vector<QStringList>& rows) {
     model_.Append(rows);
-    resizeColumnsToContents();
+    FitColumns();
 }
 
 void Grid::SelectRow(int row) {

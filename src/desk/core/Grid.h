@@ -15,7 +15,7 @@ class Grid : public QTableView {
     explicit Grid(QWidget* parent = nullptr);
 
     // The columns: captions separated by "|", each led by "<" left, ">" right or "^" centred; left without a sign.
-    // The last one takes the room that is left. The rows are taken away.
+    // The rows are taken away.
     void FormatString(const QString& format);
 
     // Adds a row, its cells separated by tabs; or many at once. The selection and the place stay.
@@ -51,6 +51,7 @@ class Grid : public QTableView {
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
   private:
+    void FitColumns();
     void Copy() const;
     void SaveAs();
 

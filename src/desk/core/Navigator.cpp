@@ -44,7 +44,9 @@ void Navigator::Leave(Page* page) {
     opened_.erase(at);
     removeWidget(page);
     page->deleteLater();
-    BringForward(Front());
+    if (Front() != nullptr) {
+        BringForward(Front());
+    }
 }
 
 void Navigator::BringForward(Page* page) {

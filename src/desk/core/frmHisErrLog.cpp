@@ -3,6 +3,9 @@
 #include "core/MAIN_Module.h"
 #include "desk/collection/frm_Sch_Data.h"
 #include "desk/collection/frmrpt.h"
+#include "desk/reports/frmHistLog.h"
+#include "desk/reports/frmchart.h"
+#include "desk/reports/frmdialout.h"
 #include "desk/reports/frmemail.h"
 #include "desk/reports/frmemail_settings.h"
 #include "ui_frmHisErrLog.h"
@@ -14,6 +17,9 @@ frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::mak
     Title("Utility");
     Opens<frmrpt>(ui_->cmdReport);
     Opens<frm_Sch_Data>(ui_->cmd_schedul);
+    Opens<frmHistLog>(ui_->cmdhisotrical);
+    Opens<frmchart>(ui_->cmdChart);
+    Opens<frmdialout>(ui_->cmd_dialout);
     Opens<frmemail>(ui_->cmd_email);
     Opens<frmemail_settings>(ui_->cmd_emailsettings);
     NotYet(ui_->cmdarch);

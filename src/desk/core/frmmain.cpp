@@ -7,6 +7,7 @@
 #include "desk/collection/frmScheduler.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/frmHisErrLog.h"
+#include "desk/reports/frmHistLog.h"
 #include "ui_frmmain.h"
 
 namespace desk {
@@ -19,6 +20,7 @@ frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_uni
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
     Opens<frmHisErrLog>(ui_->cmdUtility);
     Opens<frmScheduler>(ui_->cmdScheduler);
+    Opens<frmHistLog>(ui_->cmdfetchlist);
     Opens<frmGCWrite>(ui_->cmdgc);
     connect(ui_->cmdlogoff, &QPushButton::clicked, this, &frmmain::cmdlogoff);
     connect(ui_->cmdexit, &QPushButton::clicked, this, &frmmain::cmdexit);

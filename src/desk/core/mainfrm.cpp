@@ -77,8 +77,13 @@ void mainfrm::ShowClock() {
 }
 
 void mainfrm::ShowCaption(Page* front) {
-    ui_->lblcaption->setText(front->windowTitle());
-    setWindowTitle(front->windowTitle());
+    const auto show = [this](const QString& caption) {
+        ui_->lblcaption->setText(caption);
+        setWindowTitle(caption);
+    };
+    disconnect(caption_);
+    caption_ = connect(front, &QWidget::windowTitleChanged, this, show);
+    show(front->windowTitle());
 }
 
 void mainfrm::Status(const QString& text) {

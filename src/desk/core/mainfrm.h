@@ -61,6 +61,7 @@ class mainfrm : public QMainWindow {
     int resetCounter_ = 0;
     bool ending_ = false;
     QLabel* panel_;
+    QMetaObject::Connection caption_;  // to the page in front
     frmGraphicRept* overview_;
     frmmain* menu_;
     std::unique_ptr<Ui::mainfrm> ui_;
