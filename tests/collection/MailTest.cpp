@@ -182,6 +182,18 @@ TEST_F(MailTest, AServerThatNeverAnswersIsGivenUp) {
     EXPECT_THAT(desk.RtuErr(), HasSubstr("the mail server takes too long"));
 }
 
+TEST_F(MailTest, WhatRunsInsideTheWaitIsNotTheServersTime) {
+    const SilentServer silent;
+    Settings("to@x", "", "");
+    desk.dbconn.Execute("update mail_server set url=?", {silent.Url()});
+    smtp = collection::SmtpTransport(3000);
+    desk.clock.After(1500, [this] { desk.clock.WaitMs(180000); });
+    const auto before = desk.clock.Elapsed();
+    Send();
+    EXPECT_GE(desk.clock.Elapsed() - before, 182000U);
+    EXPECT_LT(desk.clock.Elapsed() - before, 184000U);
+}
+
 TEST_F(MailTest, TheEndOfTheProgramEndsAMail) {
     const SilentServer silent;
     Settings("to@x", "", "");

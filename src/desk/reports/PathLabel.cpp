@@ -5,6 +5,11 @@
 
 namespace desk {
 
+PathLabel::PathLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+}
+
 QSize PathLabel::minimumSizeHint() const {
     return {fontMetrics().averageCharWidth() * 20, fontMetrics().height()};
 }

@@ -9,7 +9,7 @@ class PathLabel : public QLabel {
     Q_OBJECT
 
   public:
-    explicit PathLabel(QWidget* parent = nullptr) : QLabel(parent) { setTextFormat(Qt::PlainText); }
+    explicit PathLabel(QWidget* parent = nullptr);
 
     QSize sizeHint() const override { return minimumSizeHint(); }
     QSize minimumSizeHint() const override;

@@ -8,6 +8,9 @@ frmemail_settings::frmemail_settings(Desk& desk)
     : Page(desk, "Mail Settings"), mail_(desk, this), ui_(std::make_unique<Ui::frmemail_settings>()) {
     ui_->setupUi(this);
     Title("Mail Settings");
+    // Both blocks of fields in one column.
+    ui_->capmailto->setMinimumWidth(ui_->capserverpassword->sizeHint().width());
+    ui_->capurl->setMinimumWidth(ui_->capsubject->sizeHint().width());
     CloseCommand(ui_->cmdCancel);
     connect(ui_->cmdsave, &QPushButton::clicked, this, [this] { Guarded([this] { cmdsave(); }); });
     connect(ui_->cmdtest, &QPushButton::clicked, this, [this] { Guarded([this] { cmdtest(); }); });
