@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QApplication>
 #include <QMessageBox>
 #include <QTest>
 #include <functional>
@@ -67,15 +68,25 @@ inline QMessageBox* Box(const QWidget& page) {
     return nullptr;
 }
 
+// Gives the page's window the focus back behind a box or a dialog, as a desktop does and the offscreen platform does
+// not.
+inline void Return(const QWidget& page) {
+    if (QApplication::activeModalWidget() == nullptr) {
+        page.window()->activateWindow();
+        static_cast<void>(QTest::qWaitForWindowActive(page.window()));
+    }
+}
+
 // The text of the box over a page, which is then answered; empty when there is none.
 inline std::string Answer(const QWidget& page, QMessageBox::StandardButton button = QMessageBox::Ok) {
     QMessageBox* box = Box(page);
     if (box == nullptr) {
         return {};
     }
+    static_cast<void>(QTest::qWaitForWindowActive(box));
     const std::string text = box->text().toStdString();
     QTest::mouseClick(box->button(button), Qt::LeftButton);
-    QTest::qWaitForWindowActive(page.window());
+    Return(page);
     QCoreApplication::processEvents();
     return text;
 }
