@@ -2,7 +2,7 @@
 
 #include "core/Station.h"
 #include "core/Text.h"
-#include "stations/MapBuilder.h"
+#include "stations/StationRegister.h"
 
 namespace demo {
 
@@ -13,64 +13,46 @@ bool IsAga3(const DemoStation& station) {
                                             : station.modelno.rfind("TeleCorrector", 0) != 0;
 }
 
-stations::MapChoices Choices(const DemoStation& station, std::int64_t locationID) {
-    stations::MapChoices choices;
-    choices.locationID = locationID;
-    choices.groupno = station.groupno;
-    choices.modelno = station.modelno;
-    choices.protocol = station.protocol;
-    choices.No_Stream = station.No_Stream;
-    choices.stream = station.stream;
-    choices.optAga3 = IsAga3(station);
-    return choices;
-}
-
-void InsertRow(core::Database& dbconn, const DemoStation& station, std::int64_t locationID) {
-    const auto count = dbconn.First("select count(*) from configdata_master where groupno=?", {station.groupno});
-    dbconn.Execute(
-        "insert into configdata_master(locationID, consumer, presentallocation, rtumake, modelno, comtype, systemtype, "
-        "voltlimit, delaytime, drs, ip, comport, baudrate, phoneno, protocol, slaveaddress, groupno, groupcnt, aga3_7, "
-        "aga8_fpv, Gross_Detail, gasauto, MGO_Qty, Cont_Pr, No_Stream, stream1, stream2, stream3, stream4, mode, "
-        "duration, day, contracthour, rtubits, MB_CONFIG, sampledtoday, sampleddate) "
-        "values(?,?,24000,'BB',?,?,'12 "
-        "VDC',11.5,?,0,'',?,'9600,N,8,1',?,?,?,?,?,?,true,false,false,20000,8.5,?,?,?,?,?,"
-        "?,?,?,?,false,false,false,0)",
-        {locationID,
-         station.consumer,
-         station.modelno,
-         station.phoneno.empty() ? "Direct Comport" : "DialUp Modem",
-         station.delaytime,
-         "COM" + std::to_string(station.port),
-         station.phoneno,
-         station.protocol,
-         station.slaveaddress,
-         station.groupno,
-         (*count)[0].Long() + 1,
-         IsAga3(station),
-         station.No_Stream,
-         station.stream[0],
-         station.stream[1],
-         station.stream[2],
-         station.stream[3],
-         station.mode,
-         station.duration,
-         station.day,
-         station.contracthour});
+// The record as the station form would hold it.
+stations::StationRecord RecordOf(const DemoStation& station, std::int64_t locationId) {
+    stations::StationRecord record;
+    record.locationId = locationId;
+    record.consumer = station.consumer;
+    record.presentallocation = "24000";
+    record.rtumake = "BB";
+    record.modelno = station.modelno;
+    record.comtype = station.phoneno.empty() ? "Direct Comport" : "DialUp Modem";
+    record.systemtype = "12 VDC";
+    record.voltlimit = "11.5";
+    record.delaytime = std::to_string(station.delaytime);
+    record.comport = "COM" + std::to_string(station.port);
+    record.baudrate = "9600,N,8,1";
+    record.phoneno = station.phoneno;
+    record.protocol = station.protocol;
+    record.slaveaddress = std::to_string(station.slaveaddress);
+    record.groupno = std::to_string(station.groupno);
+    record.aga3_7 = IsAga3(station);
+    record.Mgo_Qty = "20000";
+    record.Cont_Pr = "8.5";
+    record.No_Stream = std::to_string(station.No_Stream);
+    record.stream = station.stream;
+    record.Mode = station.mode;
+    record.duration = station.duration;
+    record.weekday = static_cast<int>(core::Val(station.day));
+    record.monthday = static_cast<int>(core::Val(station.day));
+    record.contracthour = station.contracthour;
+    return record;
 }
 
 }  // namespace
 
 std::int64_t AddStation(core::Database& dbconn, const DemoStation& station) {
-    std::int64_t locationID = 0;
+    std::int64_t locationId = 0;
     dbconn.InTransaction([&] {
-        locationID = (*dbconn.First("select ifnull(max(locationID),0)+1 from configdata_master"))[0].Long();
-        InsertRow(dbconn, station, locationID);
-        stations::BuildMap(dbconn, Choices(station, locationID));
-        for (const char* description : {"Todays Allocation", "Additional", "Locking Position"}) {
-            dbconn.Execute("insert into SummaryPara values(?,?,0)", {locationID, description});
-        }
+        locationId = stations::NextLocation(dbconn);
+        stations::SaveStation(dbconn, RecordOf(station, locationId), {});
     });
-    return locationID;
+    return locationId;
 }
 
 std::vector<DemoStation> OneOfEach(const std::string& contracthour) {

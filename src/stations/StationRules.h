@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,22 +23,24 @@ std::vector<std::string> Models(core::Database& dbconn, const std::string& make)
 std::vector<std::string> Comports(core::Database& dbconn);
 std::vector<std::string> Baudrates(core::Database& dbconn);
 
+// Aga7Only and NoAga7 put one of the two options off, so the other one is the choice that is left.
 enum class Metering { Unchanged, Aga3, Aga7, Aga7Only, NoAga7 };
 
 // What a model fixes. A field that the model leaves as it is has no value or the word for it.
 struct ModelRule {
-    bool isCW = false;     // unchanged for "CW_Micro", which counts as no CW model here
-    std::string cmb_stm1;  // empty: unchanged
+    bool isCW = false;                 // unchanged for "CW_Micro", which counts as no CW model here
+    std::string cmb_stm1{};            // empty: unchanged
+    std::string cmb_stm2to4 = "AGA3";  // the other streams, whatever the model
     Metering metering = Metering::Unchanged;
     bool meteringHidden = false;  // frameaga3_7 hidden and disabled
-    std::string protocol;         // text of cmbprotocol; empty: unchanged
+    std::string protocol{};       // text of cmbprotocol; empty: unchanged
     bool protocolLocked = false;
-    bool scheduleEnabled = true;            // frm_shed
-    bool mbConfigEnabled = true;            // chk_MBConfig
-    bool streamsShown = false;              // fr_Mstream, lb_MultiNo, cmb_MultiNO
-    std::vector<std::string> streamCounts;  // list of cmb_MultiNO; empty: unchanged
-    std::string No_Stream;                  // text of cmb_MultiNO; empty: unchanged
-    bool isMicro = false;                   // Mode and Set Register out of reach, Save within it
+    bool scheduleEnabled = true;              // frm_shed
+    bool mbConfigEnabled = true;              // chk_MBConfig; a model that does not disable it leaves it as it is
+    bool streamsShown = false;                // fr_Mstream, lb_MultiNo, cmb_MultiNO
+    std::vector<std::string> streamCounts{};  // list of cmb_MultiNO; empty: unchanged
+    std::string No_Stream{};                  // text of cmb_MultiNO; empty: unchanged
+    bool isMicro = false;                     // Mode and Set Register out of reach, Save within it
 };
 ModelRule RuleOfModel(const std::string& modelno);
 
@@ -50,14 +53,15 @@ struct CommunicationRule {
     bool settingEnabled = true;
     Baud baud = Baud::Enabled;
     bool ipVisible = false;
-    std::string delaytime;  // ms
+    std::string delaytime = "500";     // ms
+    bool lineHiddenOnDisplay = false;  // while a record is shown: the port and the baud field
 };
 CommunicationRule RuleOfCommunication(const std::string& comtype);
 
 // What a protocol shows.
 struct ProtocolRule {
     bool modeVisible = false;
-    std::string mode;  // text of cmbMode; empty: unchanged
+    std::string mode{};  // text of cmbMode; empty: unchanged
     bool mbConfigVisible = false;
     bool setRegisterVisible = false;
     bool setRegisterUnchanged = false;
@@ -68,6 +72,17 @@ ProtocolRule RuleOfProtocol(const std::string& protocol);
 
 // Whether a typed text is one of a list, without case.
 bool IsInList(const std::vector<std::string>& list, const std::string& text);
+
+// What a combo box of frmconfigstation or frmportsetting says to a typed text that its list does not have.
+struct ListRefusal {
+    std::string message;
+    bool textCleared = false;
+};
+
+// The refusal of a typed text when its combo box is left; nothing for a blank text, for one of the list and for a
+// control that has no such check.
+std::optional<ListRefusal> CheckTyped(const std::string& control, const std::vector<std::string>& list,
+                                      const std::string& text);
 
 // The line settings of frmportsetting. Parity is "Odd", "Even" or "None".
 struct PortChoices {
@@ -83,7 +98,7 @@ const std::vector<std::string>& StopBits();
 // "9600,N,8,1" taken apart for the dialog; what is not such a text gives the defaults.
 PortChoices ReadPortChoices(const std::string& settings);
 
-// The blanks of the dialog in their order: the message and the control of the first field that is blank.
+// The blank fields of the dialog in their order, each with its message and its control; the first is told.
 struct PortRefusal {
     std::string message;
     std::string control;

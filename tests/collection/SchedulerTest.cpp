@@ -15,10 +15,11 @@ struct SchedulerTest : testing::Test {
     std::int64_t Add(const std::string& contracthour, const std::string& duration = "Daily",
                      const std::string& day = "0", int port = 9) {
         demo::DemoStation station{"Station " + contracthour + duration + day, "TeleFlow", "Modbus", "RTU", port, 1};
-        station.contracthour = contracthour;
-        station.duration = duration;
-        station.day = day;
-        return demo::AddStation(desk.dbconn, station);
+        const std::int64_t location = demo::AddStation(desk.dbconn, station);
+        // As a row may hold it, also where no form would write it so.
+        desk.dbconn.Execute("update configdata_master set contracthour=?, duration=?, day=? where locationID=?",
+                            {contracthour, duration, day, location});
+        return location;
     }
     int Attempts(std::int64_t location) const {
         int attempts = 0;
