@@ -11,6 +11,7 @@
 #include "desk/collection/frmScheduler.h"
 #include "desk/collection/frm_Sch_Data.h"
 #include "desk/collection/frmrpt.h"
+#include "desk/core/Grid.h"
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/frmHisErrLog.h"
 #include "desk/core/frmLogin.h"
@@ -23,6 +24,8 @@
 #include "desk/reports/frmemail_settings.h"
 #include "desk/reports/frmemaildetails.h"
 #include "desk/session/StationDoor.h"
+#include "desk/stations/frmconfigstation.h"
+#include "desk/stations/frmportsetting.h"
 
 namespace demo {
 
@@ -62,6 +65,37 @@ QWidget* DailyReport(Stage& stage) {
 
 void Fill(Stage& stage, const char* field, const char* text) {
     stage.Front().findChild<QLineEdit*>(field)->setText(text);
+}
+
+void Pick(Stage& stage, const char* list, const char* text) {
+    auto* combo = stage.Front().findChild<QComboBox*>(list);
+    combo->setCurrentIndex(combo->findText(text));
+    Q_EMIT combo->activated(combo->currentIndex());
+}
+
+QWidget* NewStation(Stage& stage) {
+    stage.Open<desk::frmconfigstation>();
+    Click(stage, "cmdadd");
+    Pick(stage, "cmbgroupno", "1");
+    Fill(stage, "txtconsumer", "Zeal Ceramics");
+    Pick(stage, "cmbrtumake", "BB");
+    Pick(stage, "cmbmodelno", "TeleFlow");
+    Pick(stage, "cmbcommtype", "DialUp Modem");
+    Pick(stage, "cmbprotocol", "Modbus");
+    Pick(stage, "cmb_sel", "Daily");
+    return &stage.Shell();
+}
+
+QWidget* ShowStation(Stage& stage, int row) {
+    stage.Open<desk::frmconfigstation>();
+    stage.Front().findChild<desk::Grid*>("Grid")->SelectRow(row);
+    return &stage.Shell();
+}
+
+QWidget* PortSetting(Stage& stage) {
+    Click(stage, "cmdedit");
+    Click(stage, "cmdportsetting");
+    return stage.Front().findChild<desk::frmportsetting*>();
 }
 
 QWidget* History(Stage& stage) {
@@ -110,6 +144,10 @@ const std::vector<Screen>& Screens() {
         {"group", Page<desk::frmshowdata>(1)},
         {"station", Page<desk::StationDoor>(std::int64_t{3})},
         {"utility", Page<desk::frmHisErrLog>()},
+        {"stations", Page<desk::frmconfigstation>()},
+        {"station_new", NewStation},
+        {"station_multistream", [](Stage& stage) { return ShowStation(stage, 3); }},
+        {"port_setting", PortSetting},
         {"scheduler", Page<desk::frmScheduler>()},
         {"gas", Page<desk::frmGCWrite>()},
         {"daily_report", DailyReport},

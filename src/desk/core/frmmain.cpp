@@ -8,6 +8,7 @@
 #include "desk/core/Navigator.h"
 #include "desk/core/frmHisErrLog.h"
 #include "desk/reports/frmHistLog.h"
+#include "desk/stations/frmconfigstation.h"
 #include "ui_frmmain.h"
 
 namespace desk {
@@ -18,6 +19,7 @@ frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_uni
     NotYet(ui_->cmd_calibration);
     CloseCommand(ui_->cmdonline);
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
+    Opens<frmconfigstation>(ui_->cmdconfigsta);
     Opens<frmHisErrLog>(ui_->cmdUtility);
     Opens<frmScheduler>(ui_->cmdScheduler);
     Opens<frmHistLog>(ui_->cmdfetchlist);

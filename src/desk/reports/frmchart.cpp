@@ -50,6 +50,7 @@ QValueAxis* Scale(const QString& title, double most) {
     axis->setTitleText(title);
     axis->setRange(0, most > 0 ? most * headroom : 1);
     axis->setLabelFormat(most >= 1000 ? "%.0f" : "%.4g");
+    axis->applyNiceNumbers();
     return axis;
 }
 
@@ -142,6 +143,7 @@ void frmchart::Draw(Form form, const reports::MonthFigures& figures) {
                                       QString::number(figures.year));
     auto* dayAxis = new QBarCategoryAxis;
     dayAxis->append(captions);
+    dayAxis->setGridLineVisible(false);
     auto* flowAxis = Scale("Day flow (SCM)", mostFlow);
     auto* pressureAxis = Scale("Pressure (kg/cm2)", mostPressure);
     chart->addAxis(dayAxis, Qt::AlignBottom);
