@@ -1,5 +1,3 @@
-#include "demo/screens/Screens.h"
-
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -10,6 +8,7 @@
 #include <QTest>
 #include <set>
 
+#include "demo/screens/Screens.h"
 #include "desk/core/Look.h"
 #include "desk/core/NodeButton.h"
 #include "support/ScreenDesk.h"
@@ -44,7 +43,8 @@ void ExpectNothingCutOff(const QWidget& window) {
             EXPECT_GE(widget->height(), widget->minimumSizeHint().height()) << Name(*widget);
         }
         if (const auto* combo = qobject_cast<const QComboBox*>(widget)) {
-            EXPECT_GE(combo->width(), combo->fontMetrics().horizontalAdvance(combo->currentText()) + 24) << Name(*combo);
+            EXPECT_GE(combo->width(), combo->fontMetrics().horizontalAdvance(combo->currentText()) + 24)
+                << Name(*combo);
         }
         if (const auto* table = qobject_cast<const QTableView*>(widget)) {
             for (int column = 0; column < table->model()->columnCount(); ++column) {

@@ -94,7 +94,6 @@ TEST_F(ShellTest, EverySixtyFirstTickResetsTheFlagsAndAFailureStopsNoTick) {
     EXPECT_THAT(desk.RtuErr(), testing::HasSubstr("no such table: configdata_master"));
 }
 
-
 TEST_F(ShellTest, ABoxOfARunWaitsForNobodyAndIsWrittenDown) {
     ::desk::RunFeedback feedback(desk.logs, [](const QString&) {});
     feedback.Box("Value is not defined in Modbus Parameter Table");

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QApplication>
+#include <QAbstractButton>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <functional>
 #include <string>

@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTimeEdit>
+
+#include "desk/core/Grid.h"
+#include "desk/stations/frmconfigstation.h"
+#include "support/ScreenDesk.h"
+
+using support::Answer;
+using support::Click;
+using support::The;
+using support::Type;
+
+namespace {
+
+// What a row holds that no collection has touched.
+constexpr double untouched = -999999;
+
+struct Kind {
+    const char* modelno;
+    const char* protocol;
+    const char* mode = "";
+    int streams = 1;
+};
+
+std::string NameOf(const testing::TestParamInfo<Kind>& info) {
+    std::string name = std::string(info.param.modelno) + "_" + info.param.protocol + info.param.mode;
+    for (char& letter : name) {
+        letter = std::isalnum(static_cast<unsigned char>(letter)) != 0 ? letter : letter == '+' ? 'P' : '_';
+    }
+    return name;
+}
+
+// A station of every model and protocol, from the form to the last row.
+struct StationStory : testing::TestWithParam<Kind> {
+    support::ScreenDesk desk{{2026, 3, 9, 7, 58, 30}};
+    ::desk::frmconfigstation& form = desk.Open<::desk::frmconfigstation>();
+    const std::int64_t location = 1;
+
+    bool IsScheduled() const { return std::string(GetParam().modelno) != "CW_Micro"; }
+
+    void Enter(const char* field, const QString& text) {
+        Type(form, field, text);
+        QTest::keyClick(&The(form, field), Qt::Key_Tab);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(Answer(form), "") << field << " " << text.toStdString();
+    }
+    void AddByKeys(const QString& consumer) {
+        const Kind& kind = GetParam();
+        Click(form, "cmdadd");
+        Enter("cmbgroupno", "2");
+        Enter("txtconsumer", consumer);
+        Enter("cmbrtumake", "BB");
+        Enter("cmbmodelno", kind.modelno);
+        Enter("cmbcommtype", "Direct Comport");
+        Enter("cmbcommport", "COM4");
+        Enter("cmbbaudrate", "19200,N,8,1");
+        Enter("txtdelay", "100");
+        Enter("cmbsysvolttype", "12 VDC");
+        if (IsScheduled()) {
+            Enter("cmbprotocol", kind.protocol);
+        }
+        if (*kind.mode != '\0') {
+            Enter("cmbMode", kind.mode);
+        }
+        Enter("txtslaveaddres", "6");
+        if (kind.streams > 1) {
+            Enter("cmb_MultiNO", QString::number(kind.streams));
+            Enter("cmb_stm2", "AGA7");
+        }
+        if (IsScheduled()) {
+            Enter("cmb_sel", "Daily");
+            auto& time = The<QTimeEdit>(form, "DT_time");
+            time.setFocus();
+            QTest::keyClick(&time, Qt::Key_Home);
+            QTest::keyClicks(&time, "08");
+        }
+        Save();
+    }
+    void Save() {
+        Click(form, "cmdsave");
+        EXPECT_EQ(Answer(form), "");
+        EXPECT_TRUE(The(form, "cmdadd").isEnabled());
+    }
+    core::Row Row() { return desk.Master(location); }
+    // Every row of the map whose value came from the station; none holds a value of another name.
+    int Collected(const fieldsim::Field& field) {
+        int stored = 0;
+        for (const core::Row& row :
+             desk.dbconn.Query("select * from configdata_detail where locationID=?", {location})) {
+            const double value = row.Number("lastvalue");
+            const bool served =
+                field.WasServed(location, static_cast<int>(row.Long("StreamNo")), row.Text("description"), value);
+            EXPECT_TRUE(value == untouched || served) << row.Text("description") << " = " << value;
+            stored += served ? 1 : 0;
+        }
+        return stored;
+    }
+    // The tables in which a location has a row, by whatever name they call it.
+    std::vector<std::string> TablesWith(std::int64_t id) {
+        std::vector<std::string> tables;
+        for (const core::Row& table : desk.dbconn.Query("select name from sqlite_master where type='table'")) {
+            for (const core::Row& column : desk.dbconn.Query("select name from pragma_table_info(?)", {table[0]})) {
+                for (const char* key : {"locationID", "NodeId", "fk_node_id"}) {
+                    if (QString::fromStdString(column[0].Text()).compare(key, Qt::CaseInsensitive) == 0 &&
+                        desk.Count(table[0].Text() + " where " + key + "=?", {id}) > 0) {
+                        tables.push_back(table[0].Text());
+                    }
+                }
+            }
+        }
+        return tables;
+    }
+};
+
+TEST_P(StationStory, IsAddedCollectedRenamedAndDeletedWithoutARowLeft) {
+    AddByKeys("O'Brien's Works");
+    EXPECT_EQ(Row().Text("consumer"), "O'Brien's Works");
+    EXPECT_EQ(Row().Text("modelno"), GetParam().modelno);
+    EXPECT_EQ(Row().Long("groupcnt"), 1);
+    EXPECT_EQ(desk.Count("SummaryPara where LocationID=?", {location}), 3);
+
+    desk.dbconn.Execute("update configdata_detail set lastvalue=?", {untouched});
+    desk.StartTicking();
+    const auto& field = desk.OpenField();
+    desk.clock.Run(15 * 60000);
+    if (IsScheduled()) {
+        EXPECT_EQ(Row().Text("contracthour"), "08:00");
+        EXPECT_TRUE(Row().Bool("sampledtoday")) << desk.RtuErr();
+        EXPECT_GT(Collected(field), 20);
+        EXPECT_EQ(desk.Count("LogParam where LocationId=?", {location}), 1);
+    }
+
+    Click(form, "cmdedit");
+    EXPECT_FALSE(The(form, "cmbmodelno").isEnabled());
+    Enter("txtconsumer", "Mill & Sons");
+    Enter("txtdelay", "150");
+    Save();
+    EXPECT_EQ(Row().Text("consumer"), "Mill & Sons");
+    EXPECT_EQ(Row().Long("delaytime"), 150);
+    if (IsScheduled()) {
+        desk.dbconn.Execute("update configdata_detail set lastvalue=?", {untouched});
+        const auto& sameField = desk.OpenField();
+        desk.clock.Run(24ULL * 3600000);
+        EXPECT_TRUE(Row().Bool("sampledtoday")) << desk.RtuErr();
+        EXPECT_GT(Collected(sameField), 20);
+        EXPECT_EQ(desk.Count("LogParam where LocationId=?", {location}), 2);
+    }
+
+    desk.dbconn.Execute("insert into write_gc values(?,'Methane','183',90)", {location});
+    const auto underOldName = desk.Count("Scheduler where RTUName=?", {"O'Brien's Works"});
+    Click(form, "cmddelete");
+    EXPECT_EQ(Answer(form, QMessageBox::Yes), "Are You Sure?");
+    EXPECT_EQ(Answer(form), "Record Deleted..");
+    EXPECT_THAT(TablesWith(location), testing::IsEmpty());
+    EXPECT_EQ(The<::desk::Grid>(form, "Grid").Rows(), 0);
+    // The schedule's rows are kept by name: those from before the renaming stay.
+    EXPECT_EQ(desk.Count("Scheduler"), underOldName);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryModelAndProtocol, StationStory,
+    testing::Values(Kind{"TeleFlow", "BSAP"}, Kind{"TeleFlow", "Modbus", "RTU"}, Kind{"TeleFlow", "Modbus", "ASCII"},
+                    Kind{"TeleFlow", "Quantum"}, Kind{"TeleFlow+", "BSAP"}, Kind{"TeleFlow+", "Modbus", "RTU"},
+                    Kind{"TeleFlow+", "Modbus", "ASCII"}, Kind{"TeleCorrector", "BSAP"},
+                    Kind{"TeleCorrector", "Modbus", "RTU"}, Kind{"TeleCorrector", "Modbus", "ASCII"},
+                    Kind{"TeleCorrector+", "BSAP"}, Kind{"TeleCorrector+", "Modbus", "RTU"},
+                    Kind{"TeleCorrector+", "Modbus", "ASCII"}, Kind{"TeleRTU", "BSAP"},
+                    Kind{"TeleRTU", "Modbus", "RTU"}, Kind{"TeleRTU(M)", "BSAP"}, Kind{"TeleRTU(M)", "Modbus", "RTU"},
+                    Kind{"CWEFM-AGA3", "BSAP"}, Kind{"CWEFM-AGA3", "Modbus", "RTU"}, Kind{"CWGFC-AGA3", "BSAP"},
+                    Kind{"CWGFC-AGA3", "Modbus", "RTU"}, Kind{"CWEFM-AGA7", "BSAP"},
+                    Kind{"CWEFM-AGA7", "Modbus", "RTU"}, Kind{"CWGFC-AGA7", "BSAP"},
+                    Kind{"CWGFC-AGA7", "Modbus", "RTU"}, Kind{"CWEFM-AGA9", "BSAP"}, Kind{"CWGFC-AGA9", "BSAP"},
+                    Kind{"CWEPAC-AGA11", "BSAP"}, Kind{"CWEFM-MultiStream", "BSAP", "", 4},
+                    Kind{"CWEFM-MultiStream", "Modbus", "RTU", 2}, Kind{"CWGFC-MultiStream", "BSAP", "", 2},
+                    Kind{"CW_Micro", "BSAP"}),
+    NameOf);
+
+}  // namespace
