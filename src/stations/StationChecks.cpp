@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "core/Station.h"
@@ -38,7 +39,11 @@ bool HasModem(const StationRecord& record) {
 // A whole number from 0 to 4. 0 is in no list, but typed it passes: a station in no column of the overview.
 bool IsGroup(const std::string& text) {
     const std::string group = core::Trim(text);
-    return !group.empty() && group.find_first_not_of("0123456789") == std::string::npos && core::Val(group) <= 4;
+    if (group.empty() || group.find_first_not_of("0123456789") != std::string::npos) {
+        return false;
+    }
+    const std::string digits = group.substr(std::min(group.find_first_not_of('0'), group.size()));
+    return digits.empty() || (digits.size() == 1 && digits <= "4");
 }
 
 // Names are told apart without case everywhere, so a station may change the case of its own name.

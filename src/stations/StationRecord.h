@@ -43,6 +43,8 @@ struct StationRecord {
     std::string emailbcc;
     std::string emailsubject;
     bool MB_CONFIG = false;
+
+    bool operator==(const StationRecord&) const = default;
 };
 
 }  // namespace stations
