@@ -77,6 +77,8 @@ TEST_F(GasCompositionScreenTest, AValueIsEditedByKeysAndSaved) {
     auto* window = Window(form);
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(window->windowModality(), Qt::WindowModal);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    QCoreApplication::processEvents();
     EXPECT_EQ(The<QLabel>(*window, "lbldescription").text(), "Methane");
     EXPECT_EQ(The<QLineEdit>(*window, "txtvalue").selectedText(), "90.5");
     Give(*window, "91.25");

@@ -71,7 +71,8 @@ TEST_F(ReportScreens, TheHistoryLogSaysWhatIsWrong) {
         EXPECT_EQ(Answer(form), c.message);
         EXPECT_FALSE(The(form, "cmdList").isEnabled());
     }
-    Log("2026-03-10 08:01:00", 900, 18, "");  // a day beside the range: the station is found, the range is empty
+    The<QDateEdit>(form, "DTPicker2").setDate({2026, 3, 9});
+    Log("2026-03-08 08:01:00", 900, 18, "");  // a day beside the range: the station is found, the range is empty
     Click(form, "cmdGo");
     Click(form, "cmdList");
     EXPECT_EQ(Answer(form), "No Record For Selected Node");
@@ -81,7 +82,8 @@ TEST_F(ReportScreens, TheHistoryLogSaysWhatIsWrong) {
 std::vector<QPointF> LinePoints(const QWidget& form, const char* name) {
     for (QAbstractSeries* series : The<QChartView>(form, "chart").chart()->series()) {
         if (auto* line = qobject_cast<QLineSeries*>(series); line != nullptr && line->name().startsWith(name)) {
-            return {line->points().begin(), line->points().end()};
+            const QList<QPointF> points = line->points();
+            return {points.begin(), points.end()};
         }
     }
     return {};

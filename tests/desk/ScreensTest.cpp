@@ -49,7 +49,7 @@ void ExpectNothingCutOff(const QWidget& window) {
         if (const auto* table = qobject_cast<const QTableView*>(widget)) {
             for (int column = 0; column < table->model()->columnCount(); ++column) {
                 const QString caption = table->model()->headerData(column, Qt::Horizontal).toString();
-                EXPECT_GE(table->columnWidth(column), table->fontMetrics().horizontalAdvance(caption)) << Name(*table);
+                EXPECT_GE(table->columnWidth(column), table->fontMetrics().size(0, caption).width()) << Name(*table);
             }
         }
         // What a scrolling view or a list holds may go on outside of it.

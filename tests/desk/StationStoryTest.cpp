@@ -75,7 +75,9 @@ struct StationStory : testing::TestWithParam<Kind> {
             auto& time = The<QTimeEdit>(form, "DT_time");
             time.setFocus();
             QTest::keyClick(&time, Qt::Key_Home);
-            QTest::keyClicks(&time, "08");
+            for (int hour = 0; hour < 8; ++hour) {
+                QTest::keyClick(&time, Qt::Key_Up);
+            }
         }
         Save();
     }
