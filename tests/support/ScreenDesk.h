@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <functional>
 #include <string>
@@ -75,7 +76,7 @@ inline std::string Answer(const QWidget& page, QMessageBox::StandardButton butto
     }
     const std::string text = box->text().toStdString();
     QTest::mouseClick(box->button(button), Qt::LeftButton);
-    QTest::qWaitForWindowActive(page.window());
+    EXPECT_TRUE(QTest::qWaitForWindowActive(page.window()));
     QCoreApplication::processEvents();
     return text;
 }
