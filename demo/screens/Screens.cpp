@@ -15,8 +15,11 @@
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/frmHisErrLog.h"
 #include "desk/core/frmLogin.h"
+#include "desk/core/frmlog.h"
 #include "desk/core/frmmain.h"
 #include "desk/core/frmshowdata.h"
+#include "desk/core/frmtts.h"
+#include "desk/core/frmuser.h"
 #include "desk/reports/frmHistLog.h"
 #include "desk/reports/frmchart.h"
 #include "desk/reports/frmdialout.h"
@@ -113,6 +116,28 @@ QWidget* Chart(Stage& stage, const char* command) {
     return Click(stage, command);
 }
 
+QWidget* Users(Stage& stage) {
+    core::Database& dbconn = stage.Surroundings().dbconn;
+    for (const char* userid : {"anna", "joseph", "nightshift"}) {
+        dbconn.Execute("insert into users(userid) values(?)", {userid});
+    }
+    stage.Open<desk::frmuser>();
+    return &stage.Shell();
+}
+
+QWidget* EditUser(Stage& stage) {
+    stage.Front().findChild<desk::Grid*>("Grid")->SelectRow(3);
+    return Click(stage, "cmdedit");
+}
+
+QWidget* Audit(Stage& stage) {
+    core::Logs& logs = stage.Surroundings().logs;
+    logs.WriteAudit(logs.Stamp() + ":  user operator logged in.");
+    logs.WriteAudit(logs.Stamp() + " :operator created user nightshift.");
+    stage.Open<desk::frmtts>();
+    return Click(stage, "cmd_view");
+}
+
 QWidget* Mail(Stage& stage) {
     stage.Open<desk::frmemail>();
     Click(stage, "cmdlogin");
@@ -156,6 +181,10 @@ const std::vector<Screen>& Screens() {
         {"chart_line", [](Stage& stage) { return Chart(stage, "cmdLineChart"); }},
         {"chart_bar", [](Stage& stage) { return Chart(stage, "cmdBarChart"); }},
         {"dialout", Page<desk::frmdialout>()},
+        {"users", Users},
+        {"user", EditUser},
+        {"audit", Audit},
+        {"error_log", Page<desk::frmlog>()},
         {"mail", Mail},
         {"mail_addressees", Page<desk::frmemaildetails>()},
         {"mail_settings", MailSettings},

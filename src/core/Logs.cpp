@@ -1,6 +1,10 @@
 #include "core/Logs.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <fstream>
+#include <limits>
+#include <vector>
 
 #include "core/Clock.h"
 #include "core/Database.h"
@@ -22,6 +26,34 @@ std::string StampOf(const Clock& clock) {
     return DateText(now) + " " + TimeText(now);
 }
 
+// The end of a text, at most `limit` bytes of it: from the start of a line where one is left, else of a character.
+std::string LastPart(const std::string& text, std::size_t limit) {
+    if (text.size() <= limit) {
+        return text;
+    }
+    std::size_t start = text.size() - limit;
+    if (const auto lineEnd = text.find('\n', start - 1); lineEnd < text.size() - 1) {
+        return text.substr(lineEnd + 1);
+    }
+    while (start < text.size() && (static_cast<unsigned char>(text[start]) & 0xC0) == 0x80) {
+        ++start;
+    }
+    return text.substr(start);
+}
+
+// Each line followed by CR LF, however it ended before.
+std::string WithLineEnds(const std::string& text) {
+    std::string out;
+    out.reserve(text.size() + text.size() / 16);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        const bool returned = end > at && text[end - 1] == '\r';
+        out.append(text, at, end - at - (returned ? 1 : 0)).append("\r\n");
+        at = end + 1;
+    }
+    return out;
+}
+
 }  // namespace
 
 bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text) {
@@ -32,8 +64,69 @@ void Logs::WriteAudit(const std::string& auditline) {
     dbconn_.Execute("insert into TTS_table values(?)", {auditline});
 }
 
+LogText Logs::ReadAudit(std::size_t limit) const {
+    // From the end back, some rows at a time and no more of a row than can be shown: a trail of years is never read
+    // whole.
+    constexpr std::int64_t rowsAtOnce = 200;
+    std::vector<std::string> lines;
+    std::size_t size = 0;
+    std::int64_t before = std::numeric_limits<std::int64_t>::max();
+    for (std::size_t read = rowsAtOnce; read == rowsAtOnce && size <= limit;) {
+        const auto rows = dbconn_.Query(
+            "select rowid as place, substr(LOG, -?) as line from TTS_table where rowid < ? order by rowid desc limit ?",
+            {static_cast<std::int64_t>(limit) + 1, before, rowsAtOnce});
+        read = rows.size();
+        for (const Row& row : rows) {
+            if (size > limit) {
+                break;
+            }
+            before = row.Long("place");
+            lines.push_back(row.Text("line") + "\r\n");
+            size += lines.back().size();
+        }
+    }
+    std::string text;
+    text.reserve(size);
+    for (auto line = lines.rbegin(); line != lines.rend(); ++line) {
+        text += *line;
+    }
+    return {LastPart(text, limit), size <= limit};
+}
+
+void Logs::ClearAudit() {
+    dbconn_.Execute("delete from TTS_table");
+}
+
 bool Logs::WriteRtuErr(const std::string& text) {
     return core::WriteRtuErr(shared_, clock_, text);
+}
+
+LogText Logs::ReadRtuErr(std::size_t limit) const {
+    std::error_code failure;
+    const auto size = std::filesystem::file_size(shared_.rtuErrPath, failure);
+    if (failure == std::errc::no_such_file_or_directory) {
+        return {};
+    }
+    std::ifstream in(shared_.rtuErrPath, std::ios::binary);
+    if (failure || !in) {
+        throw std::system_error(failure ? failure : std::make_error_code(std::errc::permission_denied),
+                                shared_.rtuErrPath.filename().string());
+    }
+    // One byte more than is shown tells whether the first line is whole.
+    const bool whole = size <= limit;
+    in.seekg(whole ? 0 : static_cast<std::streamoff>(size - limit - 1));
+    std::string text(whole ? static_cast<std::size_t>(size) : limit + 1, '\0');
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(in.gcount()));
+    return {WithLineEnds(LastPart(text, limit)), whole};
+}
+
+std::error_code Logs::ClearRtuErr() {
+    std::error_code failure;
+    if (!std::filesystem::remove(shared_.rtuErrPath, failure) && !failure) {
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    }
+    return failure;
 }
 
 void Logs::WriteLogLine(const std::string& text) {

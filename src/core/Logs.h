@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <system_error>
 
 namespace core {
 
@@ -12,6 +14,15 @@ struct MAIN_Module;
 // stops nobody: tells whether the line is in the file.
 bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text);
 
+// What a screen shows of a log: its lines, each followed by CR LF.
+struct LogText {
+    std::string text;
+    bool whole = true;  // false: only the last lines of the log
+};
+
+// As much as a screen takes at once without a wait, in bytes.
+constexpr std::size_t logTextLimit = 1'000'000;
+
 // The three records of what happened, and the printout of parameters.
 class Logs {
   public:
@@ -21,8 +32,21 @@ class Logs {
     // One line of the audit trail, TTS_table, as its event words it. Throws DatabaseError.
     void WriteAudit(const std::string& auditline);
 
+    // The audit trail in table order, or as many of its last lines as the limit holds. Throws DatabaseError.
+    LogText ReadAudit(std::size_t limit = logTextLimit) const;
+
+    // Takes all lines away. Throws DatabaseError.
+    void ClearAudit();
+
     // The same, of this desk.
     bool WriteRtuErr(const std::string& text);
+
+    // RTU_Err.log, or as many of its last lines as the limit holds. Empty when there is no such file.
+    // Throws std::system_error when there is one that cannot be read.
+    LogText ReadRtuErr(std::size_t limit = logTextLimit) const;
+
+    // Deletes RTU_Err.log. Tells why not; a file that is not there is such an error.
+    std::error_code ClearRtuErr();
 
     // A title or a line of bytes of the BSAP traffic, into log.txt; nothing while logGenflag is false.
     void WriteLogLine(const std::string& text);

@@ -55,6 +55,26 @@ std::optional<std::string> ScramblePassword(const std::string& text) {
     return FromCodePage(stored);
 }
 
+std::optional<std::string> UnscramblePassword(const std::string& stored) {
+    const auto codes = ToCodePage(stored);
+    if (!codes) {
+        return std::nullopt;
+    }
+    std::string plain;
+    for (std::size_t position = 1; position <= codes->size(); ++position) {
+        const std::size_t code = static_cast<unsigned char>((*codes)[codes->size() - position]);
+        if (code <= position) {
+            return std::nullopt;
+        }
+        plain += static_cast<char>(code - position);
+    }
+    return FromCodePage(plain);
+}
+
+bool IsSuperUser(const std::string& userid) {
+    return UpperText(userid) == superUser;
+}
+
 AccessLevel CheckWriteLevel(Database& dbconn, const std::string&, int RS, int WS, const std::string& user) {
     if (user == superUser) {
         return AccessLevel::ReadWrite;
@@ -86,7 +106,7 @@ bool ChangePassword(Database& dbconn, const std::string& userid, const std::stri
 
 LoginOutcome Login(Database& dbconn, MAIN_Module& shared, Logs& logs, const std::string& userid,
                    const std::string& password) {
-    if (UpperText(userid) == superUser && password == superPassword) {
+    if (IsSuperUser(userid) && password == superPassword) {
         shared.currentuser = superUser;
         shared.rights = AllRights();
         return LoginOutcome::LoggedIn;

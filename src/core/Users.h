@@ -13,6 +13,13 @@ struct MAIN_Module;
 // It is a form, not a protection. Nothing when a character leaves the 8-bit code page.
 std::optional<std::string> ScramblePassword(const std::string& text);
 
+// The plain text of a stored password, for the screen that edits a user. Nothing where the stored text is none that
+// ScramblePassword makes.
+std::optional<std::string> UnscramblePassword(const std::string& stored);
+
+// The built-in super-user's id, in any spelling of case.
+bool IsSuperUser(const std::string& userid);
+
 // What a parameter is to a user: 1 read, 2 read and write, 3 hidden.
 enum class AccessLevel { Read = 1, ReadWrite = 2, Hidden = 3 };
 

@@ -42,4 +42,63 @@ TEST_F(LogsTest, TheParameterPrintoutIsWrittenWhole) {
     EXPECT_EQ(support::FileText(desk.shared.confparamspath), "new");
 }
 
+TEST_F(LogsTest, TheAuditTrailIsReadInTableOrderAndCleared) {
+    EXPECT_EQ(desk.logs.ReadAudit().text, "");
+    std::string all;
+    for (int i = 0; i < 450; ++i) {
+        const std::string line = "O'Neil 100% " + std::to_string(i);
+        desk.logs.WriteAudit(line);
+        all += line + "\r\n";
+    }
+    EXPECT_EQ(desk.logs.ReadAudit().text, all);
+    EXPECT_TRUE(desk.logs.ReadAudit(all.size()).whole);
+    desk.logs.ClearAudit();
+    EXPECT_EQ(desk.logs.ReadAudit().text, "");
+    EXPECT_FALSE(desk.dbconn.First("select * from TTS_table"));
+}
+
+TEST_F(LogsTest, TheErrorLogIsReadWithItsLineEndsAndCleared) {
+    EXPECT_EQ(desk.logs.ReadRtuErr().text, "");
+    EXPECT_EQ(desk.logs.ClearRtuErr(), std::errc::no_such_file_or_directory);
+    struct Case {
+        std::string file, shown;
+    };
+    for (const Case& c :
+         {Case{"", ""}, Case{"one\ntwo\n", "one\r\ntwo\r\n"}, Case{"one\r\n\r\ntwo", "one\r\n\r\ntwo\r\n"},
+          Case{"\n", "\r\n"}, Case{std::string("a\0b\n", 4), std::string("a\0b\r\n", 5)}}) {
+        std::ofstream(desk.shared.rtuErrPath, std::ios::binary) << c.file;
+        EXPECT_EQ(desk.logs.ReadRtuErr().text, c.shown);
+        EXPECT_TRUE(desk.logs.ReadRtuErr().whole);
+    }
+    EXPECT_FALSE(desk.logs.ClearRtuErr());
+    EXPECT_FALSE(std::filesystem::exists(desk.shared.rtuErrPath));
+    std::filesystem::create_directory(desk.shared.rtuErrPath);
+    EXPECT_THROW(desk.logs.ReadRtuErr(), std::system_error);
+}
+
+TEST_F(LogsTest, OfALongLogTheLastWholeLinesAreRead) {
+    struct Case {
+        std::vector<std::string> lines;
+        std::size_t limit;
+        std::string audit, file;
+    };
+    for (const Case& c : {Case{{"first", "second", "third"}, 17, "second\r\nthird\r\n", "second\r\nthird\r\n"},
+                          Case{{"first", "second", "third"}, 13, "third\r\n", "second\r\nthird\r\n"},
+                          Case{{"first", "second", "third"}, 8, "third\r\n", "third\r\n"},
+                          Case{{"first", "äää"}, 6, "ää\r\n", "ää\r\n"},  // a line too long for itself, cut at a letter
+                          Case{{std::string(10000, 'x')}, 4, "xx\r\n", "xxx\r\n"}}) {
+        desk.logs.ClearAudit();
+        std::ofstream file(desk.shared.rtuErrPath, std::ios::binary);
+        for (const std::string& line : c.lines) {
+            desk.logs.WriteAudit(line);
+            file << line << "\n";
+        }
+        file.close();
+        EXPECT_EQ(desk.logs.ReadAudit(c.limit).text, c.audit) << c.limit;
+        EXPECT_FALSE(desk.logs.ReadAudit(c.limit).whole);
+        EXPECT_EQ(desk.logs.ReadRtuErr(c.limit).text, c.file) << c.limit;
+        EXPECT_FALSE(desk.logs.ReadRtuErr(c.limit).whole);
+    }
+}
+
 }  // namespace

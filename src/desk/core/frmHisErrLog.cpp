@@ -2,6 +2,7 @@
 
 #include "core/MAIN_Module.h"
 #include "desk/collection/frm_Sch_Data.h"
+#include "desk/core/frmlog.h"
 #include "desk/collection/frmrpt.h"
 #include "desk/reports/frmHistLog.h"
 #include "desk/reports/frmchart.h"
@@ -15,6 +16,7 @@ namespace desk {
 frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::make_unique<Ui::frmHisErrLog>()) {
     ui_->setupUi(this);
     Title("Utility");
+    Opens<frmlog>(ui_->cmdlog);
     Opens<frmrpt>(ui_->cmdReport);
     Opens<frm_Sch_Data>(ui_->cmd_schedul);
     Opens<frmHistLog>(ui_->cmdhisotrical);

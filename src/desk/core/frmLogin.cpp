@@ -35,6 +35,8 @@ frmLogin::frmLogin(core::Database& dbconn, core::MAIN_Module& shared, core::Logs
     ui_->lbltitle->setFont(title);
     // Both blocks of fields in one column.
     ui_->lbluser->setMinimumWidth(ui_->lblconfirmpass->sizeHint().width());
+    ui_->cmdreveal->Reveals({ui_->txtpassword});
+    ui_->cmdrevealnew->Reveals({ui_->txtnewpass, ui_->txtconfirmpass});
     connect(ui_->cmdOk, &QPushButton::clicked, this, &frmLogin::cmdOk);
     connect(ui_->cmdchange, &QPushButton::clicked, this, &frmLogin::cmdchange);
     connect(ui_->cmdsave, &QPushButton::clicked, this, &frmLogin::cmdsave);
@@ -126,7 +128,8 @@ void frmLogin::cmdchange() {
 }
 
 void frmLogin::cmdsave() {
-    if (ui_->txtnewpass->text().isEmpty()) {
+    // Blanks alone are empty: the password is stored without those at its ends.
+    if (ui_->txtnewpass->text().trimmed().isEmpty()) {
         box_("Please Enter New Password", "Login");
         Select(ui_->txtnewpass);
         return;

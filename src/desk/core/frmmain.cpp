@@ -7,6 +7,8 @@
 #include "desk/collection/frmScheduler.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/frmHisErrLog.h"
+#include "desk/core/frmtts.h"
+#include "desk/core/frmuser.h"
 #include "desk/reports/frmHistLog.h"
 #include "desk/stations/frmconfigstation.h"
 #include "ui_frmmain.h"
@@ -20,6 +22,8 @@ frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_uni
     CloseCommand(ui_->cmdonline);
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
     Opens<frmconfigstation>(ui_->cmdconfigsta);
+    Opens<frmuser>(ui_->cmduser);
+    Opens<frmtts>(ui_->cmdtts);
     Opens<frmHisErrLog>(ui_->cmdUtility);
     Opens<frmScheduler>(ui_->cmdScheduler);
     Opens<frmHistLog>(ui_->cmdfetchlist);

@@ -1,0 +1,69 @@
+#include "desk/core/LogView.h"
+
+#include <QContextMenuEvent>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QSaveFile>
+
+#include "core/Logs.h"
+#include "desk/core/Boxes.h"
+
+namespace desk {
+
+LogView::LogView(QWidget* parent) : QPlainTextEdit(parent) {
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    setLineWrapMode(NoWrap);
+}
+
+void LogView::ShowLog(const core::LogText& log, QLabel* note) {
+    setPlainText(QString::fromStdString(log.text));
+    moveCursor(QTextCursor::End);
+    ensureCursorVisible();
+    note->setText("The log is long: only its last lines are shown.");
+    note->setVisible(!log.whole);
+}
+
+QString LogView::Save(const QString& file) const {
+    QSaveFile out(file);
+    const QByteArray text = toPlainText().replace('\n', "\r\n").toUtf8();
+    if (!out.open(QIODevice::WriteOnly) || out.write(text) != text.size() || !out.commit()) {
+        return file + ": " + out.errorString();
+    }
+    return {};
+}
+
+void LogView::SaveAs() {
+    auto* dialog = new QFileDialog(this, "Save as text", {}, "Text (*.txt)");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix("txt");
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+        if (const QString failure = Save(file); !failure.isEmpty()) {
+            ShowBox(this, failure, "Save");
+        }
+    });
+    dialog->open();
+}
+
+void LogView::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Save)) {
+        SaveAs();
+    } else {
+        QPlainTextEdit::keyPressEvent(event);
+    }
+}
+
+void LogView::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* menu = createStandardContextMenu(event->pos());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addSeparator();
+    menu->addAction("&Save As...", QKeySequence::Save, this, &LogView::SaveAs);
+    menu->popup(event->globalPos());
+}
+
+}  // namespace desk

@@ -1,0 +1,32 @@
+#include "desk/core/frmtts.h"
+
+#include "core/Logs.h"
+#include "ui_frmtts.h"
+
+namespace desk {
+
+frmtts::frmtts(Desk& desk) : Page(desk, "TTS"), ui_(std::make_unique<Ui::frmtts>()) {
+    ui_->setupUi(this);
+    Title("TTS");
+    CloseCommand(ui_->cmdexit);
+    connect(ui_->cmd_view, &QPushButton::clicked, this, &frmtts::cmd_view);
+    connect(ui_->cmd_clear, &QPushButton::clicked, this, &frmtts::cmd_clear);
+    connect(ui_->cmdexit, &QPushButton::clicked, this, &Page::Closed);
+    ui_->lblpart->hide();
+    ui_->cmd_view->setFocus();
+}
+
+frmtts::~frmtts() = default;
+
+void frmtts::cmd_view() {
+    Guarded([this] { ui_->rtb_tts->ShowLog(desk_.logs.ReadAudit(), ui_->lblpart); });
+}
+
+void frmtts::cmd_clear() {
+    Guarded([this] {
+        desk_.logs.ClearAudit();
+        ui_->rtb_tts->ShowLog({}, ui_->lblpart);
+    });
+}
+
+}  // namespace desk
