@@ -74,8 +74,10 @@ inline std::string Answer(const QWidget& page, QMessageBox::StandardButton butto
     if (box == nullptr) {
         return {};
     }
+    EXPECT_TRUE(QTest::qWaitForWindowActive(box));
     const std::string text = box->text().toStdString();
     QTest::mouseClick(box->button(button), Qt::LeftButton);
+    page.window()->activateWindow();  // there is no window manager that would
     EXPECT_TRUE(QTest::qWaitForWindowActive(page.window()));
     QCoreApplication::processEvents();
     return text;
