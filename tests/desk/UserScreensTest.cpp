@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QToolButton>
@@ -142,6 +143,31 @@ TEST_F(UserScreensTest, AnEditShowsTheUserAndChangesWhatWasChanged) {
     Type(Front(), "txtuser", "abc");
     QTest::keyClick(&Front(), Qt::Key_Escape);
     EXPECT_THAT(Listed(Front()), ElementsAre("operator", "zoe"));
+}
+
+TEST_F(UserScreensTest, EachBoxIsTheRightOfItsColumn) {
+    AddUser("kim");
+    desk.Open<::desk::frmuser>();
+    const std::vector<std::pair<const char*, const char*>> boxes = {
+        {"chkconfig", "configstation"}, {"chktts", "tts"},
+        {"chkgas", "gascomposition"},   {"chkutility", "utility"},
+        {"chkscheduler", "scheduler"},  {"chkuser", "usermanager"},
+        {"chkarchive", "Archive"},      {"chkdailyreport", "Dailyreport"},
+        {"chktrends", "trends"},        {"chkhistorical", "historicaldata"},
+        {"chkChangeRight", "change"}};
+    for (std::size_t given = 0; given < boxes.size(); ++given) {
+        auto& form = desk.Open<::desk::frmnewuser>("kim");
+        for (std::size_t at = 0; at < boxes.size(); ++at) {
+            auto& box = The<QCheckBox>(form, boxes[at].first);
+            EXPECT_EQ(box.isChecked(), given > 0 && at == given - 1) << boxes[at].first;
+            box.setChecked(at == given);
+        }
+        Click(form, "cmdsave");
+        const auto kim = desk.dbconn.First("select * from users where userid='kim'").value();
+        for (std::size_t at = 0; at < boxes.size(); ++at) {
+            EXPECT_EQ(kim.Bool(boxes[at].second), at == given) << boxes[given].first << " " << boxes[at].second;
+        }
+    }
 }
 
 TEST_F(UserScreensTest, AUserIsDeletedOnceTheAnswerIsYes) {
