@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolButton>
 
 #include "desk/core/Boxes.h"
 #include "desk/core/frmLogin.h"
@@ -101,6 +102,10 @@ TEST_F(LoginTest, ChangesAPasswordOnceTheOldOneIsRight) {
     EXPECT_TRUE(txtnewpass->hasFocus());
     boxes.clear();
     Click("cmdsave");
+    txtnewpass->setText("  ");  // would be stored as nothing
+    txtconfirmpass->setText("  ");
+    Click("cmdsave");
+    EXPECT_TRUE(txtnewpass->hasFocus());
     txtnewpass->setText("gate7");
     txtconfirmpass->setText("gate8");
     Click("cmdsave");
@@ -114,9 +119,9 @@ TEST_F(LoginTest, ChangesAPasswordOnceTheOldOneIsRight) {
     QTest::keyClick(txtconfirmpass, Qt::Key_Return);  // on to the command that is next
     EXPECT_TRUE(form.findChild<QPushButton*>("cmdsave")->hasFocus());
     QTest::keyClick(&form, Qt::Key_Return);
-    EXPECT_EQ(boxes, (std::vector<std::string>{"Please Enter New Password", "Please Confirm Password",
-                                               "The new password holds a character that cannot be stored",
-                                               "Password Changed"}));
+    EXPECT_EQ(boxes, (std::vector<std::string>{
+                         "Please Enter New Password", "Please Enter New Password", "Please Confirm Password",
+                         "The new password holds a character that cannot be stored", "Password Changed"}));
     EXPECT_FALSE(txtnewpass->isVisible());
     EXPECT_EQ(done.count(), 0);
     Type("operator", "operator");
@@ -125,6 +130,37 @@ TEST_F(LoginTest, ChangesAPasswordOnceTheOldOneIsRight) {
     Type("operator", "gate7");
     Click("cmdOk");
     EXPECT_EQ(done.count(), 1);
+}
+
+TEST_F(LoginTest, AWrongUserAThousandTimesStaysOutAndTheRightOneGetsIn) {
+    for (int i = 0; i < 1000; ++i) {
+        Type("o'neil" + QString::number(i), "operator");
+        Click("cmdOk");
+    }
+    EXPECT_EQ(boxes.size(), 1000U);
+    EXPECT_EQ(done.count(), 0);
+    EXPECT_FALSE(form.LoggedIn());
+    Type("operator", "operator");
+    Click("cmdOk");
+    EXPECT_EQ(done.count(), 1);
+    EXPECT_EQ(desk.RtuErr(), "");
+}
+
+TEST_F(LoginTest, PasswordsAreInSightOnlyWhileTheirButtonIsDown) {
+    Type("operator", "operator");
+    auto* reveal = form.findChild<QToolButton*>("cmdreveal");
+    auto* revealNew = form.findChild<QToolButton*>("cmdrevealnew");
+    QTest::mousePress(reveal, Qt::LeftButton);
+    EXPECT_EQ(txtpassword->echoMode(), QLineEdit::Normal);
+    QTest::mouseRelease(reveal, Qt::LeftButton);
+    EXPECT_EQ(txtpassword->echoMode(), QLineEdit::Password);
+    Click("cmdchange");
+    QTest::mousePress(revealNew, Qt::LeftButton);
+    EXPECT_EQ(txtnewpass->echoMode(), QLineEdit::Normal);
+    EXPECT_EQ(txtconfirmpass->echoMode(), QLineEdit::Normal);
+    EXPECT_EQ(txtpassword->echoMode(), QLineEdit::Password);
+    form.hide();
+    EXPECT_EQ(txtnewpass->echoMode(), QLineEdit::Password);
 }
 
 TEST_F(LoginTest, BehindTheMessageTheMistakeIsSelected) {

@@ -14,7 +14,6 @@ frmlog::frmlog(Desk& desk) : Page(desk, "RTU Error Log"), ui_(std::make_unique<U
     connect(ui_->cmdOk, &QPushButton::clicked, this, &Page::Closed);
     ui_->lblpart->hide();
     Guarded([this] { ui_->Text1->ShowLog(desk_.logs.ReadRtuErr(), ui_->lblpart); });
-    ui_->cmdOk->setFocus();
 }
 
 frmlog::~frmlog() = default;

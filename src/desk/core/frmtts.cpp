@@ -13,7 +13,6 @@ frmtts::frmtts(Desk& desk) : Page(desk, "TTS"), ui_(std::make_unique<Ui::frmtts>
     connect(ui_->cmd_clear, &QPushButton::clicked, this, &frmtts::cmd_clear);
     connect(ui_->cmdexit, &QPushButton::clicked, this, &Page::Closed);
     ui_->lblpart->hide();
-    ui_->cmd_view->setFocus();
 }
 
 frmtts::~frmtts() = default;

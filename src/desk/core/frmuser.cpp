@@ -1,5 +1,7 @@
 #include "desk/core/frmuser.h"
 
+#include <algorithm>
+
 #include "core/UserRegister.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/frmnewuser.h"
