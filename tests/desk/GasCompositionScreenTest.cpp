@@ -33,14 +33,19 @@ struct GasCompositionScreenTest : testing::Test {
         return desk.Open<desk::frmGCWrite>();
     }
 
+    // The window that asks for a value, in its focus; null when there is none.
     static desk::frmvalue* Window(const QWidget& form) {
         QCoreApplication::processEvents();
         auto* window = form.findChild<desk::frmvalue*>();
-        return window != nullptr && window->isVisible() && QTest::qWaitForWindowActive(window) ? window : nullptr;
+        if (window == nullptr || !window->isVisible()) {
+            return nullptr;
+        }
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        QCoreApplication::processEvents();
+        return window;
     }
     // Types over what the window offers.
     static void Give(desk::frmvalue& window, const QString& text) {
-        QCoreApplication::processEvents();
         QTest::keyClicks(window.focusWidget(), text);
         QTest::keyClick(window.focusWidget(), Qt::Key_Return);
         QCoreApplication::processEvents();

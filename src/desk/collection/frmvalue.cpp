@@ -13,6 +13,7 @@ frmvalue::frmvalue(QWidget* over, const QString& description, double value)
     setAttribute(Qt::WA_DeleteOnClose);
     ui_->lbldescription->setText(description);
     ui_->txtvalue->setText(QString::fromStdString(core::NumberText(value)));
+    ui_->txtvalue->selectAll();
     ui_->txtvalue->installEventFilter(this);
     connect(ui_->cmdOk, &QPushButton::clicked, this, &frmvalue::cmdOk);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
