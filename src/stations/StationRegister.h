@@ -46,8 +46,8 @@ struct SaveChoices {
 
 // Writes a checked record with all that a station needs: its row, the numbers of its group, its parameter rows, its
 // three rows of SummaryPara. One transaction. The station can be collected as soon as this returns. An edit keeps what
-// fixes the parameter rows as it is in the register, whatever the record says: model, protocol, group, streams, rtubits.
-// An edit of a station that is gone and a new station at a location that is taken are DatabaseErrors.
+// fixes the parameter rows as it is in the register, whatever the record says: model, protocol, group, streams,
+// rtubits. An edit of a station that is gone and a new station at a location that is taken are DatabaseErrors.
 void SaveStation(core::Database& dbconn, const StationRecord& record, const SaveChoices& choices);
 
 // Set Register on Modbus without MB_CONFIG: makes the register table and the parameter rows before the Save.
