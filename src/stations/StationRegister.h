@@ -45,7 +45,9 @@ struct SaveChoices {
 };
 
 // Writes a checked record with all that a station needs: its row, the numbers of its group, its parameter rows, its
-// three rows of SummaryPara. One transaction. The station can be collected as soon as this returns.
+// three rows of SummaryPara. One transaction. The station can be collected as soon as this returns. An edit keeps what
+// fixes the parameter rows as it is in the register, whatever the record says: model, protocol, group, streams,
+// rtubits. An edit of a station that is gone and a new station at a location that is taken are DatabaseErrors.
 void SaveStation(core::Database& dbconn, const StationRecord& record, const SaveChoices& choices);
 
 // Set Register on Modbus without MB_CONFIG: makes the register table and the parameter rows before the Save.
@@ -57,7 +59,8 @@ void CancelNew(core::Database& dbconn, std::int64_t locationId);
 // Deletes the station from every table that knows it, its schedule rows by its name.
 void DeleteStation(core::Database& dbconn, std::int64_t locationId, const std::string& consumer);
 
-// Sets the registers of a station's map back, as the operator was asked.
+// What a Yes to the reset of the allocation does: it always throws DatabaseError and leaves the map as it is. The
+// operators know it so; the form shows no message of it.
 void ResetAllocation(core::Database& dbconn, std::int64_t locationId);
 
 }  // namespace stations
