@@ -112,7 +112,7 @@ QWidget* History(Stage& stage) {
 QWidget* Chart(Stage& stage, const char* command) {
     stage.Open<desk::frmchart>();
     stage.Front().findChild<QComboBox*>("cmbLocId")->setCurrentIndex(0);
-    stage.Front().findChild<QComboBox*>("cmbMonth")->setCurrentText("3");
+    stage.Front().findChild<QComboBox*>("cmbMonth")->setCurrentIndex(2);
     return Click(stage, command);
 }
 

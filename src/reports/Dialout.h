@@ -4,28 +4,34 @@
 #include <string>
 #include <vector>
 
-#include "core/Clock.h"
-#include "core/Database.h"
+namespace core {
+class Database;
+struct DateTime;
+}  // namespace core
 
-// The alarm calls of the stations, table dialout. All functions throw DatabaseError.
+// The alarm calls that stations made in.
 namespace reports {
 
-// The two numbers of the alarm dial-out. They are not the same one, and the operators know them so.
-constexpr std::int32_t alarmPhone = 3508216;         // what a call that comes in is entered under
-constexpr std::int32_t acknowledgedPhone = 4170253;  // whose calls are acknowledged
+// The numbers of the alarm modems. They differ: what the desk notes itself is not what its acknowledgement answers.
+// Both are set by the installation, and nothing else in the program depends on them.
+struct DialoutNumbers {
+    std::int32_t noted = 3508216;         // the call that a standing alarm notes
+    std::int32_t acknowledged = 4170253;  // the calls that the acknowledgement answers
+};
 
-struct DialoutRow {
+struct DialoutCall {
     std::string Phone_Num;
-    std::string Date_Time;
+    std::string Date_Time;  // as people read it
     bool Ack = false;
 };
 
-std::vector<DialoutRow> ReadDialout(core::Database& dbconn);
+// All calls in the order in which they came. Throws DatabaseError.
+std::vector<DialoutCall> ReadDialout(core::Database& dbconn);
 
-// Enters a call of the present date, not acknowledged.
-void AddDialoutRow(core::Database& dbconn, const core::DateTime& now, std::int32_t phone);
+// Notes a call of the present date, not acknowledged. Throws DatabaseError.
+void AddDialoutRow(core::Database& dbconn, std::int32_t phone, const core::DateTime& now);
 
-// Acknowledges what is open of acknowledgedPhone.
-void AcknowledgeAlarms(core::Database& dbconn);
+// Acknowledges the open calls of a number. Tells how many there were. Throws DatabaseError.
+int AcknowledgeDialout(core::Database& dbconn, std::int32_t phone);
 
 }  // namespace reports

@@ -1,149 +1,181 @@
 #include "reports/HistoryLog.h"
 
 #include <algorithm>
-#include <map>
+#include <charconv>
+#include <cmath>
+#include <unordered_map>
 
+#include "core/Database.h"
 #include "core/Text.h"
 
 namespace reports {
 
 namespace {
 
-constexpr std::size_t mostEntries = 501;
-constexpr std::int64_t secondsADay = 86400;
-constexpr int notedPlaces = 6;
+constexpr std::int64_t daySeconds = 86400;
+constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-core::DateTime Midnight(const core::DateTime& at) {
-    return {at.year, at.month, at.day, 0, 0, 0};
+core::DateTime Midnight(const core::DateTime& day, int daysOn = 0) {
+    return core::FromSeconds(core::ToSeconds({day.year, day.month, day.day, 0, 0, 0}) + daysOn * daySeconds);
 }
 
-core::DateTime DaysLater(const core::DateTime& at, int days) {
-    return core::FromSeconds(core::ToSeconds(Midnight(at)) + days * secondsADay);
-}
-
-// The day of a stored moment: "2026-03-09" of "2026-03-09 08:01:12".
-std::string DayOf(const std::string& iso) {
-    return iso.substr(0, 10);
-}
-
-LogEntry ParseEntry(const std::string& part) {
-    LogEntry entry;
-    const std::size_t equals = part.find('=');
-    entry.description = part.substr(0, equals);
-    if (equals == std::string::npos) {
-        return entry;
-    }
-    entry.value = part.substr(equals + 1);
-    const std::size_t mark = entry.value.find('?');
-    if (mark != std::string::npos) {
-        entry.hasNote = true;
-        entry.note = entry.value.substr(mark + 1);
-        entry.value = entry.value.substr(0, mark);
-    }
-    return entry;
-}
-
+// "inf" and "nan" read as numbers; no rounding makes one of them.
 bool IsNumber(const std::string& text) {
-    return !text.empty() && text.find_first_not_of("+-.0123456789eE") == std::string::npos;
+    double value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    return read.ec == std::errc() && read.ptr == text.data() + text.size() && std::isfinite(value);
 }
 
-// A number with a note, such as its unit, is shown to six places with the note behind it; anything else as it was
-// stored.
-std::string Shown(const LogEntry& entry) {
-    if (!entry.hasNote) {
-        return entry.value;
+// What the days call their values. A year's days use the same few hundred names: each is compared with each row once.
+class Names {
+  public:
+    std::size_t Number(const std::string& name) {
+        const auto [at, isNew] = numbers_.try_emplace(name, names_.size());
+        if (isNew) {
+            names_.push_back(name);
+        }
+        return at->second;
     }
-    if (!IsNumber(entry.value)) {
-        return entry.value + " " + entry.note;
+    std::vector<std::size_t> ContainedIn(const std::string& text) const {
+        std::vector<std::size_t> numbers;
+        for (std::size_t n = 0; n < names_.size(); ++n) {
+            if (text.find(names_[n]) != std::string::npos) {
+                numbers.push_back(n);
+            }
+        }
+        return numbers;
     }
-    return core::NumberText(core::RoundTo(core::Val(entry.value), notedPlaces)) + " " + entry.note;
-}
+    std::size_t Count() const { return names_.size(); }
 
-// The first entry whose name stands in the row's text: that is how the operators' logs have always been read, and why
-// parameters of one name share one value. An entry without a name belongs to nobody.
-std::string CellOf(const std::vector<LogEntry>& entries, const std::string& parameter) {
-    const auto at = std::find_if(entries.begin(), entries.end(), [&](const LogEntry& entry) {
-        return !entry.description.empty() && parameter.find(entry.description) != std::string::npos;
-    });
-    return at == entries.end() ? std::string() : Shown(*at);
-}
+  private:
+    std::unordered_map<std::string, std::size_t> numbers_;
+    std::vector<std::string> names_;
+};
 
-// The parsed rows of the range by day; of two rows of a day the first.
-std::map<std::string, std::vector<LogEntry>> ReadDays(core::Database& dbconn, std::int64_t locationId,
-                                                      const core::DateTime& from, const core::DateTime& to) {
-    std::map<std::string, std::vector<LogEntry>> days;
-    for (const core::Row& row : dbconn.Query(
-             "select date, \"desc\" from LogParam where LocationId = ? and date >= ? and date < ? order by rowid",
-             {locationId, core::IsoText(Midnight(from)), core::IsoText(DaysLater(to, 1))})) {
-        days.try_emplace(DayOf(row[0].Text()), ParseLogText(row[1].Text()));
+struct Day {
+    bool found = false;
+    std::vector<std::string> cells;       // what each value shows
+    std::vector<std::size_t> nameNumber;  // and what it is called
+};
+
+// The days' values. Of two rows of one day the first counts.
+std::vector<Day> ReadDays(core::Database& dbconn, std::int64_t locationID, const std::vector<core::DateTime>& days,
+                          Names& names) {
+    std::vector<Day> found(days.size());
+    const std::int64_t first = core::ToSeconds(days.front());
+    for (const core::Row& row :
+         dbconn.Query("select year(date) as y, month(date) as m, day(date) as d, \"desc\" from LogParam "
+                      "where LocationId=? and date>=? and date<? order by rowid",
+                      {locationID, core::IsoText(days.front()), core::IsoText(Midnight(days.back(), 1))})) {
+        const core::DateTime date{
+            static_cast<int>(row.Long("y")), static_cast<int>(row.Long("m")), static_cast<int>(row.Long("d")), 0, 0, 0};
+        const std::int64_t offset = date.Valid() ? (core::ToSeconds(date) - first) / daySeconds : -1;
+        if (offset < 0 || offset >= static_cast<std::int64_t>(days.size())) {
+            continue;
+        }
+        Day& day = found[static_cast<std::size_t>(offset)];
+        if (day.found) {
+            continue;
+        }
+        day.found = true;
+        for (const LogEntry& entry : ParseLogText(row.Text("desc"))) {
+            day.cells.push_back(CellText(entry));
+            day.nameNumber.push_back(names.Number(entry.description));
+        }
     }
-    return days;
-}
-
-std::string ParameterText(const core::Row& row) {
-    const std::string unit = row.Text("unit");
-    return row.Text("description") + (unit.empty() ? "" : "[" + unit + "]");
+    return found;
 }
 
 }  // namespace
 
-std::vector<LogEntry> ParseLogText(const std::string& text) {
+std::vector<LogEntry> ParseLogText(std::string_view text) {
     std::vector<LogEntry> entries;
-    std::size_t at = text.find('#');
-    while (at != std::string::npos && entries.size() < mostEntries) {
-        const std::size_t next = text.find('#', at + 1);
-        entries.push_back(ParseEntry(text.substr(at + 1, next == std::string::npos ? next : next - at - 1)));
+    auto at = text.find('#');
+    while (at != std::string_view::npos && entries.size() < mostLogEntries) {
+        const auto next = text.find('#', at + 1);
+        const std::string_view piece = text.substr(at + 1, next == std::string_view::npos ? next : next - at - 1);
         at = next;
+        const auto equals = piece.find('=');
+        if (equals == std::string_view::npos || core::Trim(piece.substr(0, equals)).empty()) {
+            continue;
+        }
+        const std::string_view right = piece.substr(equals + 1);
+        const auto mark = right.find('?');
+        LogEntry entry;
+        entry.description = piece.substr(0, equals);
+        entry.value = right.substr(0, mark);
+        if (mark != std::string_view::npos) {
+            entry.hasNote = true;
+            entry.note = right.substr(mark + 1);
+        }
+        entries.push_back(std::move(entry));
     }
     return entries;
 }
 
-std::string CheckDays(const core::DateTime& from, const core::DateTime& to, const core::DateTime& today) {
-    if (Midnight(from) > Midnight(to)) {
-        return "Properly Choose Date From which To which you want to view log";
+std::string CellText(const LogEntry& entry) {
+    if (!entry.hasNote) {
+        return entry.value;
     }
-    if (Midnight(to) > Midnight(today)) {
-        return "Log Do Not have the Data";
-    }
-    return {};
+    const std::string value = core::Trim(entry.value);
+    const std::string shown = IsNumber(value) ? core::NumberText(core::RoundTo(core::Val(value), 6)) : value;
+    return core::Trim(shown + " " + entry.note);
 }
 
 std::vector<LogStation> FindLogStations(core::Database& dbconn, const core::DateTime& from, const core::DateTime& to) {
     std::vector<LogStation> stations;
-    for (const core::Row& row :
-         dbconn.Query("select distinct(locationId) from LogParam where date >= cdate(?) and date <= cdate(?) order by "
-                      "locationId",
-                      {DayOf(core::IsoText(DaysLater(from, -1))), DayOf(core::IsoText(DaysLater(to, 1)))})) {
-        const auto station = dbconn.First("select consumer from configdata_master where locationid = ?", {row[0]});
-        stations.push_back({row[0].Long(), station ? station->Text("consumer") : std::string()});
+    for (const core::Row& row : dbconn.Query(
+             "select found.LocationId, (select consumer from configdata_master where locationID=found.LocationId) as "
+             "consumer from (select distinct LocationId from LogParam where date>=? and date<=?) as found "
+             "order by found.LocationId",
+             {core::IsoText(Midnight(from, -1)), core::IsoText(Midnight(to, 1))})) {
+        stations.push_back({row.Long("LocationId"), row.Text("consumer")});
     }
     return stations;
 }
 
-std::vector<std::string> DaysOf(const core::DateTime& from, const core::DateTime& to) {
-    std::vector<std::string> days;
-    for (core::DateTime day = Midnight(from); day <= Midnight(to); day = DaysLater(day, 1)) {
-        days.push_back(core::DateText(day));
+std::vector<core::DateTime> DaysOf(const core::DateTime& from, const core::DateTime& to) {
+    std::vector<core::DateTime> days;
+    for (core::DateTime day = Midnight(from); day <= to; day = Midnight(day, 1)) {
+        days.push_back(day);
     }
     return days;
 }
 
-History ReadHistory(core::Database& dbconn, std::int64_t locationId, const core::DateTime& from,
-                    const core::DateTime& to) {
-    History history;
-    history.days = DaysOf(from, to);
-    const auto days = ReadDays(dbconn, locationId, from, to);
-    history.hasRecord = !days.empty();
-    for (const core::Row& row :
-         dbconn.Query("select description,unit from ConfigData_Detail where locationId = ?", {locationId})) {
-        HistoryRow line{ParameterText(row), {}};
-        for (core::DateTime day = Midnight(from); day <= Midnight(to); day = DaysLater(day, 1)) {
-            const auto at = days.find(DayOf(core::IsoText(day)));
-            line.cells.push_back(at == days.end() ? std::string() : CellOf(at->second, line.parameter));
-        }
-        history.rows.push_back(std::move(line));
+HistoryGrid ReadHistory(core::Database& dbconn, std::int64_t locationID, const std::vector<core::DateTime>& days) {
+    HistoryGrid grid;
+    if (days.empty()) {
+        return grid;
     }
-    return history;
+    Names names;
+    const std::vector<Day> values = ReadDays(dbconn, locationID, days, names);
+    grid.anyDay = std::any_of(values.begin(), values.end(), [](const Day& day) { return day.found; });
+
+    std::vector<std::vector<std::size_t>> fitting;  // for each row the names contained in its text
+    for (const core::Row& row : dbconn.Query(
+             "select description,unit from ConfigData_Detail where locationId=? order by rowid", {locationID})) {
+        const std::string unit = core::Trim(row.Text("unit"));
+        const std::string parameter = row.Text("description") + (unit.empty() ? "" : "[" + unit + "]");
+        grid.rows.push_back({parameter, std::vector<std::string>(days.size())});
+        fitting.push_back(names.ContainedIn(parameter));
+    }
+    for (std::size_t column = 0; column < days.size(); ++column) {
+        const Day& day = values[column];
+        std::vector<std::size_t> place(names.Count(), none);  // of each name, where the day has it first
+        for (std::size_t n = day.nameNumber.size(); n-- > 0;) {
+            place[day.nameNumber[n]] = n;
+        }
+        for (std::size_t row = 0; row < grid.rows.size(); ++row) {
+            std::size_t first = none;
+            for (const std::size_t name : fitting[row]) {
+                first = std::min(first, place[name]);
+            }
+            if (first != none) {
+                grid.rows[row].cells[column] = day.cells[first];
+            }
+        }
+    }
+    return grid;
 }
 
 }  // namespace reports

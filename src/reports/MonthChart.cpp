@@ -1,40 +1,54 @@
 #include "reports/MonthChart.h"
 
+#include <cmath>
+
+#include "core/Clock.h"
+#include "core/Database.h"
+
 namespace reports {
 
 namespace {
 
+// A null, a text or an infinite value is no figure: drawn as 0 it would be a wrong one.
 std::optional<double> Figure(const core::Value& value) {
-    return value.IsNull() ? std::nullopt : std::optional(value.Number());
+    if (value.IsNull() || std::holds_alternative<std::string>(value.Raw()) || !std::isfinite(value.Number())) {
+        return std::nullopt;
+    }
+    return value.Number();
 }
 
 }  // namespace
 
-std::vector<std::string> ChartStations(core::Database& dbconn) {
-    std::vector<std::string> stations;
-    for (const core::Row& row :
-         dbconn.Query("SELECT locationId, consumer From configdata_master order by locationid")) {
-        stations.push_back(row[0].Text() + "-" + row[1].Text());
-    }
-    return stations;
-}
-
-std::optional<MonthFigures> ReadMonth(core::Database& dbconn, std::int64_t locationId, int month) {
+std::optional<MonthFigures> ReadMonth(core::Database& dbconn, std::int64_t locationID, int month) {
     std::optional<MonthFigures> figures;
     for (const core::Row& row : dbconn.Query(
-             "select year(date) as y, day(date) as d, CurrentDayFlow, currentprs from logparam where Month(date) = ? "
-             "and LocationId = ? order by y desc, d",
-             {month, locationId})) {
+             "select year(date) as y, day(date) as d, CurrentDayFlow, CurrentMonthFlow, currentprs from LogParam "
+             "where Month(date)=? and LocationId=? order by year(date), day(date), date, rowid",
+             {month, locationID})) {
         const int year = static_cast<int>(row.Long("y"));
-        if (!figures) {
-            figures = MonthFigures{year, {}};
+        const int day = static_cast<int>(row.Long("d"));
+        if (!core::DateTime{year, month, day, 0, 0, 0}.Valid()) {
+            continue;
         }
-        if (year == figures->year) {
-            figures->points.push_back(
-                {static_cast<int>(row.Long("d")), Figure(row["CurrentDayFlow"]), Figure(row["currentprs"])});
+        if (!figures || figures->year != year) {
+            figures = MonthFigures{year, month, {}};
         }
+        if (figures->days.empty() || figures->days.back().day != day) {
+            figures->days.push_back({});
+        }
+        figures->days.back() = {day, Figure(row["CurrentDayFlow"]), Figure(row["CurrentMonthFlow"]),
+                                Figure(row["currentprs"])};
     }
     return figures;
+}
+
+std::vector<ChartStation> ReadChartStations(core::Database& dbconn) {
+    std::vector<ChartStation> stations;
+    for (const core::Row& row :
+         dbconn.Query("select locationId, consumer from configdata_master order by locationid")) {
+        stations.push_back({row.Long("locationId"), row.Text("consumer")});
+    }
+    return stations;
 }
 
 }  // namespace reports

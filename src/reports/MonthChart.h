@@ -5,27 +5,36 @@
 #include <string>
 #include <vector>
 
-#include "core/Database.h"
+namespace core {
+class Database;
+}
 
-// The figures of a station's month, a point a day.
 namespace reports {
 
-struct MonthPoint {
-    int day = 1;
-    std::optional<double> CurrentDayFlow;
-    std::optional<double> currentprs;
+// What a day's row of LogParam holds for the charts; what the day did not collect is not there.
+struct DayFigures {
+    int day = 0;                             // of the month
+    std::optional<double> CurrentDayFlow;    // SCM
+    std::optional<double> CurrentMonthFlow;  // SCM
+    std::optional<double> currentprs;        // kg/cm2
 };
 
 struct MonthFigures {
     int year = 0;
-    std::vector<MonthPoint> points;  // by day; days without a row have none
+    int month = 0;
+    std::vector<DayFigures> days;  // in their order, each day once
 };
 
-// A station as the list of the chart offers it: "3-Hill Farm".
-std::vector<std::string> ChartStations(core::Database& dbconn);
+// The figures of a station's month (1 to 12), from the newest year that has rows for it: operators choose a month
+// without a year. Of two rows of one day the later counts. Nothing when no year has a row. Throws DatabaseError.
+std::optional<MonthFigures> ReadMonth(core::Database& dbconn, std::int64_t locationID, int month);
 
-// The station's rows of a month from 1 to 12, whatever their year; of several years the latest. Nothing when there is
-// no row. Throws DatabaseError.
-std::optional<MonthFigures> ReadMonth(core::Database& dbconn, std::int64_t locationId, int month);
+struct ChartStation {
+    std::int64_t locationID = 0;
+    std::string consumer;
+};
+
+// The stations that can be chosen, in the order of their numbers. Throws DatabaseError.
+std::vector<ChartStation> ReadChartStations(core::Database& dbconn);
 
 }  // namespace reports

@@ -1,5 +1,9 @@
 #include "desk/reports/frmHistLog.h"
 
+#include <QHeaderView>
+#include <algorithm>
+
+#include "desk/reports/FirstColumn.h"
 #include "reports/HistoryLog.h"
 #include "ui_frmHistLog.h"
 
@@ -7,96 +11,140 @@ namespace desk {
 
 namespace {
 
-const QString title = "History Log -- ";
+// Before it nothing was collected. It keeps a slip of the finger from asking for a million columns.
+const QDate firstDay(2000, 1, 1);
 
-core::DateTime DayOf(const QDateEdit& picker) {
-    const QDate date = picker.date();
+constexpr int cellMargin = 6;
+
+const QString caption = "History Log -- ";
+const QString noStation = "No station";
+
+QDate DateOf(const core::DateTime& at) {
+    return {at.year, at.month, at.day};
+}
+
+core::DateTime DayOf(const QDate& date) {
     return {date.year(), date.month(), date.day(), 0, 0, 0};
 }
 
 }  // namespace
 
-frmHistLog::frmHistLog(Desk& desk) : Page(desk, title), ui_(std::make_unique<Ui::frmHistLog>()) {
+frmHistLog::frmHistLog(Desk& desk) : Page(desk, caption + noStation), ui_(std::make_unique<Ui::frmHistLog>()) {
     ui_->setupUi(this);
+    for (QDateEdit* picker : {ui_->DTPicker1, ui_->DTPicker2}) {
+        picker->setMinimumDate(firstDay);
+    }
+    ui_->Grid->horizontalHeader()->setStretchLastSection(false);
+    // Measuring every cell of a year takes longer than reading it; FitColumns measures the longest ones.
+    ui_->Grid->horizontalHeader()->setResizeContentsPrecision(0);
+    new FirstColumn(ui_->Grid);
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdGo, &QPushButton::clicked, this, [this] { Guarded([this] { cmdGo(); }); });
     connect(ui_->cmdList, &QPushButton::clicked, this, [this] { Guarded([this] { cmdList(); }); });
-    connect(ui_->cmdReset, &QPushButton::clicked, this, &frmHistLog::cmdReset);
+    connect(ui_->cmdReset, &QPushButton::clicked, this, [this] { Guarded([this] { cmdReset(); }); });
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
+    // The values of another station would stand under the name that is chosen now.
+    connect(ui_->cmbNode, &QComboBox::currentIndexChanged, this, [this] { ShowHead(); });
     cmdReset();
 }
 
 frmHistLog::~frmHistLog() = default;
 
-void frmHistLog::ShowStations(bool found) {
-    ui_->Label3->setVisible(found);
-    ui_->cmbNode->setVisible(found);
-    ui_->cmdList->setEnabled(found);
-    ui_->cmdGo->setDefault(!found);
-    ui_->cmdList->setDefault(found);
+void frmHistLog::HideStations() {
+    ui_->Label3->hide();
+    ui_->cmbNode->hide();
+    ui_->cmbNode->clear();
+    ui_->cmdList->setEnabled(false);
+    ui_->cmdGo->setDefault(true);
+    ui_->cmdList->setDefault(false);
+    days_.clear();
+    ShowHead();
+}
+
+void frmHistLog::ShowHead() {
+    QString format = "<--";
+    for (const core::DateTime& day : days_) {
+        format += "|>" + QString::fromStdString(core::DateText(day));
+    }
+    ui_->Grid->FormatString(format);
+    Title(caption + noStation);
+}
+
+void frmHistLog::FitColumns(const std::vector<QStringList>& rows) {
+    for (int column = 0; column < ui_->Grid->Columns(); ++column) {
+        const auto longest = std::max_element(rows.begin(), rows.end(), [column](const auto& one, const auto& other) {
+            return one[column].size() < other[column].size();
+        });
+        const int row = static_cast<int>(longest - rows.begin());
+        const int room = ui_->Grid->sizeHintForIndex(ui_->Grid->model()->index(row, column)).width();
+        ui_->Grid->setColumnWidth(column, qMax(ui_->Grid->columnWidth(column), room + cellMargin));
+    }
+}
+
+void frmHistLog::cmdReset() {
+    HideStations();
+    const QDate today = DateOf(desk_.clock.Now());
+    ui_->DTPicker1->setDate(today);
+    ui_->DTPicker2->setDate(today);
+    ui_->DTPicker1->setFocus();
 }
 
 void frmHistLog::cmdGo() {
-    const core::DateTime from = DayOf(*ui_->DTPicker1);
-    const core::DateTime to = DayOf(*ui_->DTPicker2);
-    const std::string fault = reports::CheckDays(from, to, desk_.clock.Now());
-    if (!fault.empty()) {
-        Show(QString::fromStdString(fault));
+    const QDate from = ui_->DTPicker1->date();
+    const QDate to = ui_->DTPicker2->date();
+    if (from > to) {
+        ui_->DTPicker1->setFocus();
+        Show("Properly Choose Date From which To which you want to view log");
         return;
     }
-    const auto stations = reports::FindLogStations(desk_.dbconn, from, to);
+    if (to > DateOf(desk_.clock.Now())) {
+        ui_->DTPicker2->setFocus();
+        Show("Log Do Not have the Data");
+        return;
+    }
+    const auto stations = reports::FindLogStations(desk_.dbconn, DayOf(from), DayOf(to));
+    HideStations();
     if (stations.empty()) {
+        ui_->DTPicker1->setFocus();
         Show("No Record Found");
         return;
     }
-    ui_->cmbNode->clear();
     for (const reports::LogStation& station : stations) {
-        ui_->cmbNode->addItem(QString::number(station.locationId) + "-" + QString::fromStdString(station.consumer),
-                              QVariant::fromValue<qint64>(station.locationId));
+        ui_->cmbNode->addItem(QString::number(station.locationID) + "-" + QString::fromStdString(station.consumer),
+                              QVariant::fromValue(station.locationID));
     }
-    from_ = from;
-    to_ = to;
-    ShowStations(true);
-    ShowColumns();
+    days_ = reports::DaysOf(DayOf(from), DayOf(to));
+    ShowHead();
+    ui_->Label3->show();
+    ui_->cmbNode->show();
+    ui_->cmdList->setEnabled(true);
+    ui_->cmdGo->setDefault(false);
+    ui_->cmdList->setDefault(true);
     ui_->cmbNode->setFocus();
 }
 
-void frmHistLog::ShowColumns() {
-    QString columns = "<--";
-    for (const std::string& day : reports::DaysOf(from_, to_)) {
-        columns += "|>" + QString::fromStdString(day);
-    }
-    ui_->Grid->FormatString(columns);
-}
-
 void frmHistLog::cmdList() {
-    const auto history = reports::ReadHistory(desk_.dbconn, ui_->cmbNode->currentData().toLongLong(), from_, to_);
-    ShowColumns();
-    Title(title + ui_->cmbNode->currentText());
-    if (!history.hasRecord || history.rows.empty()) {
+    const reports::HistoryGrid history =
+        reports::ReadHistory(desk_.dbconn, ui_->cmbNode->currentData().value<std::int64_t>(), days_);
+    ShowHead();
+    if (history.rows.empty() || !history.anyDay) {
+        ui_->cmbNode->setFocus();
         Show("No Record For Selected Node");
         return;
     }
+    Title(caption + ui_->cmbNode->currentText());
     std::vector<QStringList> rows;
     for (const reports::HistoryRow& row : history.rows) {
-        QStringList cells{QString::fromStdString(row.parameter)};
+        QStringList cells(QString::fromStdString(row.parameter));
         for (const std::string& cell : row.cells) {
             cells.append(QString::fromStdString(cell));
         }
         rows.push_back(cells);
     }
     ui_->Grid->AddItems(rows);
+    FitColumns(rows);
     ui_->Grid->SelectRow(0);
-}
-
-void frmHistLog::cmdReset() {
-    const core::DateTime now = desk_.clock.Now();
-    ui_->DTPicker1->setDate({now.year, now.month, now.day});
-    ui_->DTPicker2->setDate({now.year, now.month, now.day});
-    ShowStations(false);
-    ui_->Grid->FormatString("<--");
-    Title(title);
-    ui_->DTPicker1->setFocus();
+    ui_->Grid->setFocus();
 }
 
 }  // namespace desk

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "core/Clock.h"
 #include "desk/core/Page.h"
@@ -11,7 +12,7 @@ class frmHistLog;
 
 namespace desk {
 
-// What the collections of past days have left of one station: a parameter a row, a day a column.
+// The history log: for one station and a range of days, a row a parameter and a column a day.
 class frmHistLog : public Page {
     Q_OBJECT
 
@@ -23,11 +24,11 @@ class frmHistLog : public Page {
     void cmdGo();
     void cmdList();
     void cmdReset();
-    void ShowStations(bool found);
-    void ShowColumns();
+    void FitColumns(const std::vector<QStringList>& rows);
+    void HideStations();
+    void ShowHead();
 
-    core::DateTime from_;  // the range of the columns
-    core::DateTime to_;
+    std::vector<core::DateTime> days_;  // the columns: the range as it was when the stations were found
     std::unique_ptr<Ui::frmHistLog> ui_;
 };
 

@@ -8,13 +8,11 @@ namespace Ui {
 class frmchart;
 }
 
-namespace reports {
-struct MonthFigures;
-}
-
 namespace desk {
 
-// A station's month: the flow of each day and the pressure, as lines or with bars.
+enum class ChartKind;
+
+// The charts: a station's month as lines or bars, which can be saved as a picture.
 class frmchart : public Page {
     Q_OBJECT
 
@@ -22,13 +20,12 @@ class frmchart : public Page {
     explicit frmchart(Desk& desk);
     ~frmchart() override;
 
-    // Writes what is drawn to a PNG file. False: it cannot be written.
-    bool SavePicture(const QString& file) const;
+    // Writes the picture that is drawn to a file; a disk that does not take it is told.
+    void SavePng(const QString& file);
 
   private:
-    enum class Form { Line, Bar };
-    void cmdChart(Form form, const QString& nothing);
-    void Draw(Form form, const reports::MonthFigures& figures);
+    void DrawMonth(ChartKind kind);
+    void ShowNothing();
     void cmdSavePng();
 
     std::unique_ptr<Ui::frmchart> ui_;

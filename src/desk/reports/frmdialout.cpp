@@ -1,54 +1,67 @@
 #include "desk/reports/frmdialout.h"
 
+#include <QTimer>
+
 #include "core/Clock.h"
-#include "reports/Dialout.h"
+#include "core/Feedback.h"
 #include "ui_frmdialout.h"
 
 namespace desk {
 
 namespace {
 
-constexpr int timerMs = 60000;
+constexpr int minuteMs = 60000;
 
 }  // namespace
 
-frmdialout::frmdialout(Desk& desk) : Page(desk, "Alarm Dial-out"), ui_(std::make_unique<Ui::frmdialout>()) {
+frmdialout::frmdialout(Desk& desk) : Page(desk, "Alarm Dial-Out"), ui_(std::make_unique<Ui::frmdialout>()) {
     ui_->setupUi(this);
-    Title("Alarm Dial-out");
+    Title("Alarm Dial-Out");
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdackalarm, &QPushButton::clicked, this, [this] { Guarded([this] { cmdackalarm(); }); });
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
-    connect(&timer1_, &QTimer::timeout, this, &frmdialout::Timer1);
-    timer1_.start(timerMs);
+    auto* timer = new QTimer(this);
+    timer->setObjectName("Timer1");
+    timer->start(minuteMs);
+    connect(timer, &QTimer::timeout, this, [this] { Guarded([this] { Timer1(); }); });
     Guarded([this] { Reload(); });
 }
 
 frmdialout::~frmdialout() = default;
 
-void frmdialout::Reload() {
-    ui_->gridAlarm->FormatString("<Phone Number|<Date|<Acknowledged");
-    int open = 0;
-    for (const reports::DialoutRow& row : reports::ReadDialout(desk_.dbconn)) {
-        ui_->gridAlarm->AddItem(QString::fromStdString(row.Phone_Num + "\t" + row.Date_Time + "\t") +
-                                (row.Ack ? "True" : "False"));
-        open += row.Ack ? 0 : 1;
-    }
-    ui_->lblscheduler->setText(QString("%1 calls, %2 not acknowledged").arg(ui_->gridAlarm->Rows()).arg(open));
-    ui_->gridAlarm->SelectRow(0);
-}
-
 void frmdialout::Timer1() {
     if (alarm_) {
-        Guarded([this] {
-            reports::AddDialoutRow(desk_.dbconn, desk_.clock.Now(), reports::alarmPhone);
-            Reload();
-        });
+        AddDialoutRow(numbers_.noted);
     }
+}
+
+void frmdialout::AddDialoutRow(std::int32_t phone) {
+    reports::AddDialoutRow(desk_.dbconn, phone, desk_.clock.Now());
+    Reload();
 }
 
 void frmdialout::cmdackalarm() {
-    reports::AcknowledgeAlarms(desk_.dbconn);
+    const int acknowledged = reports::AcknowledgeDialout(desk_.dbconn, numbers_.acknowledged);
     Reload();
+    desk_.feedback.Status("Calls of " + std::to_string(numbers_.acknowledged) +
+                          " acknowledged: " + std::to_string(acknowledged));
+}
+
+void frmdialout::Reload() {
+    const auto calls = reports::ReadDialout(desk_.dbconn);
+    const int selected = ui_->gridAlarm->Row();
+    int open = 0;
+    std::vector<QStringList> rows;
+    for (const reports::DialoutCall& call : calls) {
+        rows.push_back({QString::fromStdString(call.Phone_Num), QString::fromStdString(call.Date_Time),
+                        call.Ack ? "True" : "False"});
+        open += call.Ack ? 0 : 1;
+    }
+    ui_->gridAlarm->FormatString("<Phone number|<Date|<Acknowledged");
+    ui_->gridAlarm->AddItems(rows);
+    ui_->gridAlarm->SelectRow(qMax(selected, 0));
+    ui_->lblscheduler->setText("Calls: " + QString::number(calls.size()) +
+                               "   Not acknowledged: " + QString::number(open));
 }
 
 }  // namespace desk

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QTimer>
+#include <cstdint>
 #include <memory>
 
 #include "desk/core/Page.h"
+#include "reports/Dialout.h"
 
 namespace Ui {
 class frmdialout;
@@ -11,7 +12,7 @@ class frmdialout;
 
 namespace desk {
 
-// The alarm calls that stations made in, and their acknowledgement.
+// The alarm calls that stations made in, to be acknowledged.
 class frmdialout : public Page {
     Q_OBJECT
 
@@ -19,17 +20,20 @@ class frmdialout : public Page {
     explicit frmdialout(Desk& desk);
     ~frmdialout() override;
 
-    // While it is set, each turn of the timer enters a call. Nothing in the program sets it yet: no modem listens.
-    void AlarmFlag(bool set) { alarm_ = set; }
+    // An alarm stands, or stands no longer. While it does, every run of Timer1 notes one more call, until whoever
+    // raised it takes it back.
+    void Alarm(bool stands) { alarm_ = stands; }
 
-    void Timer1();
+    // Notes a call of the present date and shows it.
+    void AddDialoutRow(std::int32_t phone);
 
   private:
-    void Reload();
     void cmdackalarm();
+    void Timer1();
+    void Reload();
 
+    reports::DialoutNumbers numbers_;
     bool alarm_ = false;
-    QTimer timer1_;
     std::unique_ptr<Ui::frmdialout> ui_;
 };
 

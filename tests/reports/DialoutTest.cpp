@@ -1,0 +1,42 @@
+#include "reports/Dialout.h"
+#include "support/ScratchDesk.h"
+
+namespace reports {
+
+namespace {
+
+TEST(Dialout, AcknowledgesTheOpenCallsOfItsNumberOnly) {
+    support::ScratchDesk desk;
+    core::Database& dbconn = desk.dbconn;
+    const core::DateTime now{2026, 3, 9, 8, 0, 0};
+    AddDialoutRow(dbconn, DialoutNumbers().noted, now);
+    AddDialoutRow(dbconn, 4170253, now);
+    AddDialoutRow(dbconn, 4170253, now);
+    EXPECT_EQ(AcknowledgeDialout(dbconn, DialoutNumbers().acknowledged), 2);
+    EXPECT_EQ(AcknowledgeDialout(dbconn, DialoutNumbers().acknowledged), 0);
+    const auto calls = ReadDialout(dbconn);
+    ASSERT_EQ(calls.size(), 3U);
+    EXPECT_EQ(calls[0].Phone_Num, "3508216");
+    EXPECT_EQ(calls[0].Date_Time, "09/03/2026");
+    EXPECT_FALSE(calls[0].Ack);
+    EXPECT_TRUE(calls[1].Ack);
+    EXPECT_TRUE(calls[2].Ack);
+}
+
+TEST(Dialout, ShowsWhatIsStored) {
+    support::ScratchDesk desk;
+    for (const auto& [stored, shown] : {std::pair{"2026-03-09 08:05:09", "09/03/2026 08:05:09"},
+                                        std::pair{"2026-03-09", "09/03/2026"}, std::pair{"2026-13-09", "2026-13-09"},
+                                        std::pair{"<b>last night</b>", "<b>last night</b>"}, std::pair{"", ""}}) {
+        desk.dbconn.Execute("delete from dialout");
+        desk.dbconn.Execute("insert into dialout(Date_Time) values(?)", {stored});
+        const auto calls = ReadDialout(desk.dbconn);
+        EXPECT_EQ(calls[0].Date_Time, shown);
+        EXPECT_EQ(calls[0].Phone_Num, "");
+        EXPECT_FALSE(calls[0].Ack);
+    }
+}
+
+}  // namespace
+
+}  // namespace reports
