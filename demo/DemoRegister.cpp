@@ -62,6 +62,9 @@ std::vector<DemoStation> OneOfEach(const std::string& contracthour) {
     stations[2] = {"Hill Farm", "TeleFlow+", "BSAP", "", 3, 5, "5550142"};
     stations[3] = {"O'Brien's Works", "CWGFC-MultiStream", "BSAP", "", 4, 6, "", 2, {"AGA3", "AGA7", "", ""}};
     stations[4] = {"Kiln No. 4", "Quantum", "Quantum", "", 5, 12};
+    stations[2].groupno = 2;
+    stations[3].groupno = 3;
+    stations[4].groupno = 4;
     for (DemoStation& station : stations) {
         station.contracthour = contracthour;
     }

@@ -20,8 +20,6 @@ int main(int argc, char** argv) {
         }
         // Ports of the simulated field, relative to the application directory.
         dbconn.Execute("update comports set device = 'field/' || portname");
-        // What a collection leaves untouched keeps this mark, so that a missing value can be told from a zero.
-        dbconn.Execute("update configdata_detail set lastvalue = -999999");
     } catch (const std::exception& failure) {
         std::cerr << "demo_register: " << failure.what() << "\n";
         return 1;

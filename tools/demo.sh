@@ -52,6 +52,8 @@ if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   exit
 fi
 
+# What a collection leaves untouched keeps this mark, so that a missing value can be told from a zero.
+sql 'update configdata_detail set lastvalue = -999999'
 echo "Collecting five stations at $contract_hour, unattended; this takes about three minutes ..."
 QT_QPA_PLATFORM=offscreen "$build/norwen" --directory "$demo" --unattended >"$demo/norwen.log" 2>&1 &
 program=$!

@@ -40,10 +40,7 @@ void Stage::StatusLine::Status(const std::string& text) {
 
 Stage::Stage(const std::filesystem::path& delivered, const std::filesystem::path& directory)
     : shared_(directory), dbconn_(Copied(delivered, directory)), clock_(monthBegins) {
-    const int groupOf[] = {1, 1, 2, 3, 4};
-    int at = 0;
-    for (DemoStation station : OneOfEach("08:00")) {
-        station.groupno = groupOf[at++];
+    for (const DemoStation& station : OneOfEach("08:00")) {
         AddStation(dbconn_, station);
     }
     Collect();

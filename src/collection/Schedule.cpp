@@ -35,7 +35,7 @@ bool IsDue(const std::string& duration, double day, const core::DateTime& today)
     return core::SameText(duration, "Monthly") && day == today.day;
 }
 
-std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime& now) {
+std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime& now, bool minuteServed) {
     const std::int64_t present = core::ToSeconds(now);
     const std::int64_t minute = present - now.second;
     const std::int64_t midnight = minute - now.hour * 3600 - now.minute * 60;
@@ -46,7 +46,8 @@ std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime&
                       "order by locationID")) {
         for (std::int64_t day = 0; day <= farthestDay; ++day) {
             const std::int64_t at = midnight + day * secondsADay + SecondsOfDay(row[1].Text());
-            if (at > minute && IsDue(row[2].Text(), row[3].Number(), core::FromSeconds(at))) {
+            const bool isAhead = at > minute || (at == minute && !minuteServed);
+            if (isAhead && IsDue(row[2].Text(), row[3].Number(), core::FromSeconds(at))) {
                 if (!next || at < earliest) {
                     next = {row[0].Text(), core::FromSeconds(at)};
                     earliest = at;

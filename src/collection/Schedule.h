@@ -19,9 +19,9 @@ struct NextStation {
     core::DateTime at;
 };
 
-// The station that is collected next, behind the minute of `now`: the earliest, and of these the one with the lowest
-// location. Nothing when no station has a schedule. Throws DatabaseError.
-std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime& now);
+// The station that is collected next: the earliest, and of these the one with the lowest location. The minute of `now`
+// counts until its tick has served it. Nothing when no station has a schedule. Throws DatabaseError.
+std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime& now, bool minuteServed);
 
 // A station's line in the view of the schedule: "hh:mm", and "Yes" or "No".
 struct ScheduleLine {

@@ -23,6 +23,7 @@ void Guarded(core::Logs& logs, const Work& work) {
 }  // namespace
 
 void Scheduler::Tick() {
+    lastTick_ = place_.clock.Now();
     Guarded(place_.logs, [&] {
         auto stations = SelectDue();
         if (!stations.empty()) {
@@ -39,6 +40,10 @@ void Scheduler::Tick() {
         ServeMinute(stations);
     }
     running_ = false;
+}
+
+bool Scheduler::Served(const core::DateTime& at) const {
+    return core::IsoText(at).substr(0, 16) == core::IsoText(lastTick_).substr(0, 16);
 }
 
 void Scheduler::ResetDailyFlags() {

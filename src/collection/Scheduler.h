@@ -41,6 +41,9 @@ class Scheduler {
     // Who is told of each station from now on; null: nobody.
     void Watch(RunWatcher* watcher) { watcher_ = watcher; }
 
+    // Whether the minute of a moment has had its tick.
+    bool Served(const core::DateTime& at) const;
+
     // The station that is being collected.
     std::optional<std::int64_t> InHand() const { return inHand_; }
 
@@ -73,6 +76,7 @@ class Scheduler {
     std::deque<std::vector<DueStation>> minutes_;
     RunWatcher* watcher_ = nullptr;
     std::optional<std::int64_t> inHand_;
+    core::DateTime lastTick_;
     bool running_ = false;
     bool leaving_ = false;
 };

@@ -143,7 +143,7 @@ void frmGraphicRept::ShowNow() {
 void frmGraphicRept::ShowNext() {
     Guarded([this] {
         const core::DateTime now = desk_.clock.Now();
-        const auto next = collection::NextDue(desk_.dbconn, now);
+        const auto next = collection::NextDue(desk_.dbconn, now, desk_.scheduler.Served(now));
         if (!next) {
             ui_->lblnext->setText("No station has a schedule");
             return;
