@@ -73,7 +73,8 @@ inline QMessageBox* Box(const QWidget& page) {
 // Gives the page's window the focus back behind a box or a dialog, as a desktop does and the offscreen platform does
 // not.
 inline void Return(const QWidget& page) {
-    if (QApplication::activeModalWidget() == nullptr) {
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal == page.window()) {
         page.window()->activateWindow();
         static_cast<void>(QTest::qWaitForWindowActive(page.window()));
     }
