@@ -1,7 +1,6 @@
-#include "collection/Schedule.h"
-
 #include <gtest/gtest.h>
 
+#include "collection/Schedule.h"
 #include "support/CollectionDesk.h"
 
 namespace {

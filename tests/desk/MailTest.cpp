@@ -341,7 +341,7 @@ TEST_F(MailScreens, ThePasswordIsSeenOnlyWhileTheCommandIsHeld) {
     auto& password = The<QLineEdit>(form, "txtserverpassword");
     Type(form, "txtserverpassword", "Secret7");
     EXPECT_NE(password.displayText(), "Secret7");
-    auto& reveal = The<QPushButton>(form, "cmdreveal");
+    auto& reveal = The(form, "cmdreveal");
     reveal.setFocus();
     QTest::keyPress(&reveal, Qt::Key_Space);
     EXPECT_EQ(password.displayText(), "Secret7");

@@ -24,6 +24,14 @@ void Navigator::Open(Page* page) {
     BringForward(page);
 }
 
+void Navigator::Empty() {
+    opened_.clear();
+    home_ = nullptr;
+    while (count() > 0) {
+        delete widget(0);
+    }
+}
+
 Page* Navigator::Front() const {
     return opened_.empty() ? home_ : opened_.back();
 }

@@ -21,6 +21,9 @@ class Navigator : public QStackedWidget {
     // Opens a page before the one in front. It is deleted at its close.
     void Open(Page* page);
 
+    // Deletes all pages, before what they work with goes.
+    void Empty();
+
     // The page in front; null before the first.
     Page* Front() const;
 

@@ -41,6 +41,8 @@ mainfrm::mainfrm(Desk& desk)
       ui_(std::make_unique<Ui::mainfrm>()) {
     ui_->setupUi(this);
     ui_->layout->addWidget(&desk_.navigator, 1);
+    desk_.navigator.addWidget(overview_);
+    desk_.navigator.addWidget(menu_);
     // A station or a user may have any name, also one that looks like markup.
     panel_->setTextFormat(Qt::PlainText);
     ui_->lbluser->setTextFormat(Qt::PlainText);
@@ -62,6 +64,7 @@ mainfrm::mainfrm(Desk& desk)
 }
 
 mainfrm::~mainfrm() {
+    desk_.navigator.Empty();
     desk_.navigator.setParent(nullptr);
 }
 

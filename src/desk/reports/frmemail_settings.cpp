@@ -16,10 +16,7 @@ frmemail_settings::frmemail_settings(Desk& desk)
     connect(ui_->cmdtest, &QPushButton::clicked, this, [this] { Guarded([this] { cmdtest(); }); });
     connect(ui_->cmdstop, &QPushButton::clicked, &mail_, &OutgoingMail::Stop);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmemail_settings::cmdCancel);
-    connect(ui_->cmdreveal, &QPushButton::pressed, this,
-            [this] { ui_->txtserverpassword->setEchoMode(QLineEdit::Normal); });
-    connect(ui_->cmdreveal, &QPushButton::released, this,
-            [this] { ui_->txtserverpassword->setEchoMode(QLineEdit::Password); });
+    ui_->cmdreveal->Reveals({ui_->txtserverpassword});
     connect(&mail_, &OutgoingMail::Ended, this, [this](bool, const QString& answer) { Ended(answer); });
     Guarded([this] { Load(); });
     ShowState();

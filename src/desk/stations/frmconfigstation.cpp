@@ -341,32 +341,21 @@ bool frmconfigstation::SettleAll() {
 }
 
 bool frmconfigstation::Settle(PickCombo& field) {
-    struct ListCheck {
-        PickCombo* field;
-        const char* message;
-        bool clears;
-    };
     const Ui::frmconfigstation& ui = *ui_;
     if (!field.Settle()) {
-        for (const ListCheck& check :
-             {ListCheck{ui.cmbrtumake, "Invalid RTU", false}, ListCheck{ui.cmbmodelno, "Invalid Model", false},
-              ListCheck{ui.cmbcommtype, "Invalid Communication Type", true},
-              ListCheck{ui.cmbcommport, "Invalid Comport", true},
-              ListCheck{ui.cmbprotocol, "Invalid Protocol", true}}) {
-            if (check.field != &field) {
-                continue;
-            }
-            if (&field == ui.cmbprotocol && core::SameText(field.Text(), "Quantum")) {
-                return true;
-            }
-            if (check.clears) {
+        const auto refusal = stations::CheckTyped(field.objectName().toStdString(), {}, field.Text());
+        if (refusal) {
+            if (refusal->textCleared) {
                 field.Text("");
             }
             field.setFocus();
-            Show(check.message);
+            Show(QString::fromStdString(refusal->message));
             return false;
         }
-        field.TakeBack();
+        // A protocol may be one that is no longer offered; elsewhere only the list counts.
+        if (&field != ui.cmbprotocol) {
+            field.TakeBack();
+        }
     }
     if (&field == ui.cmbrtumake) {
         fields_.FillModels(desk_.dbconn);

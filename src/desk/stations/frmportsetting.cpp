@@ -1,7 +1,5 @@
 #include "desk/stations/frmportsetting.h"
 
-#include <array>
-
 #include "core/Feedback.h"
 #include "core/Logs.h"
 #include "desk/core/Boxes.h"
@@ -81,15 +79,9 @@ bool frmportsetting::Settle(PickCombo& field) {
     if (field.Settle()) {
         return true;
     }
-    const std::array<std::pair<PickCombo*, const char*>, 4> messages = {{{ui_->cmbbautrate, "Invalid Baudrate"},
-                                                                         {ui_->cmbdatabits, "Invlaid Databits"},
-                                                                         {ui_->cmbparity, "Invalid Parity"},
-                                                                         {ui_->cmbstopbits, "Invalid Stopbits"}}};
-    for (const auto& [checked, message] : messages) {
-        if (checked == &field) {
-            field.setFocus();
-            ShowBox(this, message, windowTitle());
-        }
+    if (const auto refusal = stations::CheckTyped(field.objectName().toStdString(), {}, field.Text())) {
+        field.setFocus();
+        ShowBox(this, QString::fromStdString(refusal->message), windowTitle());
     }
     return false;
 }
