@@ -6,9 +6,9 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QMenu>
-#include <QSaveFile>
 
 #include "desk/core/Boxes.h"
+#include "desk/core/WholeFile.h"
 
 namespace desk {
 
@@ -102,12 +102,7 @@ QString Grid::TabSeparated() const {
 }
 
 QString Grid::Save(const QString& file) const {
-    QSaveFile out(file);
-    const QByteArray text = TabSeparated().toUtf8();
-    if (!out.open(QIODevice::WriteOnly) || out.write(text) != text.size() || !out.commit()) {
-        return file + ": " + out.errorString();
-    }
-    return {};
+    return WriteWhole(file, TabSeparated().toUtf8());
 }
 
 void Grid::Copy() const {

@@ -5,10 +5,10 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QSaveFile>
 
 #include "core/Logs.h"
 #include "desk/core/Boxes.h"
+#include "desk/core/WholeFile.h"
 
 namespace desk {
 
@@ -29,12 +29,7 @@ void LogView::ShowLog(const core::LogText& log, QLabel* note) {
 }
 
 QString LogView::Save(const QString& file) const {
-    QSaveFile out(file);
-    const QByteArray text = toPlainText().replace('\n', "\r\n").toUtf8();
-    if (!out.open(QIODevice::WriteOnly) || out.write(text) != text.size() || !out.commit()) {
-        return file + ": " + out.errorString();
-    }
-    return {};
+    return WriteWhole(file, toPlainText().toUtf8());
 }
 
 void LogView::SaveAs() {

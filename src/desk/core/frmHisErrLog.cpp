@@ -2,8 +2,8 @@
 
 #include "core/MAIN_Module.h"
 #include "desk/collection/frm_Sch_Data.h"
-#include "desk/core/frmlog.h"
 #include "desk/collection/frmrpt.h"
+#include "desk/core/frmlog.h"
 #include "desk/reports/frmHistLog.h"
 #include "desk/reports/frmchart.h"
 #include "desk/reports/frmdialout.h"

@@ -3,17 +3,18 @@
 #include <QBarCategoryAxis>
 #include <QBarSeries>
 #include <QBarSet>
+#include <QBuffer>
 #include <QDate>
 #include <QEvent>
 #include <QGraphicsLayout>
 #include <QLegend>
 #include <QLineSeries>
 #include <QLocale>
-#include <QSaveFile>
 #include <QValueAxis>
 #include <algorithm>
 
 #include "desk/core/Look.h"
+#include "desk/core/WholeFile.h"
 
 namespace desk {
 
@@ -173,11 +174,10 @@ void MonthDrawing::changeEvent(QEvent* event) {
 }
 
 QString MonthDrawing::Save(const QString& file) {
-    QSaveFile out(file);
-    if (!out.open(QIODevice::WriteOnly) || !grab().save(&out, "PNG") || !out.commit()) {
-        return file + ": " + out.errorString();
-    }
-    return {};
+    QBuffer picture;
+    picture.open(QIODevice::WriteOnly);
+    grab().save(&picture, "PNG");
+    return WriteWhole(file, picture.data());
 }
 
 }  // namespace desk
