@@ -29,7 +29,7 @@ void LogView::ShowLog(const core::LogText& log, QLabel* note) {
 }
 
 QString LogView::Save(const QString& file) const {
-    return WriteWhole(file, toPlainText().toUtf8());
+    return WriteWhole(file, toPlainText().replace('\n', "\r\n").toUtf8());
 }
 
 void LogView::SaveAs() {
