@@ -63,10 +63,14 @@ StartOptions ReadOptions(int argc, char** argv) {
         std::exit(EXIT_FAILURE);
     }
     const QString colours = parser.value(palette);
+    if (parser.isSet(palette) && colours != "light" && colours != "dark") {
+        std::cerr << "norwen: COLOURS are light or dark, not '" << colours.toStdString() << "'.\n";
+        std::exit(EXIT_FAILURE);
+    }
     return {parser.value(directory).toStdString(), parser.isSet(unattended),
-            colours == "dark"    ? desk::Palette::Dark
-            : colours == "light" ? desk::Palette::Light
-                                 : desk::Palette::System};
+            !parser.isSet(palette) ? desk::Palette::System
+            : colours == "dark"    ? desk::Palette::Dark
+                                   : desk::Palette::Light};
 }
 
 // Why the program cannot start, for whoever is there: a box, or in unattended work the terminal and the error log.
@@ -196,7 +200,7 @@ int main(int argc, char** argv) {
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName("Norwen");
-    desk::ApplyLook(application, options.palette);
+    desk::ApplyLook(options.palette);
     QApplication::setQuitOnLastWindowClosed(false);
     try {
         return Start(application, options);

@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     QApplication application(argc, argv);
-    desk::ApplyLook(application, std::string(argv[3]) == "dark" ? desk::Palette::Dark : desk::Palette::Light);
+    desk::ApplyLook(std::string(argv[3]) == "dark" ? desk::Palette::Dark : desk::Palette::Light);
     try {
         const std::filesystem::path pictures(argv[2]);
         const std::filesystem::path work = pictures / "work";

@@ -10,21 +10,11 @@ namespace {
 constexpr int maxAttempts = 3;
 constexpr double pauseMs = 500;
 
-// What an edge of the schedule does with an error: it is written down, and the schedule goes on.
-template <typename Work>
-void Guarded(core::Logs& logs, const Work& work) {
-    try {
-        work();
-    } catch (const std::exception& failure) {
-        logs.WriteRtuErr(failure.what());
-    }
-}
-
 }  // namespace
 
 void Scheduler::Tick() {
     lastTick_ = place_.clock.Now();
-    Guarded(place_.logs, [&] {
+    core::Guarded(place_.logs, [&] {
         auto stations = SelectDue();
         if (!stations.empty()) {
             minutes_.push_back(std::move(stations));
@@ -75,10 +65,10 @@ void Scheduler::ServeMinute(const std::vector<DueStation>& stations) {
         if (leaving_) {
             return;
         }
-        Guarded(place_.logs, [&] { ServeStation(station); });
+        core::Guarded(place_.logs, [&] { ServeStation(station); });
     }
     if (!leaving_) {
-        Guarded(place_.logs, [&] {
+        core::Guarded(place_.logs, [&] {
             sendmail(place_.dbconn, place_.shared, place_.clock, place_.feedback, place_.logs, mail_,
                      [this] { return leaving_; });
         });

@@ -10,14 +10,6 @@ namespace collection {
 
 namespace {
 
-std::vector<std::string> FirstColumn(const std::vector<core::Row>& rows) {
-    std::vector<std::string> texts;
-    for (const core::Row& row : rows) {
-        texts.push_back(row[0].Text());
-    }
-    return texts;
-}
-
 // Day, month and year, the text being nothing else.
 std::optional<core::DateTime> DateOf(const std::string& text) {
     core::DateTime date;
@@ -40,11 +32,11 @@ std::optional<core::DateTime> DateOf(const std::string& text) {
 }  // namespace
 
 std::vector<std::string> ScheduledNames(core::Database& dbconn) {
-    return FirstColumn(dbconn.Query("select distinct(RTUName) from Scheduler order by RTUName"));
+    return dbconn.Texts("select distinct(RTUName) from Scheduler order by RTUName");
 }
 
 std::vector<std::string> ScheduledDates(core::Database& dbconn, const std::string& consumer) {
-    auto dates = FirstColumn(dbconn.Query("select distinct(Sch_date) from Scheduler where RTUName=?", {consumer}));
+    auto dates = dbconn.Texts("select distinct(Sch_date) from Scheduler where RTUName=?", {consumer});
     std::stable_sort(dates.begin(), dates.end(),
                      [](const std::string& a, const std::string& b) { return DateOf(a) > DateOf(b); });
     return dates;

@@ -226,6 +226,14 @@ std::optional<Row> Database::First(const std::string& sql, std::initializer_list
     return rows.empty() ? std::nullopt : std::optional<Row>(std::move(rows.front()));
 }
 
+std::vector<std::string> Database::Texts(const std::string& sql, std::initializer_list<Value> values) {
+    std::vector<std::string> texts;
+    for (const Row& row : Query(sql, values)) {
+        texts.push_back(row[0].Text());
+    }
+    return texts;
+}
+
 int Database::Execute(const std::string& sql, std::initializer_list<Value> values) {
     return Guarded([&] { return engine_->With(sql, values, [](SQLite::Statement& s) { return s.exec(); }); });
 }

@@ -83,6 +83,9 @@ class Database {
     // The first row, if there is one.
     std::optional<Row> First(const std::string& sql, std::initializer_list<Value> values = {});
 
+    // The first column of all rows, as text.
+    std::vector<std::string> Texts(const std::string& sql, std::initializer_list<Value> values = {});
+
     // Runs a statement without rows. Tells how many rows it changed.
     int Execute(const std::string& sql, std::initializer_list<Value> values = {});
     int Execute(const std::string& sql, const std::vector<Value>& values);

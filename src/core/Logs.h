@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <string>
 #include <system_error>
 
@@ -62,5 +63,15 @@ class Logs {
     const MAIN_Module& shared_;
     const Clock& clock_;
 };
+
+// Runs a routine at its edge: what it throws ends it and is a line of RTU_Err.log.
+template <typename Work>
+void Guarded(Logs& logs, const Work& work) {
+    try {
+        work();
+    } catch (const std::exception& failure) {
+        logs.WriteRtuErr(failure.what());
+    }
+}
 
 }  // namespace core

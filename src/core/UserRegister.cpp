@@ -50,11 +50,7 @@ constexpr const char* updateUser =
 }  // namespace
 
 std::vector<std::string> ListUsers(Database& dbconn) {
-    std::vector<std::string> users;
-    for (const Row& row : dbconn.Query("select userid from users where userid <> 'administrator' order by userid")) {
-        users.push_back(row.Text("userid"));
-    }
-    return users;
+    return dbconn.Texts("select userid from users where userid <> 'administrator' order by userid");
 }
 
 std::optional<UserRecord> ReadUser(Database& dbconn, const std::string& userid) {

@@ -122,6 +122,16 @@ std::string CellText(const LogEntry& entry) {
     return core::Trim(shown + " " + entry.note);
 }
 
+std::optional<DaysFault> CheckDays(const core::DateTime& from, const core::DateTime& to, const core::DateTime& today) {
+    if (Midnight(from) > Midnight(to)) {
+        return DaysFault{"Properly Choose Date From which To which you want to view log", "DTPicker1"};
+    }
+    if (Midnight(to) > Midnight(today)) {
+        return DaysFault{"Log Do Not have the Data", "DTPicker2"};
+    }
+    return std::nullopt;
+}
+
 std::vector<LogStation> FindLogStations(core::Database& dbconn, const core::DateTime& from, const core::DateTime& to) {
     std::vector<LogStation> stations;
     for (const core::Row& row : dbconn.Query(

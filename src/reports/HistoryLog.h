@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,15 @@ std::vector<LogEntry> ParseLogText(std::string_view text);
 // What a value shows. One with a note is rounded to 6 decimals and followed by it: the "?" is cut off where the text is
 // taken apart, but operators expect a note that was stored to reach the screen.
 std::string CellText(const LogEntry& entry);
+
+// What is wrong with a range of days, and the control in which it is mended.
+struct DaysFault {
+    std::string message;
+    std::string control;
+};
+
+// Both are dates; nothing when they can be asked for. `from` may not be after `to`, nor `to` after `today`.
+std::optional<DaysFault> CheckDays(const core::DateTime& from, const core::DateTime& to, const core::DateTime& today);
 
 struct LogStation {
     std::int64_t locationID = 0;

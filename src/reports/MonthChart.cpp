@@ -42,13 +42,4 @@ std::optional<MonthFigures> ReadMonth(core::Database& dbconn, std::int64_t locat
     return figures;
 }
 
-std::vector<ChartStation> ReadChartStations(core::Database& dbconn) {
-    std::vector<ChartStation> stations;
-    for (const core::Row& row :
-         dbconn.Query("select locationId, consumer from configdata_master order by locationid")) {
-        stations.push_back({row.Long("locationId"), row.Text("consumer")});
-    }
-    return stations;
-}
-
 }  // namespace reports

@@ -29,12 +29,4 @@ struct MonthFigures {
 // without a year. Of two rows of one day the later counts. Nothing when no year has a row. Throws DatabaseError.
 std::optional<MonthFigures> ReadMonth(core::Database& dbconn, std::int64_t locationID, int month);
 
-struct ChartStation {
-    std::int64_t locationID = 0;
-    std::string consumer;
-};
-
-// The stations that can be chosen, in the order of their numbers. Throws DatabaseError.
-std::vector<ChartStation> ReadChartStations(core::Database& dbconn);
-
 }  // namespace reports

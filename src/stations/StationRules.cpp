@@ -23,14 +23,6 @@ Rule Find(const RuleTable<Rule>& table, const std::string& name, const Rule& oth
     return row == table.end() ? other : row->second;
 }
 
-Texts FirstColumn(const std::vector<core::Row>& rows) {
-    Texts texts;
-    for (const core::Row& row : rows) {
-        texts.push_back(row[0].Text());
-    }
-    return texts;
-}
-
 ModelRule SingleStream(const std::string& method, Metering metering, const std::string& protocol) {
     return {.isCW = true,
             .cmb_stm1 = method,
@@ -70,10 +62,10 @@ const RuleTable<ModelRule>& ModelRules() {
         {"CWEFM-MultiStream", MultiStream({"1", "2", "3", "4"})},
         {"CWGFC-MultiStream", MultiStream({"1", "2"})},
         {"CW_Micro", {.protocol = "BSAP", .protocolLocked = true, .scheduleEnabled = false, .isMicro = true}},
-        {"TeleFlow", Tele("AGA3", Metering::NoAga7, "")},
-        {"TeleFlow+", Tele("AGA3", Metering::NoAga7, "")},
-        {"TeleCorrector", Tele("AGA7", Metering::Aga7Only, "1")},
-        {"TeleCorrector+", Tele("AGA7", Metering::Aga7Only, "1")},
+        {"TeleFlow", Tele("AGA3", Metering::Aga3, "")},
+        {"TeleFlow+", Tele("AGA3", Metering::Aga3, "")},
+        {"TeleCorrector", Tele("AGA7", Metering::Aga7, "1")},
+        {"TeleCorrector+", Tele("AGA7", Metering::Aga7, "1")},
     };
     return rules;
 }
@@ -168,20 +160,19 @@ const Texts& Weekdays() {
 }
 
 Texts Makes(core::Database& dbconn) {
-    return FirstColumn(dbconn.Query("select cmpcode from product order by cmpcode"));
+    return dbconn.Texts("select cmpcode from product order by cmpcode");
 }
 
 Texts Models(core::Database& dbconn, const std::string& make) {
-    return FirstColumn(
-        dbconn.Query("select modelno from product_model where cmpcode = ? order by modelno", {core::Trim(make)}));
+    return dbconn.Texts("select modelno from product_model where cmpcode = ? order by modelno", {core::Trim(make)});
 }
 
 Texts Comports(core::Database& dbconn) {
-    return FirstColumn(dbconn.Query("select * from comports"));
+    return dbconn.Texts("select * from comports");
 }
 
 Texts Baudrates(core::Database& dbconn) {
-    return FirstColumn(dbconn.Query("select * from baudrate"));
+    return dbconn.Texts("select * from baudrate");
 }
 
 ModelRule RuleOfModel(const std::string& modelno) {

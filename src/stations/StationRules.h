@@ -23,8 +23,8 @@ std::vector<std::string> Models(core::Database& dbconn, const std::string& make)
 std::vector<std::string> Comports(core::Database& dbconn);
 std::vector<std::string> Baudrates(core::Database& dbconn);
 
-// Aga7Only and NoAga7 put one of the two options off, so the other one is the choice that is left.
-enum class Metering { Unchanged, Aga3, Aga7, Aga7Only, NoAga7 };
+// Which of the two options is on; one that a model puts off leaves the other.
+enum class Metering { Unchanged, Aga3, Aga7 };
 
 // What a model fixes. A field that the model leaves as it is has no value or the word for it.
 struct ModelRule {

@@ -54,8 +54,8 @@ TEST(StationRulesTest, Models) {
         {"CWGFC-MULTISTREAM", "AGA3", Metering::Unchanged, "BSAP", "1", false, true, 2},
         {"CWEFM-MultiStream", "AGA3", Metering::Unchanged, "BSAP", "1", false, true, 4},
         {"CW_MICRO", "", Metering::Unchanged, "BSAP", "", false, true, 0},
-        {"TeleFlow+", "AGA3", Metering::NoAga7, "", "", true, false, 0},
-        {"TeleCorrector", "AGA7", Metering::Aga7Only, "", "1", true, false, 0},
+        {"TeleFlow+", "AGA3", Metering::Aga3, "", "", true, false, 0},
+        {"TeleCorrector", "AGA7", Metering::Aga7, "", "1", true, false, 0},
         {"TeleRTU(M)", "AGA3", Metering::Unchanged, "", "", true, false, 0},
         {"Quantum", "AGA3", Metering::Unchanged, "", "", true, false, 0},
     };

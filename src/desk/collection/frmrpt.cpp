@@ -1,11 +1,11 @@
 #include "desk/collection/frmrpt.h"
 
-#include <QFileDialog>
 #include <cmath>
 #include <system_error>
 
 #include "collection/DailyReport.h"
 #include "core/Text.h"
+#include "desk/core/WholeFile.h"
 #include "ui_frmrpt.h"
 
 namespace desk {
@@ -81,21 +81,8 @@ void frmrpt::cmddaily() {
 }
 
 void frmrpt::cmdsavertf() {
-    auto* dialog = new QFileDialog(this, "Save Report", {}, "Rich text (*.rtf)");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    // Its own question would wait in a loop of its own.
-    dialog->setOption(QFileDialog::DontConfirmOverwrite);
-    dialog->setDefaultSuffix("rtf");
-    dialog->selectFile("daily_report.rtf");
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
-        if (QFile::exists(file)) {
-            Ask(file + " exists. Replace it?", [this, file] { Write(file); });
-        } else {
-            Write(file);
-        }
-    });
-    dialog->open();
+    AskForFile(this, {"Save Report", "Rich text (*.rtf)", "rtf", "daily_report.rtf"},
+               [this](const QString& file) { Write(file); });
 }
 
 // The scheduled mail fills the same table for its own day, perhaps since this one was made: it is made anew.

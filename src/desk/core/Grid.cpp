@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
-#include <QFileDialog>
 #include <QHeaderView>
 #include <QMenu>
 
@@ -110,16 +109,11 @@ void Grid::Copy() const {
 }
 
 void Grid::SaveAs() {
-    auto* dialog = new QFileDialog(this, "Save as tab-separated text", {}, "Text (*.txt *.tsv)");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix("txt");
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+    AskForFile(this, {"Save as tab-separated text", "Text (*.txt *.tsv)", "txt"}, [this](const QString& file) {
         if (const QString failure = Save(file); !failure.isEmpty()) {
             ShowBox(this, failure, "Save");
         }
     });
-    dialog->open();
 }
 
 void Grid::keyPressEvent(QKeyEvent* event) {

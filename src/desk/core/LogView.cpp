@@ -1,7 +1,6 @@
 #include "desk/core/LogView.h"
 
 #include <QContextMenuEvent>
-#include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
@@ -33,16 +32,11 @@ QString LogView::Save(const QString& file) const {
 }
 
 void LogView::SaveAs() {
-    auto* dialog = new QFileDialog(this, "Save as text", {}, "Text (*.txt)");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix("txt");
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+    AskForFile(this, {"Save as text", "Text (*.txt)", "txt"}, [this](const QString& file) {
         if (const QString failure = Save(file); !failure.isEmpty()) {
             ShowBox(this, failure, "Save");
         }
     });
-    dialog->open();
 }
 
 void LogView::keyPressEvent(QKeyEvent* event) {

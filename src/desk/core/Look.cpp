@@ -7,52 +7,35 @@ namespace desk {
 
 namespace {
 
-QPalette LightPalette() {
-    QPalette palette(QColor(0xF4, 0xF5, 0xF7));
-    palette.setColor(QPalette::WindowText, QColor(0x1B, 0x1F, 0x24));
-    palette.setColor(QPalette::Base, Qt::white);
-    palette.setColor(QPalette::AlternateBase, QColor(0xEE, 0xF1, 0xF5));
-    palette.setColor(QPalette::Text, QColor(0x1B, 0x1F, 0x24));
-    palette.setColor(QPalette::ButtonText, QColor(0x1B, 0x1F, 0x24));
-    palette.setColor(QPalette::PlaceholderText, QColor(0x6B, 0x74, 0x80));
-    palette.setColor(QPalette::Highlight, QColor(0x1F, 0x5F, 0xA8));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    return palette;
-}
+struct Colours {
+    QRgb button, window, text, base, alternateBase, muted, highlight;
+};
+constexpr Colours light = {0xFFF4F5F7, 0xFFF4F5F7, 0xFF1B1F24, 0xFFFFFFFF, 0xFFEEF1F5, 0xFF6B7480, 0xFF1F5FA8};
+constexpr Colours dark = {0xFF3A3F47, 0xFF24282E, 0xFFE4E7EB, 0xFF1B1E23, 0xFF22262C, 0xFF8C95A0, 0xFF3D7FC9};
 
-QPalette DarkPalette() {
-    QPalette palette(QColor(0x3A, 0x3F, 0x47), QColor(0x24, 0x28, 0x2E));
-    palette.setColor(QPalette::WindowText, QColor(0xE4, 0xE7, 0xEB));
-    palette.setColor(QPalette::Base, QColor(0x1B, 0x1E, 0x23));
-    palette.setColor(QPalette::AlternateBase, QColor(0x22, 0x26, 0x2C));
-    palette.setColor(QPalette::Text, QColor(0xE4, 0xE7, 0xEB));
-    palette.setColor(QPalette::ButtonText, QColor(0xE4, 0xE7, 0xEB));
-    palette.setColor(QPalette::PlaceholderText, QColor(0x8C, 0x95, 0xA0));
-    palette.setColor(QPalette::ToolTipBase, QColor(0x3A, 0x3F, 0x47));
-    palette.setColor(QPalette::ToolTipText, QColor(0xE4, 0xE7, 0xEB));
-    palette.setColor(QPalette::Highlight, QColor(0x3D, 0x7F, 0xC9));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    return palette;
-}
-
-// What a command that is out of reach looks like: still readable, never mistaken for one that is not.
-void ShadeDisabled(QPalette& palette) {
-    const QColor text = palette.color(QPalette::PlaceholderText);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, text);
+QPalette PaletteOf(const Colours& colours) {
+    QPalette palette(QColor(colours.button), QColor(colours.window));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, QColor(colours.text));
+        // A command that is out of reach is still readable, and never mistaken for one that is not.
+        palette.setColor(QPalette::Disabled, role, QColor(colours.muted));
     }
+    palette.setColor(QPalette::Base, QColor(colours.base));
+    palette.setColor(QPalette::AlternateBase, QColor(colours.alternateBase));
+    palette.setColor(QPalette::PlaceholderText, QColor(colours.muted));
+    palette.setColor(QPalette::ToolTipBase, QColor(colours.button));
+    palette.setColor(QPalette::Highlight, QColor(colours.highlight));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    return palette;
 }
 
 }  // namespace
 
-void ApplyLook(QApplication& application, Palette palette) {
+void ApplyLook(Palette palette) {
     QApplication::setStyle("Fusion");
     if (palette != Palette::System) {
-        QPalette colours = palette == Palette::Dark ? DarkPalette() : LightPalette();
-        ShadeDisabled(colours);
-        QApplication::setPalette(colours);
+        QApplication::setPalette(PaletteOf(palette == Palette::Dark ? dark : light));
     }
-    static_cast<void>(application);
 }
 
 QFont Larger(const QFont& font, double times, bool bold) {

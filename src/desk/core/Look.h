@@ -3,7 +3,6 @@
 #include <QFont>
 #include <QPalette>
 
-class QApplication;
 class QWidget;
 
 namespace desk {
@@ -11,7 +10,7 @@ namespace desk {
 enum class Palette { System, Light, Dark };
 
 // The one look of the desk: the Fusion style, and the system's palette unless a light or a dark one is asked for.
-void ApplyLook(QApplication& application, Palette palette);
+void ApplyLook(Palette palette);
 
 // The same font `times` larger; for what must be read from afar.
 QFont Larger(const QFont& font, double times, bool bold = false);

@@ -38,8 +38,8 @@ frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::m
     ui_->lstlines->setFixedHeight(fontMetrics().height() * linesInSight + 12);
     connect(ui_->cmdMenu, &QPushButton::clicked, this, &frmGraphicRept::MenuWanted);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::cmdClose);
-    connect(&minute_, &QTimer::timeout, this, &frmGraphicRept::ShowNext);
-    minute_.start(5000);
+    connect(&next_, &QTimer::timeout, this, &frmGraphicRept::ShowNext);
+    next_.start(5000);
     desk_.scheduler.Watch(this);
     ui_->cmdMenu->setFocus();
 }
@@ -97,6 +97,11 @@ void frmGraphicRept::Activated() {
     Guarded([this] {
         Reset();
         Refresh();
+        for (const collection::Node& node : nodes_) {
+            if (node.index < 0) {
+                desk_.feedback.Status("No place in the overview for " + node.consumer);
+            }
+        }
     });
 }
 
@@ -112,7 +117,6 @@ void frmGraphicRept::Refresh() {
     for (const collection::Node& node : nodes_) {
         const QString consumer = QString::fromStdString(node.consumer);
         if (node.index < 0) {
-            desk_.feedback.Status("No place in the overview for " + node.consumer);
             continue;
         }
         NodeButton* button = cmdLoc_[static_cast<std::size_t>(node.index)];

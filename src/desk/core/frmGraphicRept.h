@@ -54,7 +54,7 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     std::array<NodeButton*, collection::nodeButtons> cmdLoc_{};
     std::array<QPushButton*, collection::groups> lblgroup_{};
     std::vector<collection::Node> nodes_;
-    QTimer minute_;
+    QTimer next_;  // looks at what is due next
     std::unique_ptr<Ui::frmGraphicRept> ui_;
 };
 

@@ -11,20 +11,6 @@
 
 namespace desk {
 
-namespace {
-
-// A statement that fails ends its command and leaves the form as it is; the log says why.
-template <typename Work>
-void Guarded(core::Logs& logs, const Work& work) {
-    try {
-        work();
-    } catch (const core::DatabaseError& failure) {
-        logs.WriteRtuErr(failure.what());
-    }
-}
-
-}  // namespace
-
 frmLogin::frmLogin(core::Database& dbconn, core::MAIN_Module& shared, core::Logs& logs, MessageBox box)
     : dbconn_(dbconn), shared_(shared), logs_(logs), box_(std::move(box)), ui_(std::make_unique<Ui::frmLogin>()) {
     ui_->setupUi(this);
@@ -108,7 +94,7 @@ bool frmLogin::Accepted(core::LoginOutcome outcome) {
 }
 
 void frmLogin::cmdOk() {
-    Guarded(logs_, [this] {
+    core::Guarded(logs_, [this] {
         if (Accepted(core::Login(dbconn_, shared_, logs_, ui_->txtuser->text().toStdString(),
                                  ui_->txtpassword->text().toStdString()))) {
             loggedIn_ = true;
@@ -118,7 +104,7 @@ void frmLogin::cmdOk() {
 }
 
 void frmLogin::cmdchange() {
-    Guarded(logs_, [this] {
+    core::Guarded(logs_, [this] {
         if (Accepted(core::CheckPassword(dbconn_, ui_->txtuser->text().toStdString(),
                                          ui_->txtpassword->text().toStdString()))) {
             ShowNewPassword(true);
@@ -139,7 +125,7 @@ void frmLogin::cmdsave() {
         Select(ui_->txtconfirmpass);
         return;
     }
-    Guarded(logs_, [this] {
+    core::Guarded(logs_, [this] {
         if (!core::ChangePassword(dbconn_, ui_->txtuser->text().toStdString(), ui_->txtnewpass->text().toStdString())) {
             box_("The new password holds a character that cannot be stored", "Login");
             Select(ui_->txtnewpass);

@@ -20,16 +20,6 @@ namespace {
 
 constexpr int ticksToReset = 60;
 
-// What the shell does by itself fails without a word on the screen; the log says why.
-template <typename Work>
-void Guarded(core::Logs& logs, const Work& work) {
-    try {
-        work();
-    } catch (const std::exception& failure) {
-        logs.WriteRtuErr(failure.what());
-    }
-}
-
 }  // namespace
 
 mainfrm::mainfrm(Desk& desk)
@@ -102,7 +92,7 @@ void mainfrm::ShowForUser() {
 }
 
 void mainfrm::Tick() {
-    Guarded(desk_.logs, [this] {
+    core::Guarded(desk_.logs, [this] {
         if (resetCounter_ == ticksToReset) {
             resetCounter_ = 0;
             desk_.scheduler.ResetDailyFlags();
@@ -141,7 +131,7 @@ void mainfrm::EndProgram() {
 }
 
 void mainfrm::Unload() {
-    Guarded(desk_.logs, [this] { core::ClearLogon(desk_.dbconn, desk_.shared.currentuser); });
+    core::Guarded(desk_.logs, [this] { core::ClearLogon(desk_.dbconn, desk_.shared.currentuser); });
 }
 
 }  // namespace desk

@@ -34,7 +34,6 @@ frmHistLog::frmHistLog(Desk& desk) : Page(desk, caption + noStation), ui_(std::m
     for (QDateEdit* picker : {ui_->DTPicker1, ui_->DTPicker2}) {
         picker->setMinimumDate(firstDay);
     }
-    ui_->Grid->horizontalHeader()->setStretchLastSection(false);
     // Measuring every cell of a year takes longer than reading it; FitColumns measures the longest ones.
     ui_->Grid->horizontalHeader()->setResizeContentsPrecision(0);
     new FirstColumn(ui_->Grid);
@@ -90,19 +89,14 @@ void frmHistLog::cmdReset() {
 }
 
 void frmHistLog::cmdGo() {
-    const QDate from = ui_->DTPicker1->date();
-    const QDate to = ui_->DTPicker2->date();
-    if (from > to) {
-        ui_->DTPicker1->setFocus();
-        Show("Properly Choose Date From which To which you want to view log");
+    const core::DateTime from = DayOf(ui_->DTPicker1->date());
+    const core::DateTime to = DayOf(ui_->DTPicker2->date());
+    if (const auto fault = reports::CheckDays(from, to, desk_.clock.Now())) {
+        findChild<QWidget*>(QString::fromStdString(fault->control))->setFocus();
+        Show(QString::fromStdString(fault->message));
         return;
     }
-    if (to > DateOf(desk_.clock.Now())) {
-        ui_->DTPicker2->setFocus();
-        Show("Log Do Not have the Data");
-        return;
-    }
-    const auto stations = reports::FindLogStations(desk_.dbconn, DayOf(from), DayOf(to));
+    const auto stations = reports::FindLogStations(desk_.dbconn, from, to);
     HideStations();
     if (stations.empty()) {
         ui_->DTPicker1->setFocus();
@@ -113,7 +107,7 @@ void frmHistLog::cmdGo() {
         ui_->cmbNode->addItem(QString::number(station.locationID) + "-" + QString::fromStdString(station.consumer),
                               QVariant::fromValue(station.locationID));
     }
-    days_ = reports::DaysOf(DayOf(from), DayOf(to));
+    days_ = reports::DaysOf(from, to);
     ShowHead();
     ui_->Label3->show();
     ui_->cmbNode->show();

@@ -1,10 +1,11 @@
 #include "desk/reports/frmchart.h"
 
-#include <QFileDialog>
 #include <QLocale>
 
 #include "core/Text.h"
+#include "desk/core/WholeFile.h"
 #include "desk/reports/MonthDrawing.h"
+#include "stations/StationRegister.h"
 #include "ui_frmchart.h"
 
 namespace desk {
@@ -32,9 +33,9 @@ frmchart::frmchart(Desk& desk) : Page(desk, "Chart"), ui_(std::make_unique<Ui::f
         ui_->cmbMonth->addItem(QString::number(month) + "-" + QLocale::c().monthName(month), month);
     }
     Guarded([this] {
-        for (const reports::ChartStation& station : reports::ReadChartStations(desk_.dbconn)) {
-            ui_->cmbLocId->addItem(QString::number(station.locationID) + "-" + QString::fromStdString(station.consumer),
-                                   QVariant::fromValue(station.locationID));
+        for (const stations::StationEntry& station : stations::ListStations(desk_.dbconn)) {
+            ui_->cmbLocId->addItem(QString::number(station.locationId) + "-" + QString::fromStdString(station.consumer),
+                                   QVariant::fromValue(station.locationId));
         }
     });
     ui_->cmbLocId->setCurrentIndex(-1);
@@ -77,12 +78,8 @@ void frmchart::DrawMonth(ChartKind kind) {
 }
 
 void frmchart::cmdSavePng() {
-    auto* dialog = new QFileDialog(this, "Save the chart as a picture", {}, "PNG (*.png)");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix("png");
-    connect(dialog, &QFileDialog::fileSelected, this, &frmchart::SavePng);
-    dialog->open();
+    AskForFile(this, {"Save the chart as a picture", "PNG (*.png)", "png"},
+               [this](const QString& file) { SavePng(file); });
 }
 
 void frmchart::SavePng(const QString& file) {

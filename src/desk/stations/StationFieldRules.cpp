@@ -7,27 +7,9 @@ namespace desk {
 
 namespace {
 
-// One of two options goes off, and the other does not go on for it.
-void Clear(QRadioButton* option) {
-    option->setAutoExclusive(false);
-    option->setChecked(false);
-    option->setAutoExclusive(true);
-}
-
 void Choose(stations::Metering metering, Ui::frmconfigstation& ui) {
-    switch (metering) {
-        case stations::Metering::Unchanged:
-            return;
-        case stations::Metering::Aga3:
-            ui.optAga3->setChecked(true);
-            return;
-        case stations::Metering::Aga7:
-        case stations::Metering::Aga7Only:
-            ui.optAga7->setChecked(true);
-            return;
-        case stations::Metering::NoAga7:
-            Clear(ui.optAga7);
-            return;
+    if (metering != stations::Metering::Unchanged) {
+        (metering == stations::Metering::Aga3 ? ui.optAga3 : ui.optAga7)->setChecked(true);
     }
 }
 
@@ -66,7 +48,7 @@ void Apply(const stations::ModelRule& rule, Ui::frmconfigstation& ui) {
         ui.cmb_stm1->Text(rule.cmb_stm1);
     }
     for (PickCombo* stream : {ui.cmb_stm2, ui.cmb_stm3, ui.cmb_stm4}) {
-        stream->Text("AGA3");
+        stream->Text(rule.cmb_stm2to4);
     }
     Choose(rule.metering, ui);
     ShowMetering(rule, ui);
@@ -131,8 +113,8 @@ void ShowWhatBelongs(const stations::StationRecord& record, Ui::frmconfigstation
     }
     ShowStreams(ui);
     const stations::CommunicationRule line = stations::RuleOfCommunication(record.comtype);
-    ShowLine(line, !line.ipVisible, ui);
-    if (line.ipVisible) {
+    ShowLine(line, !line.lineHiddenOnDisplay, ui);
+    if (line.lineHiddenOnDisplay) {
         ui.lblcommport->hide();
         ui.cmbcommport->hide();
     }
