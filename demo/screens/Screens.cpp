@@ -138,6 +138,24 @@ QWidget* Audit(Stage& stage) {
     return Click(stage, "cmd_view");
 }
 
+QWidget* ErrorLog(Stage& stage) {
+    core::Logs& logs = stage.Surroundings().logs;
+    logs.WriteRtuErr("There was No Response from the controller[9]!");
+    logs.WriteRtuErr("No Dialtone/Line Engaged/Remote Modem not Responding [12]");
+    logs.WriteRtuErr("RTU Dead[19]");
+    stage.Open<desk::frmlog>();
+    return &stage.Shell();
+}
+
+QWidget* Dialout(Stage& stage) {
+    core::Database& dbconn = stage.Surroundings().dbconn;
+    for (const auto& [date, acknowledged] : {std::pair{"2026-03-20", true}, std::pair{"2026-03-22", false}}) {
+        dbconn.Execute("insert into dialout(Phone_Num, Date_Time, Ack) values(4170253,?,?)", {date, acknowledged});
+    }
+    stage.Open<desk::frmdialout>();
+    return &stage.Shell();
+}
+
 QWidget* Mail(Stage& stage) {
     stage.Open<desk::frmemail>();
     Click(stage, "cmdlogin");
@@ -180,11 +198,11 @@ const std::vector<Screen>& Screens() {
         {"history", History},
         {"chart_line", [](Stage& stage) { return Chart(stage, "cmdLineChart"); }},
         {"chart_bar", [](Stage& stage) { return Chart(stage, "cmdBarChart"); }},
-        {"dialout", Page<desk::frmdialout>()},
+        {"dialout", Dialout},
         {"users", Users},
         {"user", EditUser},
         {"audit", Audit},
-        {"error_log", Page<desk::frmlog>()},
+        {"error_log", ErrorLog},
         {"mail", Mail},
         {"mail_addressees", Page<desk::frmemaildetails>()},
         {"mail_settings", MailSettings},

@@ -11,7 +11,8 @@ struct Colours {
     QRgb button, window, text, base, alternateBase, muted, highlight;
 };
 constexpr Colours light = {0xFFF4F5F7, 0xFFF4F5F7, 0xFF1B1F24, 0xFFFFFFFF, 0xFFEEF1F5, 0xFF6B7480, 0xFF1F5FA8};
-constexpr Colours dark = {0xFF3A3F47, 0xFF24282E, 0xFFE4E7EB, 0xFF1B1E23, 0xFF22262C, 0xFF8C95A0, 0xFF3D7FC9};
+// The style draws outlines darker than the window, so on a dark one a field is seen by being lighter.
+constexpr Colours dark = {0xFF3A3F47, 0xFF24282E, 0xFFE4E7EB, 0xFF31363D, 0xFF383E46, 0xFF8C95A0, 0xFF3D7FC9};
 
 QPalette PaletteOf(const Colours& colours) {
     QPalette palette(QColor(colours.button), QColor(colours.window));
