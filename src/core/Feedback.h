@@ -16,8 +16,11 @@ class Feedback {
     // goes to the error log as well.
     virtual void Box(const std::string& text) = 0;
 
-    // The lamps of the screen in front: "TX" or "RX".
-    virtual void Lamp(const std::string& lamp) { static_cast<void>(lamp); }
+    // Bytes went out ("TX") or came in ("RX"): the lamp of the screen in front, and the line in its panel.
+    virtual void Lamp(const std::string& lamp, const std::string& bytes) {
+        static_cast<void>(lamp);
+        static_cast<void>(bytes);
+    }
 };
 
 }  // namespace core

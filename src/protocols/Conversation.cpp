@@ -12,7 +12,7 @@ std::string Exchange(Conversation& talk, const std::string& frame, double answer
     }
     talk.line->Input();
     talk.line->Output(frame);
-    talk.feedback.Lamp("TX");
+    talk.feedback.Lamp("TX", frame);
     if (!talk.Wait(answerMs)) {
         return {};
     }
@@ -21,7 +21,7 @@ std::string Exchange(Conversation& talk, const std::string& frame, double answer
         reply += talk.line->Input();
     }
     if (!reply.empty()) {
-        talk.feedback.Lamp("RX");
+        talk.feedback.Lamp("RX", reply);
     }
     return reply;
 }

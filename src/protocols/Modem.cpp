@@ -50,8 +50,9 @@ bool SendDialCommand(Conversation& talk, int attemptcount) {
     }
     talk.feedback.Status("Dialing " + talk.station.phoneno);
     talk.line->ClearInBuffer();
-    talk.line->Output(talk.station.dialprefix + talk.station.phoneno + "\r");
-    talk.feedback.Lamp("TX");
+    const std::string command = talk.station.dialprefix + talk.station.phoneno + "\r";
+    talk.line->Output(command);
+    talk.feedback.Lamp("TX", command);
     return true;
 }
 
@@ -63,7 +64,7 @@ std::string AwaitResult(Conversation& talk, double timeoutMs) {
     while (!HasResult(received) && !timedOut() && talk.Wait(pollMs)) {
         const std::string bytes = talk.line->Input();
         if (!bytes.empty()) {
-            talk.feedback.Lamp("RX");
+            talk.feedback.Lamp("RX", bytes);
         }
         received += bytes;
     }
