@@ -47,10 +47,15 @@ class ListFetch {
             if (talk_.Ended()) {
                 return std::nullopt;
             }
-            if (auto page = ReadPage(reply)) {
+            auto page = ReadPage(reply);
+            talk_.requests.Note(page.has_value());
+            if (page) {
                 LetLateRepliesPass(sends - 1);
                 asked_.push_back(page->next);
                 return page;
+            }
+            if (talk_.Wanted()) {
+                return std::nullopt;
             }
         }
         return std::nullopt;
@@ -125,9 +130,10 @@ void TakePage(BsapList& list, const Page& page, std::size_t positions, ListKind 
 
 // Tells whether the list came to its end, or to the last position that the kind has. A station that sends no more than
 // replies without signals, with always another place to go on, has failed: no list has more replies than positions.
-bool ReadPages(ListFetch& fetch, BsapList& list, ListKind kind, std::span<const ListEntry> names) {
+bool ReadPages(protocols::Conversation& talk, ListFetch& fetch, BsapList& list, ListKind kind,
+               std::span<const ListEntry> names) {
     const std::size_t positions = kind == ListKind::Float ? maxFloats : maxBooleans;
-    for (std::size_t reply = 0; reply < positions; ++reply) {
+    for (std::size_t reply = 0; reply < positions && !talk.Wanted(); ++reply) {
         const auto page = fetch.NextPage();
         if (!page) {
             return false;
@@ -147,8 +153,9 @@ BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, ListKind ki
     talk.feedback.Status("Collecting Data.....");
     ListFetch fetch(talk, listNumber, logAcknowledge);
     BsapList list;
-    list.collstatus = ReadPages(fetch, list, kind, names);
-    if (!list.collstatus) {
+    list.collstatus = ReadPages(talk, fetch, list, kind, names);
+    list.brokenOff = !list.collstatus && talk.Wanted() && !talk.Ended();
+    if (!list.collstatus && !list.brokenOff) {
         talk.feedback.Status("Error Occured in Communication");
     }
     return list;

@@ -17,6 +17,7 @@ struct BsapList {
     // The whole list was read. Otherwise the conversation ended or the station failed; what was read until then is
     // here, but is not to be stored.
     bool collstatus = false;
+    bool brokenOff = false;  // the line is wanted for something more urgent
     // By position in the list from 1; index 0 is not used. Signals behind the last position of the kind are left out.
     std::vector<ListSignal> signals = std::vector<ListSignal>(1);
     // "#", description, "=", value, "?", unit for each position that has a description; logical lists have their words

@@ -5,34 +5,12 @@
 #include "collection/ProtocolRuns.h"
 #include "collection/RunFigures.h"
 #include "collection/StoreValues.h"
+#include "collection/StreamLists.h"
 #include "protocols/BsapLink.h"
 
 namespace collection {
 
 namespace {
-
-constexpr int signOnTries = 3;
-
-bool SignedOn(protocols::Conversation& talk) {
-    for (int tries = 0; tries < signOnTries && !talk.Ended(); ++tries) {
-        if (protocols::SignOn(talk)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// The numbers of a stream's two lists. A multistream station has a pair for each metering method of a stream.
-struct ListNumbers {
-    int boolean;
-    int real;
-};
-
-ListNumbers ListsOf(const core::Station& station, int streamno) {
-    const std::string method = station.isMultiStream ? station.ModelText(streamno) : std::string();
-    const int offset = method == "AGA7" ? 2 : method == "AGA9" ? 4 : method == "AGA11" ? 6 : 0;
-    return {streamno * 10 + 45 + offset, streamno * 10 + 44 + offset};
-}
 
 // Takes a list into the values of the stream, by position.
 template <std::size_t size>
@@ -72,7 +50,7 @@ bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& 
 void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& state) {
     const core::Station& station = talk.station;
     const std::string location = "[" + std::to_string(station.locationID) + "]";
-    if (!SignedOn(talk)) {
+    if (!protocols::SignOnInThreeTries(talk)) {
         if (!talk.Ended()) {
             place.logs.WriteRtuErr("RTU Dead" + location);
         }

@@ -32,41 +32,56 @@ void MarkNotSampled(Workplace& place, const core::Station& station) {
 
 using Take = std::function<void(const Block& block, int address, double value)>;
 
-// One block after the other. `take` is given every value of a good reply, inside one transaction a reply.
-bool ReadBlocks(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks, const Take& take) {
-    for (const Block& block : blocks) {
-        talk.modbus.floatread = block.type == BlockType::Float;
-        const int command = block.type == BlockType::Coil ? readCoils : readHoldingRegisters;
-        const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, protocols::scheduledTransact);
-        if (!talk.Wait(talk.CommTimeout())) {
-            return false;
-        }
-        if (!reply.Answered()) {
-            MarkNotSampled(place, talk.station);
-            return false;
-        }
-        // An exception passes as a block of zeros with its code as the first value: operators know a block that the
-        // station does not have by that sight. The log says so.
-        if (reply.kind == protocols::ModbusReply::Kind::Exception) {
-            place.logs.WriteRtuErr("Modbus exception " + core::NumberText(talk.modbus.mbvalues[1]) + " to register " +
-                                   std::to_string(block.start) + " [" + std::to_string(talk.station.locationID) + "]");
-        }
+// The scheduled run's reading. `take` is given every value of a good reply, inside one transaction a reply.
+bool ReadStation(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks, const Take& take) {
+    const auto takeReply = [&](const Block& block, std::span<const double> values) {
         const int step = RegistersPerValue(block.type, talk.modbus.rtu32bit);
         place.dbconn.InTransaction([&] {
-            for (int k = 1; k <= block.count / step; ++k) {
-                take(block, block.start + (k - 1) * step, talk.modbus.mbvalues[static_cast<std::size_t>(k)]);
+            for (std::size_t k = 0; k < values.size(); ++k) {
+                take(block, block.start + static_cast<int>(k) * step, values[k]);
             }
         });
+    };
+    const ReadOutcome outcome = ReadBlocks(talk, blocks, protocols::scheduledTransact, takeReply);
+    if (outcome != ReadOutcome::Whole && !talk.Ended()) {
+        MarkNotSampled(place, talk.station);
     }
-    return true;
+    return outcome == ReadOutcome::Whole;
 }
 
 }  // namespace
 
+ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& blocks,
+                       const protocols::TransactOptions& options, const TakeReply& take) {
+    for (const Block& block : blocks) {
+        if (talk.Wanted()) {
+            return ReadOutcome::BrokenOff;
+        }
+        talk.modbus.floatread = block.type == BlockType::Float;
+        const int command = block.type == BlockType::Coil ? readCoils : readHoldingRegisters;
+        const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, options);
+        if (!protocols::IsAnswer(reply, options)) {
+            return talk.Wanted() && !talk.Ended() ? ReadOutcome::BrokenOff : ReadOutcome::Failed;
+        }
+        // An exception passes as a block of zeros with its code as the first value: operators know a block that the
+        // station does not have by that sight. The log says so.
+        if (reply.kind == protocols::ModbusReply::Kind::Exception) {
+            talk.logs.WriteRtuErr("Modbus exception " + core::NumberText(talk.modbus.mbvalues[1]) + " to register " +
+                                  std::to_string(block.start) + " [" + std::to_string(talk.station.locationID) + "]");
+        }
+        const int values = block.count / RegistersPerValue(block.type, talk.modbus.rtu32bit);
+        take(block, std::span(talk.modbus.mbvalues).subspan(1, static_cast<std::size_t>(values)));
+        if (!talk.Wanted() && !talk.Wait(talk.CommTimeout())) {
+            return ReadOutcome::Failed;
+        }
+    }
+    return ReadOutcome::Whole;
+}
+
 bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks,
                       RunFigures& figures) {
     const core::Station& station = talk.station;
-    return ReadBlocks(place, talk, blocks, [&](const Block& block, int address, double value) {
+    return ReadStation(place, talk, blocks, [&](const Block& block, int address, double value) {
         const std::string text = std::to_string(address);
         place.dbconn.Execute(
             "update configData_detail set lastvalue=? where startaddress=? and type=? and StreamNo=? "
@@ -86,7 +101,7 @@ bool GetDataInBunches1(Workplace& place, protocols::Conversation& talk, const st
                        const ListInfo& names, ListValues& values, RunFigures& figures) {
     int floats = 0;
     int booleans = 0;
-    return ReadBlocks(place, talk, blocks, [&](const Block& block, int, double value) {
+    return ReadStation(place, talk, blocks, [&](const Block& block, int, double value) {
         if (block.type == BlockType::Coil) {
             if (booleans == maxBooleans) {
                 return;

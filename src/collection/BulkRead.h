@@ -1,11 +1,14 @@
 #pragma once
 
+#include <functional>
+#include <span>
 #include <vector>
 
 #include "collection/BulkPlan.h"
 #include "collection/ListInfo.h"
 #include "collection/RunFigures.h"
 #include "collection/Workplace.h"
+#include "protocols/ModbusTransact.h"
 
 namespace collection {
 
@@ -22,6 +25,19 @@ struct ListValues {
     std::array<ListValue, maxFloats + 1> floats;
     std::array<ListValue, maxBooleans + 1> booleans;
 };
+
+enum class ReadOutcome {
+    Whole,
+    BrokenOff,  // the line is wanted for something more urgent; what was taken is good
+    Failed,     // a read failed or the conversation ended; the rest was not asked for
+};
+
+// Given the values of a good reply: value k of the block is values[k].
+using TakeReply = std::function<void(const Block& block, std::span<const double> values)>;
+
+// Reads one block after the other, a commtimeout behind each.
+ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& blocks,
+                       const protocols::TransactOptions& options, const TakeReply& take);
 
 // Reads a station by its configured register map. Each value goes to its row's lastvalue as soon as its reply is in,
 // the values of one reply in one transaction. False: a read failed; the rest was not asked for, and the station's

@@ -85,6 +85,7 @@ bool LineUp(protocols::Conversation& talk, RunState& state) {
         case protocols::DialOutcome::NoModem:
         case protocols::DialOutcome::NotReached:
         case protocols::DialOutcome::Ended:
+        case protocols::DialOutcome::EndedEarly:
             break;
     }
     return false;
@@ -93,7 +94,7 @@ bool LineUp(protocols::Conversation& talk, RunState& state) {
 void HangUp(Workplace& place, protocols::Conversation& talk) {
     if (!talk.station.phoneno.empty() && talk.line->PortOpen()) {
         place.feedback.Status("Disconnecting" + talk.station.phoneno);
-        protocols::HangUp(*talk.line, place.clock, protocols::redialGuardMs);
+        protocols::HangUp(*talk.line, place.clock, place.feedback, protocols::redialGuardMs);
     }
     talk.line->PortOpen(false);
 }

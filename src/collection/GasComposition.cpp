@@ -80,7 +80,8 @@ bool write_gascomposition(Workplace& place, protocols::Conversation& talk) {
          place.dbconn.Query("select * from write_gc where locationid=? order by cast(startaddress as integer)",
                             {talk.station.locationID})) {
         const auto number = RegisterOf(row.Text("startaddress"));
-        if (!number || !protocols::ModbusWrite(talk, *number - 1, row.Number("lastvalue"))) {
+        if (!number || protocols::ModbusWrite(talk, protocols::ModbusDatum::Float, *number - 1,
+                                              row.Number("lastvalue")) != protocols::WriteOutcome::Done) {
             place.logs.WriteRtuErr("Gas composition write not complete / RTU not available");
             return false;
         }

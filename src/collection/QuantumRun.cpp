@@ -1,5 +1,6 @@
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
+#include "collection/QuantumRead.h"
 #include "core/Text.h"
 #include "protocols/Quantum.h"
 
@@ -7,10 +8,8 @@ namespace collection {
 
 namespace {
 
-constexpr int answerMs = 2 * 2500;
-
 // The values of one message, each under its name in the station's map and in the day's text.
-void StoreMessage(Workplace& place, const core::Station& station, const std::string& reply, int message, DayRow& day) {
+std::array<double, 8> StoreMessage(Workplace& place, const core::Station& station, const std::string& reply, int message, DayRow& day) {
     const auto values = protocols::DecodeQuantumReply(reply, message);
     const auto& names = protocols::QuantumNames(message);
     place.dbconn.InTransaction([&] {
@@ -26,29 +25,45 @@ void StoreMessage(Workplace& place, const core::Station& station, const std::str
     } else if (message == 3) {
         day.currentprs = values[2];
     }
+    return values;
 }
 
 }  // namespace
 
-void CollectQuantum(Workplace& place, protocols::Conversation& talk, RunState& state) {
+bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options,
+                 const std::function<void(int message, const std::array<double, 8>& values)>& stored) {
     DayRow day;
     for (int message = 1; message <= protocols::quantumMessages; ++message) {
         const std::string number = std::to_string(message);
         const std::string request = protocols::BuildQuantumRequest(talk.station.slaveaddress, "A", message);
-        place.feedback.Status("Sending Request Message " + number);
-        place.feedback.Status("Waiting For Reply- Message " + number);
-        const std::string reply = protocols::CutQuantumEcho(protocols::Exchange(talk, request, answerMs), request);
-        if (reply.empty()) {
-            if (!talk.Ended()) {
-                place.logs.WriteRtuErr(number + "Quantum Not Responding");
-            }
-            state.runfailed = true;
-            return;
+        talk.feedback.Status("Sending Request Message " + number);
+        talk.feedback.Status("Waiting For Reply- Message " + number);
+        const std::string reply =
+            protocols::CutQuantumEcho(protocols::Exchange(talk, request, options.answerMs), request);
+        if (!talk.Ended()) {
+            talk.requests.Note(!reply.empty());
         }
-        place.feedback.Status("Converting Data..");
-        StoreMessage(place, talk.station, reply, message, day);
+        if (reply.empty()) {
+            if (!talk.Ended() && options.unattended) {
+                place.logs.WriteRtuErr(number + "Quantum Not Responding");
+            } else if (!talk.Ended()) {
+                talk.feedback.Box("Quantum Not Responding");
+            }
+            return false;
+        }
+        talk.feedback.Status("Converting Data..");
+        stored(message, StoreMessage(place, talk.station, reply, message, day));
     }
     UpsertLogParam(place.dbconn, talk.station.locationID, place.clock.Now(), place.clock.Now(), day);
+    return true;
+}
+
+void CollectQuantum(Workplace& place, protocols::Conversation& talk, RunState& state) {
+    constexpr double scheduledAnswerMs = 2 * 2500;
+    if (!ReadQuantum(place, talk, {true, scheduledAnswerMs}, [](int, const auto&) {})) {
+        state.runfailed = true;
+        return;
+    }
     // All three messages are in: the unit is not asked again in this minute, whatever else goes wrong.
     state.attemptcount = 3;
 }

@@ -94,6 +94,13 @@ std::string NumberText(double value) {
     return {buffer.data(), result.ptr};
 }
 
+std::string FixedText(double value, int places) {
+    std::string text(400, '\0');
+    const int length = std::snprintf(text.data(), text.size(), "%.*f", places, std::isfinite(value) ? value : 0.0);
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
 double RoundTo(double value, int places) {
     const double scale = std::pow(10.0, places);
     if (std::abs(value) > 1e15 / scale) {

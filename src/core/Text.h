@@ -26,6 +26,9 @@ double Val(std::string_view text);
 // The decimal text of a number as operators read it: up to 15 significant digits, no trailing zeros, "100" for 100.
 std::string NumberText(double value);
 
+// The number with just `places` decimals: "12.50". What is no number shows as 0.
+std::string FixedText(double value, int places);
+
 // Rounded to `places` decimals, ties to even. Values too large to have decimals come back as they are.
 double RoundTo(double value, int places);
 

@@ -119,6 +119,18 @@ bool SignOn(Conversation& talk, const SignOnOptions& options) {
     return true;
 }
 
+bool SignOnInThreeTries(Conversation& talk, const SignOnOptions& options) {
+    constexpr int most = 3;
+    for (int tries = 0; tries < most && !talk.Ended(); ++tries) {
+        const bool signedOn = SignOn(talk, options);
+        talk.requests.Note(signedOn);
+        if (signedOn) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply) {
     constexpr std::size_t shortestAcknowledgement = 11;
     constexpr std::size_t shortestAnswer = 18;

@@ -30,6 +30,9 @@ constexpr const char* screenPassword = "482913";
 // The status and the text of the poll reply are left in rtustatus and lastpollreply.
 bool SignOn(Conversation& talk, const SignOnOptions& options = {});
 
+// The same, up to three times.
+bool SignOnInThreeTries(Conversation& talk, const SignOnOptions& options = {});
+
 // A reply of 11 to 17 bytes is no answer but the acknowledgement that it is not ready yet. Then the station is polled
 // and `pollReply` is what it gives; else nothing is sent. Tells whether it was polled.
 bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -42,6 +43,14 @@ struct BsapState {
     std::string lastpollreply;
 };
 
+// How many requests of a conversation were answered well, and how many were not. Each try counts.
+struct RequestCounts {
+    int good = 0;
+    int failed = 0;
+
+    void Note(bool answered) { ++(answered ? good : failed); }
+};
+
 // What a routine that talks to a station is given. Whoever starts a conversation makes it, and it ends with it, so
 // nothing that one conversation sets reaches another.
 struct Conversation {
@@ -55,7 +64,11 @@ struct Conversation {
     int streamno = 1;
     ModbusState modbus{};
     BsapState bsap{};
+    RequestCounts requests{};
+    // Something more urgent than a bulk read wants the line: asked where no reply is on its way. Empty: never.
+    std::function<bool()> wanted{};
 
+    bool Wanted() const { return wanted && wanted(); }
     int CommTimeout() const { return station.commtimeout; }
 
     // Waits, turning the event loop. False: the conversation was told to end, at once or meanwhile.

@@ -33,12 +33,16 @@ void LineLease::Output(const std::string& bytes) {
 }
 
 void LineLease::End(const std::string& reason, bool takeLine) {
-    if (!ended_) {
+    const bool first = !ended_;
+    if (first) {
         ended_ = true;
         reason_ = reason;
     }
     if (takeLine) {
         line_ = nullptr;
+    }
+    if (first && tell_) {
+        tell_();
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -18,6 +19,9 @@ class LineLease final : public Line {
     bool Ended() const { return ended_; }
     // Why, as the operator reads it; empty while the conversation may go on.
     const std::string& Reason() const { return reason_; }
+
+    // Called once at the end, before whoever takes the line goes on. It must not wait.
+    void WhenEnded(std::function<void()> tell) { tell_ = std::move(tell); }
 
     // The line is still this conversation's. A conversation that was told to end with the program keeps it, so that
     // it can hang up.
@@ -42,6 +46,7 @@ class LineLease final : public Line {
     Line* line_;
     bool ended_ = false;
     std::string reason_;
+    std::function<void()> tell_;
 };
 
 // The one line of the station and who holds it.

@@ -24,10 +24,6 @@ Framing FramingOf(const core::Station& station) {
                                                  : Framing{BuildRtuRequest, ParseRtuReply};
 }
 
-bool Failed(const ModbusReply& reply, const TransactOptions& options) {
-    return !reply.Answered() || (reply.kind == Kind::Exception && !options.unattended);
-}
-
 // The numbers of values that the reply to a read may have: registers give just what was asked for, and perhaps the
 // check word behind it; coils come in bytes, and in ASCII framing with the check behind them.
 struct Expected {
@@ -35,8 +31,8 @@ struct Expected {
     std::size_t most;
 };
 
-// Whether a reply with good values is that of its request.
-using Belongs = std::function<bool(const ModbusReply& reply, const std::string& bytes)>;
+// Makes of a reply as it was parsed what it is to its request.
+using Judge = std::function<ModbusReply(ModbusReply reply, const std::string& bytes)>;
 
 Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
     constexpr int readHoldingRegisters = 3;
@@ -48,7 +44,7 @@ Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
 }
 
 // One request and its reply.
-ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const Belongs& belongs,
+ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const Judge& judge,
                 const TransactOptions& options) {
     const int timeout = talk.CommTimeout();
     talk.feedback.Status(options.waiting);
@@ -56,9 +52,9 @@ ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& f
     if (talk.Wait(options.waitsAfterAnswer * timeout)) {
         talk.feedback.Status(options.converting);
     }
-    ModbusReply reply = framing.parse(talk.modbus, bytes);
-    if (reply.kind == Kind::Values && !belongs(reply, bytes)) {
-        reply = {Kind::Empty, {}, 0};
+    ModbusReply reply = judge(framing.parse(talk.modbus, bytes), bytes);
+    if (!talk.Ended()) {
+        talk.requests.Note(IsAnswer(reply, options));
     }
     talk.Wait(options.waitsAfterAnswer * timeout);
     return reply;
@@ -81,33 +77,96 @@ void ShowFailure(Conversation& talk, Kind kind) {
     }
 }
 
+void Report(Conversation& talk, Kind kind, const TransactOptions& options) {
+    if (options.failures == FailureReport::Log) {
+        LogFailure(talk, kind);
+    } else if (options.failures == FailureReport::Box) {
+        ShowFailure(talk, kind);
+    }
+}
+
+// A station that refused a write will refuse it again.
+bool TriesAgain(Conversation& talk, const ModbusReply& reply, const TransactOptions& options) {
+    const bool refusedWrite = reply.kind == Kind::Exception && options.failures == FailureReport::Caller;
+    return !IsAnswer(reply, options) && !refusedWrite && !talk.Ended() && !talk.Wanted();
+}
+
+constexpr int writeCoil = 5;
+constexpr int writeRegister = 6;
+constexpr int writeRegisters = 16;
+
+ModbusRequest RtuWrite(const Conversation& talk, ModbusDatum datum, int reg, double value) {
+    const int slave = talk.station.slaveaddress;
+    std::vector<float> data = {static_cast<float>(value)};
+    switch (datum) {
+        case ModbusDatum::Coil:
+            return BuildWriteFrame(talk.modbus, value, reg, writeCoil, slave);
+        case ModbusDatum::Integer:
+            return BuildRtuRequest(writeRegister, slave, reg, data);
+        case ModbusDatum::Float:
+            break;
+    }
+    return BuildWriteFrame(talk.modbus, value, reg, writeRegisters, slave);
+}
+
+ModbusRequest AsciiWrite(ModbusDatum datum, int slave, int reg, double value) {
+    constexpr float on = 0xFF00;
+    std::vector<float> data = {datum != ModbusDatum::Coil ? static_cast<float>(value) : value == 1 ? on : 0};
+    switch (datum) {
+        case ModbusDatum::Coil:
+            return BuildAsciiRequest(writeCoil, slave, reg, data);
+        case ModbusDatum::Integer:
+            return BuildAsciiRequest(writeRegister, slave, reg, data);
+        case ModbusDatum::Float:
+            break;
+    }
+    return {{}, "Bad framing for a float."};
+}
+
+// Whether a reply acknowledges just this write. That to a single coil or register repeats its request, that to several
+// registers the head: slave, function, register, quantity. In ASCII framing the check is not looked at, and its length
+// is the device's affair.
+bool Acknowledges(const std::string& bytes, const std::string& frame, ModbusDatum datum, bool ascii) {
+    constexpr std::size_t rtuHead = 6;
+    constexpr std::size_t asciiHead = 13;
+    if (ascii) {
+        const std::size_t colon = bytes.rfind(':');
+        return colon != std::string::npos && bytes.compare(colon, asciiHead, frame, 0, asciiHead) == 0;
+    }
+    return datum == ModbusDatum::Float ? bytes.compare(0, rtuHead, frame, 0, rtuHead) == 0 : bytes == frame;
+}
+
 // A whole transaction of a request that was built, or was not.
-ModbusReply Transact(Conversation& talk, const Framing& framing, const ModbusRequest& request, const Belongs& belongs,
+ModbusReply Transact(Conversation& talk, const Framing& framing, const ModbusRequest& request, const Judge& judge,
                      const TransactOptions& options) {
     if (!request.Built()) {
         talk.feedback.Box("Valid parameters not available to assemble Modbus packet");
         return {};
     }
     talk.feedback.Status(options.sending);
-    if (!talk.Wait(talk.CommTimeout())) {
+    if (!talk.Wait(options.waitsBefore * talk.CommTimeout()) || talk.Wanted()) {
         return {};
     }
-    ModbusReply reply = Ask(talk, framing, request.frame, belongs, options);
-    for (int made = 1; made < options.tries && Failed(reply, options) && !talk.Ended(); ++made) {
+    ModbusReply reply = Ask(talk, framing, request.frame, judge, options);
+    for (int made = 1; made < options.tries && TriesAgain(talk, reply, options); ++made) {
         talk.logs.WriteRtuErr("Try" + std::to_string(made));
-        reply = Ask(talk, framing, request.frame, belongs, options);
+        reply = Ask(talk, framing, request.frame, judge, options);
     }
-    if (!Failed(reply, options)) {
+    if (IsAnswer(reply, options)) {
         return reply;
     }
-    if (!talk.Ended()) {
-        options.unattended ? LogFailure(talk, reply.kind) : ShowFailure(talk, reply.kind);
+    if (!talk.Ended() && !talk.Wanted()) {
+        Report(talk, reply.kind, options);
     }
     reply.text.clear();
     return reply;
 }
 
 }  // namespace
+
+bool IsAnswer(const ModbusReply& reply, const TransactOptions& options) {
+    return reply.Answered() && (reply.kind != Kind::Exception || options.failures == FailureReport::Log);
+}
 
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, const TransactOptions& options) {
     const Framing framing = FramingOf(talk.station);
@@ -116,25 +175,34 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     const Expected expected = ExpectedValues(talk.modbus, count, command);
     // A reply with fewer values than were asked for was cut, and what it lacks must not be taken for zeros; one with
     // more belongs to another request.
-    const auto belongs = [expected](const ModbusReply& reply, const std::string&) {
-        return reply.count >= expected.least && reply.count <= expected.most;
+    const auto judge = [expected](ModbusReply reply, const std::string&) {
+        const bool belongs = reply.count >= expected.least && reply.count <= expected.most;
+        return reply.kind == Kind::Values && !belongs ? ModbusReply{Kind::Empty, {}, 0} : reply;
     };
-    return Transact(talk, framing, request, belongs, options);
+    return Transact(talk, framing, request, judge, options);
 }
 
-bool ModbusWrite(Conversation& talk, int reg, double value) {
-    constexpr int writeRegisters = 16;
+WriteOutcome ModbusWrite(Conversation& talk, ModbusDatum datum, int reg, double value, const TransactOptions& options) {
     const Framing framing = FramingOf(talk.station);
-    const ModbusRequest request =
-        framing.build == BuildAsciiRequest
-            ? ModbusRequest{{}, "Bad framing for a float."}
-            : BuildWriteFrame(talk.modbus, value, reg, writeRegisters, talk.station.slaveaddress);
-    // The acknowledgement repeats the head of its request: slave, function, register, quantity.
-    constexpr std::size_t head = 6;
-    const auto belongs = [&request](const ModbusReply&, const std::string& bytes) {
-        return bytes.compare(0, head, request.frame, 0, head) == 0;
+    const ModbusRequest request = framing.build == BuildAsciiRequest
+                                      ? AsciiWrite(datum, talk.station.slaveaddress, reg, value)
+                                      : RtuWrite(talk, datum, reg, value);
+    const auto judge = [&](ModbusReply reply, const std::string& bytes) {
+        if (reply.kind == Kind::Exception) {
+            return reply;
+        }
+        const bool done = Acknowledges(bytes, request.frame, datum, framing.build == BuildAsciiRequest);
+        return done && reply.kind != Kind::CrcError ? ModbusReply{Kind::Values, {}, 1}
+               : reply.kind == Kind::Values         ? ModbusReply{Kind::Empty, {}, 0}
+                                                    : reply;
     };
-    return Transact(talk, framing, request, belongs, scheduledTransact).kind == Kind::Values;
+    const ModbusReply reply = Transact(talk, framing, request, judge, options);
+    if (!request.Built()) {
+        return WriteOutcome::NotBuilt;
+    }
+    return reply.kind == Kind::Values      ? WriteOutcome::Done
+           : reply.kind == Kind::Exception ? WriteOutcome::Refused
+                                           : WriteOutcome::Failed;
 }
 
 }  // namespace protocols

@@ -10,7 +10,6 @@ namespace {
 constexpr int mostDials = 3;
 constexpr double stepMs = 1000;  // after each step of the dialogue
 constexpr double pollMs = 50;    // while a result is awaited
-constexpr const char* noModem = "Check if Modem is plugged-in and power is on";
 constexpr const char* notReached = "No Dialtone/Line Engaged/Remote Modem not Responding";
 
 bool Holds(const std::string& text, const char* word) {
@@ -86,17 +85,17 @@ bool DialOnce(Conversation& talk, int attemptcount, const DialOptions& options) 
 
 }  // namespace
 
-bool CheckModem(Conversation& talk) {
-    return Holds(Exchange(talk, "at\r", stepMs), "OK");
+std::string CheckModem(Conversation& talk) {
+    return Exchange(talk, "at\r", stepMs);
 }
 
 DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& options) {
-    const bool answers = CheckModem(talk);
+    const std::string answer = CheckModem(talk);
     if (talk.Ended()) {
-        return DialOutcome::Ended;
+        return DialOutcome::EndedEarly;
     }
-    if (!answers) {
-        return Fail(talk, DialOutcome::NoModem, noModem, options);
+    if (!Holds(answer, "OK")) {
+        return Fail(talk, DialOutcome::NoModem, answer.empty() ? noModemText : options.wrongAnswer, options);
     }
     for (;;) {
         const bool connected = DialOnce(talk, attemptcount, options);
@@ -108,7 +107,7 @@ DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& optio
             talk.feedback.Status(options.connected);
             return DialOutcome::Connected;
         }
-        HangUp(*talk.line, talk.clock, redialGuardMs);
+        HangUp(*talk.line, talk.clock, talk.feedback, redialGuardMs);
         talk.line->PortOpen(false);
         if (attemptcount >= mostDials) {
             return Fail(talk, DialOutcome::NotReached, notReached, options);
@@ -123,13 +122,19 @@ DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& optio
     }
 }
 
-void HangUp(Line& line, core::Clock& clock, double guardMs) {
+void HangUp(Line& line, core::Clock& clock, core::Feedback& feedback, double guardMs) {
+    const auto send = [&](const std::string& command) {
+        line.Output(command);
+        feedback.Lamp("TX", command);
+    };
     if (!line.PortOpen()) {
         return;
     }
-    line.Output("+++");
+    send("+++");
     clock.WaitMs(guardMs, [&line] { return !line.PortOpen(); });
-    line.Output("ath\r");
+    if (line.PortOpen()) {
+        send("ath\r");
+    }
 }
 
 }  // namespace protocols

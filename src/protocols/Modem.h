@@ -13,31 +13,35 @@ enum class DialOutcome {
     NotReached,  // the third failed dial; hung up, the port is closed
     NoPort,      // the port could not be opened again for a redial
     Ended,       // the conversation was told to end; the port is as it was, so that the caller can hang up
+    EndedEarly,  // the same, while the modem was still being checked: there is no call
 };
 
 // How the dialogue of one kind of screen differs from that of another.
 struct DialOptions {
-    bool unattended;         // failures go to RTU_Err.log with the location, otherwise to a box
-    double resultTimeoutMs;  // for the modem's result of a dial; 0: as long as it takes
-    double redialMs;         // between hanging up and dialling again
-    const char* connected;   // status text
+    bool unattended;          // failures go to RTU_Err.log with the location, otherwise to a box
+    double resultTimeoutMs;   // for the modem's result of a dial; 0: as long as it takes
+    double redialMs;          // between hanging up and dialling again
+    const char* connected;    // status text
+    const char* wrongAnswer;  // failure of a modem that answers to "at", but not with "OK"
 };
 
-inline constexpr DialOptions scheduledDial = {true, 30000, 1000, "connected to Location "};
-inline constexpr DialOptions onlineDial = {false, 0, 1000, "Connected to Location "};
+inline constexpr const char* noModemText = "Check if Modem is plugged-in and power is on";
+
+inline constexpr DialOptions scheduledDial = {true, 30000, 1000, "connected to Location ", noModemText};
+inline constexpr DialOptions onlineDial = {false, 0, 1000, "Connected to Location ", "Modem not Configured"};
 
 // Dials the station on an open port, up to the third failure. `attemptcount` is raised at each dial; it is the caller's
 // count, and at 3 or more no further dial follows. A failure is reported here.
 DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& options = scheduledDial);
 
-// "at" and a second for the answer. True: the modem said "OK".
-bool CheckModem(Conversation& talk);
+// "at" and a second for the answer: what the modem said, "OK" if it is fit.
+std::string CheckModem(Conversation& talk);
 
 constexpr double redialGuardMs = 1500;
 constexpr double disconnectGuardMs = 2500;
 
 // Ends the call: "+++", the guard time, "ath". It works also after the conversation was told to end. Nothing is sent
 // on a closed port or one that was taken away. The port stays open.
-void HangUp(Line& line, core::Clock& clock, double guardMs);
+void HangUp(Line& line, core::Clock& clock, core::Feedback& feedback, double guardMs);
 
 }  // namespace protocols

@@ -179,21 +179,73 @@ TEST_F(ModbusTransactTest, AWriteIsDoneWhenTheStationAcknowledgesThisVeryOne) {
         line.sent.clear();
         talk.modbus.rtu32bit = test.rtu32bit;
         line.replies = {fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes(test.reply))};
-        EXPECT_EQ(ModbusWrite(talk, 198, 100), test.written) << test.reply;
+        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100) == WriteOutcome::Done, test.written) << test.reply;
         EXPECT_EQ(Errors(), test.errors) << test.reply;
         ASSERT_EQ(line.sent.size(), 1U);
         EXPECT_EQ(Hex(line.sent[0]),
                   test.rtu32bit ? "01 10 00 C6 00 01 04 42 C8 00 00 EA 60" : "01 10 00 C6 00 02 04 42 C8 00 00 EA 53");
     }
-    EXPECT_FALSE(ModbusWrite(talk, 198, 100)) << "silence";
+    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::Failed) << "silence";
     EXPECT_EQ(Errors().back(), silent);
 }
 
 TEST_F(ModbusTransactTest, AWriteThatHasNoFrameIsNotSent) {
-    EXPECT_FALSE(ModbusWrite(talk, 70000, 100));
-    EXPECT_FALSE(ModbusWrite(talk, 198, 1e300));
+    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 70000, 100), WriteOutcome::NotBuilt);
+    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 1e300), WriteOutcome::NotBuilt);
     talk.station.mode = "ASCII";
-    EXPECT_FALSE(ModbusWrite(talk, 198, 100));
+    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::NotBuilt);
     EXPECT_THAT(line.sent, IsEmpty());
     EXPECT_EQ(desk.feedback.boxes.size(), 3U);
+}
+
+// The writes of a screen: up to three tries, one wait each, and the caller says what became of them.
+TEST_F(ModbusTransactTest, AWriteOfAScreenIsTriedThreeTimesUnlessTheStationRefuses) {
+    const auto rtu = [](const char* hex) { return fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes(hex)); };
+    const auto ascii = [](const char* hex) { return fieldsim::ModbusFrame(fieldsim::Framing::Ascii, Bytes(hex)); };
+    const std::string badCheck = Bytes("01 05 00 0A FF 00 00 00");
+    const struct {
+        const char* mode;
+        ModbusDatum datum;
+        double value;
+        std::vector<std::string> replies;
+        WriteOutcome outcome;
+        std::size_t sends;
+        std::string sent;  // hex in RTU framing, else the text
+    } cases[] = {
+        {"RTU", ModbusDatum::Coil, 1, {rtu("01 05 00 0A FF 00")}, WriteOutcome::Done, 1, "01 05 00 0A FF 00 AC 38"},
+        {"RTU", ModbusDatum::Coil, 0, {rtu("01 05 00 0A 00 00")}, WriteOutcome::Done, 1, "01 05 00 0A 00 00 ED C8"},
+        {"RTU", ModbusDatum::Integer, -2, {rtu("01 06 00 0A FF FE")}, WriteOutcome::Done, 1, "01 06 00 0A FF FE 68 78"},
+        {"RTU", ModbusDatum::Coil, 1, {"", badCheck, rtu("01 05 00 0A FF 00")}, WriteOutcome::Done, 3, ""},
+        {"RTU", ModbusDatum::Coil, 1, {rtu("01 05 00 0B FF 00"), "", ""}, WriteOutcome::Failed, 3, ""},
+        {"RTU", ModbusDatum::Integer, 5, {rtu("01 86 02")}, WriteOutcome::Refused, 1, ""},
+        {"ASCII", ModbusDatum::Coil, 1, {ascii("01 05 00 0A FF 00")}, WriteOutcome::Done, 1, ":0105000AFF00F1\r\n"},
+        {"ASCII", ModbusDatum::Integer, 5, {ascii("01 06 00 0A 00 05")}, WriteOutcome::Done, 1, ":0106000A0005EA\r\n"},
+        {"ASCII", ModbusDatum::Integer, 5, {ascii("01 86 02")}, WriteOutcome::Refused, 1, ""},
+    };
+    for (const auto& test : cases) {
+        line.sent.clear();
+        line.replies = {test.replies.begin(), test.replies.end()};
+        talk.station.mode = test.mode;
+        const std::uint64_t start = desk.clock.Elapsed();
+        EXPECT_EQ(ModbusWrite(talk, test.datum, 10, test.value, onlineWrite), test.outcome);
+        ASSERT_EQ(line.sent.size(), test.sends);
+        EXPECT_EQ(desk.clock.Elapsed() - start, test.sends * static_cast<std::uint64_t>(talk.CommTimeout()));
+        if (!test.sent.empty()) {
+            EXPECT_EQ(talk.station.mode == "RTU" ? Hex(line.sent[0]) : line.sent[0], test.sent);
+        }
+    }
+    EXPECT_THAT(desk.feedback.boxes, IsEmpty());
+}
+
+// What is more urgent goes out as soon as no answer is on its way.
+TEST_F(ModbusTransactTest, NothingIsSentOnceTheLineIsWanted) {
+    bool wanted = true;
+    talk.wanted = [&] { return wanted; };
+    EXPECT_FALSE(ModbusTransact(talk, 0, 2, 3, onlineTransact).Answered());
+    EXPECT_THAT(line.sent, IsEmpty());
+    wanted = false;
+    desk.clock.After(static_cast<std::uint32_t>(talk.CommTimeout()) + 1, [&] { wanted = true; });
+    EXPECT_FALSE(ModbusTransact(talk, 0, 2, 3, onlineTransact).Answered());
+    EXPECT_EQ(line.sent.size(), 1U) << "and not tried again";
+    EXPECT_THAT(desk.feedback.boxes, IsEmpty());
 }

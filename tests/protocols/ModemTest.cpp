@@ -123,7 +123,7 @@ TEST_F(ModemTest, AConversationToldToEndStopsAtOnceAndCanStillHangUp) {
     EXPECT_EQ(desk.clock.Elapsed(), 12345U);
     EXPECT_EQ(desk.RtuErr(), "");
 
-    HangUp(*talk.line, desk.clock, disconnectGuardMs);
+    HangUp(*talk.line, desk.clock, desk.feedback, disconnectGuardMs);
     EXPECT_EQ(desk.clock.Elapsed(), 12345U + 2500);
     EXPECT_THAT(line.sent, ElementsAre("at\r", dialCommand, "+++", "ath\r"));
     EXPECT_TRUE(line.PortOpen());
@@ -145,14 +145,14 @@ TEST_F(ModemTest, NothingIsDialledAfterTheEnd) {
 
 TEST_F(ModemTest, NothingIsHungUpOnALineThatWasTakenAway) {
     const auto run = field.TakeOver("The scheduler took the line");
-    HangUp(*talk.line, desk.clock, disconnectGuardMs);
+    HangUp(*talk.line, desk.clock, desk.feedback, disconnectGuardMs);
     EXPECT_THAT(line.sent, IsEmpty());
     EXPECT_EQ(desk.clock.Elapsed(), 0U);
 
     // Also when that happens inside the guard time: the command must not reach the new conversation's station.
     std::shared_ptr<LineLease> other;
     desk.clock.After(500, [&] { other = field.TakeOver("The scheduler took the line"); });
-    HangUp(*run, desk.clock, disconnectGuardMs);
+    HangUp(*run, desk.clock, desk.feedback, disconnectGuardMs);
     EXPECT_THAT(line.sent, ElementsAre("+++"));
     EXPECT_EQ(desk.clock.Elapsed(), 500U);
 }
@@ -176,6 +176,6 @@ TEST(Modem, TalksToAHayesModem) {
     EXPECT_EQ(modem.Dialled().size(), 3U);
     Exchange(field.talk, "a request");
     EXPECT_TRUE(modem.Connected());
-    HangUp(*field.talk.line, field.desk.clock, redialGuardMs);
+    HangUp(*field.talk.line, field.desk.clock, field.desk.feedback, redialGuardMs);
     EXPECT_FALSE(modem.Connected());
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include "collection/Workplace.h"
+
+namespace collection {
+
+struct QuantumOptions {
+    bool unattended;  // a silent unit goes to RTU_Err.log, otherwise to a box
+    double answerMs;  // for the answer to each message
+};
+
+// Asks a Quantum unit for its three messages. The values of each go to their rows by description as soon as it is in,
+// and `stored` is called; behind the last the day's LogParam row is written. False: the unit was silent, or the
+// conversation ended. Throws DatabaseError.
+bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options,
+                 const std::function<void(int message, const std::array<double, 8>& values)>& stored);
+
+}  // namespace collection

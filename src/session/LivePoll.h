@@ -1,0 +1,59 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "collection/BulkPlan.h"
+#include "collection/BulkRead.h"
+#include "collection/Workplace.h"
+#include "protocols/Conversation.h"
+#include "session/ParameterSet.h"
+
+namespace session {
+
+// One reading of a station after the other, each into the rows of its set. What was read is in the set at once and in
+// the database by Store.
+class LivePoll {
+  public:
+    // Told how many of the values of a poll are in.
+    using Progress = std::function<void(int done, int total)>;
+
+    // The set stands while this does; after it is loaded anew, Prepare is called again.
+    LivePoll(collection::Workplace& place, protocols::Conversation& talk, ParameterSet& set, Progress progress)
+        : place_(place), talk_(talk), set_(set), progress_(std::move(progress)) {}
+
+    // Finds out what is to be read of the stream. False: a Modbus station without an address. Throws DatabaseError.
+    bool Prepare();
+
+    // Reads the station once. Throws DatabaseError.
+    collection::ReadOutcome Read();
+
+    // Puts what was read since the last time into the station's map, all or nothing: values rounded to 4 places, for
+    // BSAP the unit and the signal's address too. Throws DatabaseError; then it is tried again the next time.
+    void Store();
+
+  private:
+    using Key = std::pair<DataKind, int>;  // what a Modbus address holds, and the address
+
+    collection::ReadOutcome ReadModbus();
+    collection::ReadOutcome ReadBsap();
+    collection::ReadOutcome ReadQuantumUnit();
+    bool ReadList(int number, bool boolean, collection::ReadOutcome& outcome);
+    void Take(ParameterRow& row, double value);
+
+    collection::Workplace& place_;
+    protocols::Conversation& talk_;
+    ParameterSet& set_;
+    Progress progress_;
+    std::vector<collection::Block> blocks_;
+    std::map<Key, std::vector<ParameterRow*>> byRegister_;
+    std::map<std::string, std::vector<ParameterRow*>> byPosition_;  // "54-83"
+    std::vector<ParameterRow*> unstored_;
+    int done_ = 0;
+    int total_ = 0;
+};
+
+}  // namespace session

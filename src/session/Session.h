@@ -1,0 +1,170 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "collection/Workplace.h"
+#include "core/Clock.h"
+#include "core/Feedback.h"
+#include "core/Station.h"
+#include "session/AlarmLimits.h"
+#include "session/ParameterSet.h"
+#include "session/WriteRequest.h"
+
+namespace collection {
+class Scheduler;
+}
+
+namespace session {
+
+class LivePoll;
+
+enum class State {
+    Idle,
+    Connecting,
+    Connected,  // the line is up, nothing is read yet
+    Polling,
+    Disconnecting,
+};
+
+// How a session reaches its screen. Its status texts, boxes and lamps come by the same way.
+class SessionView : public core::Feedback {
+  public:
+    virtual void StateChanged() = 0;
+    // The line about the operator's request, lblreq; empty: nothing is pending.
+    virtual void Request(const std::string& text) = 0;
+    virtual void Progress(int done, int total) = 0;
+    // The values of a poll go into the database, or have gone.
+    virtual void Storing(bool storing) = 0;
+    // Other rows stand in the set.
+    virtual void Drawn() = 0;
+    // The rows of the set have new values or marks.
+    virtual void Refreshed() = 0;
+    // The session is over, or its line was taken away. `reason` is empty when the operator ended it; `polled`: values
+    // were read in it.
+    virtual void Ended(const std::string& reason, bool polled) = 0;
+    // The session was told to end while nothing of it was running: Finish is to be called from the event loop.
+    virtual void FinishLater() = 0;
+};
+
+// What of a station's record only its screen needs.
+struct StationLook {
+    bool aga3_7 = false;
+    bool aga8_fpv = true;
+    bool Gross_Detail = false;
+    int drs = 0;
+};
+
+// An operator's session with one station: the line comes up, values are read in a loop, what the operator asks for is
+// put between two reads, and the line goes down. A scheduled run may take the line at any moment; the session is then
+// over, and nothing that it still had to say reaches another station.
+//
+// Connect and GetData return when the line is up or the session is over; the event loop turns in their waits, so the
+// other commands come in meanwhile.
+class Session {
+  public:
+    // Throws DatabaseError; std::runtime_error when the register has no such station, std::length_error when its map
+    // does not fit the groups.
+    Session(const collection::Workplace& place, const collection::Scheduler& scheduler, SessionView& view,
+            std::int64_t locationID);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    void Connect();
+    void GetData();
+    void Disconnect();
+    // Hangs up and gives the line back, if nothing of the session is running. See FinishLater.
+    void Finish();
+
+    // Takes the rows of another stream, from 1 to No_Stream: at once, or when the loop has its turn.
+    void ChooseStream(int streamno);
+
+    // Asks for a value to be written. Empty: it is in the station's map and pending; else why not, for the operator.
+    std::string AskWrite(const RowPlace& place, const std::string& text);
+    // Judges a value for a row without asking for it.
+    std::string Check(const RowPlace& place, const std::string& text) const;
+    // Asks for several values to be written together, by BSAP in one message. Empty, or why not; then none is asked
+    // for.
+    struct Entry {
+        RowPlace place;
+        std::string text;
+    };
+    std::string AskMultipleWrite(const std::vector<Entry>& entries);
+    // Asks for the station's clock to be set to the present time of this computer.
+    void AskTime();
+
+    State GetState() const { return state_; }
+    bool PollingActive() const { return state_ == State::Polling; }
+    bool WritePending() const { return !pending_.empty() || writing_; }
+    bool TimePending() const { return timeRequest_.has_value(); }
+    const core::Station& GetStation() const { return station_; }
+    const StationLook& Look() const { return look_; }
+    int StreamNo() const { return streamno_; }
+    // The metering method of the stream is that of an orifice meter.
+    bool IsAga3() const;
+    const ParameterSet& Parameters() const { return set_; }
+    const std::vector<AlarmWatch::Live>& Alarms() const { return alarms_; }
+    protocols::RequestCounts Requests() const { return talk_ ? talk_->requests : requests_; }
+    // When the values on the screen were read; nothing before the first poll.
+    std::optional<core::DateTime> ValuesAt() const { return valuesAt_; }
+
+  private:
+    void Run(void (Session::*command)());
+    bool TakeLine();
+    void LineUp();
+    bool OpenPort();
+    bool Dialled();
+    bool SignedOn();
+    void Loop();
+    void ServeRequests();
+    void ServeWrites();
+    void ServeTime();
+    void ServeStream();
+    void Refresh();
+    void Store();
+
+    WriteContext Context() const;
+    std::string Enter(const std::vector<WriteRequest>& requests);
+    void LoadSet();
+    void TurnTo(State state);
+    void LineEnded();
+    void DropRequests(const std::string& reason);
+    void MarkSampled(bool sampled);
+    void HangUp();
+    void Fail(const std::string& reason);
+
+    SessionView& view_;
+    collection::Workplace place_;
+    const collection::Scheduler& scheduler_;
+    core::Station station_;
+    StationLook look_;
+    ParameterSet set_;
+    AlarmWatch watch_;
+    std::vector<AlarmWatch::Live> alarms_;
+    State state_ = State::Idle;
+    int streamno_ = 1;
+
+    std::unique_ptr<protocols::Conversation> talk_;
+    std::unique_ptr<LivePoll> poll_;
+    protocols::RequestCounts requests_;
+    std::optional<core::DateTime> valuesAt_;
+    std::string endReason_;
+    bool collstatus_ = false;         // the link is up
+    bool running_ = false;            // a command of the session is on the stack
+    bool polled_ = false;             // the loop ran in this session
+    bool marked_ = false;             // and the station's day is marked with it
+    bool disconnectPressed_ = false;  // the operator ends it
+    bool called_ = false;             // there is a call to hang up
+
+    std::vector<WriteRequest> pending_;
+    bool writing_ = false;  // they are on the line
+    std::optional<core::DateTime> timeRequest_;
+    std::optional<int> pendingStream_;
+};
+
+}  // namespace session
