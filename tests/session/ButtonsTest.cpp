@@ -1,0 +1,54 @@
+// Which commands the operator has in each state of the session.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "session/Buttons.h"
+
+namespace session {
+namespace {
+
+// A mark for each: Connect, Close, Disconnect, Get data, Archive, Fetch, Calibration, Search; behind the blank the
+// message, the text of the disconnect and the progress.
+std::string Marks(const Buttons& b) {
+    const auto mark = [](bool on) { return on ? 'x' : '.'; };
+    return {mark(b.cmdConnect), mark(b.cmdClose),  mark(b.cmddisconnect),     mark(b.cmdgetdata),
+            mark(b.cmd_arc),    mark(b.cmdfetch),  mark(b.cmdCalib),          mark(b.cmdSignalSearch),
+            ' ',                mark(b.lblmsgSeen), mark(b.lbldisconnectSeen), mark(b.pbupdateSeen)};
+}
+
+TEST(Buttons, EveryStateOfASession) {
+    const struct {
+        ButtonFacts facts;
+        const char* marks;
+    } cases[] = {
+        {{State::Idle, true}, "xx...... ..."},
+        {{State::Idle, true, false, true, false}, ".x...... ..."},  // stations are being collected
+        {{State::Idle, true, false, true, true, true}, "xx...... x.."},
+        {{State::Connecting, true}, "..x..... x.x"},
+        {{State::Connected, true}, "..xxxxxx x.x"},
+        {{State::Connected, false}, "..xxx.xx x.x"},               // Modbus and Quantum have no lists
+        {{State::Connected, true, false, false}, "..x.xxxx x.x"},  // a user without the right to data
+        {{State::Polling, true}, "..x.xxxx x.x"},
+        {{State::Polling, false}, "..x.x.xx x.x"},
+        {{State::Disconnecting, true}, ".x...... xxx"},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(Marks(ButtonsOf(test.facts)), test.marks) << static_cast<int>(test.facts.state);
+        EXPECT_EQ(ButtonsOf(test.facts).cmdDataVerify, test.facts.dataRight);
+    }
+}
+
+TEST(Buttons, CalibrationIsHiddenForTheModelsThatHaveNone) {
+    for (const char* model : {"TeleFlow", "TeleFlow+", "telecorrector", "TeleCorrector+"}) {
+        EXPECT_TRUE(HidesCalibration(model)) << model;
+    }
+    for (const char* model : {"TeleRTU", "CWEFM-AGA3", "CWGFC-MultiStream", ""}) {
+        EXPECT_FALSE(HidesCalibration(model)) << model;
+    }
+    EXPECT_FALSE(ButtonsOf({State::Idle, false, true}).cmdCalibSeen);
+}
+
+}  // namespace
+}  // namespace session
