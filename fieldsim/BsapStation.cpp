@@ -47,28 +47,35 @@ std::string FloatLowFirst(double value) {
 
 }  // namespace
 
+BsapStation::BsapStation(int address, SignalLists lists, BsapOptions options)
+    : address_(address), lists_(std::move(lists)), options_(std::move(options)) {
+    for (const auto& [number, list] : lists_) {
+        RunClockOf(*list);
+    }
+}
+
 std::vector<Answer> BsapStation::Receive(std::string_view bytes, const Moment& now) {
     reader_.Add(bytes, now.milliseconds);
     std::vector<Answer> answers;
     while (const auto body = reader_.Next()) {
-        if (body->size() < 4 || ByteAt(*body, 0) != address_) {
+        if (body->size() < 4 || ByteAt(*body, 0) != address_ || LineIsDown()) {
             continue;
         }
         if (const auto reply = Reply(*body, now)) {
-            answers.push_back({BsapFrame(*reply), options_.answerMs});
+            answers.push_back({BsapFrame(reply->bytes), reply->delayMs});
         }
     }
     return answers;
 }
 
-std::optional<std::string> BsapStation::Reply(std::string_view body, const Moment& now) {
+std::optional<Answer> BsapStation::Reply(std::string_view body, const Moment& now) {
     ownSequence_ = ownSequence_ % 15 + 1;
     switch (ByteAt(body, 2)) {
         case 0x85:  // poll
-            return waiting_.empty() ? Acknowledgement(ByteAt(body, 1)) : waiting_;
+            return InTime(waiting_.empty() ? Acknowledgement(ByteAt(body, 1)) : waiting_);
         case 0x8B:  // the master has what waited
             waiting_.clear();
-            return Acknowledgement(ByteAt(body, 1));
+            return InTime(Acknowledgement(ByteAt(body, 1)));
         case 0xA0:
             waiting_.clear();
             return Application(body, now);
@@ -77,22 +84,26 @@ std::optional<std::string> BsapStation::Reply(std::string_view body, const Momen
     }
 }
 
-std::optional<std::string> BsapStation::Application(std::string_view body, const Moment& now) {
+std::optional<Answer> BsapStation::Application(std::string_view body, const Moment& now) {
     const std::size_t start = FunctionStart(body);
     Request request;
     request.sequence = ByteAt(body, 1);
     request.applicationSequence = body.substr(3, 2);
     request.function = Rest(body, start);
     if (request.function.starts_with("\x70\x05\x01"sv)) {
-        return SignOn(request);
+        return InTime(SignOn(request));
     }
     if (request.function == "\x04\x02\x01\xFF\x11#ON..\0"sv) {
-        return Version(request);
+        return InTime(Version(request));
     }
     if (request.function.starts_with("\x0C"sv) || request.function.starts_with("\x0D"sv)) {
-        return List(request, now);
+        const auto page = List(request, now);
+        return page ? std::optional(InTime(*page)) : std::nullopt;
     }
-    return Acknowledgement(request.sequence);
+    if (request.function.starts_with("\x80"sv)) {
+        return AnswerWrite(request, now);
+    }
+    return InTime(Acknowledgement(request.sequence));
 }
 
 std::string BsapStation::SignOn(const Request& request) {
@@ -103,11 +114,7 @@ std::string BsapStation::SignOn(const Request& request) {
 }
 
 std::string BsapStation::Version(const Request& request) {
-    const bool known = signedOn_ || options_.password.empty();
-    std::string answer = AnswerHead(request);
-    answer += known ? static_cast<char>(options_.loadVersion1) : '\0';
-    answer += known ? static_cast<char>(options_.loadVersion2) : '\0';
-    return answer + "#ON.." + '\0';
+    return AnswerHead(request) + (Open() ? LoadVersion() : std::string(2, '\0')) + "#ON.." + '\0';
 }
 
 // 0C or 0D, 01 and the field set, the load version, FF, the list; then where to go on. A first request has nothing
@@ -116,10 +123,9 @@ std::optional<std::string> BsapStation::List(const Request& request, const Momen
     const std::string_view function = request.function;
     const bool first = function[0] == '\x0C';
     const std::string_view fields = Rest(function, 1).substr(0, 2);
-    const std::string version = {static_cast<char>(options_.loadVersion1), static_cast<char>(options_.loadVersion2)};
     const std::size_t length = first && !options_.shortLayout ? 7 : 9;
     if (function.size() != length || (fields != "\x01\xF0"sv && fields != "\x01\xD0"sv) ||
-        function.substr(3, 3) != version + '\xFF' || (!options_.password.empty() && !signedOn_)) {
+        function.substr(3, 3) != LoadVersion() + '\xFF' || !Open()) {
         return Acknowledgement(request.sequence);
     }
     const int list = ByteAt(function, 6);

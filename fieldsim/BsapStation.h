@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "fieldsim/BsapFrame.h"
-#include "fieldsim/Device.h"
 #include "fieldsim/Signals.h"
+#include "fieldsim/WritableStation.h"
 
 namespace fieldsim {
 
@@ -35,16 +35,18 @@ struct BsapOptions {
     // The link sequence number of a reply and the number that it acknowledges are the request's. Otherwise they are the
     // station's own count, which goes round below 10 hex, so that no doubled byte stands in front of the fixed places.
     bool echoSequences = false;
-    std::set<int> silentLists;  // requests for these are never answered
+    std::set<int> silentLists;   // requests for these are never answered
+    bool answersWrites = false;  // by a frame of their own instead of an acknowledgement
     std::uint32_t answerMs = 50;
 };
 
-// A BSAP station: poll, acknowledge, sign-on, load version and signal lists. Requests for other addresses or with a bad
-// check get silence, those that it cannot serve (other load versions, unknown lists) an acknowledgement.
-class BsapStation final : public Device {
+// A BSAP station: poll, acknowledge, sign-on, load version, signal lists and writes of values, on and off, and texts by
+// MSD address. Requests for other addresses or with a bad check get silence, those that it cannot serve (other load
+// versions, unknown lists) an acknowledgement. A write is taken whole or not at all: not with another load version, to
+// an address without a signal, or of a value that is not of the signal's kind. Its answer does not tell.
+class BsapStation final : public WritableStation {
   public:
-    BsapStation(int address, SignalLists lists, BsapOptions options = {})
-        : address_(address), lists_(std::move(lists)), options_(std::move(options)) {}
+    BsapStation(int address, SignalLists lists, BsapOptions options = {});
 
     std::vector<Answer> Receive(std::string_view bytes, const Moment& now) override;
 
@@ -53,6 +55,8 @@ class BsapStation final : public Device {
     // Sign-ons with the right password so far.
     int SignOns() const { return signOns_; }
     bool SignedOn() const { return signedOn_; }
+    // The text that was written into a signal; empty: none was.
+    std::string TextOf(int list, int position) const;
 
     // The MSD address of a signal: its list and its place there.
     static int Msd(int list, int position) { return list * 512 + position; }
@@ -65,8 +69,11 @@ class BsapStation final : public Device {
     };
 
     // The body of the reply to a body; nothing for silence.
-    std::optional<std::string> Reply(std::string_view body, const Moment& now);
-    std::optional<std::string> Application(std::string_view body, const Moment& now);
+    std::optional<Answer> Reply(std::string_view body, const Moment& now);
+    std::optional<Answer> Application(std::string_view body, const Moment& now);
+    std::optional<Answer> AnswerWrite(const Request& request, const Moment& now);
+    bool Elements(std::string_view function, std::vector<Change>& changes) const;
+    Change ChangeAt(int msd) const;
     std::optional<std::string> List(const Request& request, const Moment& now);
     std::string Page(const Request& request, int list, int from, bool units, const Moment& now);
     std::string Record(int list, int position, bool units, const Moment& now);
@@ -76,6 +83,12 @@ class BsapStation final : public Device {
     std::string Acknowledgement(std::uint8_t sequence);
     // The start of an answer, up to the two bytes that are the load version or the place where a list goes on.
     std::string AnswerHead(const Request& request);
+    Answer InTime(std::string bytes) const { return {std::move(bytes), options_.answerMs}; }
+    // Whether the station serves whoever asks now.
+    bool Open() const { return signedOn_ || options_.password.empty(); }
+    std::string LoadVersion() const {
+        return {static_cast<char>(options_.loadVersion1), static_cast<char>(options_.loadVersion2)};
+    }
     char Sequence(std::uint8_t requested) const;
 
     int address_;

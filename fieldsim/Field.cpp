@@ -157,7 +157,6 @@ Field::Field(core::Database& dbconn, const FieldOptions& options) {
         Served served;
         served.station = *station;
         Device& device = Make(served, dbconn, options);
-        served.device = &device;
         Connect(*station, WithFaults(served, device, options), options);
         stations_.push_back(std::move(served));
     }
@@ -167,11 +166,22 @@ Field::Field(core::Database& dbconn, const FieldOptions& options) {
 }
 
 Device& Field::Make(Served& served, core::Database& dbconn, const FieldOptions& options) {
+    Device& device = MakeDevice(served, dbconn, options);
+    served.device = &device;
+    served.written = dynamic_cast<WritableStation*>(&device);
+    const auto manners = options.writes.find(served.station.locationID);
+    if (served.written != nullptr && manners != options.writes.end()) {
+        served.written->Manners() = manners->second;
+    }
+    return device;
+}
+
+Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOptions& options) {
     const core::Station& station = served.station;
     const bool silent = options.silent.count(station.locationID) != 0;
     const auto behaviour = [&](int streamno) {
         const auto seed = static_cast<std::uint32_t>(station.locationID * 4 + streamno);
-        return GasBehaviour(options.seed * 1000003U + seed, options.contractHour);
+        return GasBehaviour(options.seed * 1000003U + seed, options.contractHour, options.alarmCycle);
     };
     if (core::SameText(station.protocol, "Modbus")) {
         StationMap map = LoadMap(dbconn, station.locationID, 1);

@@ -44,6 +44,9 @@ struct FieldOptions {
     std::map<std::int64_t, LineFaults::Options> faults{};  // by station
     std::optional<LineFaults::Options> faultsElsewhere{};  // at all other stations, each with a seed of its own
     std::map<int, std::deque<DialOutcome>> modems{};       // scripts of the modems, by port number
+    std::map<std::int64_t, WriteManners> writes{};         // how stations take writes, by station
+    int alarmCycle =
+        0;  // seconds in which the live values of the alarm blocks pass through their limits; 0: they do not
 };
 
 // All devices of a station register: each station behind its port, or behind the modem there when it has a number to
@@ -53,6 +56,7 @@ class Field {
     struct Served {
         core::Station station;
         Device* device = nullptr;                                        // the station itself
+        WritableStation* written = nullptr;                              // the same, if it can be written to
         LineFaults* faults = nullptr;                                    // what lies in front of it, if anything
         std::map<int, std::vector<std::shared_ptr<SignalList>>> values;  // by stream
     };
@@ -77,6 +81,7 @@ class Field {
 
   private:
     Device& Make(Served& served, core::Database& dbconn, const FieldOptions& options);
+    Device& MakeDevice(Served& served, core::Database& dbconn, const FieldOptions& options);
     Device& WithFaults(Served& served, Device& device, const FieldOptions& options);
     void Connect(const core::Station& station, Device& device, const FieldOptions& options);
     template <class Made>

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "fieldsim/StationClock.h"
+
 namespace fieldsim {
 
 namespace {
@@ -21,6 +23,15 @@ constexpr double kTurn = 2 * std::numbers::pi;
 // How far the flow rises and falls about its mean over the day; highest in the afternoon.
 constexpr double kDaySwing = 0.4;
 constexpr double kMeanHour = 8;
+
+// How the description of an alarm block's value ends, behind the block's name.
+constexpr std::string_view kLive = " Live";
+
+// Where alarm limits lie, as shares of the live value's level.
+constexpr double kLoLo = 0.4;
+constexpr double kLo = 0.6;
+constexpr double kHi = 1.6;
+constexpr double kHiHi = 1.8;
 
 std::string Lower(std::string_view text) {
     std::string lower(text);
@@ -66,10 +77,15 @@ double PerStandardVolume(const std::string& name) {
 
 }  // namespace
 
-GasBehaviour::GasBehaviour(std::uint32_t seed, int contractHour)
-    : seed_(seed), contractHour_(contractHour), hourlyFlow_(200 + 1800 * Share("flow")) {}
+GasBehaviour::GasBehaviour(std::uint32_t seed, int contractHour, int alarmCycle)
+    : seed_(seed), contractHour_(contractHour), alarmCycle_(alarmCycle), hourlyFlow_(200 + 1800 * Share("flow")) {}
 
 double GasBehaviour::operator()(const Signal& signal, const core::DateTime& at) const {
+    const bool alarming = alarmCycle_ > 0 && signal.kind != Kind::Logical && signal.description.ends_with(kLive);
+    return alarming ? Alarming(signal, core::ToSeconds(at)) : Usual(signal, at);
+}
+
+double GasBehaviour::Usual(const Signal& signal, const core::DateTime& at) const {
     const std::string name = Lower(signal.description);
     const std::string unit = Lower(signal.unit);
     const std::int64_t seconds = core::ToSeconds(at);
@@ -82,7 +98,7 @@ double GasBehaviour::operator()(const Signal& signal, const core::DateTime& at) 
     if (IsSetting(name)) {
         return Setting(signal);
     }
-    if (name == "date" || name == "time" || HasAny(name, {"rtu time", "system time", "dd mm yy"})) {
+    if (ShowsClock(name)) {
         return Clock(name, at);
     }
     if (name.starts_with("flow time")) {
@@ -225,21 +241,36 @@ double GasBehaviour::Temperature(const std::string& unit, std::int64_t seconds) 
     return unit.find('f') != std::string::npos ? celsius * 1.8 + 32 : celsius;
 }
 
-// Alarm limits lie around what the live value was when the station was built.
+// The level about which a block's live value moves: what it was when the station was built.
+double GasBehaviour::LiveLevel(const std::string& block, const std::string& unit) const {
+    return Usual({0, block, unit}, {2020, 1, 1, 12, 0, 0});
+}
+
+double GasBehaviour::Alarming(const Signal& signal, std::int64_t seconds) const {
+    static constexpr std::array<double, 6> edges = {kLoLo - 0.2, kLoLo, kLo, kHi, kHiHi, kHiHi + 0.2};
+    constexpr double bands = edges.size() - 1;
+    const double cycles = static_cast<double>(seconds % alarmCycle_) / alarmCycle_ + Share(signal.description);
+    // Each band takes a tenth of the cycle on the way up and another on the way down.
+    const double risen = bands * (1 - std::fabs(1 - 2 * (cycles - std::floor(cycles))));
+    const auto band = std::min(static_cast<std::size_t>(risen), edges.size() - 2);
+    const double share = edges[band] + (edges[band + 1] - edges[band]) * (risen - static_cast<double>(band));
+    return share * LiveLevel(signal.description.substr(0, signal.description.size() - kLive.size()), signal.unit);
+}
+
+// Alarm limits lie around that level.
 double GasBehaviour::Limit(const Signal& signal) const {
     static constexpr std::array<std::pair<const char*, double>, 6> kinds = {{
-        {" lo limit", 0.6},
-        {" hi limit", 1.6},
-        {" lo-lo", 0.4},
-        {" hi-hi", 1.8},
+        {" lo limit", kLo},
+        {" hi limit", kHi},
+        {" lo-lo", kLoLo},
+        {" hi-hi", kHiHi},
         {" lo deadband", 0.02},
         {" hi deadband", 0.02},
     }};
     const std::string name = Lower(signal.description);
     for (const auto& [suffix, share] : kinds) {
         if (const std::size_t at = name.find(suffix); at != std::string::npos) {
-            const Signal live{0, signal.description.substr(0, at), signal.unit};
-            return share * (*this)(live, {2020, 1, 1, 12, 0, 0});
+            return share * LiveLevel(signal.description.substr(0, at), signal.unit);
         }
     }
     return 0;

@@ -14,12 +14,17 @@ namespace fieldsim {
 // signal and time give the same value, and the volumes are the integral of the flow.
 class GasBehaviour {
   public:
-    // `contractHour` is the hour, 0 to 23, at which the gas day begins.
-    explicit GasBehaviour(std::uint32_t seed, int contractHour = 6);
+    // `contractHour` is the hour, 0 to 23, at which the gas day begins. With an `alarmCycle`, in seconds, the live
+    // values of the alarm blocks ("Flowrate Live" and the like) rise in each cycle from below Lo-Lo to above Hi-Hi and
+    // fall back again, without jumps and each at a point of its own. They go by the limits that were there from the
+    // start.
+    explicit GasBehaviour(std::uint32_t seed, int contractHour = 6, int alarmCycle = 0);
 
     double operator()(const Signal& signal, const core::DateTime& at) const;
 
   private:
+    double Usual(const Signal& signal, const core::DateTime& at) const;
+    double Alarming(const Signal& signal, std::int64_t seconds) const;
     double Clock(const std::string& name, const core::DateTime& at) const;
     double Amount(const std::string& name, std::int64_t seconds) const;
     double Flow(std::int64_t seconds) const;
@@ -28,6 +33,7 @@ class GasBehaviour {
     double Temperature(const std::string& unit, std::int64_t seconds) const;
     double Setting(const Signal& signal) const;
     double Limit(const Signal& signal) const;
+    double LiveLevel(const std::string& block, const std::string& unit) const;
     double State(const std::string& name, std::int64_t seconds) const;
 
     // Standard volume of a gas day from its start to `hours` into it; days count from 1970.
@@ -44,6 +50,7 @@ class GasBehaviour {
 
     std::uint32_t seed_;
     int contractHour_;
+    int alarmCycle_;
     double hourlyFlow_;
 };
 

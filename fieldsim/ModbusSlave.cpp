@@ -2,31 +2,21 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cctype>
 #include <cstdlib>
 
 #include "fieldsim/Checks.h"
+#include "fieldsim/ModbusBytes.h"
 
 namespace fieldsim {
 
 namespace {
-
-constexpr int kWriteRegisters = 16;
-
-constexpr int kIllegalFunction = 1;
-constexpr int kIllegalAddress = 2;
-constexpr int kIllegalValue = 3;
 
 // A frame that stops for this long is given up. A slave on a wire waits for 3.5 characters; the pieces in which
 // a pseudo-terminal brings a frame lie further apart.
 constexpr std::uint64_t kFrameGapMs = 200;
 
 constexpr std::size_t kLongestFrame = 256;
-
-std::string Exception(int function, int code) {
-    return {static_cast<char>(function | 0x80), static_cast<char>(code)};
-}
 
 // The length of an RTU request that begins like this; 0 when it cannot be told yet.
 std::size_t RtuLength(std::string_view start) {
@@ -37,7 +27,7 @@ std::size_t RtuLength(std::string_view start) {
     if (function >= 1 && function <= 6) {
         return 8;
     }
-    if (function == 15 || function == kWriteRegisters) {
+    if (function == kWriteCoils || function == kWriteRegisters) {
         return start.size() > 6 ? 9U + ByteAt(start, 6) : 0;
     }
     return start.size();  // not a function of ours: whatever has come is tried as a whole
@@ -76,17 +66,6 @@ std::optional<std::string> AsciiMessage(std::string_view line) {
     return good ? std::optional(message) : std::nullopt;
 }
 
-std::string FloatBytes(double value) {
-    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
-    return {static_cast<char>(bits >> 24U), static_cast<char>(bits >> 16U), static_cast<char>(bits >> 8U),
-            static_cast<char>(bits)};
-}
-
-double FloatOf(std::string_view bytes) {
-    return std::bit_cast<float>(static_cast<std::uint32_t>(WordAt(bytes, 0)) << 16U |
-                                static_cast<std::uint32_t>(WordAt(bytes, 2)));
-}
-
 std::string WordBytes(double value) {
     const auto bits = static_cast<unsigned>(static_cast<int>(value));
     return {static_cast<char>(bits >> 8U), static_cast<char>(bits)};
@@ -110,6 +89,12 @@ ModbusMap MakeModbusMap(std::vector<Signal> registers, std::vector<Signal> coils
     return map;
 }
 
+ModbusSlave::ModbusSlave(int address, Framing framing, ModbusMap map, std::uint32_t answerMs)
+    : address_(address), framing_(framing), map_(std::move(map)), answerMs_(answerMs) {
+    RunClockOf(*map_.registers);
+    RunClockOf(*map_.coils);
+}
+
 std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& now) {
     if (now.milliseconds > lastByteAt_ + kFrameGapMs) {
         buffer_.clear();
@@ -122,11 +107,13 @@ std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& n
             continue;
         }
         ++requests_;
-        if (StaysSilent(std::string_view(*message).substr(1))) {
+        const std::string_view request = std::string_view(*message).substr(1);
+        if (LineIsDown() || StaysSilent(request)) {
             continue;
         }
-        const std::string answer = message->substr(0, 1) + Execute(std::string_view(*message).substr(1), now);
-        answers.push_back({ModbusFrame(framing_, answer), answerMs_});
+        if (const auto answer = Execute(request, now)) {
+            answers.push_back({ModbusFrame(framing_, message->substr(0, 1) + answer->bytes), answer->delayMs});
+        }
     }
     return answers;
 }
@@ -166,20 +153,23 @@ std::optional<std::string> ModbusSlave::NextAscii() {
 
 bool ModbusSlave::StaysSilent(std::string_view request) const {
     const int function = ByteAt(request, 0);
-    if (silentRegister_ == 0 || (function != 3 && function != 4 && function != kWriteRegisters) || request.size() < 5) {
+    const bool registers = function == 3 || function == 4 || function == kWriteRegister || function == kWriteRegisters;
+    if (silentRegister_ == 0 || !registers || request.size() < 5) {
         return false;
     }
     const int first = WordAt(request, 1) + 1;
-    return first <= silentRegister_ && silentRegister_ < first + WordAt(request, 3);
+    const int count = function == kWriteRegister ? 1 : WordAt(request, 3);
+    return first <= silentRegister_ && silentRegister_ < first + count;
 }
 
-std::string ModbusSlave::Execute(std::string_view request, const Moment& now) {
+std::optional<Answer> ModbusSlave::Execute(std::string_view request, const Moment& now) {
+    return IsWrite(ByteAt(request, 0)) ? AnswerWrite(request, now) : Answer{Read(request, now), answerMs_};
+}
+
+std::string ModbusSlave::Read(std::string_view request, const Moment& now) {
     const int function = ByteAt(request, 0);
-    if (function == kWriteRegisters) {
-        return WriteRegisters(request, now);
-    }
     if (function < 1 || function > 4 || request.size() != 5) {
-        return Exception(function, kIllegalFunction);
+        return ModbusExceptionPart(function, kIllegalFunction);
     }
     const bool coils = function <= 2;
     const int first = WordAt(request, 1) + 1;
@@ -187,41 +177,13 @@ std::string ModbusSlave::Execute(std::string_view request, const Moment& now) {
     // The data of an answer have to fit 250 bytes.
     const int most = coils ? 2000 : map_.floatInOneRegister ? 62 : 125;
     if (count < 1 || count > most) {
-        return Exception(function, kIllegalValue);
+        return ModbusExceptionPart(function, kIllegalValue);
     }
     if (first + count - 1 > (coils ? map_.lastCoil : map_.lastRegister)) {
-        return Exception(function, kIllegalAddress);
+        return ModbusExceptionPart(function, kIllegalAddress);
     }
     const std::string data = coils ? ReadCoils(first, count, now) : ReadRegisters(first, count, now);
     return std::string{static_cast<char>(function), static_cast<char>(data.size())} + data;
-}
-
-std::string ModbusSlave::WriteRegisters(std::string_view request, const Moment& now) {
-    constexpr std::size_t head = 6;
-    const std::size_t width = map_.floatInOneRegister ? 4 : 2;
-    const int first = request.size() > head ? WordAt(request, 1) + 1 : 0;
-    const int count = first > 0 ? WordAt(request, 3) : 0;
-    const std::size_t length = static_cast<std::size_t>(count) * width;
-    if (count == 0 || length > 246 || ByteAt(request, 5) != length || request.size() != head + length) {
-        return Exception(kWriteRegisters, kIllegalValue);
-    }
-    for (int i = 0; i < count; ++i) {
-        if (Owner(first + i) == nullptr) {
-            return Exception(kWriteRegisters, kIllegalAddress);
-        }
-    }
-    for (int i = 0; i < count; ++i) {
-        const std::string_view bytes = request.substr(head + static_cast<std::size_t>(i) * width, width);
-        const Signal& signal = *Owner(first + i);
-        if (signal.kind != Kind::Float) {
-            map_.registers->Fix(signal, static_cast<std::int16_t>(WordAt(bytes, width - 2)));
-            continue;
-        }
-        std::string all = FloatBytes(map_.registers->ValueAt(signal, now.local));
-        all.replace(first + i == signal.position ? 0 : 2, width, bytes);
-        map_.registers->Fix(signal, FloatOf(all));
-    }
-    return std::string(request.substr(0, 5));
 }
 
 const Signal* ModbusSlave::Owner(int number) const {
@@ -284,14 +246,14 @@ std::string ModbusFrame(Framing framing, std::string_view message) {
 std::string ModbusException(std::string_view requestFrame, int code) {
     if (requestFrame.size() > 1 && requestFrame[0] != ':') {
         return ModbusFrame(Framing::Rtu,
-                           std::string(requestFrame.substr(0, 1)) + Exception(ByteAt(requestFrame, 1), code));
+                           std::string(requestFrame.substr(0, 1)) + ModbusExceptionPart(ByteAt(requestFrame, 1), code));
     }
     const auto address = requestFrame.size() > 4 ? HexByte(requestFrame.substr(1, 2)) : std::nullopt;
     const auto function = requestFrame.size() > 4 ? HexByte(requestFrame.substr(3, 2)) : std::nullopt;
     if (!address || !function) {
         return {};
     }
-    return ModbusFrame(Framing::Ascii, *address + Exception(static_cast<std::uint8_t>(*function), code));
+    return ModbusFrame(Framing::Ascii, *address + ModbusExceptionPart(static_cast<std::uint8_t>(*function), code));
 }
 
 }  // namespace fieldsim

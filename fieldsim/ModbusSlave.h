@@ -8,6 +8,7 @@
 
 #include "fieldsim/Device.h"
 #include "fieldsim/Signals.h"
+#include "fieldsim/WritableStation.h"
 
 namespace fieldsim {
 
@@ -27,14 +28,13 @@ struct ModbusMap {
 ModbusMap MakeModbusMap(std::vector<Signal> registers, std::vector<Signal> coils, bool floatInOneRegister = false,
                         const Behaviour& behaviour = {});
 
-// A Modbus slave that can be read, coils by functions 1 and 2, registers by 3 and 4, and whose registers are written by
-// function 16: what was written is what is read from then on. A write that touches a register without a signal is
-// exception 2 and changes nothing. Every other function is exception 1. It is silent for other addresses, for
-// broadcasts and for frames with a bad check.
-class ModbusSlave final : public Device {
+// A Modbus slave. Coils are read by functions 1 and 2 and written by 5 and 15, registers read by 3 and 4 and written by
+// 6 and 16: what was written is what is read from then on. A write that touches a number without a signal is exception
+// 2, one with a bad quantity, byte count or datum exception 3; both change nothing. Every other function is
+// exception 1. It is silent for other addresses, for broadcasts and for frames with a bad check.
+class ModbusSlave final : public WritableStation {
   public:
-    ModbusSlave(int address, Framing framing, ModbusMap map, std::uint32_t answerMs = 50)
-        : address_(address), framing_(framing), map_(std::move(map)), answerMs_(answerMs) {}
+    ModbusSlave(int address, Framing framing, ModbusMap map, std::uint32_t answerMs = 50);
 
     std::vector<Answer> Receive(std::string_view bytes, const Moment& now) override;
 
@@ -51,9 +51,18 @@ class ModbusSlave final : public Device {
     std::optional<std::string> NextAscii();
 
     bool StaysSilent(std::string_view request) const;
-    // The function and what follows it, of a request and of its answer.
-    std::string Execute(std::string_view request, const Moment& now);
-    std::string WriteRegisters(std::string_view request, const Moment& now);
+    // The function and what follows it, of a request and of its answer; nothing when the answer is lost.
+    std::optional<Answer> Execute(std::string_view request, const Moment& now);
+    std::string Read(std::string_view request, const Moment& now);
+
+    static bool IsWrite(int function);
+    std::optional<Answer> AnswerWrite(std::string_view request, const Moment& now);
+    // What a request asks to change. Returns the exception that it deserves, or 0.
+    int CoilChanges(std::string_view request, std::vector<Change>& changes) const;
+    int RegisterChanges(std::string_view request, const Moment& now, std::vector<Change>& changes) const;
+    Change CoilChange(int number, double value) const;
+    Change RegisterChange(int number, const Signal* signal, double value) const;
+
     // The signal that a register belongs to, as its first or its second one; null where there is none.
     const Signal* Owner(int number) const;
     std::string ReadCoils(int first, int count, const Moment& now);

@@ -50,7 +50,11 @@ double SignalList::ValueAt(const Signal& signal, const core::DateTime& at) const
     if (fixed != fixed_.end()) {
         return AsServed(signal.kind, fixed->second);
     }
-    return AsServed(signal.kind, behaviour_ ? behaviour_(signal, at) : signal.value);
+    if (!behaviour_) {
+        return AsServed(signal.kind, signal.value);
+    }
+    const bool itsClock = clock_ != nullptr && ShowsClock(signal.description);
+    return AsServed(signal.kind, behaviour_(signal, itsClock ? clock_->Says(at) : at));
 }
 
 double SignalList::Serve(const Signal& signal, const Moment& now) {
@@ -81,6 +85,11 @@ bool SignalList::WasServed(std::string_view description, double value) const {
     return std::any_of(served.begin(), served.end(), [&](const ServedValue& known) {
         return std::fabs(known.value - value) <= 1e-9 + std::max(halfPlace, std::fabs(known.value) * 1e-6);
     });
+}
+
+std::string SignalList::Text(const Signal& signal) const {
+    const auto text = texts_.find(signal.position);
+    return text != texts_.end() ? text->second : std::string();
 }
 
 bool SignalList::Fix(std::string_view description, double value) {

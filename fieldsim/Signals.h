@@ -3,11 +3,13 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "fieldsim/Device.h"
+#include "fieldsim/StationClock.h"
 
 namespace fieldsim {
 
@@ -64,10 +66,19 @@ class SignalList {
     void Fix(const Signal& signal, double value) { fixed_[signal.position] = value; }
     bool Fix(std::string_view description, double value);
 
+    // A text that was written into a signal. It stands beside its value; empty: none was.
+    void FixText(const Signal& signal, std::string text) { texts_[signal.position] = std::move(text); }
+    std::string Text(const Signal& signal) const;
+
+    // From now on the signals that show the time show this clock's.
+    void UseClock(std::shared_ptr<const StationClock> clock) { clock_ = std::move(clock); }
+
   private:
     std::vector<Signal> signals_;
     Behaviour behaviour_;
+    std::shared_ptr<const StationClock> clock_;
     std::map<int, double> fixed_;
+    std::map<int, std::string> texts_;
     std::map<int, std::deque<ServedValue>> served_;
 };
 

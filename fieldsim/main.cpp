@@ -32,7 +32,11 @@ constexpr const char* kUsage =
     "  --fault LOCATION=A,..  what becomes of a station's answers, one after the other: None, Silence, NoiseBefore,\n"
     "                         NoiseAfter, BadCheck, Cut, Late, Exception, Echo, NoCarrier\n"
     "  --chance FAULT=P       at all other stations a fault meets an answer with this probability, 0 to 1\n"
-    "  --silent LOCATION      a station that never answers for one of its lists, registers or messages\n";
+    "  --silent LOCATION      a station that never answers for one of its lists, registers or messages\n"
+    "  --write LOCATION=A,..  what becomes of the writes to a station, the last for all that follow: None, Refuse, "
+    "Late,\n"
+    "                         LostBefore, LostAfter\n"
+    "  --alarm-cycle SECONDS  live values of alarm blocks pass through all their limits and back in that time\n";
 
 struct Arguments {
     std::filesystem::path directory;
@@ -109,6 +113,18 @@ bool ApplyChance(fieldsim::FieldOptions& field, const std::string& name, double 
     return true;
 }
 
+bool ApplyWrites(fieldsim::WriteManners& manners, const std::string& names) {
+    for (const std::string& name : Pieces(names)) {
+        const auto fault = fieldsim::WriteFaultByName(name);
+        if (!fault) {
+            return false;
+        }
+        manners.script.push_back(*fault);
+    }
+    manners.otherwise = manners.script.back();
+    return true;
+}
+
 // An option with a value. False: there is no such option, or its value is none.
 bool Apply(Arguments& arguments, const std::string& option, const std::string& value) {
     const std::size_t equals = value.find('=');
@@ -129,6 +145,10 @@ bool Apply(Arguments& arguments, const std::string& option, const std::string& v
         return ApplyChance(field, key, core::Val(rest));
     } else if (option == "--silent") {
         field.silent.insert(Number(value));
+    } else if (option == "--write") {
+        return ApplyWrites(field.writes[Number(key)], rest);
+    } else if (option == "--alarm-cycle") {
+        field.alarmCycle = Number(value);
     } else {
         return false;
     }

@@ -152,6 +152,30 @@ TEST_F(FieldTest, FaultsLieBetweenTheLineAndTheStation) {
     EXPECT_EQ(field.Station(1)->faults->Count(Fault::None), 1);
 }
 
+TEST_F(FieldTest, StationsTakeWritesAsTheOptionsSay) {
+    AddStation(1, "TeleFlow", "COM1", "", "Modbus", 1);
+    AddStation(2, "TeleFlow", "COM1", "", "Modbus", 2);
+    for (const int location : {1, 2}) {
+        AddRow(location, "A", "1", "Integer");
+        AddRow(location, "Flowrate Live", "3", "Float", "SCMH");
+    }
+    FieldOptions options;
+    options.writes[1].otherwise = WriteFault::Refuse;
+    options.alarmCycle = 300;
+    Field field(desk.dbconn, options);
+    field.AttachTo(line);
+    Open(1);
+    const auto frame = [](const char* message) { return ModbusFrame(Framing::Rtu, Bytes(message)); };
+    EXPECT_EQ(Ask(frame("01 06 00 00 00 07")), frame("01 86 04"));
+    EXPECT_EQ(Ask(frame("02 06 00 00 00 07")), frame("02 06 00 00 00 07"));
+    EXPECT_EQ(field.Station(1)->written->WritesText(), std::vector<std::string>{"register 1 A = 7 refused"});
+    EXPECT_EQ(field.Station(2)->written->WritesText(), std::vector<std::string>{"register 1 A = 7"});
+    EXPECT_EQ(field.Values(2, 1, "A")->ValueAt(*field.Values(2, 1, "A")->Find("A"), desk.clock.Now()), 7);
+    const SignalList& live = *field.Values(1, 1, "Flowrate Live");
+    EXPECT_NE(live.ValueAt(*live.Find("Flowrate Live"), {2026, 3, 9, 8, 0, 0}),
+              live.ValueAt(*live.Find("Flowrate Live"), {2026, 3, 9, 8, 1, 0}));
+}
+
 double ValueOf(const GasBehaviour& behaviour, const char* description, const core::DateTime& at, const char* unit = "",
                Kind kind = Kind::Decimal) {
     return behaviour({1, description, unit, kind}, at);
@@ -197,6 +221,36 @@ TEST(GasBehaviour, EachKindOfValueMovesInItsWay) {
     EXPECT_LT(ValueOf(station, "Flowing Pressure Lo Limit", noon, "kg/cm2"), pressure);
     EXPECT_EQ(ValueOf(station, "Flow Time Today", {2026, 3, 10, 8, 0, 0}, "min"), 120);
     EXPECT_NE(ValueOf(GasBehaviour(8, 6), "Flowing Pressure", noon), ValueOf(station, "Flowing Pressure", noon));
+}
+
+TEST(GasBehaviour, LiveValuesPassThroughTheirLimitsInEachCycle) {
+    support::ScratchDesk desk;
+    const GasBehaviour alarming(7, 6, 300);
+    const auto rows =
+        desk.dbconn.Query("select distinct Description, unit from parameter where Description like '% Live'");
+    ASSERT_EQ(rows.size(), 7U);
+    for (const core::Row& row : rows) {
+        const std::string live = row.Text("Description");
+        const std::string block = live.substr(0, live.size() - 4);
+        const auto value = [&](const std::string& name, int second) {
+            return ValueOf(alarming, name.c_str(), core::FromSeconds(1773043200 + second), row.Text("unit").c_str());
+        };
+        std::map<int, int> seconds;  // by how many limits are below the value
+        int before = -1;
+        for (int second = 0; second < 300; ++second) {
+            int above = 0;
+            for (const char* limit : {"Lo-Lo", "Lo Limit", "Hi Limit", "Hi-Hi"}) {
+                above += value(live, second) > value(block + limit, second) ? 1 : 0;
+            }
+            ++seconds[above];
+            EXPECT_LE(std::abs(above - before), before < 0 ? 5 : 1) << live << second;
+            before = above;
+        }
+        for (int above = 0; above <= 4; ++above) {
+            EXPECT_GE(seconds[above], 55) << live << above;
+        }
+        EXPECT_EQ(value(live, 0), value(live, 300));
+    }
 }
 
 // Masters of this field read floats from 2^-30 up to 2^31.

@@ -78,14 +78,16 @@ TEST(Libmodbus, ReadsCoilsRegistersAndExceptions) {
                   (std::array<std::uint8_t, 5>{0, 1, 0, 0, 1}));
         EXPECT_EQ(modbus_read_registers(master.get(), 3, 1, registers.data()), -1);
         EXPECT_EQ(errno, EMBXILADD);
-        EXPECT_EQ(modbus_write_register(master.get(), 0, 1), -1);
+        EXPECT_EQ(modbus_mask_write_register(master.get(), 0, 1, 1), -1);
         EXPECT_EQ(errno, EMBXILFUN);
     }
 }
 
-TEST(Libmodbus, WritesRegistersAndReadsThemBack) {
+TEST(Libmodbus, WritesRegistersAndCoilsAndReadsThemBack) {
     ModbusSlave slave(17, Framing::Rtu,
-                      MakeModbusMap({{1, "P", "", Kind::Float, 100}, {3, "T", "", Kind::Float, 20}}, {}), 5);
+                      MakeModbusMap({{1, "P", "", Kind::Float, 100}, {3, "T", "", Kind::Float, 20}},
+                                    {{1, "A", "", Kind::Logical, 1}, {2, "B", "", Kind::Logical, 0}}),
+                      5);
     const ServedSlave served(slave);
     const Master master = Connect(served.Path(), 17);
     ASSERT_TRUE(master) << modbus_strerror(errno);
@@ -94,8 +96,25 @@ TEST(Libmodbus, WritesRegistersAndReadsThemBack) {
     ASSERT_EQ(modbus_read_registers(master.get(), 0, 4, registers.data()), 4) << modbus_strerror(errno);
     EXPECT_EQ(modbus_get_float_abcd(registers.data()), 100);
     EXPECT_EQ(modbus_get_float_abcd(registers.data() + 2), -12.5F);
-    EXPECT_EQ(modbus_write_registers(master.get(), 3, 2, registers.data()), -1);
-    EXPECT_EQ(errno, EMBXILADD);
+    ASSERT_EQ(modbus_write_register(master.get(), 0, 0x42C9), 1) << modbus_strerror(errno);
+    ASSERT_EQ(modbus_write_bit(master.get(), 1, 1), 1) << modbus_strerror(errno);
+    EXPECT_EQ(slave.WritesText(),
+              (std::vector<std::string>{"register 3 T = -12.5", "register 1 P = 100.5", "coil 2 B = 1"}));
+    std::array<std::uint8_t, 2> coils{0, 0};
+    ASSERT_EQ(modbus_write_bits(master.get(), 0, 2, coils.data()), 2) << modbus_strerror(errno);
+    coils = {1, 1};
+    ASSERT_EQ(modbus_read_bits(master.get(), 0, 2, coils.data()), 2) << modbus_strerror(errno);
+    EXPECT_EQ(coils, (std::array<std::uint8_t, 2>{0, 0}));
+    slave.ForgetWrites();
+    const auto expectNoSuchAddress = [](int result) {
+        EXPECT_EQ(result, -1);
+        EXPECT_EQ(errno, EMBXILADD);
+    };
+    expectNoSuchAddress(modbus_write_registers(master.get(), 3, 2, registers.data()));
+    expectNoSuchAddress(modbus_write_register(master.get(), 4, 1));
+    expectNoSuchAddress(modbus_write_bit(master.get(), 2, 1));
+    expectNoSuchAddress(modbus_write_bits(master.get(), 1, 2, coils.data()));
+    EXPECT_EQ(slave.Writes().size(), 6U);
 }
 
 }  // namespace

@@ -67,7 +67,7 @@ TEST(ModbusSlave, EveryFunctionAndException) {
         {"01 01 00 00 07 D1", "01 81 03"},        // 2001 coils
         {"01 03 00 07 00 02", "01 83 02"},        // one past the last register
         {"01 01 00 0A 00 01", "01 81 02"},
-        {"01 06 00 00 00 01", "01 86 01"},
+        {"01 07", "01 87 01"},
         {"01 2B 0E 01 00", "01 AB 01"},
     };
     for (const auto& test : cases) {
@@ -76,31 +76,77 @@ TEST(ModbusSlave, EveryFunctionAndException) {
     }
 }
 
-TEST(ModbusSlave, KeepsWhatIsWrittenIntoItsRegisters) {
+TEST(ModbusSlave, KeepsWhatIsWrittenIntoIt) {
+    using Noted = std::vector<std::string>;
     const struct {
         const char* request;
         const char* answer;
-        const char* pressure;         // registers 1 and 2, or the whole register 1, behind it
-        const char* count = "FF FE";  // register 5
-        bool floatInOneRegister = false;
+        Noted noted;
+        const char* data = "42 C8 00 00 BF C0 00 00 FF FE";  // registers 1 to 5
+        const char* coils = "05 02";                         // 1 to 10
     } cases[] = {
-        {"01 10 00 00 00 02 04 C1 48 00 01", "01 10 00 00 00 02", "C1 48 00 01"},
-        {"01 10 00 01 00 01 02 12 34", "01 10 00 01 00 01", "42 C8 12 34"},  // the half of a float
-        {"01 10 00 00 00 05 0A 00 00 00 00 00 00 00 00 80 01", "01 10 00 00 00 05", "00 00 00 00", "80 01"},
-        {"01 10 00 00 00 01 04 C1 48 00 01", "01 10 00 00 00 01", "C1 48 00 01", "FF FE", true},
-        {"01 10 00 00 00 02 04 C1 48 00 01", "01 90 03", "42 C8 00 00", "FF FE", true},
-        {"01 10 00 04 00 02 04 00 01 00 01", "01 90 02", "42 C8 00 00"},  // nothing in register 6
-        {"01 10 00 08 00 01 02 00 01", "01 90 02", "42 C8 00 00"},        // past the last one
-        {"01 10 00 00 00 02 02 C1 48", "01 90 03", "42 C8 00 00"},
-        {"01 10 00 00 00 00 00", "01 90 03", "42 C8 00 00"},
+        {"01 05 00 01 FF 00", "01 05 00 01 FF 00", {"coil 2 B = 1"}, "42 C8 00 00 BF C0 00 00 FF FE", "07 02"},
+        {"01 05 00 00 00 00", "01 05 00 00 00 00", {"coil 1 A = 0"}, "42 C8 00 00 BF C0 00 00 FF FE", "04 02"},
+        {"01 05 00 01 00 01", "01 85 03", {"coil 2 B = 1 refused"}},
+        {"01 05 00 03 FF 00", "01 85 02", {"coil 4 = 1 refused"}},
+        {"01 0F 00 00 00 03 01 FA",
+         "01 0F 00 00 00 03",
+         {"coil 1 A = 0", "coil 2 B = 1", "coil 3 C = 0"},
+         "42 C8 00 00 BF C0 00 00 FF FE",
+         "02 02"},
+        {"01 0F 00 02 00 02 01 00", "01 8F 02", {"coil 3 C = 0 refused", "coil 4 = 0 refused"}},
+        {"01 0F 00 00 00 00 00", "01 8F 03", {"coil 1 A = nan refused"}},
+        {"01 0F 00 00 00 09 01 FF", "01 8F 03", {"coil 1 A = nan refused"}},
+        {"01 06 00 04 80 01", "01 06 00 04 80 01", {"register 5 Count = -32767"}, "42 C8 00 00 BF C0 00 00 80 01"},
+        {"01 06 00 00 C1 48",
+         "01 06 00 00 C1 48",
+         {"register 1 Flowing Pressure = -12.5"},
+         "C1 48 00 00 BF C0 00 00 FF FE"},
+        {"01 06 00 03 12 34",
+         "01 06 00 03 12 34",
+         {"register 3 Temperature = -1.50056"},
+         "42 C8 00 00 BF C0 12 34 FF FE"},
+        {"01 06 00 05 00 01", "01 86 02", {"register 6 = 1 refused"}},
+        {"01 10 00 00 00 02 04 C1 48 00 01",
+         "01 10 00 00 00 02",
+         {"register 1 Flowing Pressure = -12.5"},
+         "C1 48 00 01 BF C0 00 00 FF FE"},
+        {"01 10 00 01 00 02 04 12 34 3F 80",
+         "01 10 00 01 00 02",  // the halves of two floats
+         {"register 1 Flowing Pressure = 100.036", "register 3 Temperature = 1"},
+         "42 C8 12 34 3F 80 00 00 FF FE"},
+        {"01 10 00 04 00 02 04 00 01 00 01",
+         "01 90 02",  // nothing in register 6
+         {"register 5 Count = 1 refused", "register 6 = 1 refused"}},
+        {"01 10 00 08 00 01 02 00 01", "01 90 02", {"register 9 = 1 refused"}},
+        {"01 10 00 00 00 02 02 C1 48", "01 90 03", {"register 1 Flowing Pressure = nan refused"}},
+        {"01 10 00 00 00 00 00", "01 90 03", {"register 1 Flowing Pressure = nan refused"}},
     };
     for (const auto& test : cases) {
-        ModbusSlave slave(1, Framing::Rtu, TestMap(test.floatInOneRegister));
+        ModbusSlave slave(1, Framing::Rtu, TestMap());
         EXPECT_EQ(Hex(Ask(slave, Rtu(test.request))), Hex(Rtu(test.answer))) << test.request;
-        const std::string first = Ask(slave, Rtu(test.floatInOneRegister ? "01 03 00 00 00 01" : "01 03 00 00 00 02"));
-        EXPECT_EQ(Hex(first.substr(3, 4)), test.pressure) << test.request;
-        const std::string fifth = Ask(slave, Rtu("01 03 00 04 00 01"));
-        EXPECT_EQ(Hex(fifth.substr(3, fifth.size() - 5)), test.count) << test.request;
+        EXPECT_EQ(Hex(Ask(slave, Rtu("01 03 00 00 00 05")).substr(3, 10)), test.data) << test.request;
+        EXPECT_EQ(Hex(Ask(slave, Rtu("01 01 00 00 00 0A")).substr(3, 2)), test.coils) << test.request;
+        EXPECT_EQ(slave.WritesText(), test.noted) << test.request;
+    }
+}
+
+TEST(ModbusSlave, KeepsAWholeFloatInOneRegister) {
+    const struct {
+        const char* request;
+        const char* answer;
+        const char* data = "42 C8 00 00 BF C0 00 00";  // registers 1 and 2
+    } cases[] = {
+        {"01 10 00 00 00 01 04 C1 48 00 01", "01 10 00 00 00 01", "C1 48 00 01 BF C0 00 00"},
+        {"01 10 00 00 00 02 08 C1 48 00 01 3F 80 00 00", "01 10 00 00 00 02", "C1 48 00 01 3F 80 00 00"},
+        {"01 10 00 00 00 02 04 C1 48 00 01", "01 90 03"},
+        {"01 06 00 00 C1 48", "01 86 03"},  // 16 bits of a 32-bit register
+        {"01 06 00 04 00 07", "01 06 00 04 00 07"},
+    };
+    for (const auto& test : cases) {
+        ModbusSlave slave(1, Framing::Rtu, TestMap(true));
+        EXPECT_EQ(Hex(Ask(slave, Rtu(test.request))), Hex(Rtu(test.answer))) << test.request;
+        EXPECT_EQ(Hex(Ask(slave, Rtu("01 03 00 00 00 02")).substr(3, 8)), test.data) << test.request;
     }
 }
 
@@ -114,6 +160,7 @@ TEST(ModbusSlave, StaysSilentForWhatIsNotMeantForIt) {
     slave.NeverAnswer(7);
     EXPECT_EQ(Ask(slave, Rtu("01 03 00 05 00 02"), 4000), "");
     EXPECT_EQ(Ask(slave, Rtu("01 10 00 06 00 02 04 00 00 00 00"), 4500), "");
+    EXPECT_EQ(Ask(slave, Rtu("01 06 00 06 00 00"), 4700), "");
     EXPECT_NE(Ask(slave, Rtu("01 03 00 00 00 02"), 5000), "");
 }
 

@@ -1,0 +1,223 @@
+#pragma once
+
+#include <modbus.h>
+#include <pty.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <bit>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace support {
+
+// What a LibmodbusSlave holds. Numbers are those of the line: register 1 of a station goes over it as 0.
+struct SlaveMap {
+    int slave = 1;
+    int firstRegister = 0;
+    int registers = 125;
+    int firstCoil = 0;
+    int coils = 64;
+    bool floatInOneRegister = false;  // function 3 answers 4 bytes a register, function 16 takes 4 bytes for one
+};
+
+// A slave of another make, a libmodbus server, at the far end of a pseudo-terminal and in a thread of its own. What it
+// holds may be set and read at any time. A request for another address makes it take the next one for that slave's
+// answer, as on a shared line.
+class LibmodbusSlave {
+  public:
+    static constexpr int kAnswer = 0;
+    static constexpr int kSilence = -1;
+
+    explicit LibmodbusSlave(const SlaveMap& map = {})
+        : map_(map),
+          mapping_(modbus_mapping_new_start_address(
+              static_cast<unsigned>(map.firstCoil), static_cast<unsigned>(map.coils), 0, 0,
+              static_cast<unsigned>(map.firstRegister), static_cast<unsigned>(map.registers), 0, 0)),
+          wide_(static_cast<std::size_t>(map.registers)),
+          context_(modbus_new_rtu("/dev/null", 9600, 'N', 8, 1)) {
+        std::array<char, 128> name{};
+        termios raw{};
+        cfmakeraw(&raw);
+        if (openpty(&far_, &near_, name.data(), &raw, nullptr) != 0 || !mapping_ || !context_) {
+            throw std::runtime_error("no slave on a pseudo-terminal");
+        }
+        path_ = name.data();
+        modbus_set_slave(context_.get(), map_.slave);
+        modbus_set_socket(context_.get(), far_);
+        modbus_set_indication_timeout(context_.get(), 0, 20000);  // how soon it notices that it is to stop
+        modbus_set_error_recovery(context_.get(), MODBUS_ERROR_RECOVERY_PROTOCOL);
+        thread_ = std::thread([this] { Serve(); });
+    }
+    ~LibmodbusSlave() {
+        stopped_ = true;
+        thread_.join();
+        close(near_);  // it was kept open, so that the terminal outlives the openings of the master
+        close(far_);
+    }
+    LibmodbusSlave(const LibmodbusSlave&) = delete;
+    LibmodbusSlave& operator=(const LibmodbusSlave&) = delete;
+
+    // The device that a master opens.
+    const std::string& Path() const { return path_; }
+
+    // A number outside the map is std::out_of_range. These two are of a map with 16-bit registers.
+    std::uint16_t Register(int number) const {
+        const std::lock_guard lock(mutex_);
+        return mapping_->tab_registers[Index(number, map_.firstRegister, map_.registers)];
+    }
+    void SetRegister(int number, std::uint16_t value) {
+        const std::lock_guard lock(mutex_);
+        mapping_->tab_registers[Index(number, map_.firstRegister, map_.registers)] = value;
+    }
+    // A float at its one register, or at two of them, high word first.
+    float Float(int number) const {
+        const std::lock_guard lock(mutex_);
+        const std::size_t at = FloatIndex(number);
+        const std::uint16_t* words = mapping_->tab_registers + at;
+        return std::bit_cast<float>(map_.floatInOneRegister ? wide_[at] : words[0] * 65536U + words[1]);
+    }
+    void SetFloat(int number, float value) {
+        const std::lock_guard lock(mutex_);
+        const std::size_t at = FloatIndex(number);
+        const auto bits = std::bit_cast<std::uint32_t>(value);
+        if (map_.floatInOneRegister) {
+            wide_[at] = bits;
+        } else {
+            mapping_->tab_registers[at] = static_cast<std::uint16_t>(bits >> 16U);
+            mapping_->tab_registers[at + 1] = static_cast<std::uint16_t>(bits);
+        }
+    }
+    bool Coil(int number) const {
+        const std::lock_guard lock(mutex_);
+        return mapping_->tab_bits[Index(number, map_.firstCoil, map_.coils)] != 0;
+    }
+    void SetCoil(int number, bool on) {
+        const std::lock_guard lock(mutex_);
+        mapping_->tab_bits[Index(number, map_.firstCoil, map_.coils)] = on ? 1 : 0;
+    }
+
+    // What becomes of requests with this function from now on (0: with any that has no play of its own): kAnswer,
+    // kSilence or the code of an exception. They change nothing but with kAnswer. After so many of them it answers
+    // again; -1: never.
+    void Play(int function, int outcome, int times = -1) {
+        const std::lock_guard lock(mutex_);
+        plays_[function] = {outcome, times};
+    }
+
+    // The requests to this slave so far, whole frames with a good check.
+    std::vector<std::string> Requests() const {
+        const std::lock_guard lock(mutex_);
+        return requests_;
+    }
+
+  private:
+    struct Outcome {
+        int outcome = kAnswer;
+        int times = -1;
+    };
+    struct Free {
+        void operator()(modbus_mapping_t* mapping) const { modbus_mapping_free(mapping); }
+        void operator()(modbus_t* context) const { modbus_free(context); }
+    };
+
+    static std::size_t Index(int number, int first, int count) {
+        if (number < first || number >= first + count) {
+            throw std::out_of_range("the slave does not hold " + std::to_string(number));
+        }
+        return static_cast<std::size_t>(number - first);
+    }
+
+    std::size_t FloatIndex(int number) const {
+        return Index(number, map_.firstRegister, map_.registers - (map_.floatInOneRegister ? 0 : 1));
+    }
+
+    void Serve() {
+        std::array<std::uint8_t, MODBUS_RTU_MAX_ADU_LENGTH> request{};
+        while (!stopped_) {
+            const int length = modbus_receive(context_.get(), request.data());
+            if (length <= 0) {
+                continue;
+            }
+            const std::lock_guard lock(mutex_);
+            requests_.emplace_back(request.begin(), request.begin() + length);
+            const int outcome = NextOutcome(request[1]);
+            if (outcome > 0) {
+                modbus_reply_exception(context_.get(), request.data(), static_cast<unsigned>(outcome));
+            } else if (outcome == kAnswer && !(map_.floatInOneRegister && AnswerWide(request))) {
+                modbus_reply(context_.get(), request.data(), length, mapping_.get());
+            }
+        }
+    }
+
+    int NextOutcome(int function) {
+        auto play = plays_.find(function);
+        if (play == plays_.end()) {
+            play = plays_.find(0);
+        }
+        if (play == plays_.end() || play->second.times == 0) {
+            return kAnswer;
+        }
+        play->second.times -= play->second.times > 0 ? 1 : 0;
+        return play->second.outcome;
+    }
+
+    // Answers a request for registers that hold a whole float each, which the library does not know. False: it is none.
+    bool AnswerWide(const std::array<std::uint8_t, MODBUS_RTU_MAX_ADU_LENGTH>& request) {
+        const int function = request[1];
+        if (function != MODBUS_FC_READ_HOLDING_REGISTERS && function != MODBUS_FC_WRITE_SINGLE_REGISTER &&
+            function != MODBUS_FC_WRITE_MULTIPLE_REGISTERS) {
+            return false;
+        }
+        const bool read = function == MODBUS_FC_READ_HOLDING_REGISTERS;
+        const int first = request[2] * 256 + request[3] - map_.firstRegister;
+        const int count = request[4] * 256 + request[5];
+        if (function == MODBUS_FC_WRITE_SINGLE_REGISTER || count < 1 || count > 61 ||
+            (!read && request[6] != count * 4)) {
+            modbus_reply_exception(context_.get(), request.data(), MODBUS_EXCEPTION_ILLEGAL_DATA_VALUE);
+            return true;
+        }
+        if (first < 0 || first + count > map_.registers) {
+            modbus_reply_exception(context_.get(), request.data(), MODBUS_EXCEPTION_ILLEGAL_DATA_ADDRESS);
+            return true;
+        }
+        std::vector<std::uint8_t> reply(request.begin(), request.begin() + (read ? 2 : 6));
+        if (read) {
+            reply.push_back(static_cast<std::uint8_t>(count * 4));
+        }
+        for (int i = 0; i < count; ++i) {
+            std::uint32_t& bits = wide_[static_cast<std::size_t>(first + i)];
+            for (int byte = 0; byte < 4; ++byte) {
+                if (read) {
+                    reply.push_back(static_cast<std::uint8_t>(bits >> (24 - 8 * byte)));
+                } else {
+                    bits = bits << 8U | request[static_cast<std::size_t>(7 + i * 4 + byte)];
+                }
+            }
+        }
+        modbus_send_raw_request(context_.get(), reply.data(), static_cast<int>(reply.size()));
+        return true;
+    }
+
+    SlaveMap map_;
+    std::unique_ptr<modbus_mapping_t, Free> mapping_;
+    std::vector<std::uint32_t> wide_;
+    std::unique_ptr<modbus_t, Free> context_;
+    int far_ = -1;
+    int near_ = -1;
+    std::string path_;
+    mutable std::mutex mutex_;
+    std::map<int, Outcome> plays_;
+    std::vector<std::string> requests_;
+    std::atomic<bool> stopped_ = false;
+    std::thread thread_;
+};
+
+}  // namespace support
