@@ -17,10 +17,6 @@ using core::Val;
 using core::Value;
 using Columns = std::vector<std::pair<std::string, Value>>;
 
-std::int64_t DrsOf(const std::string& modelno) {
-    return core::SameText(modelno, "TeleRTU") ? 1 : core::SameText(modelno, "TeleRTU(M)") ? 2 : 0;
-}
-
 bool IsModbus(const StationRecord& record) {
     return core::SameText(Trim(record.protocol), "Modbus");
 }
@@ -264,6 +260,10 @@ std::optional<StationRecord> ReadRecord(core::Database& dbconn, std::int64_t loc
     record.emailsubject = row->Text("emailsubject");
     record.MB_CONFIG = row->Bool("MB_CONFIG");
     return record;
+}
+
+int DrsOf(const std::string& modelno) {
+    return core::SameText(modelno, "TeleRTU") ? 1 : core::SameText(modelno, "TeleRTU(M)") ? 2 : 0;
 }
 
 MapChoices ChoicesOf(const StationRecord& record, const SaveChoices& choices) {

@@ -44,6 +44,9 @@ struct SaveChoices {
     RegisterSize registers = TypeFloatTwoRegisters();
 };
 
+// 1 for a "TeleRTU", 2 for a "TeleRTU(M)", 0 for every other model.
+int DrsOf(const std::string& modelno);
+
 // What of a record fixes its parameter rows.
 MapChoices ChoicesOf(const StationRecord& record, const SaveChoices& choices);
 
