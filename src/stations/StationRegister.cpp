@@ -17,10 +17,6 @@ using core::Val;
 using core::Value;
 using Columns = std::vector<std::pair<std::string, Value>>;
 
-std::int64_t DrsOf(const std::string& modelno) {
-    return core::SameText(modelno, "TeleRTU") ? 1 : core::SameText(modelno, "TeleRTU(M)") ? 2 : 0;
-}
-
 bool IsModbus(const StationRecord& record) {
     return core::SameText(Trim(record.protocol), "Modbus");
 }
@@ -189,21 +185,6 @@ int Whole(const std::string& text, double low, double high) {
     return static_cast<int>(std::clamp(Val(text), low, high));
 }
 
-MapChoices Choices(const StationRecord& record, const SaveChoices& choices) {
-    MapChoices map;
-    map.locationID = record.locationId;
-    map.groupno = Whole(record.groupno, 0, 4);
-    map.modelno = Trim(record.modelno);
-    map.protocol = Trim(record.protocol);
-    map.No_Stream = Whole(record.No_Stream, 1, 4);
-    map.stream = record.stream;
-    map.optAga3 = record.aga3_7;
-    map.isNewStation = choices.isNewStation;
-    map.MB_CONFIG = record.MB_CONFIG;
-    map.registers = choices.registers;
-    return map;
-}
-
 // "08:05 PM" as "20:05".
 std::string HourText(const std::string& twelveHour) {
     if (twelveHour.size() != 8) {
@@ -281,6 +262,25 @@ std::optional<StationRecord> ReadRecord(core::Database& dbconn, std::int64_t loc
     return record;
 }
 
+int DrsOf(const std::string& modelno) {
+    return core::SameText(modelno, "TeleRTU") ? 1 : core::SameText(modelno, "TeleRTU(M)") ? 2 : 0;
+}
+
+MapChoices ChoicesOf(const StationRecord& record, const SaveChoices& choices) {
+    MapChoices map;
+    map.locationID = record.locationId;
+    map.groupno = Whole(record.groupno, 0, 4);
+    map.modelno = Trim(record.modelno);
+    map.protocol = Trim(record.protocol);
+    map.No_Stream = Whole(record.No_Stream, 1, 4);
+    map.stream = record.stream;
+    map.optAga3 = record.aga3_7;
+    map.isNewStation = choices.isNewStation;
+    map.MB_CONFIG = record.MB_CONFIG;
+    map.registers = choices.registers;
+    return map;
+}
+
 void SaveStation(core::Database& dbconn, const StationRecord& record, const SaveChoices& choices) {
     dbconn.InTransaction([&] {
         const StationRecord saved = choices.isNewStation ? record : Kept(dbconn, record);
@@ -290,13 +290,13 @@ void SaveStation(core::Database& dbconn, const StationRecord& record, const Save
             Update(dbconn, FreeColumns(saved), saved.locationId);
         }
         RenumberGroup(dbconn, saved);
-        BuildMap(dbconn, Choices(saved, choices));
+        BuildMap(dbconn, ChoicesOf(saved, choices));
         AddSummary(dbconn, saved.locationId);
     });
 }
 
 void SetRegister(core::Database& dbconn, const StationRecord& record, const SaveChoices& choices) {
-    BuildRegisterMap(dbconn, Choices(record, choices));
+    BuildRegisterMap(dbconn, ChoicesOf(record, choices));
 }
 
 }  // namespace stations

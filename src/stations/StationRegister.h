@@ -44,6 +44,12 @@ struct SaveChoices {
     RegisterSize registers = TypeFloatTwoRegisters();
 };
 
+// 1 for a "TeleRTU", 2 for a "TeleRTU(M)", 0 for every other model.
+int DrsOf(const std::string& modelno);
+
+// What of a record fixes its parameter rows.
+MapChoices ChoicesOf(const StationRecord& record, const SaveChoices& choices);
+
 // Writes a checked record with all that a station needs: its row, the numbers of its group, its parameter rows, its
 // three rows of SummaryPara. One transaction. The station can be collected as soon as this returns. An edit keeps what
 // fixes the parameter rows as it is in the register, whatever the record says: model, protocol, group, streams,

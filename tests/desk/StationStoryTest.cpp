@@ -4,9 +4,8 @@
 #include <QLineEdit>
 #include <QTimeEdit>
 
-#include "desk/core/Grid.h"
+#include "RegisterKeys.h"
 #include "desk/stations/frmconfigstation.h"
-#include "support/ScreenDesk.h"
 
 using support::Answer;
 using support::Click;
@@ -23,10 +22,12 @@ struct Kind {
     const char* protocol;
     const char* mode = "";
     int streams = 1;
+    bool MB_CONFIG = false;  // its registers are laid out by hand
 };
 
 std::string NameOf(const testing::TestParamInfo<Kind>& info) {
-    std::string name = std::string(info.param.modelno) + "_" + info.param.protocol + info.param.mode;
+    std::string name = std::string(info.param.modelno) + "_" + info.param.protocol + info.param.mode +
+                       (info.param.MB_CONFIG ? "_ByHand" : "");
     for (char& letter : name) {
         letter = std::isalnum(static_cast<unsigned char>(letter)) != 0 ? letter : letter == '+' ? 'P' : '_';
     }
@@ -36,9 +37,13 @@ std::string NameOf(const testing::TestParamInfo<Kind>& info) {
 // A station of every model and protocol, from the form to the last row.
 struct StationStory : testing::TestWithParam<Kind> {
     support::ScreenDesk desk{{2026, 3, 9, 7, 58, 30}};
-    ::desk::frmconfigstation& form = desk.Open<::desk::frmconfigstation>();
+    ::desk::frmconfigstation& form = Form();
     const std::int64_t location = 1;
 
+    ::desk::frmconfigstation& Form() {
+        desk.shared.currentuser = "operator";
+        return desk.Open<::desk::frmconfigstation>();
+    }
     bool IsScheduled() const { return std::string(GetParam().modelno) != "CW_Micro"; }
 
     void Enter(const char* field, const QString& text) {
@@ -50,6 +55,10 @@ struct StationStory : testing::TestWithParam<Kind> {
     void AddByKeys(const QString& consumer) {
         const Kind& kind = GetParam();
         Click(form, "cmdadd");
+        if (kind.MB_CONFIG) {  // the model fixes the box as it is
+            Enter("cmbprotocol", kind.protocol);
+            Click(form, "chk_MBConfig");
+        }
         Enter("cmbgroupno", "2");
         Enter("txtconsumer", consumer);
         Enter("cmbrtumake", "BB");
@@ -59,7 +68,7 @@ struct StationStory : testing::TestWithParam<Kind> {
         Enter("cmbbaudrate", "19200,N,8,1");
         Enter("txtdelay", "100");
         Enter("cmbsysvolttype", "12 VDC");
-        if (IsScheduled()) {
+        if (IsScheduled() && !kind.MB_CONFIG) {
             Enter("cmbprotocol", kind.protocol);
         }
         if (*kind.mode != '\0') {
@@ -79,7 +88,18 @@ struct StationStory : testing::TestWithParam<Kind> {
                 QTest::keyClick(&time, Qt::Key_Up);
             }
         }
+        if (kind.MB_CONFIG) {
+            LayOut();
+        }
         Save();
+    }
+    void LayOut() {
+        Click(form, "cmdsetregister");
+        const QWidget& editor = *desk.window.Front();
+        for (int row = 0; row < 24; ++row) {
+            support::GiveAddress(editor, "aga3grid", row, QString::number(2 * row + 1));
+        }
+        Click(editor, "cmdOk");
     }
     void Save() {
         Click(form, "cmdsave");
@@ -173,13 +193,14 @@ TEST_P(StationStory, IsAddedCollectedRenamedAndDeletedWithoutARowLeft) {
 INSTANTIATE_TEST_SUITE_P(
     EveryModelAndProtocol, StationStory,
     testing::Values(Kind{"TeleFlow", "BSAP"}, Kind{"TeleFlow", "Modbus", "RTU"}, Kind{"TeleFlow", "Modbus", "ASCII"},
-                    Kind{"TeleFlow", "Quantum"}, Kind{"TeleFlow+", "BSAP"}, Kind{"TeleFlow+", "Modbus", "RTU"},
-                    Kind{"TeleFlow+", "Modbus", "ASCII"}, Kind{"TeleCorrector", "BSAP"},
-                    Kind{"TeleCorrector", "Modbus", "RTU"}, Kind{"TeleCorrector", "Modbus", "ASCII"},
-                    Kind{"TeleCorrector+", "BSAP"}, Kind{"TeleCorrector+", "Modbus", "RTU"},
-                    Kind{"TeleCorrector+", "Modbus", "ASCII"}, Kind{"TeleRTU", "BSAP"},
-                    Kind{"TeleRTU", "Modbus", "RTU"}, Kind{"TeleRTU(M)", "BSAP"}, Kind{"TeleRTU(M)", "Modbus", "RTU"},
-                    Kind{"CWEFM-AGA3", "BSAP"}, Kind{"CWEFM-AGA3", "Modbus", "RTU"}, Kind{"CWGFC-AGA3", "BSAP"},
+                    Kind{"TeleFlow", "Modbus", "RTU", 1, true}, Kind{"TeleFlow", "Quantum"}, Kind{"TeleFlow+", "BSAP"},
+                    Kind{"TeleFlow+", "Modbus", "RTU"}, Kind{"TeleFlow+", "Modbus", "ASCII"},
+                    Kind{"TeleCorrector", "BSAP"}, Kind{"TeleCorrector", "Modbus", "RTU"},
+                    Kind{"TeleCorrector", "Modbus", "ASCII"}, Kind{"TeleCorrector+", "BSAP"},
+                    Kind{"TeleCorrector+", "Modbus", "RTU"}, Kind{"TeleCorrector+", "Modbus", "ASCII"},
+                    Kind{"TeleRTU", "BSAP"}, Kind{"TeleRTU", "Modbus", "RTU"}, Kind{"TeleRTU(M)", "BSAP"},
+                    Kind{"TeleRTU(M)", "Modbus", "RTU"}, Kind{"CWEFM-AGA3", "BSAP"},
+                    Kind{"CWEFM-AGA3", "Modbus", "RTU"}, Kind{"CWGFC-AGA3", "BSAP"},
                     Kind{"CWGFC-AGA3", "Modbus", "RTU"}, Kind{"CWEFM-AGA7", "BSAP"},
                     Kind{"CWEFM-AGA7", "Modbus", "RTU"}, Kind{"CWGFC-AGA7", "BSAP"},
                     Kind{"CWGFC-AGA7", "Modbus", "RTU"}, Kind{"CWEFM-AGA9", "BSAP"}, Kind{"CWGFC-AGA9", "BSAP"},

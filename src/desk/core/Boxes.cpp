@@ -19,10 +19,10 @@ void ShowBox(QWidget* over, const QString& text, const QString& title, QMessageB
 }
 
 void AskBox(QWidget* over, const QString& text, const QString& title, std::function<void()> yes,
-            std::function<void()> no) {
+            std::function<void()> no, QMessageBox::StandardButton safe) {
     auto* box = NewBox(over, text, title, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No);
-    box->setDefaultButton(QMessageBox::No);
-    box->setEscapeButton(QMessageBox::No);
+    box->setDefaultButton(safe);
+    box->setEscapeButton(safe);
     QObject::connect(box, &QMessageBox::finished, over, [yes = std::move(yes), no = std::move(no)](int answer) {
         const auto& next = answer == QMessageBox::Yes ? yes : no;
         if (next) {

@@ -11,9 +11,9 @@ namespace desk {
 // Whoever sets the focus does it before: behind the box it is where it was.
 void ShowBox(QWidget* over, const QString& text, const QString& title, QMessageBox::Icon icon = QMessageBox::Warning);
 
-// Asks with Yes and No over a form, and returns at once. `yes` or `no` is called with the answer; Escape is No, and No
-// is the default, since what is asked for cannot be undone.
+// Asks with Yes and No over a form, and returns at once. `yes` or `no` is called with the answer. `safe` is the default
+// and Escape: No, since what is asked for cannot be undone, unless the question is put the other way round.
 void AskBox(QWidget* over, const QString& text, const QString& title, std::function<void()> yes,
-            std::function<void()> no = {});
+            std::function<void()> no = {}, QMessageBox::StandardButton safe = QMessageBox::No);
 
 }  // namespace desk

@@ -53,8 +53,8 @@ void Apply(const stations::ModelRule& rule, Ui::frmconfigstation& ui) {
     Choose(rule.metering, ui);
     ShowMetering(rule, ui);
     ui.frameaga3_7->setEnabled(!rule.meteringHidden);
-    if (!rule.mbConfigEnabled) {
-        // A tick that cannot be taken away would keep the Save out of reach.
+    if (rule.isCW) {
+        // Its Save makes the map of its table, whatever was laid out by hand. The other models fix the box as it is.
         ui.chk_MBConfig->setChecked(false);
     }
     if (!rule.protocol.empty()) {

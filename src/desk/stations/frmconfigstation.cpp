@@ -4,8 +4,13 @@
 #include <QRegularExpressionValidator>
 
 #include "core/Feedback.h"
+#include "core/MAIN_Module.h"
+#include "core/Station.h"
 #include "core/Text.h"
+#include "core/Users.h"
 #include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
+#include "desk/session/frmparalist.h"
 #include "desk/stations/LineReset.h"
 #include "desk/stations/StationFieldRules.h"
 #include "desk/stations/frmportsetting.h"
@@ -129,6 +134,12 @@ void frmconfigstation::ConnectRules() {
         ui.cmdsetregister->setVisible(ui.chk_MBConfig->isChecked());
         EnableSave();
     });
+    for (PickCombo* field : {ui.cmbmodelno, ui.cmbgroupno}) {
+        OnChange(field, &QComboBox::currentTextChanged, [this] { EnableSave(); });
+    }
+    for (QRadioButton* option : {ui.optAga3, ui.optint, ui.optf1, ui.optf2}) {
+        OnChange(option, &QRadioButton::toggled, [this] { EnableSave(); });
+    }
     for (QRadioButton* option : {ui.optAga8, ui.optGross}) {
         OnChange(option, &QRadioButton::toggled, [&ui] { ShowComposition(ui); });
     }
@@ -162,10 +173,10 @@ void frmconfigstation::Enter(State state) {
     ShowMail();
 }
 
-// The map of a station that is laid out by hand must stand before the station is saved.
+// The map of a station that is laid out by hand must stand before the station is saved, and fit it.
 void frmconfigstation::EnableSave() {
     const bool waits = stations::RuleOfProtocol(ui_->cmbprotocol->Text()).saveWaitsForRegisters &&
-                       ui_->chk_MBConfig->isChecked() && !storedMB_CONFIG_;
+                       ui_->chk_MBConfig->isChecked() && !storedMB_CONFIG_ && laidOut_ != WhatFixesTheMap();
     ui_->cmdsave->setEnabled(state_ != State::Browse && !waits);
 }
 
@@ -216,6 +227,7 @@ void frmconfigstation::Show(const stations::StationRecord& record) {
     ShowWhatBelongs(record, *ui_);
     ui_->chkemail->setChecked(false);
     storedMB_CONFIG_ = record.MB_CONFIG;
+    laidOut_.clear();
     left_ = nullptr;
     showing_ = false;
 }
@@ -240,6 +252,10 @@ void frmconfigstation::Edit() {
     currentconsumer_ = record->consumer;
     Show(*record);
     Enter(State::Editing);
+    // The box may be out of reach, for its model; the map behind it is not.
+    const bool laidOutByHand = record->MB_CONFIG && stations::RuleOfProtocol(record->protocol).saveWaitsForRegisters;
+    ui_->cmdsetregister->setVisible(laidOutByHand);
+    ui_->cmdsetregister->setEnabled(true);
     ui_->txtconsumer->setFocus();
 }
 
@@ -303,11 +319,43 @@ void frmconfigstation::SetRegister() {
     if (core::Trim(record.protocol).empty()) {
         Show("Select Protocol ");
     } else if (record.MB_CONFIG || !core::SameText(record.protocol, "Modbus")) {
-        Show("The register editor is not available yet. Nothing was changed.", QMessageBox::Information);
+        OpenRegisterEditor(record);
     } else {
         stations::SetRegister(desk_.dbconn, record, {state_ == State::Adding, fields_.Registers()});
         desk_.feedback.Status("Registers are set");
     }
+}
+
+void frmconfigstation::OpenRegisterEditor(const stations::StationRecord& record) {
+    const bool isNewStation = state_ == State::Adding;
+    const QStringList fixed = WhatFixesTheMap();
+    RegisterStation station;
+    station.consumer = record.consumer;
+    station.edited.choices = stations::ChoicesOf(record, {isNewStation, fields_.Registers()});
+    station.edited.laidOut = isNewStation && laidOut_ == fixed;
+    station.tabs = {.isCW = core::IsCwModel(record.modelno),
+                    .isAga3 = record.aga3_7,
+                    .aga8_fpv = record.aga8_fpv,
+                    .Gross_Detail = record.Gross_Detail,
+                    .superUser = core::IsSuperUser(desk_.shared.currentuser),
+                    .quantum = core::SameText(record.protocol, "Quantum"),
+                    .drs = stations::DrsOf(record.modelno)};
+    auto* editor = new frmparalist(desk_, station);
+    connect(editor, &frmparalist::Stored, this, [this, fixed] {
+        laidOut_ = fixed;
+        EnableSave();
+        ui_->cmdsave->setFocus();
+        desk_.feedback.Status("Registers are set");
+    });
+    desk_.navigator.Open(editor);
+}
+
+QStringList frmconfigstation::WhatFixesTheMap() const {
+    const stations::StationRecord record = fields_.Read();
+    const stations::RegisterSize registers = fields_.Registers();
+    return {QString::fromStdString(record.modelno),   QString::fromStdString(record.protocol),
+            QString::fromStdString(record.groupno),   QString::number(record.aga3_7),
+            QString::number(registers.registerCount), QString::fromStdString(registers.registerTypeName)};
 }
 
 void frmconfigstation::AllocationReset() {

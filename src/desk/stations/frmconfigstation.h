@@ -52,6 +52,8 @@ class frmconfigstation : public Page {
     void Delete();
     void PortSetting();
     void SetRegister();
+    void OpenRegisterEditor(const stations::StationRecord& record);
+    QStringList WhatFixesTheMap() const;
     void AllocationReset();
 
     // The list check of a field that the operator has left, and what follows from its text. False: its message is shown
@@ -67,6 +69,7 @@ class frmconfigstation : public Page {
     State state_ = State::Browse;
     bool showing_ = false;          // a record is coming into the controls
     bool storedMB_CONFIG_ = false;  // of the station that is edited
+    QStringList laidOut_;           // what fixed the map that was laid out for the new station; empty: none was
     PickCombo* left_ = nullptr;     // left, its check to come
     std::string currentconsumer_;   // name of the station that is edited, as the register has it
     std::unique_ptr<Ui::frmconfigstation> ui_;

@@ -1,0 +1,255 @@
+// The register map of a station as it is laid out by hand: who sees which rows, what is said to an address, what is
+// stored.
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "demo/DemoRegister.h"
+#include "session/RegisterEditor.h"
+#include "support/ScratchDesk.h"
+
+namespace session {
+namespace {
+
+using Kind = AddressVerdict::Kind;
+
+constexpr const char* coil = "Coil(Boolean)";
+
+std::size_t Group(const char* aga) {
+    return GroupOf(aga).value();
+}
+
+struct RegisterEditorTest : testing::Test {
+    support::ScratchDesk desk;
+    const std::size_t aga3 = Group("AGA3");
+
+    static EditedStation New(std::int64_t id = 1) {
+        return {.choices = {.locationID = id,
+                            .groupno = 2,
+                            .modelno = "TeleFlow",
+                            .protocol = "Modbus",
+                            .optAga3 = true,
+                            .isNewStation = true,
+                            .MB_CONFIG = true}};
+    }
+    static EditedStation Stored(std::int64_t id = 1) {
+        EditedStation station = New(id);
+        station.choices.isNewStation = false;
+        return station;
+    }
+    RegisterEditor Edit(const EditedStation& station, const std::string& user = "WARDEN") {
+        return {desk.dbconn, station, user};
+    }
+    std::size_t Seen(const RegisterEditor& editor) {
+        std::size_t rows = 0;
+        for (std::size_t group = 0; group < groupCount; ++group) {
+            rows += editor.Rows(group).size();
+        }
+        return rows;
+    }
+    static AddressVerdict Give(RegisterEditor& editor, std::size_t row, const std::string& address,
+                               const std::string& type, bool evenIfTaken = false) {
+        editor.TakeOut(GroupOf("AGA3").value(), row);
+        const AddressVerdict verdict = editor.Enter(address, type, evenIfTaken);
+        if (verdict.kind != Kind::Taken) {
+            editor.PutBack();
+        }
+        return verdict;
+    }
+    std::vector<core::Row> Detail(const std::string& condition = "1") {
+        return desk.dbconn.Query("select * from configdata_detail where locationID=1 and " + condition +
+                                 " order by srno");
+    }
+    std::int64_t InRegisterTable() {
+        return desk.dbconn.First("select count(*) from mdbus_table where locationID=1").value()[0].Long();
+    }
+    void AddUser(const char* name, int readsec) {
+        desk.dbconn.Execute(
+            "insert into users (userid,firstname,lastname,password,readsec,writesec) values(?,?,?,'',?,0)",
+            {name, name, name, readsec});
+    }
+};
+
+TEST_F(RegisterEditorTest, ANewMapIsStoredWholeWithWhatTheUserMayNotSee) {
+    AddUser("reader", 1);
+    RegisterEditor editor = Edit(New(), "reader");
+    const auto all = static_cast<std::size_t>(InRegisterTable());
+    ASSERT_GT(all, 200U);
+    EXPECT_LT(Seen(editor), all - 7) << "a few have a level of 2 or more, and no grid shows what sets the clock";
+    EXPECT_GT(Seen(editor), 100U);
+    EXPECT_EQ(editor.Rows(aga3)[0].address, "");
+    EXPECT_EQ(editor.Rows(aga3)[0].type, "");
+    EXPECT_THAT(Edit(New(), "nobody").Rows(aga3), testing::IsEmpty());
+
+    EXPECT_EQ(Give(editor, 0, " 0021 ", "float").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 1, "40", "Integer").kind, Kind::Taken);
+    EXPECT_THAT(Detail(), testing::IsEmpty());
+    editor.Store();
+    const auto rows = Detail();
+    ASSERT_EQ(rows.size(), all);
+    EXPECT_EQ(rows[0].Text("startaddress"), "21");
+    EXPECT_EQ(rows[0].Text("type"), "Float");
+    EXPECT_EQ(rows[1].Text("startaddress"), "40");
+    EXPECT_EQ(rows[1].Text("type"), "Integer");
+    std::int64_t srno = 0;
+    std::set<std::string> types;
+    for (const core::Row& row : rows) {
+        const auto source =
+            desk.dbconn.First("select * from parameter where protocol='Modbus' and Description=? and aga=?",
+                              {row.Text("description"), row.Text("aga")});
+        ASSERT_TRUE(source) << row.Text("description");
+        EXPECT_EQ(row.Long("srno"), ++srno);
+        EXPECT_EQ(row.Long("groupno"), 2);
+        EXPECT_EQ(row.Long("MSD"), 0);
+        EXPECT_EQ(row.Long("StreamNo"), 1);
+        EXPECT_EQ(row.Text("unit"), source->Text("unit"));
+        EXPECT_EQ(row.Bool("CFP"), source->Bool("CFP"));
+        EXPECT_EQ(row.Long("RS"), source->Long("RS"));
+        EXPECT_EQ(row.Long("WS"), source->Long("WS"));
+        if (srno > 2) {
+            EXPECT_EQ(row.Text("startaddress"), "0");
+            EXPECT_EQ(row.Text("type"), source->Text("datatype") == "Boolean" ? coil : "Float");
+        }
+    }
+}
+
+TEST_F(RegisterEditorTest, ASecondPassOffersWhatWasStoredAndReplacesIt) {
+    RegisterEditor first = Edit(New());
+    EXPECT_EQ(Give(first, 0, "21", "Float").kind, Kind::Taken);
+    first.Store();
+    const auto all = Detail().size();
+    EditedStation again = New();
+    again.laidOut = true;
+    RegisterEditor second = Edit(again);
+    EXPECT_EQ(second.Rows(aga3)[0].address, "21");
+    EXPECT_EQ(Give(second, 1, "22", "Integer").kind, Kind::Question);
+    EXPECT_EQ(Give(second, 1, "23", "Integer").kind, Kind::Taken);
+    second.Store();
+    EXPECT_EQ(Detail().size(), all);
+    EXPECT_EQ(Detail("startaddress<>'0'").size(), 2U);
+    RegisterEditor anew = Edit(New());
+    EXPECT_EQ(anew.Rows(aga3)[0].address, "") << "of another model, say";
+}
+
+TEST_F(RegisterEditorTest, WhatTheDialogSays) {
+    struct Case {
+        const char* address;
+        const char* type;
+        bool evenIfTaken;
+        Kind kind;
+        const char* message;
+        const char* control;
+    };
+    RegisterEditor editor = Edit(New());
+    EXPECT_EQ(Give(editor, 0, "50", "Float").kind, Kind::Taken);
+    const std::string overlap = "Address is overlapping\nPlease Choose another address";
+    for (const Case& c :
+         {Case{"50", "Integer", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
+          Case{"51", "Integer", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
+          Case{"49", "Float", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
+          Case{"50", "Word", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
+          Case{"50", "Word", true, Kind::Refused, "Invalid Datatype", "cmbdatatype"},
+          Case{"abc", "Word", false, Kind::Refused, "Invalid Datatype", "cmbdatatype"},
+          Case{"60", "", false, Kind::Refused, "Invalid Datatype", "cmbdatatype"},
+          Case{"abc", "Integer", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
+          Case{"", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
+          Case{"-5", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
+          Case{"12.5", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
+          Case{"1' or '1", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
+          Case{"65536", coil, false, Kind::Refused, "StartAddress must be less than 65536", "txtstartaddress"},
+          Case{"65536", "Integer", false, Kind::Refused, "StartAddress must be less than 65536", "txtstartaddress"},
+          Case{"99999999999999999999999999", "Float", false, Kind::Refused, "StartAddress must be less than 65536",
+               "txtstartaddress"},
+          Case{"65535", "Integer", false, Kind::Refused, "The table of addresses ends at 10099", "txtstartaddress"},
+          Case{"10100", "Float", false, Kind::Refused, "The table of addresses ends at 10099", "txtstartaddress"}}) {
+        const AddressVerdict verdict = Give(editor, 1, c.address, c.type, c.evenIfTaken);
+        EXPECT_EQ(verdict.kind, c.kind) << c.address << " " << c.type;
+        EXPECT_EQ(verdict.message, c.message) << c.address << " " << c.type;
+        EXPECT_EQ(verdict.control, c.control) << c.address << " " << c.type;
+        EXPECT_EQ(editor.Rows(aga3)[1].address, "");
+    }
+    // What was refused holds no address, neither as a coil nor as a register.
+    EXPECT_EQ(Give(editor, 1, "60", "Integer").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 2, "65535", coil).kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 3, "0", "Float").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 4, "0", "Float").kind, Kind::Taken);
+}
+
+TEST_F(RegisterEditorTest, ARowDoesNotCollideWithItself) {
+    RegisterEditor editor = Edit(New());
+    Give(editor, 0, "50", "Float");
+    EXPECT_EQ(Give(editor, 0, "51", "Float").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 1, "50", "Integer").kind, Kind::Taken);
+    editor.TakeOut(aga3, 0);
+    editor.PutBack();
+    EXPECT_EQ(Give(editor, 2, "52", "Integer").kind, Kind::Question) << "put back, it has its two registers again";
+    // Shared by the operator's will: the table is as before the row was taken in hand, so 50 is not free.
+    EXPECT_EQ(Give(editor, 1, "52", "Integer", true).kind, Kind::Taken);
+    EXPECT_EQ(editor.Rows(aga3)[1].address, "52");
+    EXPECT_EQ(Give(editor, 3, "50", "Integer").kind, Kind::Question);
+}
+
+TEST_F(RegisterEditorTest, AStoredMapChangesOnlyWhereItWasEdited) {
+    RegisterEditor made = Edit(New());
+    Give(made, 0, "50", "Float");
+    Give(made, 1, "60", "Float");
+    made.Store();
+    // A hidden row, a row of the same name in another group, another station's, and an address beyond the table.
+    desk.dbconn.Execute("update configdata_detail set RS=9, startaddress='70' where srno=3");
+    desk.dbconn.Execute(
+        "update configdata_detail set description=(select description from configdata_detail where "
+        "srno=1) where srno=30");
+    desk.dbconn.Execute("update configdata_detail set startaddress='20000', lastvalue=7 where srno=5");
+    desk.dbconn.Execute(
+        "insert into configdata_detail select 2,description,startaddress,type,srno,lastvalue,groupno,"
+        "unit,aga,MSD,CFP,RS,WS,StreamNo from configdata_detail");
+    AddUser("chief", 6);
+    const auto before = desk.dbconn.Query("select * from configdata_detail order by locationID,srno");
+
+    RegisterEditor editor = Edit(Stored(), "chief");
+    EXPECT_EQ(editor.Rows(aga3)[0].address, "50");
+    EXPECT_EQ(editor.Rows(aga3)[0].type, "Float");
+    EXPECT_EQ(editor.Rows(aga3)[2].description, made.Rows(aga3)[3].description) << "the third is hidden";
+    EXPECT_EQ(Give(editor, 1, "70", "Integer").kind, Kind::Question) << "and keeps its address";
+    EXPECT_EQ(Give(editor, 0, "80", "Integer").kind, Kind::Taken);
+    editor.Store();
+
+    const auto after = desk.dbconn.Query("select * from configdata_detail order by locationID,srno");
+    ASSERT_EQ(after.size(), before.size());
+    for (std::size_t row = 0; row < after.size(); ++row) {
+        for (std::size_t column = 0; column < after[row].Size(); ++column) {
+            const bool edited = row == 0 && (column == 2 || column == 3);
+            EXPECT_EQ(after[row][column].Text(), edited ? (column == 2 ? "80" : "Integer") : before[row][column].Text())
+                << row << " " << column;
+        }
+    }
+    Give(editor, 0, "81", "Integer");
+    desk.dbconn.Execute("delete from configdata_detail where locationID=1");
+    EXPECT_THROW(editor.Store(), core::DatabaseError);
+}
+
+TEST_F(RegisterEditorTest, OffersTheTypesOfItsRegistersAndRefusesAMapThatOverflows) {
+    EditedStation station = New();
+    EXPECT_THAT(Edit(station).DataTypes(), testing::ElementsAre(coil, "Integer", "Float"));
+    station.choices.registers = stations::TypeFloatOneRegister();
+    RegisterEditor oneRegister = Edit(station);
+    Give(oneRegister, 0, "50", "Float");
+    EXPECT_EQ(Give(oneRegister, 1, "51", "Float").kind, Kind::Taken);
+    station.choices.registers = stations::TypeInteger();
+    RegisterEditor integers = Edit(station);
+    EXPECT_THAT(integers.DataTypes(), testing::ElementsAre(coil, "Integer"));
+    EXPECT_EQ(integers.TakeOut(aga3, 0).type, "Integer");
+    integers.PutBack();
+    EXPECT_EQ(Give(integers, 0, "50", "Float").message, "Invalid Datatype");
+    for (int row = 0; row < 130; ++row) {
+        desk.dbconn.Execute(
+            "insert into parameter (protocol,srno,Description,datatype,aga,MBUS,RS,WS) "
+            "values('Modbus',?,?,'Float','AGA3',1,1,1)",
+            {1000 + row, "More " + std::to_string(row)});
+    }
+    EXPECT_THROW(Edit(New()), std::length_error);
+}
+
+}  // namespace
+}  // namespace session
