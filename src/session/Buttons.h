@@ -41,5 +41,4 @@ Buttons ButtonsOf(const ButtonFacts& facts);
 // The TeleFlow and TeleCorrector models are not calibrated from the session.
 bool HidesCalibration(std::string_view modelno);
 
-
 }  // namespace session

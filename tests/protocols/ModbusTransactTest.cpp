@@ -214,7 +214,7 @@ TEST_F(ModbusTransactTest, AWriteOfAScreenIsTriedThreeTimesUnlessTheStationRefus
     } cases[] = {
         {"RTU", ModbusDatum::Coil, 1, {rtu("01 05 00 0A FF 00")}, WriteOutcome::Done, 1, "01 05 00 0A FF 00 AC 38"},
         {"RTU", ModbusDatum::Coil, 0, {rtu("01 05 00 0A 00 00")}, WriteOutcome::Done, 1, "01 05 00 0A 00 00 ED C8"},
-        {"RTU", ModbusDatum::Integer, -2, {rtu("01 06 00 0A FF FE")}, WriteOutcome::Done, 1, "01 06 00 0A FF FE 68 78"},
+        {"RTU", ModbusDatum::Integer, -2, {rtu("01 06 00 0A FF FE")}, WriteOutcome::Done, 1, "01 06 00 0A FF FE 69 B8"},
         {"RTU", ModbusDatum::Coil, 1, {"", badCheck, rtu("01 05 00 0A FF 00")}, WriteOutcome::Done, 3, ""},
         {"RTU", ModbusDatum::Coil, 1, {rtu("01 05 00 0B FF 00"), "", ""}, WriteOutcome::Failed, 3, ""},
         {"RTU", ModbusDatum::Integer, 5, {rtu("01 86 02")}, WriteOutcome::Refused, 1, ""},

@@ -13,9 +13,10 @@ namespace {
 // message, the text of the disconnect and the progress.
 std::string Marks(const Buttons& b) {
     const auto mark = [](bool on) { return on ? 'x' : '.'; };
-    return {mark(b.cmdConnect), mark(b.cmdClose),  mark(b.cmddisconnect),     mark(b.cmdgetdata),
-            mark(b.cmd_arc),    mark(b.cmdfetch),  mark(b.cmdCalib),          mark(b.cmdSignalSearch),
-            ' ',                mark(b.lblmsgSeen), mark(b.lbldisconnectSeen), mark(b.pbupdateSeen)};
+    return {mark(b.cmdConnect), mark(b.cmdClose),          mark(b.cmddisconnect),
+            mark(b.cmdgetdata), mark(b.cmd_arc),           mark(b.cmdfetch),
+            mark(b.cmdCalib),   mark(b.cmdSignalSearch),   ' ',
+            mark(b.lblmsgSeen), mark(b.lbldisconnectSeen), mark(b.pbupdateSeen)};
 }
 
 TEST(Buttons, EveryStateOfASession) {

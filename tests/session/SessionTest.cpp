@@ -1,0 +1,368 @@
+// The life of a session with a simulated station, on the virtual clock.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "support/SessionDesk.h"
+
+namespace {
+
+using fieldsim::WriteFault;
+using session::State;
+using support::SessionDesk;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+const demo::DemoStation teleFlow{"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5};
+const demo::DemoStation teleCorrector{"O'Neill", "TeleCorrector", "BSAP", "", 1, 5};
+const demo::DemoStation multiStream{"Twin", "CWEFM-MultiStream", "BSAP", "", 1, 5, "", 2, {"AGA3", "AGA7"}};
+const demo::DemoStation quantum{"Quay", "TeleFlow", "Quantum", "", 1, 5};
+
+// Every value of the session's rows is one that the station gave.
+void ExpectServed(const SessionDesk& desk, std::size_t atLeast) {
+    std::size_t seen = 0;
+    for (std::size_t group = 0; group < session::groupCount; ++group) {
+        for (const session::ParameterRow& row : desk.session->Parameters().Of(group)) {
+            if (row.read) {
+                ++seen;
+                EXPECT_TRUE(
+                    desk.field->WasServed(desk.locationID, desk.session->StreamNo(), row.Description, row.lastvalue))
+                    << row.Description << " " << row.lastvalue;
+            }
+        }
+    }
+    EXPECT_GE(seen, atLeast);
+}
+
+struct Silence final : fieldsim::Device {
+    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
+};
+
+std::vector<std::string> WritesOf(const SessionDesk& desk) {
+    return desk.field->Station(desk.locationID)->written->WritesText();
+}
+
+TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
+    const struct {
+        demo::DemoStation station;
+        std::size_t rows;
+        const char* stored;
+    } cases[] = {{teleFlow, 300, "Flowing Pressure"},
+                 {teleCorrector, 300, "Flowing Pressure"},
+                 {multiStream, 200, "Flowing Pressure"},
+                 {quantum, 20, "Pressure"}};
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.station.consumer);
+        SessionDesk desk;
+        desk.Open(test.station).Connect();
+        ASSERT_EQ(desk.session->GetState(), State::Connected);
+        EXPECT_THAT(desk.view.status, Contains("Connected"));
+        desk.Behind({{}, [&] {
+                         EXPECT_EQ(desk.session->GetState(), State::Polling);
+                         ExpectServed(desk, test.rows);
+                     }});
+        desk.session->GetData();
+        EXPECT_EQ(desk.session->GetState(), State::Idle);
+        EXPECT_THAT(desk.view.ends, ElementsAre(""));
+        EXPECT_THAT(desk.view.boxes, IsEmpty());
+        EXPECT_TRUE(desk.field->WasServed(desk.locationID, 1, test.stored, desk.Stored(test.stored)));
+        EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday"));
+        EXPECT_FALSE(desk.fieldLine.InUse());
+        EXPECT_THAT(desk.Trail(),
+                    Contains(HasSubstr(": User WARDEN disconnected from RTU " + test.station.consumer + ".")));
+        EXPECT_EQ(desk.session->Requests().failed, 0);
+        EXPECT_GT(desk.session->Requests().good, 2);
+    }
+}
+
+TEST(SessionTest, AWriteIsEnteredPendingSentOnceAndConfirmedByTheNextPoll) {
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector}) {
+        SCOPED_TRACE(station.consumer);
+        SessionDesk desk;
+        desk.Open(station).Connect();
+        const auto keypad = [&] { return desk.Place("KEYPAD", "Keypad N2"); };
+        desk.Behind({[&] {
+                         EXPECT_EQ(desk.session->AskWrite(keypad(), "1.25"), "");
+                         EXPECT_TRUE(desk.session->WritePending());
+                         EXPECT_EQ(desk.Stored("Keypad N2"), 1.25);
+                         EXPECT_TRUE(desk.session->Parameters().At(keypad()).pending);
+                         EXPECT_NE(desk.session->AskWrite(keypad(), "7"), "") << "one at a time";
+                     },
+                     {},  // the refresh of the entry itself
+                     [&] {
+                         EXPECT_FALSE(desk.session->WritePending());
+                         EXPECT_FALSE(desk.session->Parameters().At(keypad()).pending);
+                         EXPECT_EQ(desk.session->Parameters().At(keypad()).lastvalue, 1.25);
+                         EXPECT_EQ(desk.session->AskWrite(desk.Place("HEALTH", "Time Sync"), "SET_TIME"), "");
+                     }});
+        desk.session->GetData();
+        const bool modbus = station.protocol == "Modbus";
+        EXPECT_THAT(WritesOf(desk), ElementsAre(modbus ? "register 373 Keypad N2 = 1.25" : "54-187 Keypad N2 = 1.25",
+                                                HasSubstr(modbus ? "coil 27 Time Sync = 0" : "55-27 Time Sync = 0")));
+        EXPECT_THAT(desk.Trail(), Contains(HasSubstr("User WARDEN changed value of parameter Keypad N2 from ")));
+        EXPECT_THAT(desk.view.boxes, IsEmpty());
+    }
+}
+
+TEST(SessionTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
+    SessionDesk desk;
+    desk.dbconn.Execute(
+        "insert into users(userid, firstname, readsec, writesec) values('ann','ann',6,1),('bob','bob',6,6)");
+    desk.Open(teleFlow).Connect();
+    const struct {
+        const char* user;
+        const char* aga;
+        const char* description;
+        const char* text;
+        const char* refusal;
+    } cases[] = {
+        {"bob", "KEYPAD", "Keypad N2", "", "Enter Proper Data"},
+        {"bob", "KEYPAD", "Keypad N2", "abc", "Enter Proper Data"},
+        {"bob", "KEYPAD", "Keypad N2", "1,5", "Enter Proper Data"},
+        {"bob", "KEYPAD", "Keypad N2", "1e39", "Enter Proper Data"},
+        {"bob", "KEYPAD", "Keypad N2", "nan", "Enter Proper Data"},
+        {"bob", "KEYPAD", "Keypad N2", "ENABLE", "Enter Proper Data"},
+        {"bob", "HEALTH", "Time Sync", "2", "Enter Proper Data"},
+        {"bob", "HEALTH", "Time Sync", "ENABLE", "Enter Proper Data"},
+        {"ann", "KEYPAD", "Keypad N2", "1.5", "Could not set. Lower user level."},
+        {"nobody", "KEYPAD", "Keypad N2", "1.5", "Could not set. Lower user level."},
+    };
+    EXPECT_EQ(desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1"), "Not connected") << "before the poll";
+    desk.Behind({[&] {
+        for (const auto& test : cases) {
+            desk.shared.currentuser = test.user;
+            EXPECT_EQ(desk.session->AskWrite(desk.Place(test.aga, test.description), test.text), test.refusal)
+                << test.user << " " << test.text;
+        }
+        desk.shared.currentuser = "bob";
+        EXPECT_EQ(desk.session->Check(desk.Place("KEYPAD", "Keypad N2"), "1.5"), "");
+    }});
+    desk.session->GetData();
+    EXPECT_THAT(WritesOf(desk), IsEmpty());
+    EXPECT_NE(desk.Stored("Keypad N2"), 1.5);
+    EXPECT_THAT(desk.Trail(), Not(Contains(HasSubstr("changed value"))));
+}
+
+TEST(SessionTest, AStationThatDoesNotTakeAWriteIsToldOnceAndTheNextPollShowsItsValue) {
+    const struct {
+        WriteFault fault;
+        std::size_t attempts;
+        bool told;
+    } cases[] = {{WriteFault::Refuse, 1, true}, {WriteFault::LostBefore, 3, true}, {WriteFault::LostAfter, 3, true}};
+    for (const auto& test : cases) {
+        SessionDesk desk;
+        fieldsim::FieldOptions options;
+        desk.locationID = 1;
+        options.writes[1].otherwise = test.fault;
+        ASSERT_EQ(desk.Open(teleFlow, options).GetStation().locationID, 1);
+        desk.session->Connect();
+        desk.Behind({[&] { desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25"); }, {}, {}});
+        desk.session->GetData();
+        EXPECT_THAT(desk.view.boxes, ElementsAre("Data Could not be written"));
+        EXPECT_EQ(WritesOf(desk).size(), test.attempts);
+        EXPECT_EQ(desk.Stored("Keypad N2") == 1.25, test.fault == WriteFault::LostAfter);
+    }
+}
+
+TEST(SessionTest, TheClockIsSetElementByElement) {
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector, multiStream}) {
+        SCOPED_TRACE(station.consumer);
+        SessionDesk desk;
+        desk.Open(station).Connect();
+        desk.Behind({[&] { desk.session->AskTime(); }, [&] { EXPECT_FALSE(desk.session->TimePending()); }});
+        desk.session->GetData();
+        const auto writes = WritesOf(desk);
+        ASSERT_EQ(writes.size(), 7U);
+        const char* names[] = {"Set Year = 2026", "Set Month = 3", "Set Date = 9",       "Set Hour",
+                               "Set Minute",      "Set Second",    "Set Time & Date = 1"};
+        for (std::size_t i = 0; i < writes.size(); ++i) {
+            EXPECT_THAT(writes[i], HasSubstr(names[i]));
+        }
+        EXPECT_THAT(desk.Trail(), Contains(HasSubstr("User WARDEN set the time of RTU " + station.consumer)));
+    }
+}
+
+TEST(SessionTest, SeveralValuesGoTogether) {
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector}) {
+        SessionDesk desk;
+        desk.Open(station).Connect();
+        desk.Behind({[&] {
+                         EXPECT_EQ(desk.session->AskMultipleWrite(
+                                       {{desk.Place("GC", "Methane"), "93.5"}, {desk.Place("GC", "Nitrogen"), "x"}}),
+                                   "Enter Proper Data");
+                         EXPECT_FALSE(desk.session->WritePending());
+                         EXPECT_EQ(desk.session->AskMultipleWrite(
+                                       {{desk.Place("GC", "Methane"), "93.5"}, {desk.Place("GC", "Nitrogen"), "1.5"}}),
+                                   "");
+                     },
+                     {},
+                     {}});
+        desk.session->GetData();
+        EXPECT_THAT(WritesOf(desk), ElementsAre(HasSubstr("Methane = 93.5"), HasSubstr("Nitrogen = 1.5")));
+        EXPECT_EQ(desk.Stored("Nitrogen"), 1.5);
+    }
+}
+
+TEST(SessionTest, AnotherStreamIsReadUnderItsOwnNames) {
+    SessionDesk desk;
+    desk.Open(multiStream).Connect();
+    EXPECT_TRUE(desk.session->IsAga3());
+    desk.Behind({[&] { desk.session->ChooseStream(2); },
+                 [&] {
+                     EXPECT_EQ(desk.session->StreamNo(), 2);
+                     EXPECT_FALSE(desk.session->IsAga3());
+                     EXPECT_EQ(desk.view.drawn, 1);
+                     ExpectServed(desk, 200);
+                     desk.session->ChooseStream(3);  // there is none
+                 }});
+    desk.session->GetData();
+    EXPECT_EQ(desk.session->StreamNo(), 2);
+}
+
+// What is asked for is on the line within one wait, whatever the poll was at.
+TEST(SessionTest, AWriteAStreamAndAStopAreServedWithinOneWait) {
+    SessionDesk desk;
+    demo::DemoStation slow = teleFlow;
+    slow.delaytime = 2000;
+    desk.Open(slow).Connect();
+    std::uint64_t asked = 0;
+    std::uint64_t served = 0;
+    desk.Behind({[&] {
+                     // In the middle of the next poll: a request is on its way.
+                     desk.clock.After(9100, [&] {
+                         asked = desk.clock.Elapsed();
+                         EXPECT_EQ(desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25"), "");
+                         desk.view.onSent = [&] { served = served == 0 ? desk.clock.Elapsed() : served; };
+                     });
+                 },
+                 {},
+                 {}});
+    desk.session->GetData();
+    EXPECT_GT(served, 0U);
+    EXPECT_LE(served - asked, 2000U);
+
+    desk.Reopen().Connect();
+    desk.view.onRefreshed = {};
+    desk.view.onSent = {};
+    desk.clock.After(9100, [&] {
+        asked = desk.clock.Elapsed();
+        desk.session->Disconnect();
+    });
+    desk.session->GetData();
+    EXPECT_LE(desk.clock.Elapsed() - asked, 2000U);
+}
+
+TEST(SessionTest, AScheduledRunEndsTheSessionAndItsPendingWriteIsNeverSent) {
+    for (const bool sameStation : {true, false}) {
+        SessionDesk desk;
+        demo::DemoStation other = teleFlow;
+        other.consumer = "Due";
+        other.slaveaddress = 6;
+        other.contracthour = "08:00";
+        demo::DemoStation own = teleFlow;
+        own.contracthour = sameStation ? "08:00" : "20:00";
+        const auto due = demo::AddStation(desk.dbconn, other);
+        desk.Open(own).Connect();
+        desk.StartTicking();
+        // In the last moments before the tick takes the line: entered, and never on its way.
+        desk.clock.Every(10, [&] {
+            const bool last = desk.clock.Now() >= core::DateTime{2026, 3, 9, 7, 59, 59};
+            if (last && desk.clock.Elapsed() % 60000 >= 29990 && desk.session->PollingActive()) {
+                desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25");
+            }
+        });
+        desk.session->GetData();
+        EXPECT_EQ(desk.session->GetState(), State::Idle);
+        EXPECT_THAT(desk.view.ends, ElementsAre("A scheduled collection has taken the line"));
+        EXPECT_THAT(desk.view.requests, Contains(HasSubstr("Not sent: Keypad N2")));
+        EXPECT_THAT(desk.Trail(),
+                    Contains(HasSubstr("value 1.25 of parameter Keypad N2 was not sent to RTU Hill Farm")));
+        EXPECT_THAT(WritesOf(desk), IsEmpty());
+        EXPECT_THAT(desk.field->Station(due)->written->WritesText(), IsEmpty());
+        EXPECT_TRUE(desk.Master(due).Bool("sampledtoday"));
+        EXPECT_EQ(desk.Master(desk.locationID).Bool("sampledtoday"), sameStation) << "the run's mark stays";
+        EXPECT_NE(desk.Stored("Keypad N2"), 1.25);
+    }
+}
+
+TEST(SessionTest, NoSessionBeginsWhileStationsAreCollected) {
+    SessionDesk desk;
+    demo::DemoStation due = teleFlow;
+    due.contracthour = "08:00";
+    desk.Open(due);
+    desk.StartTicking();
+    desk.clock.After(31000, [&] {
+        ASSERT_TRUE(desk.scheduler.Busy());
+        desk.session->Connect();
+        EXPECT_EQ(desk.session->GetState(), State::Idle);
+    });
+    desk.clock.Run(120000);
+    EXPECT_THAT(desk.view.boxes, ElementsAre(HasSubstr("The line is in use")));
+    EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday"));
+}
+
+TEST(SessionTest, ConnectionsThatFailSayWhyAndGiveTheLineBack) {
+    const struct {
+        const char* what;
+        demo::DemoStation station;
+        std::vector<fieldsim::DialOutcome> dials;
+        bool silent;
+        const char* box;
+    } cases[] = {
+        {"no sign-on", teleCorrector, {}, true, "RTU Dead"},
+        {"no carrier three times",
+         {"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"},
+         {{"NO CARRIER", 3000}, {"NO CARRIER", 3000}, {"NO CARRIER", 3000}},
+         false,
+         "No Dialtone/Line Engaged/Remote Modem not Responding"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.what);
+        Silence nobody;
+        SessionDesk desk;
+        fieldsim::FieldOptions options;
+        options.modems[1] = {test.dials.begin(), test.dials.end()};
+        desk.Open(test.station, options);
+        if (test.silent) {
+            desk.line.Attach(1, nobody);
+        }
+        desk.session->Connect();
+        EXPECT_EQ(desk.session->GetState(), State::Idle);
+        EXPECT_THAT(desk.view.boxes, ElementsAre(test.box));
+        EXPECT_EQ(desk.view.ends.size(), 1U);
+        EXPECT_FALSE(desk.fieldLine.InUse());
+        EXPECT_FALSE(desk.line.PortOpen());
+        EXPECT_FALSE(desk.Master(desk.locationID).Bool("sampledtoday"));
+    }
+}
+
+TEST(SessionTest, AModbusStationWithoutAddressesIsNotPolled) {
+    SessionDesk desk;
+    desk.Open(teleFlow);
+    desk.dbconn.Execute("update configdata_master set MB_CONFIG = true");
+    desk.dbconn.Execute("update configdata_detail set startaddress = '0'");
+    desk.session->Connect();
+    desk.session->GetData();
+    EXPECT_THAT(desk.view.boxes, ElementsAre("No Modbus Address Found"));
+    EXPECT_EQ(desk.session->GetState(), State::Idle);
+}
+
+TEST(SessionTest, TheProgramsEndHangsUpACallThatNobodyIsIn) {
+    SessionDesk desk;
+    desk.Open({"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}).Connect();
+    ASSERT_EQ(desk.session->GetState(), State::Connected);
+    desk.scheduler.Leave();
+    EXPECT_TRUE(desk.view.finishLater);
+    desk.session->Finish();
+    EXPECT_EQ(desk.session->GetState(), State::Idle);
+    EXPECT_FALSE(desk.line.PortOpen());
+}
+
+}  // namespace
