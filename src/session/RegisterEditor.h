@@ -42,6 +42,9 @@ class RegisterEditor {
     // holds.
     RegisterEditor(core::Database& dbconn, EditedStation station, const std::string& currentuser);
 
+    RegisterEditor(const RegisterEditor&) = delete;
+    RegisterEditor& operator=(const RegisterEditor&) = delete;
+
     // The rows of a group that the user may see.
     std::vector<EditedRow> Rows(std::size_t group) const;
 

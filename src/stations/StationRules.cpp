@@ -50,8 +50,16 @@ ModelRule Tele(const std::string& method, Metering metering, const std::string& 
             .No_Stream = No_Stream};
 }
 
+// Before a model is chosen the map may still become one that is laid out by hand; the model then fixes it.
+ModelRule NoModel() {
+    ModelRule rule = Tele("AGA3", Metering::Unchanged, "");
+    rule.mbConfigEnabled = true;
+    return rule;
+}
+
 const RuleTable<ModelRule>& ModelRules() {
     static const RuleTable<ModelRule> rules = {
+        {"", NoModel()},
         {"CWEFM-AGA3", SingleStream("AGA3", Metering::Aga3, "")},
         {"CWGFC-AGA3", SingleStream("AGA3", Metering::Aga3, "")},
         {"CWEFM-AGA7", SingleStream("AGA7", Metering::Aga7, "")},

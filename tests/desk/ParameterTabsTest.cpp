@@ -1,6 +1,6 @@
 // The tabs and grids of a station's parameters: which are seen, and where a row stands.
 
-#include <QTabBar>
+#include <QPushButton>
 #include <QTest>
 
 #include "desk/core/Grid.h"

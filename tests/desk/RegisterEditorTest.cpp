@@ -177,6 +177,7 @@ TEST_F(RegisterEditorScreen, AnAddThatIsCancelledLeavesNoRow) {
     EXPECT_EQ(The<QTabWidget>(*editor, "gridtab").currentIndex(), 9);
     GiveAddress(*editor, "DRSgrid", 0, "5");
     QTest::keyClick(editor, Qt::Key_Escape);
+    QCoreApplication::processEvents();
     EXPECT_NE(Answer(*editor, QMessageBox::No), "") << "what was typed is not lost by a key";
     ASSERT_EQ(desk.window.Front(), editor);
     Click(*editor, "cmdOk");
@@ -184,6 +185,7 @@ TEST_F(RegisterEditorScreen, AnAddThatIsCancelledLeavesNoRow) {
     SetRegister();
     EXPECT_EQ(Cell("DRSgrid", 0, 2), "5") << "offered again";
     QTest::keyClick(editor, Qt::Key_Escape);
+    QCoreApplication::processEvents();
     ASSERT_EQ(desk.window.Front(), form);
     Click(*form, "cmdCancel");
     EXPECT_EQ(desk.Count("configdata_detail"), 0);

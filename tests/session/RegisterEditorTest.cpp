@@ -25,13 +25,14 @@ struct RegisterEditorTest : testing::Test {
     const std::size_t aga3 = Group("AGA3");
 
     static EditedStation New(std::int64_t id = 1) {
-        return {.choices = {.locationID = id,
-                            .groupno = 2,
-                            .modelno = "TeleFlow",
-                            .protocol = "Modbus",
-                            .optAga3 = true,
-                            .isNewStation = true,
-                            .MB_CONFIG = true}};
+        EditedStation station;
+        station.choices.locationID = id;
+        station.choices.groupno = 2;
+        station.choices.modelno = "TeleFlow";
+        station.choices.protocol = "Modbus";
+        station.choices.optAga3 = true;
+        station.choices.MB_CONFIG = true;
+        return station;
     }
     static EditedStation Stored(std::int64_t id = 1) {
         EditedStation station = New(id);

@@ -30,7 +30,7 @@ RegisterEditing::RegisterEditing(Desk& desk, ParameterTabs& tabs, const Register
 }
 
 void RegisterEditing::Choose(std::size_t group, std::size_t row, QWidget* over) {
-    if (dialog_ != nullptr) {
+    if (dialog_ != nullptr && dialog_->isVisible()) {
         return;
     }
     dialog_ = new frmdata(desk_, editor_, editor_.TakeOut(group, row), over);

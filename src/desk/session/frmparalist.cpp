@@ -26,12 +26,15 @@ frmparalist::frmparalist(Desk& desk, const RegisterStation& station)
             QTimer::singleShot(0, ui_->cmdOk, &QPushButton::click);
         }
     });
+}
+
+frmparalist::~frmparalist() = default;
+
+void frmparalist::Activated() {
     if (Grid* grid = ui_->gridtab->GridInFront()) {
         grid->setFocus();
     }
 }
-
-frmparalist::~frmparalist() = default;
 
 void frmparalist::Ok() {
     editing_->Store();

@@ -20,6 +20,8 @@ class frmparalist : public Page {
     frmparalist(Desk& desk, const RegisterStation& station);
     ~frmparalist() override;
 
+    void Activated() override;
+
   Q_SIGNALS:
     // The addresses are stored.
     void Stored();
