@@ -80,6 +80,10 @@ Unescaped Unescape(std::string_view line, std::size_t from, Direction direction)
     return frame;
 }
 
+void TakeFixed(BodyFields& body, std::size_t count, const char* name = "fixed") {
+    body.Take(count, name, ShortHex(body.PeekAll().substr(0, count)));
+}
+
 void TakeVersion(BodyFields& body) {
     body.Take(2, "load version",
               std::to_string(std::max(body.Peek(0), 0)) + " " + std::to_string(std::max(body.Peek(1), 0)));
@@ -144,14 +148,14 @@ void TakeArguments(BodyFields& body, const Function& function) {
     } else if (word == "first of a list" || word == "next of a list") {
         TakeFields(body);
         TakeVersion(body);
-        body.Take(1, "fixed", "FF");
+        TakeFixed(body, 1);
         body.TakeByte("list");
         if (body.Left() > 0) {
             TakeContinuation(body);
         }
     } else if (word == "write values") {
         TakeVersion(body);
-        body.Take(1, "fixed", "FF");
+        TakeFixed(body, 1);
         const int count = std::max(body.Peek(), 0);
         body.TakeByte("count");
         for (int i = 0; i < count && !body.CutShort(); ++i) {
@@ -163,7 +167,7 @@ void TakeArguments(BodyFields& body, const Function& function) {
         TakeValue(body);
     } else if (word == "read by address") {
         TakeVersion(body);
-        body.Take(2, "fixed", "FF 01");
+        TakeFixed(body, 2);
         TakeSignal(body);
     } else if (word == "read by name") {
         body.Take(1, "count", HexByte(std::max(body.Peek(), 0)));
@@ -171,8 +175,8 @@ void TakeArguments(BodyFields& body, const Function& function) {
             body.TakeText("signal");
         }
     } else if (word == "search for signals") {
-        body.Take(2, "goes on", ShortHex(body.PeekAll().substr(0, 2)));
-        body.Take(3, "kind", ShortHex(body.PeekAll().substr(0, 3)));
+        TakeFixed(body, 2, "goes on");
+        TakeFixed(body, 3, "kind");
         body.TakeText("pattern");
     }
     body.TakeRest("data");
@@ -196,7 +200,7 @@ void TakeApplication(BodyFields& body) {
               digits                                       ? ShortHex(body.PeekAll().substr(0, sequence)) + " (decimal)"
               : function != nullptr && function->highFirst ? std::to_string(body.HighLow())
                                                            : std::to_string(body.LowHigh()));
-    body.Take(fixed.size(), "fixed", "0B 00");
+    TakeFixed(body, fixed.size());
     if (function == nullptr) {
         body.TakeRest("not recognised");
         return;
@@ -239,9 +243,8 @@ const Function* FunctionAsked(std::string_view request) {
 }
 
 // Positions of the layout count from 1 over the frame with its start, those of a poll reply behind its first byte.
-void TakeTo(BodyFields& body, std::size_t at, const std::string& name) {
-    const std::size_t done = body.Taken();
-    body.Take(at - std::min(at, done), name, ShortHex(body.PeekAll().substr(0, at - std::min(at, done))));
+void TakeTo(BodyFields& body, std::size_t at, const char* name) {
+    TakeFixed(body, at - std::min(at, body.Taken()), name);
 }
 
 void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowledgement, const Function* asked) {
@@ -263,10 +266,8 @@ void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowled
     } else if (word == "first of a list" || word == "next of a list") {
         const int next = body.LowHigh();
         body.Take(2, "list goes on", next == 0 ? "0, this was the last" : "behind " + std::to_string(next));
-        TakeTo(body, layout.firstRecord - inFront, "head of the answer");
-        const int type = body.Peek();
-        const std::string bytes = std::to_string(body.Left()) + " bytes of records";
-        body.Take(body.Left(), "first record", "type " + std::to_string(type) + ", " + bytes);
+        body.Take(body.Left(), "first record",
+                  "type " + std::to_string(body.Peek()) + ", " + std::to_string(body.Left()) + " bytes of records");
     } else {
         body.TakeRest("data");
     }

@@ -212,21 +212,21 @@ struct AsciiDigits {
     std::string expected{};
 };
 
-// The check of this master's own requests has no padding: "A" for 0A, and "100" where the protocol has 00.
+// The check of this master's own requests has no padding: "A" for 0A, and "100" where the protocol has 00. In front of
+// it there are pairs.
 AsciiDigits SplitCheck(std::string_view digits) {
-    constexpr std::size_t padded = 2;
-    for (const std::size_t length : {padded, std::size_t{1}, std::size_t{3}}) {
-        if (digits.size() <= length) {
-            continue;
-        }
-        const std::size_t body = digits.size() - length;
-        const int lrc = ModbusLrc(digits.substr(0, body));
-        const int given = HexNumber(digits.substr(body));
-        if (given == lrc || (length == padded && given == lrc % 256)) {
-            return {digits, length, true};
+    const bool pairs = digits.size() % 2 == 0;
+    const std::size_t usual = pairs ? 2 : 1;
+    for (const std::size_t length : {usual, usual + 2}) {
+        if (digits.size() > length && length < 4) {
+            const int lrc = ModbusLrc(digits.substr(0, digits.size() - length));
+            const int given = HexNumber(digits.substr(digits.size() - length));
+            if (given == lrc || (pairs && given == lrc % 256)) {
+                return {digits, length, true};
+            }
         }
     }
-    const std::size_t check = std::min(digits.size(), padded);
+    const std::size_t check = std::min(digits.size(), usual);
     return {digits, check, false, HexByte(ModbusLrc(digits.substr(0, digits.size() - check)) & 0xFF)};
 }
 
