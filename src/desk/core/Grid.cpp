@@ -5,6 +5,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMenu>
+#include <algorithm>
 
 #include "desk/core/Boxes.h"
 #include "desk/core/WholeFile.h"
@@ -12,6 +13,11 @@
 namespace desk {
 
 namespace {
+
+// Between a number and the text of the next column.
+constexpr int columnGap = 16;
+
+constexpr int longestFilter = 40;
 
 QString OneLine(QString cell) {
     return cell.replace('\t', ' ').replace('\r', ' ').replace('\n', ' ');
@@ -27,7 +33,7 @@ QString JoinCells(const QStringList& cells) {
 
 }  // namespace
 
-Grid::Grid(QWidget* parent) : QTableView(parent) {
+Grid::Grid(QWidget* parent) : QTableView(parent), lblfilter_(this) {
     setModel(&model_);
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
@@ -42,6 +48,13 @@ Grid::Grid(QWidget* parent) : QTableView(parent) {
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    lblfilter_.setObjectName("lblfilter");
+    lblfilter_.setTextFormat(Qt::PlainText);
+    lblfilter_.setAutoFillBackground(true);
+    lblfilter_.setBackgroundRole(QPalette::Highlight);
+    lblfilter_.setForegroundRole(QPalette::HighlightedText);
+    lblfilter_.setContentsMargins(8, 0, 8, 0);
+    lblfilter_.hide();
     connect(this, &QTableView::clicked, this, [this](const QModelIndex& index) { Q_EMIT RowChosen(index.row()); });
 }
 
@@ -57,15 +70,20 @@ void Grid::FormatString(const QString& format) {
         captions.append(column);
     }
     model_.Columns(captions, alignments);
+    lostRow_ = -1;
+    HideOthers(0);
     FitColumns();
 }
 
-// As wide as caption and cells, with room between a number and the text of the next column.
+// As wide as caption and cells. Behind a filter they only grow: its rows are not all that there are.
 void Grid::FitColumns() {
-    constexpr int gap = 16;
+    std::vector<int> before;
+    for (int column = 0; column < Columns(); ++column) {
+        before.push_back(hidden_ > 0 ? columnWidth(column) : 0);
+    }
     resizeColumnsToContents();
     for (int column = 0; column < Columns(); ++column) {
-        setColumnWidth(column, columnWidth(column) + gap);
+        setColumnWidth(column, std::max(columnWidth(column) + columnGap, before[static_cast<std::size_t>(column)]));
     }
 }
 
@@ -74,14 +92,139 @@ void Grid::AddItem(const QString& row) {
 }
 
 void Grid::AddItems(const std::vector<QStringList>& rows) {
+    const int first = Rows();
     model_.Append(rows);
+    HideOthers(first);
     FitColumns();
 }
 
-void Grid::SelectRow(int row) {
-    if (row >= 0 && row < Rows()) {
-        setCurrentIndex(model_.index(row, 0));
+void Grid::Clear() {
+    model_.Clear();
+    lostRow_ = -1;
+    HideOthers(0);
+}
+
+void Grid::TextMatrix(int row, int column, const QString& text) {
+    if (!model_.Text(row, column, text)) {
+        return;
     }
+    const int needed = fontMetrics().horizontalAdvance(text) + columnGap;
+    if (needed > columnWidth(column) && horizontalHeader()->sectionResizeMode(column) == QHeaderView::Interactive) {
+        setColumnWidth(column, needed);
+    }
+}
+
+void Grid::SelectRow(int row) {
+    if (row < 0 || row >= Rows()) {
+        return;
+    }
+    if (isRowHidden(row)) {
+        showRow(row);
+        --hidden_;
+        ShowFilter();
+    }
+    setCurrentIndex(model_.index(row, 0));
+}
+
+void Grid::Filter(const QString& text) {
+    if (text == filter_) {
+        return;
+    }
+    filter_ = text;
+    HideOthers(0);
+    SelectShown();
+}
+
+// Judges the rows from this one on.
+void Grid::HideOthers(int firstRow) {
+    if (firstRow == 0) {
+        hidden_ = 0;
+    }
+    for (int row = firstRow; row < Rows(); ++row) {
+        const bool hide = !filter_.isEmpty() && !model_.RowHolds(row, filter_);
+        hidden_ += hide ? 1 : 0;
+        if (hide != isRowHidden(row)) {
+            setRowHidden(row, hide);
+        }
+    }
+    ShowFilter();
+}
+
+int Grid::FirstShown(int from) const {
+    while (from < Rows() && isRowHidden(from)) {
+        ++from;
+    }
+    return from;
+}
+
+// In place of a selected row that is hidden now the next one below is selected, or else the first: Enter behind the
+// typing chooses what was found.
+void Grid::SelectShown() {
+    const int row = Row() < 0 ? lostRow_ : Row();
+    if (row < 0) {
+        return;
+    }
+    if (hidden_ == Rows()) {
+        lostRow_ = row;
+        setCurrentIndex({});
+        return;
+    }
+    lostRow_ = -1;
+    const int below = FirstShown(row);
+    SelectRow(below < Rows() ? below : FirstShown(0));
+    scrollTo(currentIndex());
+}
+
+void Grid::ShowFilter() {
+    lblfilter_.setVisible(!filter_.isEmpty());
+    if (filter_.isEmpty()) {
+        return;
+    }
+    lblfilter_.setText("Filter: " + filter_ + "   " + QString::number(Rows() - hidden_) + " of " +
+                       QString::number(Rows()) + " rows   (Esc)");
+    const QSize wanted = lblfilter_.sizeHint();
+    const int width = std::min(wanted.width(), viewport()->width());
+    const int height = std::max(horizontalHeader()->height(), wanted.height());
+    lblfilter_.setGeometry(viewport()->geometry().right() + 1 - width, frameWidth(), width, height);
+    lblfilter_.raise();
+}
+
+void Grid::updateGeometries() {
+    QTableView::updateGeometries();
+    ShowFilter();
+}
+
+// The keys that a filter takes: what is typed, and while it stands those that mend it. Keys with Ctrl or Alt are
+// commands of the page, and the blank begins no filter: by itself it selects a row.
+bool Grid::FilterKey(const QKeyEvent& event) {
+    const bool filtered = !filter_.isEmpty();
+    if (filtered && event.key() == Qt::Key_Escape) {
+        Filter({});
+        return true;
+    }
+    if (filtered && event.key() == Qt::Key_Backspace) {
+        Filter(filter_.chopped(1));
+        return true;
+    }
+    const bool command = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+    const QString typed = event.text();
+    if (command || typed.isEmpty() || !typed.front().isPrint() || (!filtered && (typed == " " || Rows() == 0))) {
+        return false;
+    }
+    Filter((filter_ + typed).left(longestFilter));
+    return true;
+}
+
+// A filter comes before the keys of the page, Escape above all.
+bool Grid::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && !filter_.isEmpty()) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape || key == Qt::Key_Backspace) {
+            event->accept();
+            return true;
+        }
+    }
+    return QTableView::event(event);
 }
 
 QString Grid::TabSeparated() const {
@@ -123,7 +266,7 @@ void Grid::keyPressEvent(QKeyEvent* event) {
         SaveAs();
     } else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && Row() >= 0) {
         Q_EMIT RowChosen(Row());
-    } else {
+    } else if (!FilterKey(*event)) {
         QTableView::keyPressEvent(event);
     }
 }

@@ -1,13 +1,43 @@
 #include "desk/core/GridModel.h"
 
+#include <QFont>
+#include <QGuiApplication>
+#include <QPalette>
+#include <algorithm>
+
 namespace desk {
+
+namespace {
+
+// A mark is set between two turns of the timer, so it stays for two to three of them.
+constexpr int markTurnMs = 500;
+constexpr int markTurns = 3;
+
+// Between the page's own colour and that of a selection: seen in a light and in a dark palette, and the text on it too.
+QColor MarkTint() {
+    const QPalette palette = QGuiApplication::palette();
+    const QColor base = palette.color(QPalette::Base);
+    const QColor highlight = palette.color(QPalette::Highlight);
+    constexpr float part = 0.35F;
+    const auto mixed = [](float from, float to) { return from + (to - from) * part; };
+    return QColor::fromRgbF(mixed(base.redF(), highlight.redF()), mixed(base.greenF(), highlight.greenF()),
+                            mixed(base.blueF(), highlight.blueF()));
+}
+
+}  // namespace
+
+GridModel::GridModel(QObject* parent) : QAbstractTableModel(parent), markTimer_(this) {
+    markTimer_.setObjectName("tmrmarks");
+    markTimer_.setInterval(markTurnMs);
+    connect(&markTimer_, &QTimer::timeout, this, &GridModel::AgeMarks);
+}
 
 void GridModel::Columns(const QStringList& captions, const std::vector<Qt::Alignment>& alignments) {
     beginResetModel();
     captions_ = captions;
     alignments_ = alignments;
     rows_.clear();
-    colours_.clear();
+    ForgetCells();
     endResetModel();
 }
 
@@ -24,7 +54,7 @@ void GridModel::Append(const std::vector<QStringList>& rows) {
 void GridModel::Clear() {
     beginResetModel();
     rows_.clear();
-    colours_.clear();
+    ForgetCells();
     endResetModel();
 }
 
@@ -32,18 +62,77 @@ QString GridModel::Text(int row, int column) const {
     return row >= 0 && row < rowCount() ? rows_[static_cast<std::size_t>(row)].value(column) : QString();
 }
 
-void GridModel::Text(int row, int column, const QString& text) {
+bool GridModel::Text(int row, int column, const QString& text) {
     QStringList& cells = rows_.at(static_cast<std::size_t>(row));
+    if (column < cells.size() && cells[column] == text) {
+        return false;
+    }
     while (cells.size() <= column) {
         cells.append(QString());
     }
     cells[column] = text;
-    Q_EMIT dataChanged(index(row, column), index(row, column));
+    Q_EMIT dataChanged(index(row, column), index(row, column), {Qt::DisplayRole});
+    return true;
 }
 
 void GridModel::Colour(int row, int column, const QColor& colour) {
-    colours_[{row, column}] = colour;
-    Q_EMIT dataChanged(index(row, column), index(row, column), {Qt::BackgroundRole, Qt::ForegroundRole});
+    const Cell cell(row, column);
+    const auto at = colours_.find(cell);
+    if ((at == colours_.end() ? QColor() : at->second) == colour) {
+        return;
+    }
+    if (colour.isValid()) {
+        colours_[cell] = colour;
+    } else {
+        colours_.erase(cell);
+    }
+    Redraw(cell);
+}
+
+void GridModel::Mark(int row, int column) {
+    if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount()) {
+        return;
+    }
+    const Cell cell(row, column);
+    const bool isNew = marks_.insert_or_assign(cell, markTurns).second;
+    if (!markTimer_.isActive()) {
+        markTimer_.start();
+    }
+    if (isNew) {
+        Redraw(cell);
+    }
+}
+
+void GridModel::AgeMarks() {
+    for (auto mark = marks_.begin(); mark != marks_.end();) {
+        if (--mark->second > 0) {
+            ++mark;
+            continue;
+        }
+        const Cell cell = mark->first;
+        mark = marks_.erase(mark);
+        Redraw(cell);
+    }
+    if (marks_.empty()) {
+        markTimer_.stop();
+    }
+}
+
+void GridModel::ForgetCells() {
+    colours_.clear();
+    marks_.clear();
+    markTimer_.stop();
+}
+
+void GridModel::Redraw(const Cell& cell) {
+    const QModelIndex at = index(cell.first, cell.second);
+    Q_EMIT dataChanged(at, at, {Qt::BackgroundRole, Qt::ForegroundRole, Qt::FontRole});
+}
+
+bool GridModel::RowHolds(int row, const QString& text) const {
+    const QStringList& cells = rows_.at(static_cast<std::size_t>(row));
+    return std::any_of(cells.begin(), cells.end(),
+                       [&](const QString& cell) { return cell.contains(text, Qt::CaseInsensitive); });
 }
 
 int GridModel::rowCount(const QModelIndex& parent) const {
@@ -55,18 +144,29 @@ int GridModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant GridModel::data(const QModelIndex& index, int role) const {
-    const auto colour = colours_.find({index.row(), index.column()});
+    const Cell cell(index.row(), index.column());
     switch (role) {
         case Qt::DisplayRole:
             return Text(index.row(), index.column());
         case Qt::TextAlignmentRole:
             return QVariant(alignments_[static_cast<std::size_t>(index.column())] | Qt::AlignVCenter);
         case Qt::BackgroundRole:
-            return colour == colours_.end() ? QVariant() : QVariant(colour->second);
+            if (const auto colour = colours_.find(cell); colour != colours_.end()) {
+                return colour->second;
+            }
+            return marks_.contains(cell) ? QVariant(MarkTint()) : QVariant();
         case Qt::ForegroundRole:  // readable on the cell's colour in a light and in a dark palette
-            return colour == colours_.end()           ? QVariant()
-                   : colour->second.lightness() > 128 ? QVariant(QColor(Qt::black))
-                                                      : QVariant(QColor(Qt::white));
+            if (const auto colour = colours_.find(cell); colour != colours_.end()) {
+                return QColor(colour->second.lightness() > 128 ? Qt::black : Qt::white);
+            }
+            return {};
+        case Qt::FontRole:
+            if (marks_.contains(cell)) {
+                QFont bold;
+                bold.setBold(true);
+                return bold;
+            }
+            return {};
         default:
             return {};
     }

@@ -3,18 +3,19 @@
 #include <QAbstractTableModel>
 #include <QColor>
 #include <QStringList>
+#include <QTimer>
 #include <map>
 #include <utility>
 #include <vector>
 
 namespace desk {
 
-// The cells of a grid: texts in rows, and the colours of those that have one.
+// The cells of a grid: texts in rows, the colours of those that have one, and which are marked for a moment.
 class GridModel : public QAbstractTableModel {
     Q_OBJECT
 
   public:
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit GridModel(QObject* parent = nullptr);
 
     // Captions and alignments of the columns. The rows are taken away.
     void Columns(const QStringList& captions, const std::vector<Qt::Alignment>& alignments);
@@ -22,8 +23,16 @@ class GridModel : public QAbstractTableModel {
     void Clear();
 
     QString Text(int row, int column) const;
-    void Text(int row, int column, const QString& text);
+    // Tells whether the text is another than before.
+    bool Text(int row, int column, const QString& text);
+    // An invalid colour takes the cell's colour away.
     void Colour(int row, int column, const QColor& colour);
+
+    // Marks a cell for 1 to 1.5 s: bold, and tinted unless it has a colour.
+    void Mark(int row, int column);
+
+    // A text of the row holds this one, in any case.
+    bool RowHolds(int row, const QString& text) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -31,10 +40,18 @@ class GridModel : public QAbstractTableModel {
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
   private:
+    using Cell = std::pair<int, int>;
+
+    void ForgetCells();
+    void AgeMarks();
+    void Redraw(const Cell& cell);
+
     QStringList captions_;
     std::vector<Qt::Alignment> alignments_;
     std::vector<QStringList> rows_;
-    std::map<std::pair<int, int>, QColor> colours_;
+    std::map<Cell, QColor> colours_;
+    std::map<Cell, int> marks_;  // with the turns of the timer that are left
+    QTimer markTimer_;           // runs while there are marks
 };
 
 }  // namespace desk

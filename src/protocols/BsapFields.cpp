@@ -1,0 +1,324 @@
+#include <array>
+
+#include "core/Text.h"
+#include "protocols/BsapCheck.h"
+#include "protocols/BsapReply.h"
+#include "protocols/FieldWriter.h"
+#include "protocols/ModbusNumbers.h"
+
+// BSAP by name. What the fixed bytes of its messages stand for, beyond what is said here, is not known.
+namespace protocols {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr char dle = 0x10;
+constexpr std::size_t startLength = 2;
+constexpr std::size_t checkLength = 2;
+
+enum Message { Poll = 0x85, Acknowledge = 0x8B, Application = 0xA0 };
+
+// A request by the bytes that its function begins with.
+struct Function {
+    std::string_view begin;
+    const char* word;
+    bool highFirst;  // the application sequence
+};
+
+constexpr auto functions = std::to_array<Function>({
+    {"\x70\x05\x01"sv, "sign-on", false},
+    {"\x70\x07\x04"sv, "archive information", false},
+    {"\x70\x07\x06"sv, "archive by date", false},
+    {"\x70\x07\x07"sv, "archive records", false},
+    {"\x70\x03\x05"sv, "audit records", false},
+    {"\x04\x02\x01\xFF\x11"sv, "load version", false},
+    {"\x0C"sv, "first of a list", true},
+    {"\x0D"sv, "next of a list", true},
+    {"\x80"sv, "write values", false},
+    {"\x84\xFF\x01"sv, "write by name", true},
+    {"\x00\x05\xF8\x01"sv, "read by address", true},
+    {"\x04\x05\xF8\x01\xFF"sv, "read by name", true},
+    {"\x08\x05\xF9\x01\xFF"sv, "search for signals", true},
+});
+
+const Function* FunctionOf(std::string_view bytes) {
+    for (const Function& function : functions) {
+        if (bytes.starts_with(function.begin)) {
+            return &function;
+        }
+    }
+    return nullptr;
+}
+
+// The body of the frame that begins at the next byte, its doubled bytes counted once; `end` is where its DLE ETX
+// stands, or the end of the line.
+struct Unescaped {
+    Body body;
+    std::size_t end = 0;
+    bool ended = false;
+};
+
+Unescaped Unescape(std::string_view line, std::size_t from, Direction direction) {
+    Unescaped frame;
+    std::size_t at = from;
+    // An address of 10 hex is not doubled in the local messages of this master.
+    const bool loneAddress =
+        direction == Direction::TX && line.size() - at > 1 && line[at] == dle && line[at + 1] != dle;
+    while (at < line.size()) {
+        const bool escape = line[at] == dle && at + 1 < line.size() && !(loneAddress && at == from);
+        if (escape && line[at + 1] == '\x03') {
+            frame.ended = true;
+            break;
+        }
+        frame.body.bytes += line[at];
+        frame.body.at.push_back(at);
+        at += escape && line[at + 1] == dle ? 2 : 1;
+    }
+    frame.body.at.push_back(at);
+    frame.end = at;
+    return frame;
+}
+
+void TakeFixed(BodyFields& body, std::size_t count, const char* name = "fixed") {
+    body.Take(count, name, ShortHex(body.PeekAll().substr(0, count)));
+}
+
+void TakeVersion(BodyFields& body) {
+    body.Take(2, "load version",
+              std::to_string(std::max(body.Peek(0), 0)) + " " + std::to_string(std::max(body.Peek(1), 0)));
+}
+
+void TakeSignal(BodyFields& body) {
+    body.Take(2, "signal", std::to_string(body.LowHigh()));
+}
+
+void TakeValue(BodyFields& body) {
+    const int kind = body.Peek();
+    switch (kind) {
+        case 0x09:
+            body.Take(1, "value", "on");
+            break;
+        case 0x0A:
+            body.Take(1, "value", "off");
+            break;
+        case 0x0B: {
+            body.Take(1, "value kind", "analog");
+            std::uint32_t word = 0;
+            for (std::size_t i = 4; i > 0; --i) {
+                word = word << 8U | static_cast<std::uint32_t>(std::max(body.Peek(i - 1), 0));
+            }
+            body.Take(4, "value", core::NumberText(BitsToFloat(word)));
+            break;
+        }
+        case 0x0D:
+            body.Take(1, "value kind", "text");
+            body.TakeText("value");
+            break;
+        default:
+            body.Take(1, "value", "not recognised");
+    }
+}
+
+void TakeFields(BodyFields& body) {
+    if (body.PeekAll().starts_with("\x05\xF9\x01"sv)) {
+        body.Take(3, "field set", "F9, with names");
+        return;
+    }
+    const int set = body.Peek(1);
+    body.Take(2, "field set",
+              set == 0xF0   ? "F0, with units"
+              : set == 0xD0 ? "D0, without units"
+                            : ShortHex(body.PeekAll().substr(0, 2)));
+}
+
+void TakeContinuation(BodyFields& body) {
+    const int next = body.LowHigh();
+    body.Take(2, "goes on", next == 0 ? "0, from the start" : "behind " + std::to_string(next));
+}
+
+// What follows the bytes that told the function. In the table's words, so that both are seen together.
+void TakeArguments(BodyFields& body, const Function& function) {
+    const std::string_view word = function.word;
+    if (word == "sign-on") {
+        const std::size_t length = std::min(body.PeekAll().find('\0'), body.Left());
+        body.TakeText("password", std::to_string(length) + " characters");
+    } else if (word == "load version") {
+        body.TakeText("signal");
+    } else if (word == "first of a list" || word == "next of a list") {
+        TakeFields(body);
+        TakeVersion(body);
+        TakeFixed(body, 1);
+        body.TakeByte("list");
+        if (body.Left() > 0) {
+            TakeContinuation(body);
+        }
+    } else if (word == "write values") {
+        TakeVersion(body);
+        TakeFixed(body, 1);
+        const int count = std::max(body.Peek(), 0);
+        body.TakeByte("count");
+        for (int i = 0; i < count && !body.CutShort(); ++i) {
+            TakeSignal(body);
+            TakeValue(body);
+        }
+    } else if (word == "write by name") {
+        body.TakeText("signal");
+        TakeValue(body);
+    } else if (word == "read by address") {
+        TakeVersion(body);
+        TakeFixed(body, 2);
+        TakeSignal(body);
+    } else if (word == "read by name") {
+        body.Take(1, "count", HexByte(std::max(body.Peek(), 0)));
+        while (body.Left() > 0 && !body.CutShort()) {
+            body.TakeText("signal");
+        }
+    } else if (word == "search for signals") {
+        TakeFixed(body, 2, "goes on");
+        TakeFixed(body, 3, "kind");
+        body.TakeText("pattern");
+    }
+    body.TakeRest("data");
+}
+
+// Behind the address and the sequences. The sign-on forms its sequence of decimal digits, and leaves out a byte of it
+// that they do not fit.
+void TakeApplication(BodyFields& body) {
+    constexpr std::string_view fixed = "\x0B\x00"sv;
+    std::size_t sequence = 2;
+    while (sequence > 0 && !body.PeekAll().substr(std::min(sequence, body.Left())).starts_with(fixed)) {
+        --sequence;
+    }
+    if (!body.PeekAll().substr(sequence).starts_with(fixed)) {
+        sequence = 2;
+    }
+    const std::string_view rest = body.PeekAll().substr(std::min(sequence + fixed.size(), body.Left()));
+    const Function* function = FunctionOf(rest);
+    const bool digits = function != nullptr && function->word == "sign-on"sv;
+    body.Take(sequence, "application sequence",
+              digits                                       ? ShortHex(body.PeekAll().substr(0, sequence)) + " (decimal)"
+              : function != nullptr && function->highFirst ? std::to_string(body.HighLow())
+                                                           : std::to_string(body.LowHigh()));
+    TakeFixed(body, fixed.size());
+    if (function == nullptr) {
+        body.TakeRest("not recognised");
+        return;
+    }
+    body.Take(function->begin.size(), "function", function->word);
+    TakeArguments(body, *function);
+}
+
+void TakeRequest(BodyFields& body) {
+    body.TakeByte("address");
+    body.TakeByte("link sequence");
+    const int message = body.Peek();
+    switch (message) {
+        case Poll:
+            body.Take(1, "message", "poll");
+            body.Take(1, "argument", HexByte(std::max(body.Peek(), 0)));
+            break;
+        case Acknowledge:
+            body.Take(1, "message", "acknowledge");
+            body.TakeByte("acknowledged sequence");
+            break;
+        case Application:
+            body.Take(1, "message", "application");
+            TakeApplication(body);
+            break;
+        default:
+            break;
+    }
+    body.TakeRest("not recognised");
+}
+
+// The function that a request asks for; null when that cannot be told.
+const Function* FunctionAsked(std::string_view request) {
+    if (request.size() < startLength) {
+        return nullptr;
+    }
+    const std::string body = Unescape(request, startLength, Direction::TX).body.bytes;
+    const std::size_t fixed = body.find("\x0B\x00"sv, 3);
+    return fixed == std::string::npos ? nullptr : FunctionOf(std::string_view(body).substr(fixed + 2));
+}
+
+// Positions of the layout count from 1 over the frame with its start, those of a poll reply behind its first byte.
+void TakeTo(BodyFields& body, std::size_t at, const char* name) {
+    TakeFixed(body, at - std::min(at, body.Taken()), name);
+}
+
+void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowledgement, const Function* asked) {
+    constexpr std::size_t inFront = startLength + 1;
+    body.TakeByte("address");
+    body.TakeByte("link sequence");
+    if (isAcknowledgement) {
+        TakeTo(body, layout.pollAddress + 1 - inFront, "acknowledgement");
+        body.TakeByte("station");
+        body.TakeByte("status");
+        body.TakeRest("rest");
+        return;
+    }
+    TakeTo(body, layout.loadVersion - inFront, "head of the answer");
+    const std::string_view word = asked == nullptr ? ""sv : asked->word;
+    if (word == "load version") {
+        TakeVersion(body);
+        body.TakeRest("signal");
+    } else if (word == "first of a list" || word == "next of a list") {
+        const int next = body.LowHigh();
+        body.Take(2, "list goes on", next == 0 ? "0, this was the last" : "behind " + std::to_string(next));
+        body.Take(body.Left(), "first record",
+                  "type " + std::to_string(body.Peek()) + ", " + std::to_string(body.Left()) + " bytes of records");
+    } else {
+        body.TakeRest("data");
+    }
+}
+
+void NameFrame(Naming& naming, bool isCW) {
+    const std::size_t start = naming.next;
+    naming.Take(startLength, "start", "DLE STX");
+    const Unescaped frame = Unescape(naming.line, naming.next, naming.direction);
+    BodyFields body(frame.body, naming.fields);
+    if (naming.direction == Direction::TX) {
+        TakeRequest(body);
+    } else {
+        // By its length alone, as the conversation tells it.
+        constexpr std::size_t shortest = 11;
+        constexpr std::size_t longest = 17;
+        const std::size_t length = frame.end + startLength + checkLength - start;
+        TakeReply(body, ReplyLayout(isCW), frame.ended && length >= shortest && length <= longest,
+                  FunctionAsked(naming.request));
+    }
+    naming.next = frame.end;
+    if (!frame.ended) {
+        if (!body.CutShort()) {
+            naming.TakeCut("end");
+        }
+        return;
+    }
+    naming.Take(startLength, "end", "DLE ETX");
+    if (naming.Rest().size() < checkLength) {
+        naming.TakeCut("check");
+        return;
+    }
+    const int check = BsapCheck(naming.line.substr(start, naming.next - start));
+    const std::string expected = {static_cast<char>(check & 0xFF), static_cast<char>(check >> 8 & 0xFF)};
+    naming.Take(checkLength, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
+}
+
+}  // namespace
+
+void NameBsap(Naming& naming, bool isCW) {
+    constexpr std::string_view start = "\x10\x02"sv;
+    while (naming.Rest().find(start) != std::string_view::npos) {
+        naming.TakeUnknown(naming.Rest().find(start));
+        NameFrame(naming, isCW);
+    }
+}
+
+int BsapMessage(std::string_view sent) {
+    const std::string body =
+        sent.size() > startLength ? Unescape(sent, startLength, Direction::TX).body.bytes : std::string();
+    return body.size() > 2 ? static_cast<unsigned char>(body[2]) : -1;
+}
+
+}  // namespace protocols
