@@ -68,7 +68,7 @@ class Stage {
     NoMail mail_;
     collection::Scheduler scheduler_{place_, mail_};
     desk::Navigator navigator_;
-    desk::Desk desk_{dbconn_, shared_, logs_, clock_, feedback_, line_, scheduler_, mail_, navigator_};
+    desk::Desk desk_{dbconn_, shared_, logs_, clock_, feedback_, line_, counters_, scheduler_, mail_, navigator_};
     std::unique_ptr<desk::mainfrm> shell_;
     std::unique_ptr<fieldsim::Field> field_;
 };

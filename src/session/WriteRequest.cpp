@@ -15,7 +15,6 @@ namespace session {
 
 namespace {
 
-constexpr const char* notProper = "Enter Proper Data";
 constexpr const char* lowerLevel = "Could not set. Lower user level.";
 
 // A number typed by hand and nothing else.
@@ -72,7 +71,7 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
                            ? number
                            : ValueOfText(context.station.isCW, row.Description, core::Trim(text));
     if (!value || !Fits(*value, row.kind)) {
-        return {std::nullopt, notProper};
+        return {std::nullopt, enterProperData};
     }
     if (!MayWrite(context, row.Description)) {
         return {std::nullopt, lowerLevel};

@@ -42,6 +42,9 @@ struct WriteCheck {
     std::string refusal;
 };
 
+// The refusal of a text that is none for the row, as opposed to a write that may not be.
+inline constexpr const char* enterProperData = "Enter Proper Data";
+
 // Judges a text that was entered for a row: a number, or for a switch one of its words or 1 or 0; within what the
 // row's kind holds; of a row whose address is known; by a user who may write it. Changes nothing. Throws DatabaseError.
 WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, const RowPlace& place,

@@ -101,7 +101,9 @@ TEST(SessionTest, AWriteIsEnteredPendingSentOnceAndConfirmedByTheNextPoll) {
                          EXPECT_FALSE(desk.session->Parameters().At(keypad()).pending);
                          EXPECT_EQ(desk.session->Parameters().At(keypad()).lastvalue, 1.25);
                          EXPECT_EQ(desk.session->AskWrite(desk.Place("HEALTH", "Time Sync"), "SET_TIME"), "");
-                     }});
+                     },
+                     {},
+                     {}});
         desk.session->GetData();
         const bool modbus = station.protocol == "Modbus";
         EXPECT_THAT(WritesOf(desk), ElementsAre(modbus ? "register 373 Keypad N2 = 1.25" : "54-187 Keypad N2 = 1.25",
@@ -271,12 +273,10 @@ TEST(SessionTest, AScheduledRunEndsTheSessionAndItsPendingWriteIsNeverSent) {
         const auto due = demo::AddStation(desk.dbconn, other);
         desk.Open(own).Connect();
         desk.StartTicking();
-        // In the last moments before the tick takes the line: entered, and never on its way.
-        desk.clock.Every(10, [&] {
-            const bool last = desk.clock.Now() >= core::DateTime{2026, 3, 9, 7, 59, 59};
-            if (last && desk.clock.Elapsed() % 60000 >= 29990 && desk.session->PollingActive()) {
-                desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25");
-            }
+        // In the last moment before the tick takes the line: entered, and never on its way.
+        desk.clock.After(59999, [&] {
+            EXPECT_EQ(desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25"), "");
+            EXPECT_EQ(desk.Stored("Keypad N2"), 1.25);
         });
         desk.session->GetData();
         EXPECT_EQ(desk.session->GetState(), State::Idle);
@@ -298,7 +298,7 @@ TEST(SessionTest, NoSessionBeginsWhileStationsAreCollected) {
     due.contracthour = "08:00";
     desk.Open(due);
     desk.StartTicking();
-    desk.clock.After(31000, [&] {
+    desk.clock.After(61000, [&] {
         ASSERT_TRUE(desk.scheduler.Busy());
         desk.session->Connect();
         EXPECT_EQ(desk.session->GetState(), State::Idle);

@@ -13,6 +13,7 @@ class Scheduler;
 }  // namespace collection
 namespace protocols {
 class FieldLine;
+struct BsapCounters;
 }
 
 namespace desk {
@@ -27,6 +28,7 @@ struct Desk {
     core::Clock& clock;
     core::Feedback& feedback;
     protocols::FieldLine& line;
+    protocols::BsapCounters& counters;
     collection::Scheduler& scheduler;
     collection::MailTransport& mail;
     Navigator& navigator;

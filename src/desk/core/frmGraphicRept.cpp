@@ -7,11 +7,14 @@
 #include "core/Feedback.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
+#include "core/Station.h"
+#include "core/Text.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/NodeButton.h"
 #include "desk/core/frmshowdata.h"
 #include "desk/session/StationDoor.h"
+#include "desk/session/frmparalist.h"
 #include "ui_frmGraphicRept.h"
 
 namespace desk {
@@ -178,9 +181,19 @@ void frmGraphicRept::Collected(std::int64_t) {
 void frmGraphicRept::cmdLoc(int index) {
     for (const collection::Node& node : nodes_) {
         if (node.index == index) {
-            Guarded([&] { desk_.navigator.Open(new StationDoor(desk_, node.locationId)); });
+            Guarded([&] { OpenStation(node.locationId); });
             return;
         }
+    }
+}
+
+// A station whose parameters come from its own signal lists has a menu in place of the session.
+void frmGraphicRept::OpenStation(std::int64_t locationId) {
+    const auto station = core::ReadStation(desk_.dbconn, locationId);
+    if (station && !core::SameText(station->modelno, "CW_Micro")) {
+        desk_.navigator.Open(new frmparalist(desk_, locationId));
+    } else {
+        desk_.navigator.Open(new StationDoor(desk_, locationId));
     }
 }
 

@@ -49,6 +49,7 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     void ShowNow();
     void ShowNext();
     void cmdLoc(int index);
+    void OpenStation(std::int64_t locationId);
     void cmdClose();
 
     std::array<NodeButton*, collection::nodeButtons> cmdLoc_{};

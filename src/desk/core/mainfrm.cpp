@@ -12,6 +12,7 @@
 #include "desk/core/Navigator.h"
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/frmmain.h"
+#include "protocols/LineLease.h"
 #include "ui_mainfrm.h"
 
 namespace desk {
@@ -101,10 +102,6 @@ void mainfrm::Tick() {
         }
     });
     desk_.scheduler.Tick();
-    // A tick inside a run returns at once; the outer one ends the program when its run has unwound.
-    if (ending_ && !desk_.scheduler.Busy()) {
-        Q_EMIT Ended();
-    }
 }
 
 void mainfrm::LogOff() {
@@ -125,7 +122,15 @@ void mainfrm::EndProgram() {
     hide();
     Unload();
     desk_.scheduler.Leave();
-    if (!desk_.scheduler.Busy()) {
+    connect(&end_, &QTimer::timeout, this, &mainfrm::EndWhenFree);
+    end_.start(20);
+    EndWhenFree();
+}
+
+// What talks to a station hangs up first: the program ends when it has unwound.
+void mainfrm::EndWhenFree() {
+    if (!desk_.scheduler.Busy() && !desk_.line.InUse()) {
+        end_.stop();
         Q_EMIT Ended();
     }
 }

@@ -51,6 +51,7 @@ class mainfrm : public QMainWindow {
 
   private:
     void LogOff();
+    void EndWhenFree();
     void Unload();
     void ShowClock();
     void ShowCaption(Page* front);
@@ -58,6 +59,7 @@ class mainfrm : public QMainWindow {
     Desk& desk_;
     Minutes timer1_;
     QTimer seconds_;
+    QTimer end_;
     int resetCounter_ = 0;
     bool ending_ = false;
     QLabel* panel_;

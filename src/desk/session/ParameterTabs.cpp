@@ -77,7 +77,7 @@ ParameterTabs::ParameterTabs(QWidget* parent) : QTabWidget(parent) {
         }
         addTab(page, content.caption);
     }
-    cmdgc_ = new QPushButton("&Gas Composition", widget(Aga8));
+    cmdgc_ = new QPushButton("Gas Co&mposition", widget(Aga8));
     cmdgc_->setObjectName("cmdgc");
     cmdgc_->setAutoDefault(false);
     widget(Aga8)->layout()->addWidget(cmdgc_);

@@ -1,0 +1,456 @@
+#include "desk/session/LiveScreen.h"
+
+#include <QTimer>
+
+#include "collection/Scheduler.h"
+#include "core/Logs.h"
+#include "core/MAIN_Module.h"
+#include "core/Text.h"
+#include "core/Users.h"
+#include "desk/core/Boxes.h"
+#include "desk/core/Grid.h"
+#include "desk/core/Navigator.h"
+#include "desk/core/Page.h"
+#include "desk/session/TrafficPanel.h"
+#include "session/Buttons.h"
+#include "session/ValueText.h"
+#include "ui_frmparalist.h"
+
+namespace desk {
+
+namespace {
+
+constexpr const char* columns = "|Description|>Value|Unit";
+constexpr int addressColumn = 0;
+constexpr int valueColumn = 2;
+constexpr int unitColumn = 3;
+
+bool Speaks(const core::Station& station, const char* protocol) {
+    return core::SameText(station.protocol, protocol);
+}
+
+collection::Workplace WorkplaceOf(Desk& desk) {
+    return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.line, desk.counters};
+}
+
+QString Text(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+}  // namespace
+
+LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t locationID)
+    : QObject(&page),
+      desk_(desk),
+      page_(page),
+      ui_(ui),
+      status_(*ui.status),
+      write_(*ui.frmvalue),
+      multiple_(*ui.multiple),
+      traffic_(new TrafficPanel(desk.clock, &page)),
+      session_(WorkplaceOf(desk), desk.scheduler, *this, locationID),
+      streams_{ui.Op_Stream_1, ui.Op_Stream_2, ui.Op_Stream_3, ui.Op_Stream_4} {
+    const core::Station& station = session_.GetStation();
+    ui_.lblconsumer->setText(Text(station.consumer));
+    ui_.cmd_arc->setText(Speaks(station, "BSAP") ? "&Archive/Audit" : "&Archive");
+    ui_.trafficplace->addWidget(traffic_);
+    traffic_->Station(station.protocol, station.mode, station.isCW);
+    traffic_->hide();
+    ConnectCommands();
+    ArrangeTabs();
+    Draw();
+    ShowButtons();
+    connect(&seconds_, &QTimer::timeout, this, &LiveScreen::EverySecond);
+    seconds_.start(1000);
+}
+
+LiveScreen::~LiveScreen() = default;
+
+// Commands -----------------------------------------------------------------------------------------------------------
+
+void LiveScreen::Guarded(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::exception& failure) {
+        desk_.logs.WriteRtuErr(failure.what());
+        Status(failure.what());
+    }
+}
+
+void LiveScreen::Command(QAbstractButton* button, void (LiveScreen::*work)()) {
+    connect(button, &QAbstractButton::clicked, this, [this, work] { Guarded([&] { (this->*work)(); }); });
+}
+
+void LiveScreen::ConnectCommands() {
+    Command(ui_.cmdConnect, &LiveScreen::Connect);
+    Command(ui_.cmdgetdata, &LiveScreen::GetData);
+    Command(ui_.cmddisconnect, &LiveScreen::Disconnect);
+    Command(ui_.cmdtime, &LiveScreen::SetTime);
+    Command(ui_.chkMultiple, &LiveScreen::Multiple);
+    Command(&ui_.gridtab->cmdgc(), &LiveScreen::Multiple);
+    NotHere(ui_.cmd_arc, "The archive");
+    NotHere(ui_.cmdfetch, "The list fetch");
+    NotHere(ui_.cmdSignalSearch, "The signal search");
+    NotHere(ui_.cmdDataVerify, "The data verification");
+    NotHere(ui_.cmdCalib, "The calibration");
+    NotHere(ui_.btnHistory, "The history");
+    for (int n = 1; n <= 4; ++n) {
+        QPushButton* button = streams_[static_cast<std::size_t>(n - 1)];
+        button->setVisible(n <= session_.GetStation().No_Stream);
+        connect(button, &QPushButton::clicked, this, [this, n] {
+            Guarded([&] { session_.ChooseStream(n); });
+            ShowButtons();
+        });
+    }
+    connect(ui_.gridtab, &ParameterTabs::RowChosen, this, &LiveScreen::ChooseRow);
+    connect(&multiple_, &MultipleWrite::RowChosen, this, &LiveScreen::ChooseMultipleRow);
+    connect(&multiple_, &MultipleWrite::Send, this, [this] { Guarded([this] { SendMultiple(); }); });
+    connect(&multiple_, &MultipleWrite::Left, this, [this] {
+        ui_.chkMultiple->setChecked(false);
+        write_.Leave();
+    });
+    connect(&write_, &WriteFrame::Write, this, [this] { Guarded([this] { Write(); }); });
+    connect(&write_, &WriteFrame::Left, this, &LiveScreen::FrameLeft);
+    connect(ui_.chktraffic, &QCheckBox::toggled, traffic_, &QWidget::setVisible);
+}
+
+void LiveScreen::NotHere(QAbstractButton* button, const char* what) {
+    connect(button, &QAbstractButton::clicked, this, [this, what] {
+        ShowBox(&page_, QString(what) + " is not available yet.", page_.windowTitle(), QMessageBox::Information);
+    });
+}
+
+void LiveScreen::Connect() {
+    waitsForLine_ = false;
+    Request("");
+    wasConnected_ = false;
+    session_.Connect();
+}
+
+void LiveScreen::GetData() {
+    session_.GetData();
+}
+
+void LiveScreen::Disconnect() {
+    status_.HideAlarm();
+    session_.Disconnect();
+}
+
+void LiveScreen::SetTime() {
+    if (MayWrite()) {
+        session_.AskTime();
+    }
+}
+
+bool LiveScreen::MayClose() {
+    if (session_.GetState() == session::State::Idle) {
+        return true;
+    }
+    Box("Stop Communitcation...");
+    return false;
+}
+
+// Writing ------------------------------------------------------------------------------------------------------------
+
+bool LiveScreen::MayWrite() {
+    if (desk_.shared.rights.rightSetup) {
+        return true;
+    }
+    Request("User Not Granted Configuration Rights");
+    return false;
+}
+
+void LiveScreen::ChooseRow(std::size_t group, std::size_t row) {
+    if (!session_.PollingActive() || session_.WritePending() || !MayWrite()) {
+        return;
+    }
+    if (Speaks(session_.GetStation(), "Quantum")) {
+        Request("A Quantum unit takes no values");
+        return;
+    }
+    multipleRow_.reset();
+    const session::RowPlace place{group, row};
+    OpenWriteFrame(place, Text(session::ValueCell(session_.Parameters().At(place), session_.GetStation().isCW)));
+}
+
+void LiveScreen::ChooseMultipleRow(int row) {
+    if (session_.PollingActive() && !session_.WritePending() && MayWrite()) {
+        multipleRow_ = row;
+        OpenWriteFrame({*session::GroupOf("GC"), static_cast<std::size_t>(row)}, multiple_.Text(row));
+    }
+}
+
+void LiveScreen::OpenWriteFrame(const session::RowPlace& place, const QString& text) {
+    const session::ParameterRow& row = session_.Parameters().At(place);
+    const bool isSwitch = row.kind == session::DataKind::Logical;
+    const bool isIo = isSwitch && place.group == session::GroupOf("IO");
+    Writable writable;
+    writable.description = Text(row.Description);
+    writable.text = text;
+    writable.isSwitch = isSwitch;
+    writable.other = Text(session::ToggledText(session_.GetStation().isCW, row.Description, text.toStdString()));
+    writable.choice = !isIo                                     ? Writable::Choice::None
+                      : writable.description.contains("Output") ? Writable::Choice::Output
+                                                                : Writable::Choice::Input;
+    place_ = place;
+    Request("");
+    ui_.gridtab->setEnabled(false);
+    write_.Open(writable);
+}
+
+void LiveScreen::Write() {
+    if (!place_) {
+        return;
+    }
+    const session::RowPlace place = *place_;
+    const std::string text = write_.Text().toStdString();
+    const std::string refusal = multipleRow_ ? session_.Check(place, text) : session_.AskWrite(place, text);
+    if (refusal == session::enterProperData) {
+        write_.Again();
+        Box(refusal);
+        return;
+    }
+    const auto multipleRow = multipleRow_;
+    write_.Leave();
+    if (!refusal.empty()) {
+        Request(refusal);
+    } else if (multipleRow) {
+        multiple_.Enter(*multipleRow, Text(text));
+    }
+}
+
+void LiveScreen::FrameLeft() {
+    place_.reset();
+    multipleRow_.reset();
+    ui_.gridtab->setEnabled(true);
+    if (!multiple_.isHidden()) {
+        multiple_.setFocus();
+    } else if (Grid* grid = ui_.gridtab->GridInFront()) {
+        grid->setFocus();
+    }
+}
+
+void LiveScreen::Multiple() {
+    const bool wanted = ui_.chkMultiple->isChecked() || multiple_.isHidden();
+    if (!wanted || !session_.PollingActive() || session_.WritePending() || !MayWrite()) {
+        ui_.chkMultiple->setChecked(false);
+        multiple_.Leave();
+        return;
+    }
+    ui_.chkMultiple->setChecked(true);
+    multiple_.copyGrid(columns, RowsOf(*session::GroupOf("GC")));
+}
+
+// Over BSAP the whole composition goes in one message; over Modbus, where each value is a request of its own, those
+// that were changed.
+void LiveScreen::SendMultiple() {
+    const bool all = Speaks(session_.GetStation(), "BSAP");
+    std::vector<session::Session::Entry> entries;
+    for (int row = 0; row < multiple_.Rows(); ++row) {
+        if (all || multiple_.Changed(row)) {
+            entries.push_back(
+                {{*session::GroupOf("GC"), static_cast<std::size_t>(row)}, multiple_.Text(row).toStdString()});
+        }
+    }
+    const std::string refusal = session_.AskMultipleWrite(entries);
+    multiple_.Leave();
+    if (!refusal.empty()) {
+        Request(refusal);
+    }
+}
+
+// What the session tells ---------------------------------------------------------------------------------------------
+
+void LiveScreen::Status(const std::string& text) {
+    ui_.lblmsg->setText(Text(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+    desk_.feedback.Status(text);
+}
+
+void LiveScreen::Box(const std::string& text) {
+    ShowBox(&page_, Text(core::ReplaceAll(text, "\r", "\n")), page_.windowTitle());
+}
+
+void LiveScreen::Lamp(const std::string& lamp, const std::string& bytes) {
+    traffic_->Line(Text(lamp), bytes);
+}
+
+void LiveScreen::StateChanged() {
+    wasConnected_ = wasConnected_ || session_.GetState() == session::State::Connected;
+    if (!session_.PollingActive()) {
+        write_.Leave();
+        multiple_.Leave();
+    }
+    ShowButtons();
+}
+
+void LiveScreen::Request(const std::string& text) {
+    ui_.lblreq->setText(Text(text));
+    ShowButtons();
+}
+
+void LiveScreen::Progress(int done, int total) {
+    ui_.pbupdate->setRange(0, std::max(total, 1));
+    ui_.pbupdate->setValue(done);
+}
+
+void LiveScreen::Storing(bool storing) {
+    QPalette colours = page_.palette();
+    if (storing) {
+        ui_.lblmsg->setText("Please Wait For Few Seconds........");
+        colours.setColor(QPalette::Window, QColor(255, 0, 0));
+        colours.setColor(QPalette::WindowText, Qt::white);
+    }
+    ui_.lblmsg->setPalette(colours);
+    if (storing) {
+        ui_.lblmsg->repaint();
+    }
+}
+
+void LiveScreen::Drawn() {
+    ArrangeTabs();
+    Draw();
+    ShowButtons();
+}
+
+void LiveScreen::Ended(const std::string& reason, bool polled) {
+    status_.HideAlarm();
+    waitsForLine_ = !reason.empty() && wasConnected_;
+    if (!reason.empty() && wasConnected_) {
+        Status(reason);
+    }
+    EverySecond();
+    if (reason.empty() && polled) {
+        AskBox(&page_, "Do you want to see list of configurable parameters?", page_.windowTitle(), [] {});
+    }
+}
+
+void LiveScreen::FinishLater() {
+    QTimer::singleShot(0, this, [this] { session_.Finish(); });
+}
+
+// The grids ----------------------------------------------------------------------------------------------------------
+
+void LiveScreen::ArrangeTabs() {
+    const core::Station& station = session_.GetStation();
+    const session::StationLook& look = session_.Look();
+    TabChoices choices;
+    choices.isCW = station.isCW;
+    choices.isAga3 = session_.IsAga3();
+    choices.aga8_fpv = look.aga8_fpv;
+    choices.Gross_Detail = look.Gross_Detail;
+    choices.superUser = core::IsSuperUser(desk_.shared.currentuser);
+    choices.quantum = Speaks(station, "Quantum");
+    choices.drs = look.drs;
+    ui_.gridtab->FormatString(columns);
+    ui_.gridtab->Arrange(choices);
+}
+
+std::vector<QStringList> LiveScreen::RowsOf(std::size_t group) const {
+    std::vector<QStringList> rows;
+    const bool isModbus = Speaks(session_.GetStation(), "Modbus");
+    for (const session::ParameterRow& row : session_.Parameters().Of(group)) {
+        rows.push_back({isModbus || row.MSD != 0 ? QString::number(row.MSD) : QString(), Text(row.Description),
+                        Text(session::ValueCell(row, session_.GetStation().isCW)), Text(row.unit)});
+    }
+    return rows;
+}
+
+void LiveScreen::Draw() {
+    alarms_.clear();
+    for (std::size_t group = 0; group < session::groupCount; ++group) {
+        ui_.gridtab->Show(group, RowsOf(group));
+    }
+    ui_.gridtab->setCurrentIndex(ui_.gridtab->currentIndex());
+    status_.Show(session_);
+    status_.ShowAge(session_, desk_.clock.Now());
+}
+
+// A state is told by a word beside the unit as well as by the colour of the value.
+QString LiveScreen::UnitCell(const session::RowPlace& place) const {
+    const session::ParameterRow& row = session_.Parameters().At(place);
+    QString text = Text(row.unit);
+    const auto alarm = place.group == session::GroupOf("ALARM") ? alarms_.find(place.row) : alarms_.end();
+    if (alarm != alarms_.end() && alarm->second != session::AlarmState::Normal) {
+        text += QString("   ") + session::AlarmWord(alarm->second);
+    }
+    return row.pending ? text + "   pending" : text;
+}
+
+void LiveScreen::ShowRow(const session::RowPlace& place) {
+    const session::ParameterRow& row = session_.Parameters().At(place);
+    ParameterTabs& tabs = *ui_.gridtab;
+    tabs.Cell(place.group, place.row, valueColumn, Text(session::ValueCell(row, session_.GetStation().isCW)));
+    tabs.Cell(place.group, place.row, addressColumn, QString::number(row.MSD));
+    tabs.Cell(place.group, place.row, unitColumn, UnitCell(place));
+    if (row.changed) {
+        tabs.GridOf(place.group).Mark(tabs.GridRow(place.group, place.row), valueColumn);
+    }
+}
+
+void LiveScreen::Refreshed() {
+    const std::size_t alarmGroup = *session::GroupOf("ALARM");
+    for (const auto& live : session_.Alarms()) {
+        alarms_[live.place.row] = live.state;
+        const bool normal = live.state == session::AlarmState::Normal;
+        ui_.gridtab->GridOf(alarmGroup)
+            .CellColour(ui_.gridtab->GridRow(alarmGroup, live.place.row), valueColumn,
+                        normal ? QColor() : QColor::fromRgb(session::AlarmColour(live.state)));
+    }
+    for (std::size_t group = 0; group < session::groupCount; ++group) {
+        const std::size_t rows = ui_.gridtab->Rows(group);
+        for (std::size_t row = 0; row < rows; ++row) {
+            ShowRow({group, row});
+        }
+    }
+    status_.Show(session_);
+    status_.ShowAge(session_, desk_.clock.Now());
+}
+
+// Buttons ------------------------------------------------------------------------------------------------------------
+
+void LiveScreen::ShowButtons() {
+    const core::Station& station = session_.GetStation();
+    session::ButtonFacts facts;
+    facts.state = session_.GetState();
+    facts.isBsap = Speaks(station, "BSAP");
+    facts.hidesCalibration = session::HidesCalibration(station.modelno);
+    facts.dataRight = desk_.shared.rights.rightOnline;
+    facts.lineFree = !desk_.scheduler.Busy();
+    facts.wasConnected = wasConnected_ || waitsForLine_;
+    const session::Buttons buttons = session::ButtonsOf(facts);
+    ui_.cmdConnect->setEnabled(buttons.cmdConnect);
+    ui_.cmdClose->setEnabled(buttons.cmdClose);
+    ui_.cmddisconnect->setEnabled(buttons.cmddisconnect);
+    ui_.cmdgetdata->setEnabled(buttons.cmdgetdata);
+    ui_.cmd_arc->setEnabled(buttons.cmd_arc);
+    ui_.cmdfetch->setEnabled(buttons.cmdfetch);
+    ui_.cmdCalib->setEnabled(buttons.cmdCalib);
+    ui_.cmdCalib->setVisible(buttons.cmdCalibSeen);
+    ui_.cmdSignalSearch->setEnabled(buttons.cmdSignalSearch);
+    ui_.cmdDataVerify->setEnabled(buttons.cmdDataVerify);
+    ui_.lblmsg->setVisible(buttons.lblmsgSeen);
+    ui_.lbldisconnect->setVisible(buttons.lbldisconnectSeen);
+    ui_.pbupdate->setVisible(buttons.pbupdateSeen);
+    const bool asks = session_.PollingActive() && !session_.WritePending();
+    ui_.cmdtime->setEnabled(session_.PollingActive() && !session_.TimePending());
+    ui_.chkMultiple->setEnabled(asks);
+    ui_.gridtab->cmdgc().setEnabled(asks);
+    ui_.cmdConnect->setDefault(buttons.cmdConnect);
+    ui_.cmdgetdata->setDefault(buttons.cmdgetdata);
+    for (std::size_t n = 0; n < streams_.size(); ++n) {
+        streams_[n]->setChecked(static_cast<int>(n) + 1 == session_.StreamNo());
+    }
+}
+
+void LiveScreen::EverySecond() {
+    status_.ShowAge(session_, desk_.clock.Now());
+    ShowButtons();
+    const bool free = session_.GetState() == session::State::Idle && !desk_.scheduler.Busy() && !desk_.line.InUse();
+    if (waitsForLine_ && free) {
+        waitsForLine_ = false;
+        Request("The line is free. Connect again to go on.");
+        ui_.cmdConnect->setFocus();
+    }
+}
+
+}  // namespace desk

@@ -1,0 +1,306 @@
+// Whole sessions by clicks and keys, in front of the simulated field on the virtual clock.
+
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "desk/core/Grid.h"
+#include "desk/session/ParameterTabs.h"
+#include "desk/session/frmparalist.h"
+#include "session/Session.h"
+#include "support/ScreenDesk.h"
+#include "support/Script.h"
+
+namespace {
+
+using support::Answer;
+using support::Box;
+using support::Click;
+using support::The;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+struct SessionStory : testing::Test {
+    support::ScreenDesk desk{{2026, 3, 9, 9, 0, 30}};
+    std::int64_t locationID = 0;
+    fieldsim::Field* field = nullptr;
+    desk::frmparalist* page = nullptr;
+    session::Session* session = nullptr;
+
+    SessionStory() {
+        desk.dbconn.Execute(
+            "insert into users(userid, firstname, readsec, writesec) values('ann','ann',6,1),('bob','bob',6,6)");
+        desk.shared.currentuser = "bob";
+        desk.shared.rights.rightOnline = desk.shared.rights.rightSetup = true;
+    }
+
+    void Open(const demo::DemoStation& station, fieldsim::FieldOptions options = {}) {
+        locationID = demo::AddStation(desk.dbconn, station);
+        options.alarmCycle = 240;
+        field = &desk.OpenField(options);
+        page = &desk.Open<desk::frmparalist>(locationID);
+        session = page->GetSession();
+        ASSERT_NE(session, nullptr);
+    }
+
+    // Connects, then makes the steps while the station is polled, and ends with the last of them.
+    void Run(std::vector<support::Script::Step> steps) {
+        Click(*page, "cmdConnect");
+        ASSERT_EQ(Label("lblmsg"), "Connected");
+        support::Script script(std::move(steps));
+        desk.clock.Every(20, [&] { script.Turn(); });
+        desk.clock.After(600000, [&] { session->Disconnect(); });
+        Click(*page, "cmdgetdata");
+        EXPECT_EQ(script.Missing(), "");
+        EXPECT_EQ(session->GetState(), session::State::Idle);
+    }
+
+    bool Polled() const { return session->ValuesAt().has_value() && !session->WritePending(); }
+    bool Enabled(const char* command) const { return The(*page, command).isEnabled(); }
+    std::string Label(const char* name) const { return The<QLabel>(*page, name).text().toStdString(); }
+    session::RowPlace Place(const char* aga, const char* description) const {
+        return session->Parameters().Find(aga, description).value();
+    }
+    std::string Cell(const char* aga, const char* description, int column) const {
+        const auto place = Place(aga, description);
+        return The<desk::ParameterTabs>(*page, "gridtab").Cell(place.group, place.row, column).toStdString();
+    }
+    // Enter on a row.
+    void Choose(const char* aga, const char* description) const {
+        auto& tabs = The<desk::ParameterTabs>(*page, "gridtab");
+        const auto place = Place(aga, description);
+        tabs.BringForward(place.group);
+        desk::Grid& grid = tabs.GridOf(place.group);
+        grid.setFocus();
+        grid.SelectRow(tabs.GridRow(place.group, place.row));
+        QTest::keyClick(&grid, Qt::Key_Return);
+    }
+    void Enter(const QString& text) const {
+        QWidget& value = The(*page, "txtvalue");
+        QTest::keyClick(&value, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&value, Qt::Key_Delete);
+        QTest::keyClicks(&value, text);
+        QTest::keyClick(&value, Qt::Key_Return);
+    }
+    std::vector<std::string> Writes() const { return field->Station(locationID)->written->WritesText(); }
+    std::vector<std::string> Trail() { return desk.dbconn.Texts("select * from TTS_table"); }
+};
+
+// What every station that takes values is put through.
+std::vector<support::Script::Step> CommonSteps(SessionStory& story) {
+    const auto polled = [&story] { return story.Polled(); };
+    return {
+        {"the commands of a poll", polled,
+         [&] {
+             EXPECT_FALSE(story.Enabled("cmdConnect"));
+             EXPECT_FALSE(story.Enabled("cmdgetdata"));
+             EXPECT_FALSE(story.Enabled("cmdClose"));
+             EXPECT_TRUE(story.Enabled("cmddisconnect"));
+             EXPECT_THAT(story.Label("lbldatetime"), HasSubstr("RTU Date : 9/3/2026\nRTU Time :9:"));
+             EXPECT_THAT(story.Label("lblbatvolts"), HasSubstr("System Bat. Voltage :"));
+             EXPECT_THAT(story.Label("lblage"), "Values 0 s old");
+             EXPECT_THAT(story.Label("lblrequests"), HasSubstr(" good, 0 failed"));
+         }},
+        {"a user of a lower level", polled,
+         [&] {
+             story.desk.shared.currentuser = "ann";
+             story.Choose("KEYPAD", "Keypad N2");
+             story.Enter("1.25");
+             EXPECT_EQ(story.Label("lblreq"), "Could not set. Lower user level.");
+             EXPECT_FALSE(The(*story.page, "frmvalue").isVisible());
+             story.desk.shared.currentuser = "bob";
+         }},
+        {"no value", polled,
+         [&] {
+             story.Choose("KEYPAD", "Keypad N2");
+             EXPECT_EQ(story.Label("Label1"), "Keypad N2");
+             EXPECT_FALSE(The(*story.page, "gridtab").isEnabled());
+             story.Enter("");
+             EXPECT_EQ(Answer(*story.page), "Enter Proper Data");
+             EXPECT_TRUE(The(*story.page, "frmvalue").isVisible());
+             EXPECT_EQ(support::Focus(*story.page), "txtvalue");
+             QTest::keyClick(&The(*story.page, "txtvalue"), Qt::Key_Escape);
+             EXPECT_FALSE(The(*story.page, "frmvalue").isVisible());
+         }},
+        {"a value", polled,
+         [&] {
+             story.Choose("KEYPAD", "Keypad N2");
+             story.Enter("1.25");
+             EXPECT_EQ(story.Label("lblreq"), "Write Request Pending.....");
+             EXPECT_EQ(story.Cell("KEYPAD", "Keypad N2", 2), "1.250000");
+             EXPECT_THAT(story.Cell("KEYPAD", "Keypad N2", 3), HasSubstr("pending"));
+             story.Choose("KEYPAD", "Keypad CO2");
+             EXPECT_FALSE(The(*story.page, "frmvalue").isVisible()) << "one at a time";
+         }},
+        {"a switch",
+         [&] { return story.Polled() && !story.session->Parameters().At(story.Place("KEYPAD", "Keypad N2")).pending; },
+         [&] {
+             EXPECT_EQ(story.Label("lblreq"), "");
+             EXPECT_THAT(story.Cell("KEYPAD", "Keypad N2", 3), Not(HasSubstr("pending")));
+             story.Choose("HEALTH", "Time Sync");
+             auto& value = The<QLineEdit>(*story.page, "txtvalue");
+             EXPECT_TRUE(value.isReadOnly());
+             const QString before = value.text();
+             Click(*story.page, "cmdtoggle");
+             EXPECT_NE(value.text(), before);
+             Click(*story.page, "cmdwrite");
+         }},
+        {"several values", polled,
+         [&] {
+             Click(*story.page, "chkMultiple");
+             auto& grid = The<desk::Grid>(*story.page, "gcMultiGrid");
+             ASSERT_TRUE(grid.isVisible());
+             EXPECT_FALSE(story.Enabled("cmdMulWrite"));
+             grid.SelectRow(0);
+             QTest::keyClick(&grid, Qt::Key_Return);
+             story.Enter("93.5");
+             EXPECT_THAT(story.Writes(), Not(Contains(HasSubstr("= 93.5"))));
+             Click(*story.page, "cmdMulWrite");
+             EXPECT_FALSE(grid.isVisible());
+         }},
+        {"the clock", polled,
+         [&] {
+             Click(*story.page, "cmdtime");
+             EXPECT_FALSE(story.Enabled("cmdtime"));
+         }},
+        {"the alarm colours",
+         [&] {
+             const auto& alarms = story.session->Alarms();
+             return story.Polled() && !story.session->TimePending() &&
+                    (story.session->GetStation().isCW ||
+                     std::any_of(alarms.begin(), alarms.end(),
+                                 [](const auto& live) { return live.state == session::AlarmState::HiHi; }));
+         },
+         [&] {
+             auto& tabs = The<desk::ParameterTabs>(*story.page, "gridtab");
+             for (const auto& live : story.session->Alarms()) {
+                 const bool alarm = live.state != session::AlarmState::Normal;
+                 const desk::Grid& grid = tabs.GridOf(live.place.group);
+                 const auto cell = grid.model()->index(tabs.GridRow(live.place.group, live.place.row), 2);
+                 EXPECT_EQ(cell.data(Qt::BackgroundRole).isValid(), alarm);
+                 EXPECT_THAT(tabs.Cell(live.place.group, live.place.row, 3).toStdString(),
+                             HasSubstr(session::AlarmWord(live.state)));
+             }
+         }},
+    };
+}
+
+TEST_F(SessionStory, ATeleFlowIsDialledWatchedWrittenAndLeft) {
+    fieldsim::FieldOptions options;
+    options.modems[1] = {{"NO CARRIER", 4000}, {"CONNECT 9600", 5000}};
+    Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options);
+    EXPECT_FALSE(The(*page, "cmdCalib").isVisible());
+    auto steps = CommonSteps(*this);
+    steps.push_back({"end", [this] { return Polled(); }, [this] { Click(*page, "cmddisconnect"); }});
+    Run(steps);
+    EXPECT_EQ(Answer(*page, QMessageBox::No), "Do you want to see list of configurable parameters?");
+    EXPECT_THAT(Writes(), ElementsAre("register 373 Keypad N2 = 1.25", HasSubstr("coil 27 Time Sync"),
+                                      HasSubstr("Methane = 93.5"), HasSubstr("Set Year = 2026"), HasSubstr("Set Month"),
+                                      HasSubstr("Set Date"), HasSubstr("Set Hour"), HasSubstr("Set Minute"),
+                                      HasSubstr("Set Second"), HasSubstr("coil 23 Set Time & Date = 1")));
+    EXPECT_THAT(Trail(), Contains(HasSubstr("User bob changed value of parameter Keypad N2 from ")));
+    EXPECT_THAT(Trail(), Contains(HasSubstr("User bob set the time of RTU Hill Farm.")));
+    EXPECT_THAT(Trail(), Contains(HasSubstr("User bob disconnected from RTU Hill Farm.")));
+    EXPECT_TRUE(Enabled("cmdConnect"));
+    EXPECT_TRUE(Enabled("cmdClose"));
+    EXPECT_FALSE(desk.line.PortOpen());
+}
+
+TEST_F(SessionStory, ATeleCorrectorIsWatchedAndWrittenOverBsap) {
+    fieldsim::FieldOptions options;
+    options.lists = fieldsim::ListAnswer::Alternate;
+    Open({"O'Neill", "TeleCorrector", "BSAP", "", 1, 5}, options);
+    auto steps = CommonSteps(*this);
+    steps.push_back({"end", [this] { return Polled(); }, [this] { Click(*page, "cmddisconnect"); }});
+    Run(steps);
+    EXPECT_THAT(Writes(), Contains("54-187 Keypad N2 = 1.25"));
+    EXPECT_THAT(Writes(), Contains(HasSubstr("54-92 Methane = 93.5")));
+    EXPECT_THAT(Writes(), Contains(HasSubstr("54-93 Nitrogen"))) << "the whole composition goes";
+    EXPECT_THAT(Writes(), Contains(HasSubstr("55-23 Set Time & Date = 1")));
+    EXPECT_THAT(Trail(), Contains(HasSubstr("User bob connected to RTU O'Neill.")));
+}
+
+TEST_F(SessionStory, AMultistreamStationIsWatchedStreamByStream) {
+    Open({"Twin", "CWEFM-MultiStream", "BSAP", "", 1, 5, "", 2, {"AGA3", "AGA7"}});
+    EXPECT_TRUE(The(*page, "Op_Stream_2").isVisible());
+    EXPECT_FALSE(The(*page, "Op_Stream_3").isVisible());
+    auto steps = CommonSteps(*this);
+    steps.push_back({"the other stream", [this] { return Polled(); }, [this] { Click(*page, "Op_Stream_2"); }});
+    steps.push_back({"its values", [this] { return session->StreamNo() == 2 && Polled(); },
+                     [this] {
+                         auto& tabs = The<desk::ParameterTabs>(*page, "gridtab");
+                         EXPECT_EQ(tabs.tabText(0).toStdString(), "AGA7");
+                         const double value = session->Parameters().At(Place("AGA7", "UnCorr.Flowrate")).lastvalue;
+                         EXPECT_TRUE(field->WasServed(locationID, 2, "UnCorr.Flowrate", value));
+                         EXPECT_THAT(session->Alarms(), IsEmpty()) << "CW stations have no colours";
+                         Click(*page, "cmddisconnect");
+                     }});
+    Run(steps);
+    EXPECT_THAT(Writes(), Contains(HasSubstr("Keypad N2 = 1.25")));
+    EXPECT_THAT(Writes(), Contains(HasSubstr("Set Time & Date = 1")));
+}
+
+TEST_F(SessionStory, AQuantumUnitIsWatchedAndTakesNothing) {
+    Open({"Quay", "TeleFlow", "Quantum", "", 1, 5});
+    auto& tabs = The<desk::ParameterTabs>(*page, "gridtab");
+    Run({{"values", [this] { return Polled(); },
+          [&] {
+              EXPECT_TRUE(The(*page, "floatgrid").isVisible());
+              EXPECT_NE(Cell("Quantum", "Pressure", 2), "0.000000");
+              Choose("Quantum", "Pressure");
+              EXPECT_FALSE(The(*page, "frmvalue").isVisible());
+              Click(*page, "cmddisconnect");
+          }}});
+    EXPECT_EQ(tabs.currentIndex(), 16);
+    EXPECT_EQ(desk.Count("LogParam where LocationId=?", {locationID}), 1);
+}
+
+TEST_F(SessionStory, ARunThatTakesTheLineIsToldAndTheLineOfferedAgain) {
+    demo::DemoStation due{"Due", "TeleFlow", "Modbus", "RTU", 2, 9};
+    due.contracthour = "09:02";
+    demo::AddStation(desk.dbconn, due);
+    Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5});
+    desk.StartTicking();
+    bool refused = false;
+    Run({{"taken", [this] { return desk.scheduler.InHand().has_value(); },
+          [&] {
+              EXPECT_EQ(Label("lblmsg"), "A scheduled collection has taken the line");
+              EXPECT_FALSE(Enabled("cmdConnect"));
+              Click(*page, "cmdClose");
+              EXPECT_EQ(Answer(*page), "Stop Communitcation...");
+              refused = true;
+          }}});
+    EXPECT_TRUE(refused);
+    EXPECT_EQ(Box(*page), nullptr) << "nobody may be there to answer";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Label("lblreq") == "The line is free. Connect again to go on."; }));
+    EXPECT_TRUE(Enabled("cmdConnect"));
+    EXPECT_EQ(support::Focus(*page), "cmdConnect");
+}
+
+TEST_F(SessionStory, WithoutTheRightsNothingIsReadOrWritten) {
+    Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5});
+    desk.shared.rights.rightSetup = false;
+    Run({{"no right to write", [this] { return Polled(); },
+          [this] {
+              Choose("KEYPAD", "Keypad N2");
+              EXPECT_FALSE(The(*page, "frmvalue").isVisible());
+              EXPECT_EQ(Label("lblreq"), "User Not Granted Configuration Rights");
+              Click(*page, "cmddisconnect");
+          }}});
+    Answer(*page, QMessageBox::No);
+    desk.shared.rights.rightOnline = false;
+    Click(*page, "cmdConnect");
+    EXPECT_FALSE(Enabled("cmdgetdata"));
+    EXPECT_FALSE(Enabled("cmdDataVerify"));
+    Click(*page, "cmddisconnect");
+}
+
+}  // namespace
