@@ -82,7 +82,7 @@ TEST(ShowBox, HoldsUpNoRunWhileItStands) {
     QTimer::singleShot(5, [&] { desk::ShowBox(&form, "Invalid <b>UserName</b>", "Login"); });
     const auto start = clock.Milliseconds();
     // A box with a loop of its own would keep this wait until somebody comes.
-    QTimer::singleShot(20000, [] { QApplication::closeAllWindows(); });
+    QTimer::singleShot(20000, &form, [] { QApplication::closeAllWindows(); });
     clock.WaitMs(100);
     EXPECT_LT(clock.Milliseconds() - start, 10000U);
     auto* box = form.findChild<QMessageBox*>();
