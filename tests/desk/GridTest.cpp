@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -11,7 +12,6 @@
 #include <QVBoxLayout>
 
 #include "desk/core/Grid.h"
-#include "desk/core/Look.h"
 #include "support/ScreenDesk.h"
 
 using namespace desk;
@@ -57,7 +57,7 @@ class GridTest : public testing::Test {
         const auto& label = support::The<QLabel>(page.grid, "lblfilter");
         return label.isVisible() ? label.text().toStdString() : "";
     }
-    void Press(int key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&page.grid, key, modifiers); }
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&page.grid, key, modifiers); }
     // The timer of the marks, run by hand.
     void TurnOfMarks() {
         QMetaObject::invokeMethod(page.grid.findChild<QTimer*>("tmrmarks"), "timeout", Qt::DirectConnection);
@@ -155,7 +155,6 @@ TEST_F(GridTest, WithoutAnyRowNoneIsSelected) {
 }
 
 TEST_F(GridTest, AMarkGoesByItselfAndLeavesTheColour) {
-    ApplyLook(Palette::Dark);
     page.grid.CellColour(0, 2, Qt::red);
     page.grid.Mark(0, 2);
     page.grid.Mark(1, 2);
