@@ -33,7 +33,6 @@ class GridPage : public Page {
                        {"4", "Door Position", "OPEN", ""}});
         CloseCommand(&close);
         connect(&close, &QPushButton::clicked, this, [this] { ++closed; });
-        connect(&write, &QPushButton::clicked, this, [this] { ++written; });
         grid.setFocus();
     }
 
@@ -41,7 +40,6 @@ class GridPage : public Page {
     QPushButton close;
     QPushButton write;
     int closed = 0;
-    int written = 0;
 };
 
 class GridTest : public testing::Test {
@@ -108,7 +106,7 @@ TEST_F(GridTest, EscapeTakesTheFilterAwayBeforeItClosesThePage) {
 
 TEST_F(GridTest, CommandsOfThePageAreNoFilter) {
     Press(Qt::Key_W, Qt::AltModifier);
-    EXPECT_EQ(page.written, 1);
+    EXPECT_TRUE(page.write.isDown());
     Press(Qt::Key_Space);
     Press(Qt::Key_F5);
     Press(Qt::Key_Delete);
