@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <array>
 
 #include "core/Text.h"
 #include "protocols/BsapCheck.h"
+#include "protocols/BsapFrame.h"
 #include "protocols/BsapReply.h"
 #include "protocols/FieldWriter.h"
 #include "protocols/ModbusNumbers.h"
@@ -18,38 +20,6 @@ constexpr std::size_t startLength = 2;
 constexpr std::size_t checkLength = 2;
 
 enum Message { Poll = 0x85, Acknowledge = 0x8B, Application = 0xA0 };
-
-// A request by the bytes that its function begins with.
-struct Function {
-    std::string_view begin;
-    const char* word;
-    bool highFirst;  // the application sequence
-};
-
-constexpr auto functions = std::to_array<Function>({
-    {"\x70\x05\x01"sv, "sign-on", false},
-    {"\x70\x07\x04"sv, "archive information", false},
-    {"\x70\x07\x06"sv, "archive by date", false},
-    {"\x70\x07\x07"sv, "archive records", false},
-    {"\x70\x03\x05"sv, "audit records", false},
-    {"\x04\x02\x01\xFF\x11"sv, "load version", false},
-    {"\x0C"sv, "first of a list", true},
-    {"\x0D"sv, "next of a list", true},
-    {"\x80"sv, "write values", false},
-    {"\x84\xFF\x01"sv, "write by name", true},
-    {"\x00\x05\xF8\x01"sv, "read by address", true},
-    {"\x04\x05\xF8\x01\xFF"sv, "read by name", true},
-    {"\x08\x05\xF9\x01\xFF"sv, "search for signals", true},
-});
-
-const Function* FunctionOf(std::string_view bytes) {
-    for (const Function& function : functions) {
-        if (bytes.starts_with(function.begin)) {
-            return &function;
-        }
-    }
-    return nullptr;
-}
 
 // The body of the frame that begins at the next byte, its doubled bytes counted once; `end` is where its DLE ETX
 // stands, or the end of the line.
@@ -137,76 +107,139 @@ void TakeContinuation(BodyFields& body) {
     body.Take(2, "goes on", next == 0 ? "0, from the start" : "behind " + std::to_string(next));
 }
 
-// What follows the bytes that told the function. In the table's words, so that both are seen together.
-void TakeArguments(BodyFields& body, const Function& function) {
-    const std::string_view word = function.word;
-    if (word == "sign-on") {
-        const std::size_t length = std::min(body.PeekAll().find('\0'), body.Left());
-        body.TakeText("password", std::to_string(length) + " characters");
-    } else if (word == "load version") {
-        body.TakeText("signal");
-    } else if (word == "first of a list" || word == "next of a list") {
-        TakeFields(body);
-        TakeVersion(body);
-        TakeFixed(body, 1);
-        body.TakeByte("list");
-        if (body.Left() > 0) {
-            TakeContinuation(body);
-        }
-    } else if (word == "write values") {
-        TakeVersion(body);
-        TakeFixed(body, 1);
-        const int count = std::max(body.Peek(), 0);
-        body.TakeByte("count");
-        for (int i = 0; i < count && !body.CutShort(); ++i) {
-            TakeSignal(body);
-            TakeValue(body);
-        }
-    } else if (word == "write by name") {
-        body.TakeText("signal");
-        TakeValue(body);
-    } else if (word == "read by address") {
-        TakeVersion(body);
-        TakeFixed(body, 2);
-        TakeSignal(body);
-    } else if (word == "read by name") {
-        body.Take(1, "count", HexByte(std::max(body.Peek(), 0)));
-        while (body.Left() > 0 && !body.CutShort()) {
-            body.TakeText("signal");
-        }
-    } else if (word == "search for signals") {
-        TakeFixed(body, 2, "goes on");
-        TakeFixed(body, 3, "kind");
-        body.TakeText("pattern");
-    }
-    body.TakeRest("data");
+void TakePassword(BodyFields& body) {
+    const std::size_t length = std::min(body.PeekAll().find('\0'), body.Left());
+    body.TakeText("password", std::to_string(length) + " characters");
 }
 
-// Behind the address and the sequences. The sign-on forms its sequence of decimal digits, and leaves out a byte of it
-// that they do not fit.
+void TakeName(BodyFields& body) {
+    body.TakeText("signal");
+}
+
+void TakeList(BodyFields& body) {
+    TakeFields(body);
+    TakeVersion(body);
+    TakeFixed(body, 1);
+    body.TakeByte("list");
+    if (body.Left() > 0) {
+        TakeContinuation(body);
+    }
+}
+
+void TakeValues(BodyFields& body) {
+    TakeVersion(body);
+    TakeFixed(body, 1);
+    const int count = std::max(body.Peek(), 0);
+    body.TakeByte("count");
+    for (int i = 0; i < count && !body.CutShort(); ++i) {
+        TakeSignal(body);
+        TakeValue(body);
+    }
+}
+
+void TakeNamedValue(BodyFields& body) {
+    TakeName(body);
+    TakeValue(body);
+}
+
+void TakeAddressed(BodyFields& body) {
+    TakeVersion(body);
+    TakeFixed(body, 2);
+    TakeSignal(body);
+}
+
+// The count is formed of decimal digits.
+void TakeNames(BodyFields& body) {
+    TakeFixed(body, 1, "count");
+    while (body.Left() > 0 && !body.CutShort()) {
+        TakeName(body);
+    }
+}
+
+void TakeSearch(BodyFields& body) {
+    TakeFixed(body, 2, "goes on");
+    TakeFixed(body, 3, "kind");
+    body.TakeText("pattern");
+}
+
+void TakeNothing(BodyFields&) {}
+
+enum class Answer { Data, Version, List };
+
+// A request by the bytes that its function begins with.
+struct Function {
+    std::string_view begin;
+    const char* word;
+    SequenceOrder order;
+    void (*takeArguments)(BodyFields&);  // names what follows
+    Answer answer = Answer::Data;
+};
+
+constexpr auto functions = std::to_array<Function>({
+    {"\x70\x05\x01"sv, "sign-on", SequenceOrder::LowHighDigits, TakePassword},
+    {"\x70\x07\x04"sv, "archive information", SequenceOrder::LowHigh, TakeNothing},
+    {"\x70\x07\x06"sv, "archive by date", SequenceOrder::LowHigh, TakeNothing},
+    {"\x70\x07\x07"sv, "archive records", SequenceOrder::LowHigh, TakeNothing},
+    {"\x70\x03\x05"sv, "audit records", SequenceOrder::LowHigh, TakeNothing},
+    {"\x04\x02\x01\xFF\x11"sv, "load version", SequenceOrder::LowHigh, TakeName, Answer::Version},
+    {"\x0C"sv, "first of a list", SequenceOrder::HighLow, TakeList, Answer::List},
+    {"\x0D"sv, "next of a list", SequenceOrder::HighLow, TakeList, Answer::List},
+    {"\x80"sv, "write values", SequenceOrder::LowHigh, TakeValues},
+    {"\x84\xFF\x01"sv, "write by name", SequenceOrder::HighLow, TakeNamedValue},
+    {"\x00\x05\xF8\x01"sv, "read by address", SequenceOrder::HighLow, TakeAddressed},
+    {"\x04\x05\xF8\x01\xFF"sv, "read by name", SequenceOrder::HighLow, TakeNames},
+    {"\x08\x05\xF9\x01\xFF"sv, "search for signals", SequenceOrder::HighLow, TakeSearch},
+});
+
+const Function* FunctionOf(std::string_view bytes) {
+    for (const Function& function : functions) {
+        if (bytes.starts_with(function.begin)) {
+            return &function;
+        }
+    }
+    return nullptr;
+}
+
+constexpr std::string_view behindSequence = "\x0B\x00"sv;
+
+// How many bytes the application sequence has: two. The sign-on forms it of decimal digits, and leaves out a byte that
+// they do not fit.
+std::size_t SequenceLength(std::string_view application) {
+    for (std::size_t length = 3; length > 0; --length) {
+        if (application.substr(std::min(length - 1, application.size())).starts_with(behindSequence)) {
+            return length - 1;
+        }
+    }
+    return 2;
+}
+
+const Function* FunctionOfApplication(std::string_view application) {
+    const std::size_t at = SequenceLength(application) + behindSequence.size();
+    return FunctionOf(application.substr(std::min(at, application.size())));
+}
+
+std::string SequenceText(const BodyFields& body, std::size_t length, const Function* function) {
+    switch (function == nullptr ? SequenceOrder::LowHigh : function->order) {
+        case SequenceOrder::LowHighDigits:
+            return ShortHex(body.PeekAll().substr(0, length)) + " (decimal)";
+        case SequenceOrder::HighLow:
+            return std::to_string(body.HighLow());
+        default:
+            return std::to_string(body.LowHigh());
+    }
+}
+
+// Behind the address, the link sequence and the message.
 void TakeApplication(BodyFields& body) {
-    constexpr std::string_view fixed = "\x0B\x00"sv;
-    std::size_t sequence = 2;
-    while (sequence > 0 && !body.PeekAll().substr(std::min(sequence, body.Left())).starts_with(fixed)) {
-        --sequence;
+    const std::size_t length = SequenceLength(body.PeekAll());
+    const Function* function = FunctionOfApplication(body.PeekAll());
+    body.Take(length, "application sequence", SequenceText(body, length, function));
+    TakeFixed(body, behindSequence.size());
+    if (function != nullptr) {
+        body.Take(function->begin.size(), "function", function->word);
+        function->takeArguments(body);
+        body.TakeRest("data");
     }
-    if (!body.PeekAll().substr(sequence).starts_with(fixed)) {
-        sequence = 2;
-    }
-    const std::string_view rest = body.PeekAll().substr(std::min(sequence + fixed.size(), body.Left()));
-    const Function* function = FunctionOf(rest);
-    const bool digits = function != nullptr && function->word == "sign-on"sv;
-    body.Take(sequence, "application sequence",
-              digits                                       ? ShortHex(body.PeekAll().substr(0, sequence)) + " (decimal)"
-              : function != nullptr && function->highFirst ? std::to_string(body.HighLow())
-                                                           : std::to_string(body.LowHigh()));
-    TakeFixed(body, fixed.size());
-    if (function == nullptr) {
-        body.TakeRest("not recognised");
-        return;
-    }
-    body.Take(function->begin.size(), "function", function->word);
-    TakeArguments(body, *function);
 }
 
 void TakeRequest(BodyFields& body) {
@@ -232,14 +265,15 @@ void TakeRequest(BodyFields& body) {
     body.TakeRest("not recognised");
 }
 
-// The function that a request asks for; null when that cannot be told.
-const Function* FunctionAsked(std::string_view request) {
+// What a request asks for.
+Answer AnswerTo(std::string_view request) {
+    constexpr std::size_t application = 3;  // behind address, link sequence and message
     if (request.size() < startLength) {
-        return nullptr;
+        return Answer::Data;
     }
     const std::string body = Unescape(request, startLength, Direction::TX).body.bytes;
-    const std::size_t fixed = body.find("\x0B\x00"sv, 3);
-    return fixed == std::string::npos ? nullptr : FunctionOf(std::string_view(body).substr(fixed + 2));
+    const Function* function = FunctionOfApplication(std::string_view(body).substr(std::min(application, body.size())));
+    return function == nullptr ? Answer::Data : function->answer;
 }
 
 // Positions of the layout count from 1 over the frame with its start, those of a poll reply behind its first byte.
@@ -247,7 +281,7 @@ void TakeTo(BodyFields& body, std::size_t at, const char* name) {
     TakeFixed(body, at - std::min(at, body.Taken()), name);
 }
 
-void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowledgement, const Function* asked) {
+void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowledgement, Answer answer) {
     constexpr std::size_t inFront = startLength + 1;
     body.TakeByte("address");
     body.TakeByte("link sequence");
@@ -259,11 +293,10 @@ void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowled
         return;
     }
     TakeTo(body, layout.loadVersion - inFront, "head of the answer");
-    const std::string_view word = asked == nullptr ? ""sv : asked->word;
-    if (word == "load version") {
+    if (answer == Answer::Version) {
         TakeVersion(body);
         body.TakeRest("signal");
-    } else if (word == "first of a list" || word == "next of a list") {
+    } else if (answer == Answer::List) {
         const int next = body.LowHigh();
         body.Take(2, "list goes on", next == 0 ? "0, this was the last" : "behind " + std::to_string(next));
         body.Take(body.Left(), "first record",
@@ -286,7 +319,7 @@ void NameFrame(Naming& naming, bool isCW) {
         constexpr std::size_t longest = 17;
         const std::size_t length = frame.end + startLength + checkLength - start;
         TakeReply(body, ReplyLayout(isCW), frame.ended && length >= shortest && length <= longest,
-                  FunctionAsked(naming.request));
+                  AnswerTo(naming.request));
     }
     naming.next = frame.end;
     if (!frame.ended) {

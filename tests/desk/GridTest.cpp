@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -11,7 +12,6 @@
 #include <QVBoxLayout>
 
 #include "desk/core/Grid.h"
-#include "desk/core/Look.h"
 #include "support/ScreenDesk.h"
 
 using namespace desk;
@@ -33,7 +33,6 @@ class GridPage : public Page {
                        {"4", "Door Position", "OPEN", ""}});
         CloseCommand(&close);
         connect(&close, &QPushButton::clicked, this, [this] { ++closed; });
-        connect(&write, &QPushButton::clicked, this, [this] { ++written; });
         grid.setFocus();
     }
 
@@ -41,7 +40,6 @@ class GridPage : public Page {
     QPushButton close;
     QPushButton write;
     int closed = 0;
-    int written = 0;
 };
 
 class GridTest : public testing::Test {
@@ -57,7 +55,7 @@ class GridTest : public testing::Test {
         const auto& label = support::The<QLabel>(page.grid, "lblfilter");
         return label.isVisible() ? label.text().toStdString() : "";
     }
-    void Press(int key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&page.grid, key, modifiers); }
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&page.grid, key, modifiers); }
     // The timer of the marks, run by hand.
     void TurnOfMarks() {
         QMetaObject::invokeMethod(page.grid.findChild<QTimer*>("tmrmarks"), "timeout", Qt::DirectConnection);
@@ -108,7 +106,7 @@ TEST_F(GridTest, EscapeTakesTheFilterAwayBeforeItClosesThePage) {
 
 TEST_F(GridTest, CommandsOfThePageAreNoFilter) {
     Press(Qt::Key_W, Qt::AltModifier);
-    EXPECT_EQ(page.written, 1);
+    EXPECT_TRUE(page.write.isDown());
     Press(Qt::Key_Space);
     Press(Qt::Key_F5);
     Press(Qt::Key_Delete);
@@ -155,7 +153,6 @@ TEST_F(GridTest, WithoutAnyRowNoneIsSelected) {
 }
 
 TEST_F(GridTest, AMarkGoesByItselfAndLeavesTheColour) {
-    ApplyLook(Palette::Dark);
     page.grid.CellColour(0, 2, Qt::red);
     page.grid.Mark(0, 2);
     page.grid.Mark(1, 2);

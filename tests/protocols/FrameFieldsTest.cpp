@@ -248,6 +248,9 @@ TEST(FrameFields, BsapReplies) {
                  "13+3 list goes on=behind 16\n"
                  "16+13 first record=type 2, 13 bytes of records");
     ExpectFields(Received(list, bsap, versionRequest), "13+3 load version=16 0");
+    // A sequence that looks like what stands behind it.
+    ExpectFields(Received(list, bsap, "10 02 01 04 A0 0B 00 0B 00 0C 01 F0 12 34 FF 36 10 03 00 00"),
+                 "13+3 list goes on=behind 16");
     ExpectFields(Received(list, bsap), "13+16 data=10 00 02 00 00 C8 42 42 ... (15 bytes)");
     ExpectFields(Received("10 02 00 01 0B 00 06 A0 00 00 00 00 00 00 02 00 00 C8 42 10 03 00 00", cw, listRequest),
                  "12+2 list goes on=0, this was the last\n14+5 first record=type 2, 5 bytes of records");

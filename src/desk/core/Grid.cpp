@@ -33,7 +33,7 @@ QString JoinCells(const QStringList& cells) {
 
 }  // namespace
 
-Grid::Grid(QWidget* parent) : QTableView(parent), lblfilter_(this) {
+Grid::Grid(QWidget* parent) : QTableView(parent), model_(this), lblfilter_(this) {
     setModel(&model_);
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);

@@ -101,14 +101,14 @@ QVariant TrafficModel::data(const QModelIndex& index, int role) const {
         case Direction:
             return DirectionText(line.direction);
         case Count:
-            return QString::number(line.count);
+            return QString::number(line.count) + ' ';  // the bytes begin close behind
         default:
             return HexText(std::string_view(line.bytes).substr(0, shownBytes));
     }
 }
 
 QVariant TrafficModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    static const QStringList captions = {"Time", "", "Bytes", "Hex"};
+    static const QStringList captions = {"Time", "", "Bytes ", "Hex"};
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole) {
         return captions.value(section);
     }

@@ -45,11 +45,11 @@ TrafficView::TrafficView(QWidget* parent) : QTableView(parent), lines(this) {
     const auto width = [this](const QString& text) { return fontMetrics().horizontalAdvance(text) + margins; };
     setColumnWidth(TrafficModel::Time, width("00:00:00.000"));
     setColumnWidth(TrafficModel::Direction, width("TX"));
-    setColumnWidth(TrafficModel::Count, width("Bytes"));
+    setColumnWidth(TrafficModel::Count, width("Bytes "));
 }
 
 void TrafficView::Add(TrafficLine line) {
-    const bool atFoot = verticalScrollBar()->value() == verticalScrollBar()->maximum();
+    const bool atFoot = AtFoot();
     lines.Add(std::move(line));
     if (atFoot && isVisible()) {
         scrollToBottom();
@@ -84,6 +84,18 @@ void TrafficView::showEvent(QShowEvent* event) {
     if (!currentIndex().isValid()) {
         scrollToBottom();
     }
+}
+
+void TrafficView::resizeEvent(QResizeEvent* event) {
+    const bool atFoot = AtFoot();
+    QTableView::resizeEvent(event);
+    if (atFoot) {
+        scrollToBottom();
+    }
+}
+
+bool TrafficView::AtFoot() const {
+    return verticalScrollBar()->value() == verticalScrollBar()->maximum();
 }
 
 TrafficPanel::TrafficPanel(const core::Clock& clock, QWidget* parent)

@@ -36,6 +36,10 @@ class TrafficView : public QTableView {
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override;
     void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    bool AtFoot() const;
 };
 
 // What goes over the line: a panel for what is sent and one for what is received, each under its mark, the last 500
