@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QLabel>
+#include <QLineEdit>
 #include <QTimer>
 #include <map>
 #include <string>
@@ -10,6 +12,7 @@
 
 #include "demo/DemoRegister.h"
 #include "desk/core/EventLoopClock.h"
+#include "desk/core/Grid.h"
 #include "desk/core/SerialLine.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/frmparalist.h"

@@ -54,8 +54,8 @@ struct MailScreens : testing::Test {
     MailScreens() { screen.window.Home(&home); }
 
     desk::Desk With(collection::MailTransport& mail) {
-        return {screen.dbconn,    screen.shared,    screen.logs, screen.clock, screen.feedback,
-                screen.fieldLine, screen.scheduler, mail,        screen.window};
+        return {screen.dbconn,    screen.shared,   screen.logs,      screen.clock, screen.feedback,
+                screen.fieldLine, screen.counters, screen.scheduler, mail,         screen.window};
     }
     template <class Form>
     Form& Open(desk::Desk& desk) {
