@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "core/Text.h"
-#include "desk/core/Look.h"
 #include "session/ParameterSet.h"
 
 namespace desk {
