@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPrinter>
+#include <QSignalSpy>
 #include <QTimer>
 
 #include "desk/session/DrsDrawing.h"
@@ -53,9 +54,9 @@ struct SummaryScreenTest : testing::Test {
         session.Connect();
         std::uint32_t after = 0;
         for (const auto& step : steps) {
-            desk.clock.After(after += 60000, step);
+            desk.clock.After(after += 20000, step);
         }
-        desk.clock.After(after + 60000, [this] { session.Disconnect(); });
+        desk.clock.After(after + 20000, [this] { session.Disconnect(); });
         session.GetData();
     }
     double Station(const char* description) { return values.ValueAt(*values.Find(description), desk.clock.Now()); }
@@ -200,7 +201,7 @@ TEST_F(SummaryScreenTest, TheDrawingTellsWhatWasReadAndNothingElse) {
     drawing.Show(other.Parameters(), false);
     EXPECT_EQ(drawing.accessibleDescription().count("N/A"), 12);
     other.Connect();
-    desk.clock.After(60000, [&] { other.Disconnect(); });
+    desk.clock.After(20000, [&] { other.Disconnect(); });
     other.GetData();
     drawing.Show(other.Parameters(), false);
     const std::string words = drawing.accessibleDescription().toStdString();

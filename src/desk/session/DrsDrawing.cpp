@@ -16,8 +16,8 @@ const QString shutWord = "CLOSE";
 
 // The drawing's own measure; the painter scales it to the window.
 constexpr QSizeF sheet(900, 440);
-constexpr double upper = 110;  // the streams
-constexpr double lower = 290;
+constexpr double stream1 = 110;
+constexpr double stream2 = 290;
 constexpr double middle = 200;  // the pipe before and behind them
 constexpr double split = 270;
 constexpr double join = 640;
@@ -96,8 +96,8 @@ void FrmPNI::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(palette().color(QPalette::WindowText), 3));
     Pipes(painter);
     Filter(painter);
-    Stream(painter, upper, Shut1, Regulator1, "1");
-    Stream(painter, lower, Shut2, Regulator2, "2");
+    Stream(painter, stream1, Shut1, Regulator1, "1");
+    Stream(painter, stream2, Shut2, Regulator2, "2");
     Odoriser(painter);
     Cabinet(painter);
 }
@@ -119,7 +119,8 @@ void FrmPNI::Write(QPainter& painter, double x, double y, const QString& caption
 
 void FrmPNI::Pipes(QPainter& painter) const {
     painter.drawLine(QLineF(20, middle, split, middle));
-    painter.drawPolyline(QPolygonF({{join, upper}, {split, upper}, {split, lower}, {join, lower}, {join, upper}}));
+    painter.drawPolyline(
+        QPolygonF({{join, stream1}, {split, stream1}, {split, stream2}, {join, stream2}, {join, stream1}}));
     painter.drawLine(QLineF(join, middle, 880, middle));
     Arrow(painter, 110, middle);
     Arrow(painter, 880, middle);
