@@ -38,7 +38,7 @@ ConfigParams fetch_params(core::Database& dbconn, core::Logs& logs, const core::
                 core::DateText(now) + " " + core::TimeText(now) + lineEnd + "** PARAMETERS **" + lineEnd;
     for (const core::Row& row :
          dbconn.Query("select distinct description,locationID,lastvalue,CFP,type,unit from ConfigData_Detail where "
-                      "streamNo=? and locationID = ?",
+                      "streamNo=? and locationID = ? order by description",
                       {streamno, station})) {
         if (row.Bool("CFP")) {
             list.text += "\t" + row.Text("description") + " = " + Value(row, master->isCW) + lineEnd;

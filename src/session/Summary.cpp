@@ -80,9 +80,10 @@ std::array<SummaryFigure, summaryItems.size()> ReadSummary(core::Database& dbcon
                 figures[i] = {Shown(item.form, row->second), "", true};
             }
         } else if (const auto* row = RowOf(session.Parameters(), item.figure, session.GetStation().isCW)) {
-            figures[i].unit = row->unit;
+            figures[i].unit = item.form == SummaryForm::Hour ? "" : row->unit;
+            figures[i].known = row->read;
             if (row->read) {
-                figures[i] = {Shown(item.form, row->lastvalue), row->unit, true};
+                figures[i].text = Shown(item.form, row->lastvalue);
             }
         }
     }

@@ -40,7 +40,8 @@ struct NoView final : session::SessionView {
 struct SummaryScreenTest : testing::Test {
     support::ScreenDesk desk;
     std::int64_t station = demo::AddStation(desk.dbconn, {"O'Brien's <b>Mill</b>", "TeleFlow", "Modbus", "RTU", 1, 1});
-    fieldsim::SignalList& values = *desk.OpenField().Values(station, 1, "PID Loop Mode");
+    fieldsim::Field& field = desk.OpenField();
+    fieldsim::SignalList& values = *field.Values(station, 1, "PID Loop Mode");
     NoView view;
     session::Session session{desk.place, desk.scheduler, view, station};
 
@@ -194,8 +195,8 @@ TEST_F(SummaryScreenTest, TheListIsShownSavedAndPrinted) {
 TEST_F(SummaryScreenTest, TheDrawingTellsWhatWasReadAndNothingElse) {
     desk.dbconn.Execute("delete from configdata_detail where description = 'DRS Odorant Level'");
     session::Session other(desk.place, desk.scheduler, view, station);
-    values.Fix("SSV Stream1", 1);
-    values.Fix("SSV Stream2", 0);
+    field.Values(station, 1, "SSV Stream1")->Fix("SSV Stream1", 1);
+    field.Values(station, 1, "SSV Stream2")->Fix("SSV Stream2", 0);
     values.Fix("DRS Inlet Pressure", 18.256);
     desk::FrmPNI drawing;
     drawing.Show(other.Parameters(), false);

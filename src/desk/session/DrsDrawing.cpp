@@ -19,7 +19,7 @@ constexpr QSizeF sheet(900, 440);
 constexpr double stream1 = 110;
 constexpr double stream2 = 290;
 constexpr double middle = 200;  // the pipe before and behind them
-constexpr double split = 270;
+constexpr double split = 295;
 constexpr double join = 640;
 constexpr double tank = 705;
 constexpr double valveHalf = 22;
@@ -122,17 +122,17 @@ void FrmPNI::Pipes(QPainter& painter) const {
     painter.drawPolyline(
         QPolygonF({{join, stream1}, {split, stream1}, {split, stream2}, {join, stream2}, {join, stream1}}));
     painter.drawLine(QLineF(join, middle, 880, middle));
-    Arrow(painter, 110, middle);
+    Arrow(painter, 100, middle);
     Arrow(painter, 880, middle);
-    Write(painter, 88, middle - 56, "Inlet", InletPressure);
-    Write(painter, 88, middle + 12, "Low limit", InletLowLimit);
+    Write(painter, 80, middle - 56, "Inlet", InletPressure);
+    Write(painter, 80, middle + 12, "Low limit", InletLowLimit);
     Write(painter, 812, middle - 56, "Outlet", OutletPressure);
     Write(painter, 812, middle + 12, "Gas temperature", GasTemperature);
 }
 
 // A square on its corner with the screen across.
 void FrmPNI::Filter(QPainter& painter) const {
-    constexpr double x = 205;
+    constexpr double x = 218;
     constexpr double half = 30;
     painter.save();
     painter.setBrush(palette().color(QPalette::Window));
@@ -140,7 +140,7 @@ void FrmPNI::Filter(QPainter& painter) const {
     painter.setPen(QPen(painter.pen().color(), 2, Qt::DashLine));
     painter.drawLine(QLineF(x, middle - half, x, middle + half));
     painter.restore();
-    Write(painter, x, middle + 100, "Filter DP", FilterDP);
+    Write(painter, x - 8, middle + 46, "Filter DP", FilterDP);
 }
 
 // An open valve is empty, a shut one is filled and has a bar across the pipe, of one that is not known there is a

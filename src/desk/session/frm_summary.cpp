@@ -13,7 +13,7 @@ namespace desk {
 namespace {
 
 constexpr int refreshMs = 1000;
-constexpr double figureSize = 1.5;  // of the font's
+constexpr double figureSize = 1.8;  // of the font's
 const QString requestPending = "Write Request Pending.....";
 
 QString Text(std::string_view text) {
@@ -35,6 +35,7 @@ frm_summary::frm_summary(Desk& desk, session::Session& session)
         figure.button = findChild<QPushButton*>(name);
         figure.unit = findChild<QLabel*>("unit_" + name);
         Mute(figure.unit);
+        Mute(findChild<QLabel*>("cap_" + name));
         findChild<QWidget*>(name)->setFont(Larger(font(), figureSize));
         if (figure.button != nullptr) {
             connect(figure.button, &QPushButton::clicked, this, [this, i] { ChooseFigure(i); });

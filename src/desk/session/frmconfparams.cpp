@@ -15,6 +15,7 @@ frmconfparams::frmconfparams(Desk& desk, const QString& text)
     ui_->setupUi(this);
     Title("Configurable Parameters");
     ui_->rtbconfparams->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    ui_->rtbconfparams->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     ui_->rtbconfparams->setPlainText(text);
     connect(ui_->cmdprint, &QPushButton::clicked, this, &frmconfparams::cmdprint);
     connect(ui_->cmdsave, &QPushButton::clicked, this, &frmconfparams::cmdsave);
