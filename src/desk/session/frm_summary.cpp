@@ -13,7 +13,7 @@ namespace desk {
 namespace {
 
 constexpr int refreshMs = 1000;
-constexpr double figureSize = 1.8;  // of the font's
+constexpr double figureSize = 2;  // of the font's
 const QString requestPending = "Write Request Pending.....";
 
 QString Text(std::string_view text) {
