@@ -54,11 +54,13 @@ struct SummaryScreenTest : testing::Test {
     void Poll(const std::vector<std::function<void()>>& steps) {
         session.Connect();
         std::uint32_t after = 0;
+        std::size_t done = 0;
         for (const auto& step : steps) {
-            desk.clock.After(after += 20000, step);
+            desk.clock.After(after += 20000, [&step, &done] { step(), ++done; });
         }
         desk.clock.After(after + 20000, [this] { session.Disconnect(); });
         session.GetData();
+        EXPECT_EQ(done, steps.size());
     }
     double Station(const char* description) { return values.ValueAt(*values.Find(description), desk.clock.Now()); }
 };
@@ -172,6 +174,30 @@ TEST_F(SummaryScreenTest, WithoutALineOnlyTheOperatorsOwnFiguresAreChanged) {
     EXPECT_EQ(Text(form, "lbAdd"), "12.5");
     EXPECT_EQ(Text(form, "lblreq"), "");
     EXPECT_EQ(desk.Count("SummaryPara where lastvalue = 12.5 and description = 'Additional'"), 1);
+}
+
+TEST_F(SummaryScreenTest, AValueThatWasMeantForOneStreamIsNotWrittenToAnother) {
+    const auto two =
+        demo::AddStation(desk.dbconn, {"Two", "CWEFM-MultiStream", "BSAP", "", 2, 1, "", 2, {"AGA3", "AGA7"}});
+    desk.OpenField();
+    session::Session other(desk.place, desk.scheduler, view, two);
+    auto& form = desk.Open<desk::frm_summary>(other);
+    EXPECT_EQ(Text(form, "lblconsumer"), "Two, stream 1");
+    other.Connect();
+    desk.clock.After(20000, [&] {
+        Click(form, "lb_N2");
+        EXPECT_TRUE(The(form, "fra_write").isVisible());
+        other.ChooseStream(2);
+    });
+    desk.clock.After(40000, [&] {
+        Type(form, "txt_value", "1.5");
+        Click(form, "cmd_ok");
+        EXPECT_EQ(Text(form, "lblconsumer"), "Two, stream 2");
+        EXPECT_FALSE(other.WritePending());
+        other.Disconnect();
+    });
+    other.GetData();
+    EXPECT_EQ(Text(form, "lblreq"), "Not set: another stream is shown now");
 }
 
 TEST_F(SummaryScreenTest, TheListIsShownSavedAndPrinted) {

@@ -40,11 +40,13 @@ struct SummaryTest : testing::Test {
 
     void Open(std::int64_t station) { session = std::make_unique<Session>(desk.place, desk.scheduler, view, station); }
     // Polls the station until `work` has run and its request is served; then the operator disconnects.
-    void Poll(std::function<void()> work) {
+    void Poll(const std::function<void()>& work) {
         session->Connect();
-        desk.clock.After(20000, std::move(work));
+        bool done = false;
+        desk.clock.After(20000, [&] { work(), done = true; });
         desk.clock.After(40000, [this] { session->Disconnect(); });
         session->GetData();
+        EXPECT_TRUE(done);
     }
 
     SummaryFigure Figure(const std::string& label) {

@@ -26,7 +26,6 @@ frm_summary::frm_summary(Desk& desk, session::Session& session)
     : Page(desk, "Summary"), session_(session), ui_(std::make_unique<Ui::frm_summary>()) {
     ui_->setupUi(this);
     Title("Summary");
-    ui_->lblconsumer->setText(QString::fromStdString(session_.GetStation().consumer));
     ui_->lblconsumer->setFont(Larger(font(), figureSize, true));
     for (std::size_t i = 0; i < controls_.size(); ++i) {
         const QString name = Text(session::summaryItems[i].label);
@@ -68,6 +67,9 @@ void frm_summary::Fill() {
             controls_[i].button->setText(text);
         }
     }
+    const auto& station = session_.GetStation();
+    ui_->lblconsumer->setText(QString::fromStdString(station.consumer) +
+                              (station.No_Stream > 1 ? ", stream " + QString::number(session_.StreamNo()) : QString()));
     const auto at = session_.ValuesAt();
     ui_->lblread->setText(at ? "Read " + QString::fromStdString(core::DateText(*at) + " " + core::TimeText(*at))
                              : "Not read yet");
@@ -101,6 +103,7 @@ void frm_summary::ChooseFigure(std::size_t item) {
 
 void frm_summary::Open(std::size_t item) {
     item_ = item;
+    streamno_ = session_.StreamNo();
     const bool switched = session::IsSwitched(session::summaryItems[item]);
     ui_->lb_para->setText(Text(session::summaryItems[item].name));
     ui_->txt_value->setText(QString::fromStdString(figures_[item].text));
@@ -126,7 +129,14 @@ void frm_summary::cmd_toggle() {
     ui_->txt_value->setText(QString::fromStdString(session::ToggledSummary(ui_->txt_value->text().toStdString())));
 }
 
+// A stream that was chosen before the figure may come after it: the value was meant for the other one.
 void frm_summary::cmd_ok() {
+    if (session_.StreamNo() != streamno_) {
+        CloseWrite();
+        Fill();
+        ui_->lblreq->setText("Not set: another stream is shown now");
+        return;
+    }
     Guarded([this] {
         const auto answer = session::SetSummary(desk_.dbconn, session_, session::summaryItems[item_],
                                                 ui_->txt_value->text().toStdString());

@@ -49,6 +49,7 @@ class frm_summary : public Page {
     std::array<Figure, session::summaryItems.size()> controls_;
     std::array<session::SummaryFigure, session::summaryItems.size()> figures_;
     std::size_t item_ = 0;  // the one in fra_write
+    int streamno_ = 0;      // and the stream that it was chosen of
 };
 
 }  // namespace desk
