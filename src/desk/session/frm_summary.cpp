@@ -110,6 +110,8 @@ void frm_summary::Open(std::size_t item) {
     ui_->txt_value->setReadOnly(switched);
     ui_->txt_value->selectAll();
     ui_->cmd_toggle->setVisible(switched);
+    ui_->cmd_toggle->setDefault(switched);
+    ui_->cmd_ok->setDefault(!switched);
     ui_->fra_write->show();
     CloseCommand(ui_->cmd_cancel);
     if (switched) {
