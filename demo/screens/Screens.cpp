@@ -26,7 +26,6 @@
 #include "desk/reports/frmemail.h"
 #include "desk/reports/frmemail_settings.h"
 #include "desk/reports/frmemaildetails.h"
-#include "desk/session/StationDoor.h"
 #include "desk/stations/frmconfigstation.h"
 #include "desk/stations/frmportsetting.h"
 
@@ -180,33 +179,37 @@ QWidget* MailSettings(Stage& stage) {
 }  // namespace
 
 const std::vector<Screen>& Screens() {
-    static const std::vector<Screen> screens{
-        {"login", Login},
-        {"overview", Overview},
-        {"menu", [](Stage& stage) { return Click(stage, "cmdMenu"); }},
-        {"group", Page<desk::frmshowdata>(1)},
-        {"station", Page<desk::StationDoor>(std::int64_t{3})},
-        {"utility", Page<desk::frmHisErrLog>()},
-        {"stations", Page<desk::frmconfigstation>()},
-        {"station_new", NewStation},
-        {"station_multistream", [](Stage& stage) { return ShowStation(stage, 3); }},
-        {"port_setting", PortSetting},
-        {"scheduler", Page<desk::frmScheduler>()},
-        {"gas", Page<desk::frmGCWrite>()},
-        {"daily_report", DailyReport},
-        {"scheduler_data", Page<desk::frm_Sch_Data>()},
-        {"history", History},
-        {"chart_line", [](Stage& stage) { return Chart(stage, "cmdLineChart"); }},
-        {"chart_bar", [](Stage& stage) { return Chart(stage, "cmdBarChart"); }},
-        {"dialout", Dialout},
-        {"users", Users},
-        {"user", EditUser},
-        {"audit", Audit},
-        {"error_log", ErrorLog},
-        {"mail", Mail},
-        {"mail_addressees", Page<desk::frmemaildetails>()},
-        {"mail_settings", MailSettings},
-    };
+    static const std::vector<Screen> screens = [] {
+        std::vector<Screen> all{
+            {"login", Login},
+            {"overview", Overview},
+            {"menu", [](Stage& stage) { return Click(stage, "cmdMenu"); }},
+            {"group", Page<desk::frmshowdata>(1)},
+            {"utility", Page<desk::frmHisErrLog>()},
+            {"stations", Page<desk::frmconfigstation>()},
+            {"station_new", NewStation},
+            {"station_multistream", [](Stage& stage) { return ShowStation(stage, 3); }},
+            {"port_setting", PortSetting},
+            {"scheduler", Page<desk::frmScheduler>()},
+            {"gas", Page<desk::frmGCWrite>()},
+            {"daily_report", DailyReport},
+            {"scheduler_data", Page<desk::frm_Sch_Data>()},
+            {"history", History},
+            {"chart_line", [](Stage& stage) { return Chart(stage, "cmdLineChart"); }},
+            {"chart_bar", [](Stage& stage) { return Chart(stage, "cmdBarChart"); }},
+            {"dialout", Dialout},
+            {"users", Users},
+            {"user", EditUser},
+            {"audit", Audit},
+            {"error_log", ErrorLog},
+            {"mail", Mail},
+            {"mail_addressees", Page<desk::frmemaildetails>()},
+            {"mail_settings", MailSettings},
+        };
+        const auto session = SessionScreens();
+        all.insert(all.end(), session.begin(), session.end());
+        return all;
+    }();
     return screens;
 }
 

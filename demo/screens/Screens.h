@@ -13,9 +13,14 @@ struct Screen {
     std::string name;  // of its picture
     // Brings it to the front and returns what is to be looked at: the shell, or a window of its own.
     std::function<QWidget*(Stage&)> show;
+    // Set: what is shown is alive only inside this, which calls `look` once.
+    std::function<void(Stage&, const std::function<void()>& look)> alive{};
 };
 
 // All screens, each in the states that look different.
 const std::vector<Screen>& Screens();
+
+// Those of a session and of the register editor, which stand among them.
+std::vector<Screen> SessionScreens();
 
 }  // namespace demo

@@ -43,6 +43,9 @@ Stage::Stage(const std::filesystem::path& delivered, const std::filesystem::path
     for (const DemoStation& station : OneOfEach("08:00")) {
         AddStation(dbconn_, station);
     }
+    // A district regulating station, which is only watched.
+    const auto drs = AddStation(dbconn_, {"Regulator 7", "TeleRTU(M)", "Modbus", "RTU", 6, 1, "", 1, {}, "14:30"});
+    dbconn_.Execute("update configdata_master set drs = 2 where locationID = ?", {drs});
     Collect();
     for (const WallStation& station : wall) {
         const auto locationID = AddStation(
@@ -55,6 +58,7 @@ Stage::Stage(const std::filesystem::path& delivered, const std::filesystem::path
 // The schedule of three weeks, on which the field has its bad days.
 void Stage::Collect() {
     fieldsim::FieldOptions options;
+    options.alarmCycle = 300;
     options.modems[3] = {{"NO CARRIER", 6000}, {"CONNECT 9600", 5000}};
     field_ = std::make_unique<fieldsim::Field>(dbconn_, options);
     field_->AttachTo(serial_);

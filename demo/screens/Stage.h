@@ -31,6 +31,7 @@ class Stage {
     void LogIn();
 
     desk::Desk& Surroundings() { return desk_; }
+    fieldsim::VirtualClock& Clock() { return clock_; }
     desk::mainfrm& Shell() { return *shell_; }
     desk::Page& Front() { return *navigator_.Front(); }
 

@@ -41,9 +41,14 @@ int main(int argc, char** argv) {
             stage.LogIn();
             for (const demo::Screen& screen : demo::Screens()) {
                 QWidget* window = screen.show(stage);
-                Settle();
                 const QString file = QString::fromStdString((pictures / (screen.name + ".png")).string());
-                if (!window->grab().save(file)) {
+                bool saved = false;
+                const auto look = [&] {
+                    Settle();
+                    saved = window->grab().save(file);
+                };
+                screen.alive ? screen.alive(stage, look) : look();
+                if (!saved) {
                     std::cerr << "demo_screens: " << file.toStdString() << " cannot be written\n";
                     return 1;
                 }

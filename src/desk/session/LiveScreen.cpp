@@ -11,8 +11,12 @@
 #include "desk/core/Grid.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/Page.h"
+#include "desk/session/DrsDrawing.h"
 #include "desk/session/TrafficPanel.h"
+#include "desk/session/frm_summary.h"
+#include "desk/session/frmconfparams.h"
 #include "session/Buttons.h"
+#include "session/ConfigParams.h"
 #include "session/ValueText.h"
 #include "ui_frmparalist.h"
 
@@ -54,6 +58,11 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
     ui_.lblconsumer->setText(Text(station.consumer));
     ui_.cmd_arc->setText(Speaks(station, "BSAP") ? "&Archive/Audit" : "&Archive");
     ui_.trafficplace->addWidget(traffic_);
+    Grid& drs = ui_.gridtab->GridOf(*session::GroupOf("DRS"));
+    drawing_ = new FrmPNI(drs.parentWidget());
+    drs.parentWidget()->layout()->addWidget(drawing_);
+    drawing_->hide();
+    ui_.cmdDRS->setVisible(session_.Look().drs != 0);
     traffic_->Station(station.protocol, station.mode, station.isCW);
     traffic_->hide();
     ConnectCommands();
@@ -88,6 +97,8 @@ void LiveScreen::ConnectCommands() {
     Command(ui_.cmdtime, &LiveScreen::SetTime);
     Command(ui_.chkMultiple, &LiveScreen::Multiple);
     Command(&ui_.gridtab->cmdgc(), &LiveScreen::Multiple);
+    Command(ui_.cmd_summary, &LiveScreen::OpenSummary);
+    Command(ui_.cmdDRS, &LiveScreen::SwapDrawing);
     NotHere(ui_.cmd_arc, "The archive");
     NotHere(ui_.cmdfetch, "The list fetch");
     NotHere(ui_.cmdSignalSearch, "The signal search");
@@ -140,6 +151,28 @@ void LiveScreen::SetTime() {
     if (MayWrite()) {
         session_.AskTime();
     }
+}
+
+void LiveScreen::OpenSummary() {
+    desk_.navigator.Open(new frm_summary(desk_, session_));
+}
+
+void LiveScreen::ShowParameters() {
+    const auto list = session::fetch_params(desk_.dbconn, desk_.logs, desk_.clock, session_.GetStation().locationID,
+                                            session_.StreamNo());
+    if (!list.written) {
+        Status("The list could not be written to its file");
+    }
+    desk_.navigator.Open(new frmconfparams(desk_, Text(list.text)));
+}
+
+// The grid of a district regulating station and its drawing stand in each other's place.
+void LiveScreen::SwapDrawing() {
+    const bool drawing = drawing_->isHidden();
+    ui_.gridtab->BringForward(*session::GroupOf("DRS"));
+    ui_.gridtab->GridOf(*session::GroupOf("DRS")).setVisible(!drawing);
+    drawing_->setVisible(drawing);
+    ui_.cmdDRS->setText(drawing ? "Show Dat&a" : "Show &P&&I");
 }
 
 bool LiveScreen::MayClose() {
@@ -320,7 +353,8 @@ void LiveScreen::Ended(const std::string& reason, bool polled) {
     }
     EverySecond();
     if (reason.empty() && polled) {
-        AskBox(&page_, "Do you want to see list of configurable parameters?", page_.windowTitle(), [] {});
+        AskBox(&page_, "Do you want to see list of configurable parameters?", page_.windowTitle(),
+               [this] { Guarded([this] { ShowParameters(); }); });
     }
 }
 
@@ -361,8 +395,13 @@ void LiveScreen::Draw() {
         ui_.gridtab->Show(group, RowsOf(group));
     }
     ui_.gridtab->setCurrentIndex(ui_.gridtab->currentIndex());
+    ShowFigures();
+}
+
+void LiveScreen::ShowFigures() {
     status_.Show(session_);
     status_.ShowAge(session_, desk_.clock.Now());
+    drawing_->Show(session_.Parameters(), session_.GetStation().isCW);
 }
 
 // A state is told by a word beside the unit as well as by the colour of the value.
@@ -402,8 +441,7 @@ void LiveScreen::Refreshed() {
             ShowRow({group, row});
         }
     }
-    status_.Show(session_);
-    status_.ShowAge(session_, desk_.clock.Now());
+    ShowFigures();
 }
 
 // Buttons ------------------------------------------------------------------------------------------------------------

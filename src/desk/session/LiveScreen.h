@@ -20,6 +20,7 @@ class frmparalist;
 
 namespace desk {
 
+class FrmPNI;
 class MultipleWrite;
 class Page;
 class SessionStatus;
@@ -63,7 +64,8 @@ class LiveScreen final : public QObject, public session::SessionView {
     void SetTime();
     void Multiple();
     void OpenSummary();
-    void ShowDrawing();
+    void ShowParameters();
+    void SwapDrawing();
     void NotHere(QAbstractButton* button, const char* what);
 
     void ChooseRow(std::size_t group, std::size_t row);
@@ -79,6 +81,7 @@ class LiveScreen final : public QObject, public session::SessionView {
     std::vector<QStringList> RowsOf(std::size_t group) const;
     QString UnitCell(const session::RowPlace& place) const;
     void ShowRow(const session::RowPlace& place);
+    void ShowFigures();
     void ShowButtons();
     void EverySecond();
 
@@ -89,6 +92,7 @@ class LiveScreen final : public QObject, public session::SessionView {
     WriteFrame& write_;
     MultipleWrite& multiple_;
     TrafficPanel* traffic_;
+    FrmPNI* drawing_ = nullptr;
     session::Session session_;
     QTimer seconds_;
     std::array<QPushButton*, 4> streams_;
