@@ -39,8 +39,24 @@ void ChooseRow(desk::frmparalist& page, const char* aga, const char* description
     Q_EMIT grid.RowChosen(grid.Row());
 }
 
-// A session with a station that has been polled for a while. `work` is done before the look.
-Screen Live(const std::string& name, std::int64_t locationID, Work work = {}) {
+bool AlwaysReady(const session::Session&) {
+    return true;
+}
+
+// Live values on both sides of their limits.
+bool ShowsAlarms(const session::Session& session) {
+    bool low = false;
+    bool high = false;
+    for (const auto& live : session.Alarms()) {
+        low = low || (live.place.row < 21 && live.state == session::AlarmState::LoLo);
+        high = high || (live.place.row < 21 && live.state == session::AlarmState::HiHi);
+    }
+    return low && high;
+}
+
+// A session with a station that has been polled for a while, until it is `ready`. `work` is done before the look.
+Screen Live(const std::string& name, std::int64_t locationID, Work work = {},
+            bool (*ready)(const session::Session&) = AlwaysReady) {
     Screen screen;
     screen.name = name;
     screen.show = [locationID](Stage& stage) {
@@ -48,17 +64,17 @@ Screen Live(const std::string& name, std::int64_t locationID, Work work = {}) {
         stage.Open<desk::frmparalist>(locationID);
         return static_cast<QWidget*>(&stage.Shell());
     };
-    screen.alive = [work](Stage& stage, const std::function<void()>& look) {
+    screen.alive = [work, ready](Stage& stage, const std::function<void()>& look) {
         desk::frmparalist& page = Front(stage);
         session::Session& session = *page.GetSession();
         Press(page, "cmdConnect");
         auto polls = std::make_shared<int>(0);
         auto last = std::make_shared<std::optional<core::DateTime>>();
         const auto turn = std::make_shared<std::function<void()>>();
-        *turn = [&stage, &page, &session, work, look, polls, last, turn] {
+        *turn = [&stage, &page, &session, work, look, polls, last, turn, ready] {
             *polls += session.ValuesAt() != *last ? 1 : 0;
             *last = session.ValuesAt();
-            if (*polls < 3) {
+            if (*polls < 3 || (!ready(session) && *polls < 400)) {
                 stage.Clock().After(20, *turn);
                 return;
             }
@@ -78,9 +94,13 @@ Screen Live(const std::string& name, std::int64_t locationID, Work work = {}) {
 
 // One tab of a session.
 Screen Tab(const std::string& name, std::int64_t locationID, int tab) {
-    return Live("session_" + name, locationID, [tab](Stage&, desk::frmparalist& page) {
-        page.findChild<desk::ParameterTabs*>("gridtab")->setCurrentIndex(tab);
-    });
+    constexpr int alarmTab = 5;
+    return Live(
+        "session_" + name, locationID,
+        [tab](Stage&, desk::frmparalist& page) {
+            page.findChild<desk::ParameterTabs*>("gridtab")->setCurrentIndex(tab);
+        },
+        tab == alarmTab ? ShowsAlarms : AlwaysReady);
 }
 
 // The register editor on a new station that is laid out by hand, with some of its addresses given.

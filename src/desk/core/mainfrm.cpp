@@ -102,6 +102,10 @@ void mainfrm::Tick() {
         }
     });
     desk_.scheduler.Tick();
+    // A tick inside a run returns at once; the outer one ends the program when its run has unwound.
+    if (ending_) {
+        EndWhenFree();
+    }
 }
 
 void mainfrm::LogOff() {

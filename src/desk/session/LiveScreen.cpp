@@ -41,6 +41,11 @@ QString Text(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// Nothing for a signal that was never read, and for the values of a unit that has no addresses.
+QString AddressCell(const session::ParameterRow& row) {
+    return row.MSD == 0 ? QString() : QString::number(row.MSD);
+}
+
 }  // namespace
 
 LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t locationID)
@@ -82,7 +87,7 @@ void LiveScreen::Guarded(const std::function<void()>& work) {
         work();
     } catch (const std::exception& failure) {
         desk_.logs.WriteRtuErr(failure.what());
-        Status(failure.what());
+        desk_.feedback.Status(failure.what());
     }
 }
 
@@ -172,7 +177,8 @@ void LiveScreen::SwapDrawing() {
     ui_.gridtab->BringForward(*session::GroupOf("DRS"));
     ui_.gridtab->GridOf(*session::GroupOf("DRS")).setVisible(!drawing);
     drawing_->setVisible(drawing);
-    ui_.cmdDRS->setText(drawing ? "Show Dat&a" : "Show &P&&I");
+    ui_.cmdDRS->setText(drawing ? "Show Data" : "Show P&&I");
+    ui_.cmdDRS->setShortcut(Qt::ALT | Qt::Key_P);
 }
 
 bool LiveScreen::MayClose() {
@@ -296,7 +302,6 @@ void LiveScreen::SendMultiple() {
 
 void LiveScreen::Status(const std::string& text) {
     ui_.lblmsg->setText(Text(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
-    desk_.feedback.Status(text);
 }
 
 void LiveScreen::Box(const std::string& text) {
@@ -381,9 +386,8 @@ void LiveScreen::ArrangeTabs() {
 
 std::vector<QStringList> LiveScreen::RowsOf(std::size_t group) const {
     std::vector<QStringList> rows;
-    const bool isModbus = Speaks(session_.GetStation(), "Modbus");
     for (const session::ParameterRow& row : session_.Parameters().Of(group)) {
-        rows.push_back({isModbus || row.MSD != 0 ? QString::number(row.MSD) : QString(), Text(row.Description),
+        rows.push_back({AddressCell(row), Text(row.Description),
                         Text(session::ValueCell(row, session_.GetStation().isCW)), Text(row.unit)});
     }
     return rows;
@@ -419,7 +423,7 @@ void LiveScreen::ShowRow(const session::RowPlace& place) {
     const session::ParameterRow& row = session_.Parameters().At(place);
     ParameterTabs& tabs = *ui_.gridtab;
     tabs.Cell(place.group, place.row, valueColumn, Text(session::ValueCell(row, session_.GetStation().isCW)));
-    tabs.Cell(place.group, place.row, addressColumn, QString::number(row.MSD));
+    tabs.Cell(place.group, place.row, addressColumn, AddressCell(row));
     tabs.Cell(place.group, place.row, unitColumn, UnitCell(place));
     if (row.changed) {
         tabs.GridOf(place.group).Mark(tabs.GridRow(place.group, place.row), valueColumn);
