@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -308,30 +309,43 @@ TEST(SessionTest, NoSessionBeginsWhileStationsAreCollected) {
     EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday"));
 }
 
+// Answers whatever it is sent with the same text.
+struct Parrot final : fieldsim::Device {
+    explicit Parrot(std::string word) : answer(std::move(word)) {}
+    std::string answer;
+    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override {
+        return answer.empty() ? std::vector<fieldsim::Answer>() : std::vector<fieldsim::Answer>{{answer, 100}};
+    }
+};
+
 TEST(SessionTest, ConnectionsThatFailSayWhyAndGiveTheLineBack) {
+    const demo::DemoStation far{"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"};
+    const fieldsim::DialOutcome noCarrier{"NO CARRIER", 3000};
     const struct {
         const char* what;
         demo::DemoStation station;
         std::vector<fieldsim::DialOutcome> dials;
-        bool silent;
+        std::optional<std::string> answers;  // by what stands on the port in place of modem or station
         const char* box;
     } cases[] = {
-        {"no sign-on", teleCorrector, {}, true, "RTU Dead"},
+        {"no sign-on", teleCorrector, {}, "", "RTU Dead"},
+        {"no modem", far, {}, "", "Check if Modem is plugged-in and power is on"},
+        {"a modem of another mind", far, {}, "ERROR\r\n", "Modem not Configured"},
         {"no carrier three times",
-         {"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"},
-         {{"NO CARRIER", 3000}, {"NO CARRIER", 3000}, {"NO CARRIER", 3000}},
-         false,
+         far,
+         {noCarrier, noCarrier, noCarrier},
+         std::nullopt,
          "No Dialtone/Line Engaged/Remote Modem not Responding"},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
-        Silence nobody;
+        Parrot parrot(test.answers.value_or(""));
         SessionDesk desk;
         fieldsim::FieldOptions options;
         options.modems[1] = {test.dials.begin(), test.dials.end()};
         desk.Open(test.station, options);
-        if (test.silent) {
-            desk.line.Attach(1, nobody);
+        if (test.answers) {
+            desk.line.Attach(1, parrot);
         }
         desk.session->Connect();
         EXPECT_EQ(desk.session->GetState(), State::Idle);
@@ -339,6 +353,35 @@ TEST(SessionTest, ConnectionsThatFailSayWhyAndGiveTheLineBack) {
         EXPECT_EQ(desk.view.ends.size(), 1U);
         EXPECT_FALSE(desk.fieldLine.InUse());
         EXPECT_FALSE(desk.line.PortOpen());
+        EXPECT_FALSE(desk.Master(desk.locationID).Bool("sampledtoday"));
+    }
+}
+
+TEST(SessionTest, ADialIsToldStepByStep) {
+    SessionDesk desk;
+    fieldsim::FieldOptions options;
+    options.modems[1] = {{"NO CARRIER", 3000}, {"CONNECT 9600", 3000}};
+    desk.Open({"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options).Connect();
+    for (const char* text : {"Redial Count:0", "Dialing 4170253", "Response From Modem:", "Redial Count:1",
+                             "Connected to Location ", "Connected"}) {
+        EXPECT_THAT(desk.view.status, Contains(HasSubstr(text)));
+    }
+    desk.session->Disconnect();
+    EXPECT_EQ(desk.view.status.back(), "Disconnected");
+    EXPECT_FALSE(desk.line.PortOpen());
+}
+
+TEST(SessionTest, AStationThatFallsSilentEndsTheSession) {
+    Silence nobody;
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector, quantum}) {
+        SCOPED_TRACE(station.consumer);
+        SessionDesk desk;
+        desk.Open(station).Connect();
+        desk.view.onRefreshed = [&] { desk.line.Attach(1, nobody); };
+        desk.session->GetData();
+        EXPECT_THAT(desk.view.ends, ElementsAre("Remote Station not Responding"));
+        EXPECT_EQ(desk.session->GetState(), State::Idle);
+        EXPECT_GT(desk.session->Requests().failed, 0);
         EXPECT_FALSE(desk.Master(desk.locationID).Bool("sampledtoday"));
     }
 }
