@@ -201,13 +201,14 @@ void Session::GetData() {
 }
 
 void Session::Loop() {
-    polled_ = true;
     TurnTo(State::Polling);
     talk_->station.MB_CONFIG = StationOf(place_.dbconn, station_.locationID).MB_CONFIG;
     if (!poll_->Prepare()) {
         Fail("No Modbus Address Found");
         view_.Box(endReason_);
+        return;
     }
+    polled_ = true;
     while (collstatus_ && !talk_->Ended()) {
         ServeRequests();
         if (talk_->Ended()) {

@@ -128,6 +128,7 @@ void LiveScreen::ConnectCommands() {
     connect(&write_, &WriteFrame::Write, this, [this] { Guarded([this] { Write(); }); });
     connect(&write_, &WriteFrame::Left, this, &LiveScreen::FrameLeft);
     connect(ui_.chktraffic, &QCheckBox::toggled, traffic_, &QWidget::setVisible);
+    connect(ui_.chktraffic, &QCheckBox::toggled, ui_.leds, &QWidget::setHidden);  // the panel has its own
 }
 
 void LiveScreen::NotHere(QAbstractButton* button, const char* what) {
@@ -309,16 +310,23 @@ void LiveScreen::Box(const std::string& text) {
 }
 
 void LiveScreen::Lamp(const std::string& lamp, const std::string& bytes) {
+    ui_.leds->Light(Text(lamp));
     traffic_->Line(Text(lamp), bytes);
 }
 
 void LiveScreen::StateChanged() {
-    wasConnected_ = wasConnected_ || session_.GetState() == session::State::Connected;
+    const bool connected = session_.GetState() == session::State::Connected;
+    wasConnected_ = wasConnected_ || connected;
     if (!session_.PollingActive()) {
         write_.Leave();
         multiple_.Leave();
     }
     ShowButtons();
+    if (connected) {
+        ui_.cmdgetdata->setFocus();
+    } else if (Grid* grid = session_.PollingActive() ? ui_.gridtab->GridInFront() : nullptr) {
+        grid->setFocus();
+    }
 }
 
 void LiveScreen::Request(const std::string& text) {

@@ -60,8 +60,8 @@ void frmparalist::ShowMode(bool online) {
         }
     }
     const std::initializer_list<QWidget*> ofSession = {
-        ui_->Op_Stream_1, ui_->Op_Stream_2, ui_->Op_Stream_3, ui_->Op_Stream_4,   ui_->status,
-        ui_->lblreq,      ui_->lblmsg,      ui_->pbupdate,    ui_->lbldisconnect, ui_->chktraffic};
+        ui_->Op_Stream_1, ui_->Op_Stream_2, ui_->Op_Stream_3,   ui_->Op_Stream_4, ui_->status, ui_->lblreq,
+        ui_->lblmsg,      ui_->pbupdate,    ui_->lbldisconnect, ui_->chktraffic,  ui_->leds};
     for (QWidget* widget : ofSession) {
         widget->setVisible(online);
     }
@@ -72,8 +72,8 @@ void frmparalist::ShowMode(bool online) {
 }
 
 void frmparalist::Activated() {
-    if (live_ != nullptr) {
-        (ui_->cmdConnect->isEnabled() ? ui_->cmdConnect : ui_->cmddisconnect)->setFocus();
+    if (live_ != nullptr && ui_->cmdConnect->isEnabled()) {
+        ui_->cmdConnect->setFocus();
     } else if (Grid* grid = ui_->gridtab->GridInFront()) {
         grid->setFocus();
     }
