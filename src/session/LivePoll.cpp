@@ -7,6 +7,7 @@
 #include "collection/StreamLists.h"
 #include "core/Text.h"
 #include "protocols/Quantum.h"
+#include "session/Speaks.h"
 
 namespace session {
 
@@ -24,10 +25,6 @@ DataKind KindOf(collection::BlockType type) {
             break;
     }
     return DataKind::Float;
-}
-
-bool Speaks(const core::Station& station, const char* protocol) {
-    return core::SameText(station.protocol, protocol);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "protocols/Bsap.h"
 #include "protocols/ModbusTransact.h"
 #include "session/Figures.h"
+#include "session/Speaks.h"
 
 namespace session {
 
@@ -83,7 +84,7 @@ bool SetStationTime(protocols::Conversation& talk, const ParameterSet& set, cons
                                               {Figure::SetMinute, time.minute},
                                               {Figure::SetSecond, time.second},
                                               {Figure::SetTime, 1}}};
-    const bool isBsap = core::SameText(talk.station.protocol, "BSAP");
+    const bool isBsap = Speaks(talk.station, "BSAP");
     std::vector<WriteRequest> requests;
     for (const Element& element : elements) {
         const ParameterRow* row = RowOf(set, element.figure, talk.station.isCW);

@@ -9,6 +9,7 @@
 #include "protocols/Modem.h"
 #include "session/LivePoll.h"
 #include "session/ServeWrite.h"
+#include "session/Speaks.h"
 
 namespace session {
 
@@ -36,10 +37,6 @@ StationLook LookOf(core::Database& dbconn, std::int64_t locationID) {
         look.drs = static_cast<int>(row->Long("drs"));
     }
     return look;
-}
-
-bool Speaks(const core::Station& station, const char* protocol) {
-    return core::SameText(station.protocol, protocol);
 }
 
 }  // namespace

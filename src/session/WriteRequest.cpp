@@ -8,6 +8,7 @@
 #include "core/Logs.h"
 #include "core/Text.h"
 #include "core/Users.h"
+#include "session/Speaks.h"
 #include "session/ValueText.h"
 #include "stations/TemplateQueries.h"
 
@@ -78,7 +79,7 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
     }
     // A station's own address of a signal is known once the signal was read; before that it may be another station's
     // or none.
-    const bool isBsap = core::SameText(context.station.protocol, "BSAP");
+    const bool isBsap = Speaks(context.station, "BSAP");
     if (row.MSD <= 0 || (isBsap && !row.read)) {
         return {std::nullopt, "The value has not been read yet"};
     }

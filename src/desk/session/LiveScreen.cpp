@@ -17,21 +17,14 @@
 #include "desk/session/frmconfparams.h"
 #include "session/Buttons.h"
 #include "session/ConfigParams.h"
-#include "session/ValueText.h"
+#include "session/Speaks.h"
 #include "ui_frmparalist.h"
 
 namespace desk {
 
 namespace {
 
-constexpr const char* columns = "|Description|>Value|Unit";
-constexpr int addressColumn = 0;
-constexpr int valueColumn = 2;
-constexpr int unitColumn = 3;
-
-bool Speaks(const core::Station& station, const char* protocol) {
-    return core::SameText(station.protocol, protocol);
-}
+using session::Speaks;
 
 collection::Workplace WorkplaceOf(Desk& desk) {
     return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.line, desk.counters};
@@ -39,11 +32,6 @@ collection::Workplace WorkplaceOf(Desk& desk) {
 
 QString Text(const std::string& text) {
     return QString::fromStdString(text);
-}
-
-// Nothing for a signal that was never read, and for the values of a unit that has no addresses.
-QString AddressCell(const session::ParameterRow& row) {
-    return row.MSD == 0 ? QString() : QString::number(row.MSD);
 }
 
 }  // namespace
@@ -54,10 +42,11 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
       page_(page),
       ui_(ui),
       status_(*ui.status),
-      write_(*ui.frmvalue),
-      multiple_(*ui.multiple),
       traffic_(new TrafficPanel(desk.clock, &page)),
       session_(WorkplaceOf(desk), desk.scheduler, *this, locationID),
+      grids_(*ui.gridtab, session_, core::IsSuperUser(desk.shared.currentuser)),
+      writing_(session_, *this, desk.shared, desk.logs, grids_,
+               {*ui.gridtab, *ui.frmvalue, *ui.multiple, *ui.chkMultiple}),
       streams_{ui.Op_Stream_1, ui.Op_Stream_2, ui.Op_Stream_3, ui.Op_Stream_4} {
     const core::Station& station = session_.GetStation();
     ui_.lblconsumer->setText(Text(station.consumer));
@@ -71,9 +60,7 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
     traffic_->Station(station.protocol, station.mode, station.isCW);
     traffic_->hide();
     ConnectCommands();
-    ArrangeTabs();
-    Draw();
-    ShowButtons();
+    Drawn();
     connect(&seconds_, &QTimer::timeout, this, &LiveScreen::EverySecond);
     seconds_.start(1000);
 }
@@ -99,11 +86,11 @@ void LiveScreen::ConnectCommands() {
     Command(ui_.cmdConnect, &LiveScreen::Connect);
     Command(ui_.cmdgetdata, &LiveScreen::GetData);
     Command(ui_.cmddisconnect, &LiveScreen::Disconnect);
-    Command(ui_.cmdtime, &LiveScreen::SetTime);
-    Command(ui_.chkMultiple, &LiveScreen::Multiple);
-    Command(&ui_.gridtab->cmdgc(), &LiveScreen::Multiple);
     Command(ui_.cmd_summary, &LiveScreen::OpenSummary);
     Command(ui_.cmdDRS, &LiveScreen::SwapDrawing);
+    connect(ui_.cmdtime, &QPushButton::clicked, &writing_, &LiveWriting::SetTime);
+    connect(ui_.chkMultiple, &QCheckBox::clicked, &writing_, &LiveWriting::Multiple);
+    connect(&ui_.gridtab->cmdgc(), &QPushButton::clicked, &writing_, &LiveWriting::Multiple);
     NotHere(ui_.cmd_arc, "The archive");
     NotHere(ui_.cmdfetch, "The list fetch");
     NotHere(ui_.cmdSignalSearch, "The signal search");
@@ -118,15 +105,6 @@ void LiveScreen::ConnectCommands() {
             ShowButtons();
         });
     }
-    connect(ui_.gridtab, &ParameterTabs::RowChosen, this, &LiveScreen::ChooseRow);
-    connect(&multiple_, &MultipleWrite::RowChosen, this, &LiveScreen::ChooseMultipleRow);
-    connect(&multiple_, &MultipleWrite::Send, this, [this] { Guarded([this] { SendMultiple(); }); });
-    connect(&multiple_, &MultipleWrite::Left, this, [this] {
-        ui_.chkMultiple->setChecked(false);
-        write_.Leave();
-    });
-    connect(&write_, &WriteFrame::Write, this, [this] { Guarded([this] { Write(); }); });
-    connect(&write_, &WriteFrame::Left, this, &LiveScreen::FrameLeft);
     connect(ui_.chktraffic, &QCheckBox::toggled, traffic_, &QWidget::setVisible);
     connect(ui_.chktraffic, &QCheckBox::toggled, ui_.leds, &QWidget::setHidden);  // the panel has its own
 }
@@ -151,12 +129,6 @@ void LiveScreen::GetData() {
 void LiveScreen::Disconnect() {
     status_.HideAlarm();
     session_.Disconnect();
-}
-
-void LiveScreen::SetTime() {
-    if (MayWrite()) {
-        session_.AskTime();
-    }
 }
 
 void LiveScreen::OpenSummary() {
@@ -190,115 +162,6 @@ bool LiveScreen::MayClose() {
     return false;
 }
 
-// Writing ------------------------------------------------------------------------------------------------------------
-
-bool LiveScreen::MayWrite() {
-    if (desk_.shared.rights.rightSetup) {
-        return true;
-    }
-    Request("User Not Granted Configuration Rights");
-    return false;
-}
-
-void LiveScreen::ChooseRow(std::size_t group, std::size_t row) {
-    if (!session_.PollingActive() || session_.WritePending() || !MayWrite()) {
-        return;
-    }
-    if (Speaks(session_.GetStation(), "Quantum")) {
-        Request("A Quantum unit takes no values");
-        return;
-    }
-    multipleRow_.reset();
-    const session::RowPlace place{group, row};
-    OpenWriteFrame(place, Text(session::ValueCell(session_.Parameters().At(place), session_.GetStation().isCW)));
-}
-
-void LiveScreen::ChooseMultipleRow(int row) {
-    if (session_.PollingActive() && !session_.WritePending() && MayWrite()) {
-        multipleRow_ = row;
-        OpenWriteFrame({*session::GroupOf("GC"), static_cast<std::size_t>(row)}, multiple_.Text(row));
-    }
-}
-
-void LiveScreen::OpenWriteFrame(const session::RowPlace& place, const QString& text) {
-    const session::ParameterRow& row = session_.Parameters().At(place);
-    const bool isSwitch = row.kind == session::DataKind::Logical;
-    const bool isIo = isSwitch && place.group == session::GroupOf("IO");
-    Writable writable;
-    writable.description = Text(row.Description);
-    writable.text = text;
-    writable.isSwitch = isSwitch;
-    writable.other = Text(session::ToggledText(session_.GetStation().isCW, row.Description, text.toStdString()));
-    writable.choice = !isIo                                     ? Writable::Choice::None
-                      : writable.description.contains("Output") ? Writable::Choice::Output
-                                                                : Writable::Choice::Input;
-    place_ = place;
-    Request("");
-    ui_.gridtab->setEnabled(false);
-    write_.Open(writable);
-}
-
-void LiveScreen::Write() {
-    if (!place_) {
-        return;
-    }
-    const session::RowPlace place = *place_;
-    const std::string text = write_.Text().toStdString();
-    const std::string refusal = multipleRow_ ? session_.Check(place, text) : session_.AskWrite(place, text);
-    if (refusal == session::enterProperData) {
-        write_.Again();
-        Box(refusal);
-        return;
-    }
-    const auto multipleRow = multipleRow_;
-    write_.Leave();
-    if (!refusal.empty()) {
-        Request(refusal);
-    } else if (multipleRow) {
-        multiple_.Enter(*multipleRow, Text(text));
-    }
-}
-
-void LiveScreen::FrameLeft() {
-    place_.reset();
-    multipleRow_.reset();
-    ui_.gridtab->setEnabled(true);
-    if (!multiple_.isHidden()) {
-        multiple_.setFocus();
-    } else if (Grid* grid = ui_.gridtab->GridInFront()) {
-        grid->setFocus();
-    }
-}
-
-void LiveScreen::Multiple() {
-    const bool wanted = ui_.chkMultiple->isChecked() || multiple_.isHidden();
-    if (!wanted || !session_.PollingActive() || session_.WritePending() || !MayWrite()) {
-        ui_.chkMultiple->setChecked(false);
-        multiple_.Leave();
-        return;
-    }
-    ui_.chkMultiple->setChecked(true);
-    multiple_.copyGrid(columns, RowsOf(*session::GroupOf("GC")));
-}
-
-// Over BSAP the whole composition goes in one message; over Modbus, where each value is a request of its own, those
-// that were changed.
-void LiveScreen::SendMultiple() {
-    const bool all = Speaks(session_.GetStation(), "BSAP");
-    std::vector<session::Session::Entry> entries;
-    for (int row = 0; row < multiple_.Rows(); ++row) {
-        if (all || multiple_.Changed(row)) {
-            entries.push_back(
-                {{*session::GroupOf("GC"), static_cast<std::size_t>(row)}, multiple_.Text(row).toStdString()});
-        }
-    }
-    const std::string refusal = session_.AskMultipleWrite(entries);
-    multiple_.Leave();
-    if (!refusal.empty()) {
-        Request(refusal);
-    }
-}
-
 // What the session tells ---------------------------------------------------------------------------------------------
 
 void LiveScreen::Status(const std::string& text) {
@@ -318,8 +181,7 @@ void LiveScreen::StateChanged() {
     const bool connected = session_.GetState() == session::State::Connected;
     wasConnected_ = wasConnected_ || connected;
     if (!session_.PollingActive()) {
-        write_.Leave();
-        multiple_.Leave();
+        writing_.Leave();
     }
     ShowButtons();
     if (connected) {
@@ -353,9 +215,20 @@ void LiveScreen::Storing(bool storing) {
 }
 
 void LiveScreen::Drawn() {
-    ArrangeTabs();
-    Draw();
+    grids_.Arrange();
+    ShowFigures();
     ShowButtons();
+}
+
+void LiveScreen::Refreshed() {
+    grids_.Refresh();
+    ShowFigures();
+}
+
+void LiveScreen::ShowFigures() {
+    status_.Show(session_);
+    status_.ShowAge(session_, desk_.clock.Now());
+    drawing_->Show(session_.Parameters(), session_.GetStation().isCW);
 }
 
 void LiveScreen::Ended(const std::string& reason, bool polled) {
@@ -373,87 +246,6 @@ void LiveScreen::Ended(const std::string& reason, bool polled) {
 
 void LiveScreen::FinishLater() {
     QTimer::singleShot(0, this, [this] { session_.Finish(); });
-}
-
-// The grids ----------------------------------------------------------------------------------------------------------
-
-void LiveScreen::ArrangeTabs() {
-    const core::Station& station = session_.GetStation();
-    const session::StationLook& look = session_.Look();
-    TabChoices choices;
-    choices.isCW = station.isCW;
-    choices.isAga3 = session_.IsAga3();
-    choices.aga8_fpv = look.aga8_fpv;
-    choices.Gross_Detail = look.Gross_Detail;
-    choices.superUser = core::IsSuperUser(desk_.shared.currentuser);
-    choices.quantum = Speaks(station, "Quantum");
-    choices.drs = look.drs;
-    ui_.gridtab->FormatString(columns);
-    ui_.gridtab->Arrange(choices);
-}
-
-std::vector<QStringList> LiveScreen::RowsOf(std::size_t group) const {
-    std::vector<QStringList> rows;
-    for (const session::ParameterRow& row : session_.Parameters().Of(group)) {
-        rows.push_back({AddressCell(row), Text(row.Description),
-                        Text(session::ValueCell(row, session_.GetStation().isCW)), Text(row.unit)});
-    }
-    return rows;
-}
-
-void LiveScreen::Draw() {
-    alarms_.clear();
-    for (std::size_t group = 0; group < session::groupCount; ++group) {
-        ui_.gridtab->Show(group, RowsOf(group));
-    }
-    ui_.gridtab->setCurrentIndex(ui_.gridtab->currentIndex());
-    ShowFigures();
-}
-
-void LiveScreen::ShowFigures() {
-    status_.Show(session_);
-    status_.ShowAge(session_, desk_.clock.Now());
-    drawing_->Show(session_.Parameters(), session_.GetStation().isCW);
-}
-
-// A state is told by a word beside the unit as well as by the colour of the value.
-QString LiveScreen::UnitCell(const session::RowPlace& place) const {
-    const session::ParameterRow& row = session_.Parameters().At(place);
-    QString text = Text(row.unit);
-    const auto alarm = place.group == session::GroupOf("ALARM") ? alarms_.find(place.row) : alarms_.end();
-    if (alarm != alarms_.end() && alarm->second != session::AlarmState::Normal) {
-        text += QString("   ") + session::AlarmWord(alarm->second);
-    }
-    return row.pending ? text + "   pending" : text;
-}
-
-void LiveScreen::ShowRow(const session::RowPlace& place) {
-    const session::ParameterRow& row = session_.Parameters().At(place);
-    ParameterTabs& tabs = *ui_.gridtab;
-    tabs.Cell(place.group, place.row, valueColumn, Text(session::ValueCell(row, session_.GetStation().isCW)));
-    tabs.Cell(place.group, place.row, addressColumn, AddressCell(row));
-    tabs.Cell(place.group, place.row, unitColumn, UnitCell(place));
-    if (row.changed) {
-        tabs.GridOf(place.group).Mark(tabs.GridRow(place.group, place.row), valueColumn);
-    }
-}
-
-void LiveScreen::Refreshed() {
-    const std::size_t alarmGroup = *session::GroupOf("ALARM");
-    for (const auto& live : session_.Alarms()) {
-        alarms_[live.place.row] = live.state;
-        const bool normal = live.state == session::AlarmState::Normal;
-        ui_.gridtab->GridOf(alarmGroup)
-            .CellColour(ui_.gridtab->GridRow(alarmGroup, live.place.row), valueColumn,
-                        normal ? QColor() : QColor::fromRgb(session::AlarmColour(live.state)));
-    }
-    for (std::size_t group = 0; group < session::groupCount; ++group) {
-        const std::size_t rows = ui_.gridtab->Rows(group);
-        for (std::size_t row = 0; row < rows; ++row) {
-            ShowRow({group, row});
-        }
-    }
-    ShowFigures();
 }
 
 // Buttons ------------------------------------------------------------------------------------------------------------

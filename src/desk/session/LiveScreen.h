@@ -4,11 +4,11 @@
 #include <QTimer>
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "desk/core/Desk.h"
+#include "desk/session/LiveGrids.h"
+#include "desk/session/LiveWriting.h"
 #include "session/Session.h"
 
 class QAbstractButton;
@@ -21,11 +21,9 @@ class frmparalist;
 namespace desk {
 
 class FrmPNI;
-class MultipleWrite;
 class Page;
 class SessionStatus;
 class TrafficPanel;
-class WriteFrame;
 
 // The online mode of frmparalist: what the operator presses goes to the session, what the session tells is shown. It
 // knows no rule of its own.
@@ -61,26 +59,11 @@ class LiveScreen final : public QObject, public session::SessionView {
     void Connect();
     void GetData();
     void Disconnect();
-    void SetTime();
-    void Multiple();
     void OpenSummary();
     void ShowParameters();
     void SwapDrawing();
     void NotHere(QAbstractButton* button, const char* what);
 
-    void ChooseRow(std::size_t group, std::size_t row);
-    void ChooseMultipleRow(int row);
-    void OpenWriteFrame(const session::RowPlace& place, const QString& text);
-    bool MayWrite();
-    void Write();
-    void SendMultiple();
-    void FrameLeft();
-
-    void ArrangeTabs();
-    void Draw();
-    std::vector<QStringList> RowsOf(std::size_t group) const;
-    QString UnitCell(const session::RowPlace& place) const;
-    void ShowRow(const session::RowPlace& place);
     void ShowFigures();
     void ShowButtons();
     void EverySecond();
@@ -89,16 +72,13 @@ class LiveScreen final : public QObject, public session::SessionView {
     Page& page_;
     Ui::frmparalist& ui_;
     SessionStatus& status_;
-    WriteFrame& write_;
-    MultipleWrite& multiple_;
     TrafficPanel* traffic_;
     FrmPNI* drawing_ = nullptr;
     session::Session session_;
+    LiveGrids grids_;
+    LiveWriting writing_;
     QTimer seconds_;
     std::array<QPushButton*, 4> streams_;
-    std::optional<session::RowPlace> place_;             // the row in the write frame
-    std::optional<int> multipleRow_;                     // or the one of the composition's copy
-    std::map<std::size_t, session::AlarmState> alarms_;  // by the row of the live value
     bool wasConnected_ = false;
     bool waitsForLine_ = false;  // the schedule took the line from a session
 };

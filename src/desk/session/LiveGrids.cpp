@@ -1,0 +1,94 @@
+#include "desk/session/LiveGrids.h"
+
+#include "core/Station.h"
+#include "desk/core/Grid.h"
+#include "desk/session/ParameterTabs.h"
+#include "session/Session.h"
+#include "session/Speaks.h"
+
+namespace desk {
+
+namespace {
+
+constexpr int addressColumn = 0;
+constexpr int valueColumn = 2;
+constexpr int unitColumn = 3;
+
+QString Text(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// Nothing for a signal that was never read, and for the values of a unit that has no addresses.
+QString AddressCell(const session::ParameterRow& row) {
+    return row.MSD == 0 ? QString() : QString::number(row.MSD);
+}
+
+}  // namespace
+
+void LiveGrids::Arrange() {
+    const core::Station& station = session_.GetStation();
+    const session::StationLook& look = session_.Look();
+    TabChoices choices;
+    choices.isCW = station.isCW;
+    choices.isAga3 = session_.IsAga3();
+    choices.aga8_fpv = look.aga8_fpv;
+    choices.Gross_Detail = look.Gross_Detail;
+    choices.superUser = superUser_;
+    choices.quantum = session::Speaks(station, "Quantum");
+    choices.drs = look.drs;
+    tabs_.FormatString(columns);
+    tabs_.Arrange(choices);
+    alarms_.clear();
+    for (std::size_t group = 0; group < session::groupCount; ++group) {
+        tabs_.Show(group, RowsOf(group));
+    }
+}
+
+std::vector<QStringList> LiveGrids::RowsOf(std::size_t group) const {
+    std::vector<QStringList> rows;
+    for (const session::ParameterRow& row : session_.Parameters().Of(group)) {
+        rows.push_back({AddressCell(row), Text(row.Description),
+                        Text(session::ValueCell(row, session_.GetStation().isCW)), Text(row.unit)});
+    }
+    return rows;
+}
+
+// A state is told by a word beside the unit as well as by the colour of the value.
+QString LiveGrids::UnitCell(const session::RowPlace& place) const {
+    const session::ParameterRow& row = session_.Parameters().At(place);
+    QString text = Text(row.unit);
+    const auto alarm = place.group == session::GroupOf("ALARM") ? alarms_.find(place.row) : alarms_.end();
+    if (alarm != alarms_.end() && alarm->second != session::AlarmState::Normal) {
+        text += QString("   ") + session::AlarmWord(alarm->second);
+    }
+    return row.pending ? text + "   pending" : text;
+}
+
+void LiveGrids::ShowRow(const session::RowPlace& place) {
+    const session::ParameterRow& row = session_.Parameters().At(place);
+    tabs_.Cell(place.group, place.row, valueColumn, Text(session::ValueCell(row, session_.GetStation().isCW)));
+    tabs_.Cell(place.group, place.row, addressColumn, AddressCell(row));
+    tabs_.Cell(place.group, place.row, unitColumn, UnitCell(place));
+    if (row.changed) {
+        tabs_.GridOf(place.group).Mark(tabs_.GridRow(place.group, place.row), valueColumn);
+    }
+}
+
+void LiveGrids::Refresh() {
+    const std::size_t alarmGroup = *session::GroupOf("ALARM");
+    for (const auto& live : session_.Alarms()) {
+        alarms_[live.place.row] = live.state;
+        const bool normal = live.state == session::AlarmState::Normal;
+        tabs_.GridOf(alarmGroup)
+            .CellColour(tabs_.GridRow(alarmGroup, live.place.row), valueColumn,
+                        normal ? QColor() : QColor::fromRgb(session::AlarmColour(live.state)));
+    }
+    for (std::size_t group = 0; group < session::groupCount; ++group) {
+        const std::size_t rows = tabs_.Rows(group);
+        for (std::size_t row = 0; row < rows; ++row) {
+            ShowRow({group, row});
+        }
+    }
+}
+
+}  // namespace desk
