@@ -244,9 +244,19 @@ TEST_F(SessionStory, AMultistreamStationIsWatchedStreamByStream) {
     EXPECT_TRUE(The(*page, "Op_Stream_2").isVisible());
     EXPECT_FALSE(The(*page, "Op_Stream_3").isVisible());
     auto steps = CommonSteps(*this);
-    steps.push_back({"the other stream", [this] { return Polled(); }, [this] { Click(*page, "Op_Stream_2"); }});
+    steps.push_back({"the other stream, while a value is being entered", [this] { return Polled(); },
+                     [this] {
+                         Choose("KEYPAD", "Keypad N2");
+                         Click(*page, "Op_Stream_2");
+                         Click(*page, "cmd_summary");  // the frame is out of sight when the stream comes
+                     }});
     steps.push_back({"its values", [this] { return session->StreamNo() == 2 && Polled(); },
                      [this] {
+                         QTest::keyClick(desk.window.Front(), Qt::Key_Escape);
+                         QCoreApplication::processEvents();
+                         ASSERT_EQ(desk.window.Front(), page);
+                         EXPECT_FALSE(The(*page, "frmvalue").isVisible()) << "it was meant for the other stream";
+                         EXPECT_TRUE(Enabled("gridtab"));
                          auto& tabs = The<desk::ParameterTabs>(*page, "gridtab");
                          EXPECT_EQ(tabs.tabText(0).toStdString(), "AGA7");
                          const double value = session->Parameters().At(Place("AGA7", "UnCorr.Flowrate")).lastvalue;

@@ -214,7 +214,9 @@ void LiveScreen::Storing(bool storing) {
     }
 }
 
+// What was being entered was meant for a row of the stream before.
 void LiveScreen::Drawn() {
+    writing_.Leave();
     grids_.Arrange();
     ShowFigures();
     ShowButtons();

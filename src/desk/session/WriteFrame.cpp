@@ -60,7 +60,7 @@ void WriteFrame::Open(const Writable& row) {
 }
 
 void WriteFrame::Leave() {
-    if (isVisible()) {
+    if (!isHidden()) {
         hide();
         Q_EMIT Left();
     }
