@@ -7,6 +7,7 @@
 #include "core/Logs.h"
 #include "core/Station.h"
 #include "core/Text.h"
+#include "session/ParameterSet.h"
 #include "session/ValueText.h"
 
 namespace session {
@@ -16,8 +17,7 @@ namespace {
 constexpr const char* lineEnd = "\r\n";
 
 std::string Value(const core::Row& row, bool isCW) {
-    const std::string type = row.Text("type");
-    if (core::SameText(type, "Boolean") || core::SameText(type, "Coil(Boolean)")) {
+    if (KindOf(row.Text("type")) == DataKind::Logical) {
         return valueText(isCW, row.Text("description"), row.Number("lastvalue"));
     }
     return core::Trim(core::NumberText(row.Number("lastvalue")) + " " + row.Text("unit"));

@@ -10,13 +10,6 @@ namespace session {
 
 namespace {
 
-DataKind KindOf(const std::string& type) {
-    if (core::SameText(type, "Boolean") || core::SameText(type, "Coil(Boolean)")) {
-        return DataKind::Logical;
-    }
-    return core::SameText(type, "Integer") ? DataKind::Integer : DataKind::Float;
-}
-
 ParameterRow RowOf(const core::Row& row, bool isModbus) {
     ParameterRow out;
     out.Description = core::Trim(row.Text("description"));
@@ -30,6 +23,13 @@ ParameterRow RowOf(const core::Row& row, bool isModbus) {
 }
 
 }  // namespace
+
+DataKind KindOf(const std::string& type) {
+    if (core::SameText(type, "Boolean") || core::SameText(type, "Coil(Boolean)")) {
+        return DataKind::Logical;
+    }
+    return core::SameText(type, "Integer") ? DataKind::Integer : DataKind::Float;
+}
 
 void ParameterSet::Load(core::Database& dbconn, std::int64_t locationID, int streamno, bool isModbus) {
     std::array<Rows, groupCount> groups;

@@ -18,6 +18,9 @@ namespace session {
 // What a parameter of a station is on its line.
 enum class DataKind { Float, Integer, Logical };
 
+// By the type that a map names: "Boolean" and "Coil(Boolean)" are switches, "Integer" 16 bits, all others floats.
+DataKind KindOf(const std::string& type);
+
 // A row of the station's map in hand.
 struct ParameterRow {
     std::string Description;

@@ -15,7 +15,6 @@ namespace session {
 
 namespace {
 
-constexpr const char* requestPending = "Write Request Pending.....";
 constexpr double behindHangUpMs = 1000;
 
 core::Station StationOf(core::Database& dbconn, std::int64_t locationID) {

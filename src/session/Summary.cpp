@@ -12,8 +12,6 @@ namespace session {
 namespace {
 
 constexpr const char* notAvailable = "N/A";
-constexpr const char* notProper = "Enter Proper Data";
-constexpr const char* requestPending = "Write Request Pending.....";
 
 struct Words {
     SummaryForm form;
@@ -55,7 +53,7 @@ SummaryAnswer SetOwn(core::Database& dbconn, const Session& session, std::string
                      const std::string& text) {
     const auto value = collection::GasValue(text);
     if (!value) {
-        return {notProper, true};
+        return {enterProperData, true};
     }
     const int rows = dbconn.Execute("update SummaryPara set lastvalue=? where LocationID=? and description=?",
                                     {*value, session.GetStation().locationID, description});
@@ -116,7 +114,7 @@ SummaryAnswer SetSummary(core::Database& dbconn, Session& session, const Summary
         return {"This model has no " + std::string(item.name)};
     }
     const std::string refusal = session.AskWrite(*place, ValueOf(item.form, core::Trim(text)));
-    return {refusal.empty() ? requestPending : refusal, refusal == notProper};
+    return {refusal.empty() ? requestPending : refusal, refusal == enterProperData};
 }
 
 }  // namespace session

@@ -1,9 +1,8 @@
 #include "session/WriteRequest.h"
 
-#include <charconv>
 #include <cmath>
-#include <limits>
 
+#include "collection/GasComposition.h"
 #include "core/Database.h"
 #include "core/Logs.h"
 #include "core/Text.h"
@@ -18,17 +17,6 @@ namespace {
 
 constexpr const char* lowerLevel = "Could not set. Lower user level.";
 
-// A number typed by hand and nothing else.
-std::optional<double> TypedNumber(const std::string& text) {
-    const std::string trimmed = core::Trim(text);
-    const char* first = trimmed.data() + (trimmed.starts_with('+') ? 1 : 0);
-    const char* last = trimmed.data() + trimmed.size();
-    double value = 0;
-    const auto [end, error] = std::from_chars(first, last, value);
-    const bool whole = error == std::errc() && end == last && std::isfinite(value);
-    return whole ? std::optional(value) : std::nullopt;
-}
-
 bool Fits(double value, DataKind kind) {
     switch (kind) {
         case DataKind::Logical:
@@ -38,7 +26,7 @@ bool Fits(double value, DataKind kind) {
         case DataKind::Float:
             break;
     }
-    return std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max());
+    return true;
 }
 
 // Levels are those of the template that the station's map was made from. A parameter without one is nobody's to write.
@@ -67,7 +55,7 @@ bool SetValue(const WriteContext& context, const WriteRequest& request, double v
 WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, const RowPlace& place,
                       const std::string& text) {
     const ParameterRow& row = set.At(place);
-    const auto number = TypedNumber(text);
+    const auto number = collection::GasValue(text);
     const auto value = number || row.kind != DataKind::Logical
                            ? number
                            : ValueOfText(context.station.isCW, row.Description, core::Trim(text));

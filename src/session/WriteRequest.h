@@ -45,6 +45,9 @@ struct WriteCheck {
 // The refusal of a text that is none for the row, as opposed to a write that may not be.
 inline constexpr const char* enterProperData = "Enter Proper Data";
 
+// While a request waits for its turn on the line.
+inline constexpr const char* requestPending = "Write Request Pending.....";
+
 // Judges a text that was entered for a row: a number, or for a switch one of its words or 1 or 0; within what the
 // row's kind holds; of a row whose address is known; by a user who may write it. Changes nothing. Throws DatabaseError.
 WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, const RowPlace& place,

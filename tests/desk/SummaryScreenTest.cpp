@@ -14,6 +14,7 @@
 #include "session/ConfigParams.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
+#include "support/SessionDesk.h"
 
 using support::Answer;
 using support::Click;
@@ -24,25 +25,12 @@ using testing::HasSubstr;
 
 namespace {
 
-struct NoView final : session::SessionView {
-    void Status(const std::string&) override {}
-    void Box(const std::string&) override {}
-    void StateChanged() override {}
-    void Request(const std::string&) override {}
-    void Progress(int, int) override {}
-    void Storing(bool) override {}
-    void Drawn() override {}
-    void Refreshed() override {}
-    void Ended(const std::string&, bool) override {}
-    void FinishLater() override {}
-};
-
 struct SummaryScreenTest : testing::Test {
     support::ScreenDesk desk;
     std::int64_t station = demo::AddStation(desk.dbconn, {"O'Brien's <b>Mill</b>", "TeleFlow", "Modbus", "RTU", 1, 1});
     fieldsim::Field& field = desk.OpenField();
     fieldsim::SignalList& values = *field.Values(station, 1, "PID Loop Mode");
-    NoView view;
+    support::RecordingView view;
     session::Session session{desk.place, desk.scheduler, view, station};
 
     SummaryScreenTest() {

@@ -6,7 +6,7 @@
 #include "session/ConfigParams.h"
 #include "session/Session.h"
 #include "session/Summary.h"
-#include "support/CollectionDesk.h"
+#include "support/SessionDesk.h"
 
 namespace session {
 namespace {
@@ -15,25 +15,12 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-struct NoView final : SessionView {
-    void Status(const std::string&) override {}
-    void Box(const std::string&) override {}
-    void StateChanged() override {}
-    void Request(const std::string&) override {}
-    void Progress(int, int) override {}
-    void Storing(bool) override {}
-    void Drawn() override {}
-    void Refreshed() override {}
-    void Ended(const std::string&, bool) override {}
-    void FinishLater() override {}
-};
-
 struct SummaryTest : testing::Test {
     support::CollectionDesk desk;
     std::int64_t teleFlow = demo::AddStation(desk.dbconn, {"O'Brien's Mill", "TeleFlow", "Modbus", "RTU", 1, 1});
     std::int64_t orifice = demo::AddStation(desk.dbconn, {"Works", "CWEFM", "BSAP", "", 2, 1, "", 1, {"AGA3"}});
     fieldsim::Field* field = &desk.OpenField();
-    NoView view;
+    support::RecordingView view;
     std::unique_ptr<Session> session;
 
     SummaryTest() { desk.shared.currentuser = "WARDEN"; }

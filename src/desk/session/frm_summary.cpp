@@ -14,7 +14,6 @@ namespace {
 
 constexpr int refreshMs = 1000;
 constexpr double figureSize = 2;  // of the font's
-const QString requestPending = "Write Request Pending.....";
 
 QString Text(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -74,8 +73,8 @@ void frm_summary::Fill() {
     ui_->lblread->setText(at ? "Read " + QString::fromStdString(core::DateText(*at) + " " + core::TimeText(*at))
                              : "Not read yet");
     if (session_.WritePending()) {
-        ui_->lblreq->setText(requestPending);
-    } else if (ui_->lblreq->text() == requestPending) {
+        ui_->lblreq->setText(session::requestPending);
+    } else if (ui_->lblreq->text() == session::requestPending) {
         ui_->lblreq->clear();
     }
 }
@@ -84,7 +83,7 @@ void frm_summary::Fill() {
 std::string frm_summary::Refusal(std::size_t item) const {
     const bool own = session::summaryItems[item].form == session::SummaryForm::Own;
     if (!session::MaySetSummary(session_, session::summaryItems[item])) {
-        return session_.WritePending() ? requestPending.toStdString() : "Not connected";
+        return session_.WritePending() ? session::requestPending : "Not connected";
     }
     if (!own && !desk_.shared.rights.rightSetup) {
         return "User Not Granted Configuration Rights";
