@@ -5,8 +5,8 @@
 #include "collection/Scheduler.h"
 #include "core/Database.h"
 #include "core/Text.h"
-#include "protocols/BsapLink.h"
 #include "protocols/Modem.h"
+#include "session/LineUp.h"
 #include "session/LivePoll.h"
 #include "session/ServeWrite.h"
 #include "session/Speaks.h"
@@ -14,8 +14,6 @@
 namespace session {
 
 namespace {
-
-constexpr double behindHangUpMs = 1000;
 
 core::Station StationOf(core::Database& dbconn, std::int64_t locationID) {
     auto station = core::ReadStation(dbconn, locationID);
@@ -121,71 +119,16 @@ bool Session::TakeLine() {
 void Session::LineUp() {
     TurnTo(State::Connecting);
     view_.Progress(0, 0);
-    if (!OpenPort() || !Dialled() || !SignedOn() || talk_->Ended()) {
-        collstatus_ = false;
+    const LineUpOutcome outcome = BringLineUp(*talk_);
+    called_ = outcome.called;
+    if (!outcome.up || talk_->Ended()) {
+        Fail(outcome.failure);
         return;
     }
     poll_ =
         std::make_unique<LivePoll>(place_, *talk_, set_, [this](int done, int total) { view_.Progress(done, total); });
     TurnTo(State::Connected);
     view_.Status("Connected");
-}
-
-bool Session::OpenPort() {
-    if (!station_.ip.empty()) {
-        Fail("This station is reached by IP, for which there is no line here");
-        view_.Box(endReason_);
-        return false;
-    }
-    talk_->line->PortOpen(false);
-    talk_->line->CommPort(station_.comport);
-    talk_->line->Settings(station_.settings);
-    if (!talk_->Wait(talk_->CommTimeout())) {
-        return false;
-    }
-    if (!talk_->line->PortOpen(true)) {
-        Fail("Port " + std::to_string(station_.comport) + " cannot be opened: " + talk_->line->LastError());
-        view_.Box(endReason_);
-        return false;
-    }
-    return true;
-}
-
-bool Session::Dialled() {
-    if (station_.phoneno.empty()) {
-        return true;
-    }
-    int attemptcount = 0;
-    called_ = true;
-    switch (protocols::Dial(*talk_, attemptcount, protocols::onlineDial)) {
-        case protocols::DialOutcome::Connected:
-            return true;
-        case protocols::DialOutcome::EndedEarly:
-            // There is no call yet; this ends whatever the modem is at.
-            talk_->line->Output("ATH\r");
-            view_.Lamp("TX", "ATH\r");
-            called_ = false;
-            break;
-        case protocols::DialOutcome::NoModem:
-        case protocols::DialOutcome::NotReached:
-        case protocols::DialOutcome::NoPort:
-            Fail("Not connected");
-            break;
-        case protocols::DialOutcome::Ended:
-            break;
-    }
-    return false;
-}
-
-bool Session::SignedOn() {
-    if (!Speaks(station_, "BSAP") || protocols::SignOnInThreeTries(*talk_)) {
-        return true;
-    }
-    if (!talk_->Ended()) {
-        Fail("RTU Dead");
-        view_.Box(endReason_);
-    }
-    return false;
 }
 
 // Polling ------------------------------------------------------------------------------------------------------------
@@ -420,7 +363,7 @@ void Session::Finish() {
     if (polled_) {
         MarkSampled(disconnectPressed_);
     }
-    HangUp();
+    TakeLineDown(*talk_, called_, polled_ ? protocols::disconnectGuardMs : protocols::redialGuardMs);
     requests_ = talk_->requests;
     poll_.reset();
     talk_.reset();
@@ -462,15 +405,6 @@ void Session::MarkSampled(bool sampled) {
         place_.dbconn.Execute("update configData_master set sampledtoday =?, sampleddate =? where locationid=?",
                               {sampled, place_.clock.Now().day, station_.locationID});
     });
-}
-
-void Session::HangUp() {
-    if (called_ && talk_->line->PortOpen()) {
-        protocols::HangUp(*talk_->line, place_.clock, view_,
-                          polled_ ? protocols::disconnectGuardMs : protocols::redialGuardMs);
-        place_.clock.WaitMs(behindHangUpMs, [this] { return !talk_->line->PortOpen(); });
-    }
-    talk_->line->PortOpen(false);
 }
 
 }  // namespace session

@@ -117,9 +117,6 @@ class Session {
     void Run(void (Session::*command)());
     bool TakeLine();
     void LineUp();
-    bool OpenPort();
-    bool Dialled();
-    bool SignedOn();
     void Loop();
     void ServeRequests();
     void ServeWrites();
@@ -135,7 +132,6 @@ class Session {
     void LineEnded();
     void DropRequests(const std::string& reason);
     void MarkSampled(bool sampled);
-    void HangUp();
     void Fail(const std::string& reason);
 
     SessionView& view_;

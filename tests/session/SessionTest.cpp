@@ -371,6 +371,27 @@ TEST(SessionTest, ADialIsToldStepByStep) {
     EXPECT_FALSE(desk.line.PortOpen());
 }
 
+TEST(SessionTest, ADisconnectEndsADialAtAnyStep) {
+    const std::string dial = "atx3dt4170253\r";
+    const struct {
+        std::uint32_t afterMs;
+        std::vector<std::string> sent;
+    } cases[] = {{600, {"at\r", "ATH\r"}},  // the modem is still being checked
+                 {4000, {"at\r", dial, "+++", "ath\r"}}};
+    for (const auto& test : cases) {
+        SessionDesk desk;
+        fieldsim::FieldOptions options;
+        options.modems[1] = {{"CONNECT 9600", 60000}};
+        desk.Open({"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options);
+        desk.clock.After(test.afterMs, [&] { desk.session->Disconnect(); });
+        desk.session->Connect();
+        EXPECT_THAT(desk.view.sent, testing::ElementsAreArray(test.sent));
+        EXPECT_EQ(desk.session->GetState(), State::Idle);
+        EXPECT_THAT(desk.view.ends, ElementsAre(""));
+        EXPECT_FALSE(desk.line.PortOpen());
+    }
+}
+
 TEST(SessionTest, AStationThatFallsSilentEndsTheSession) {
     Silence nobody;
     for (const demo::DemoStation& station : {teleFlow, teleCorrector, quantum}) {

@@ -19,16 +19,16 @@ struct RecordingView final : session::SessionView {
     std::vector<std::string> ends;
     int refreshed = 0;
     int drawn = 0;
-    int sent = 0;  // lines of bytes that went out
+    std::vector<std::string> sent;  // lines of bytes that went out
     bool finishLater = false;
     std::function<void()> onRefreshed;
     std::function<void()> onSent;
 
     void Status(const std::string& text) override { status.push_back(text); }
     void Box(const std::string& text) override { boxes.push_back(text); }
-    void Lamp(const std::string& lamp, const std::string&) override {
+    void Lamp(const std::string& lamp, const std::string& bytes) override {
         if (lamp == "TX") {
-            ++sent;
+            sent.push_back(bytes);
             if (onSent) {
                 onSent();
             }

@@ -1,0 +1,80 @@
+#include "session/LineUp.h"
+
+#include "protocols/BsapLink.h"
+#include "protocols/Modem.h"
+#include "session/Speaks.h"
+
+namespace session {
+
+namespace {
+
+constexpr double behindHangUpMs = 1000;
+
+// Tells the operator, and gives the failure on.
+std::string Told(protocols::Conversation& talk, const std::string& failure) {
+    talk.feedback.Box(failure);
+    return failure;
+}
+
+// Empty when the port is open, or the conversation ended.
+std::string OpenPort(protocols::Conversation& talk) {
+    const core::Station& station = talk.station;
+    if (!station.ip.empty()) {
+        return Told(talk, "This station is reached by IP, for which there is no line here");
+    }
+    talk.line->PortOpen(false);
+    talk.line->CommPort(station.comport);
+    talk.line->Settings(station.settings);
+    if (!talk.Wait(talk.CommTimeout()) || talk.line->PortOpen(true)) {
+        return {};
+    }
+    return Told(talk, "Port " + std::to_string(station.comport) + " cannot be opened: " + talk.line->LastError());
+}
+
+// The modem's failures were told by the dial.
+void Call(protocols::Conversation& talk, LineUpOutcome& outcome) {
+    int attemptcount = 0;
+    outcome.called = true;
+    switch (protocols::Dial(talk, attemptcount, protocols::onlineDial)) {
+        case protocols::DialOutcome::Connected:
+        case protocols::DialOutcome::Ended:
+            break;
+        case protocols::DialOutcome::EndedEarly:
+            // There is no call yet; this ends whatever the modem is at.
+            talk.line->Output("ATH\r");
+            talk.feedback.Lamp("TX", "ATH\r");
+            outcome.called = false;
+            break;
+        case protocols::DialOutcome::NoModem:
+        case protocols::DialOutcome::NotReached:
+        case protocols::DialOutcome::NoPort:
+            outcome.failure = "Not connected";
+            break;
+    }
+}
+
+}  // namespace
+
+LineUpOutcome BringLineUp(protocols::Conversation& talk) {
+    LineUpOutcome outcome;
+    outcome.failure = OpenPort(talk);
+    if (outcome.failure.empty() && !talk.Ended() && !talk.station.phoneno.empty()) {
+        Call(talk, outcome);
+    }
+    const bool answers = outcome.failure.empty() && !talk.Ended();
+    if (answers && Speaks(talk.station, "BSAP") && !protocols::SignOnInThreeTries(talk) && !talk.Ended()) {
+        outcome.failure = Told(talk, "RTU Dead");
+    }
+    outcome.up = outcome.failure.empty() && !talk.Ended();
+    return outcome;
+}
+
+void TakeLineDown(protocols::Conversation& talk, bool called, double guardMs) {
+    if (called && talk.line->PortOpen()) {
+        protocols::HangUp(*talk.line, talk.clock, talk.feedback, guardMs);
+        talk.clock.WaitMs(behindHangUpMs, [&talk] { return !talk.line->PortOpen(); });
+    }
+    talk.line->PortOpen(false);
+}
+
+}  // namespace session
