@@ -50,7 +50,7 @@ bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& 
 void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& state) {
     const core::Station& station = talk.station;
     const std::string location = "[" + std::to_string(station.locationID) + "]";
-    if (!protocols::SignOnInThreeTries(talk)) {
+    if (!protocols::SignOnInTries(talk)) {
         if (!talk.Ended()) {
             place.logs.WriteRtuErr("RTU Dead" + location);
         }

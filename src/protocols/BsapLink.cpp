@@ -119,8 +119,7 @@ bool SignOn(Conversation& talk, const SignOnOptions& options) {
     return true;
 }
 
-bool SignOnInThreeTries(Conversation& talk, const SignOnOptions& options) {
-    constexpr int most = 3;
+bool SignOnInTries(Conversation& talk, const SignOnOptions& options, int most) {
     for (int tries = 0; tries < most && !talk.Ended(); ++tries) {
         const bool signedOn = SignOn(talk, options);
         talk.requests.Note(signedOn);

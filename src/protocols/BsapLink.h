@@ -30,8 +30,8 @@ constexpr const char* screenPassword = "482913";
 // The status and the text of the poll reply are left in rtustatus and lastpollreply.
 bool SignOn(Conversation& talk, const SignOnOptions& options = {});
 
-// The same, up to three times.
-bool SignOnInThreeTries(Conversation& talk, const SignOnOptions& options = {});
+// The same, up to so many times.
+bool SignOnInTries(Conversation& talk, const SignOnOptions& options = {}, int most = 3);
 
 // A reply of 11 to 17 bytes is no answer but the acknowledgement that it is not ready yet. Then the station is polled
 // and `pollReply` is what it gives; else nothing is sent. Tells whether it was polled.

@@ -55,15 +55,16 @@ void Call(protocols::Conversation& talk, LineUpOutcome& outcome) {
 
 }  // namespace
 
-LineUpOutcome BringLineUp(protocols::Conversation& talk) {
+LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& options) {
     LineUpOutcome outcome;
     outcome.failure = OpenPort(talk);
     if (outcome.failure.empty() && !talk.Ended() && !talk.station.phoneno.empty()) {
         Call(talk, outcome);
     }
     const bool answers = outcome.failure.empty() && !talk.Ended();
-    if (answers && Speaks(talk.station, "BSAP") && !protocols::SignOnInThreeTries(talk) && !talk.Ended()) {
-        outcome.failure = Told(talk, "RTU Dead");
+    const bool signsOn = answers && Speaks(talk.station, "BSAP");
+    if (signsOn && !protocols::SignOnInTries(talk, options.signOn, options.signOnTries) && !talk.Ended()) {
+        outcome.failure = Told(talk, options.dead);
     }
     outcome.up = outcome.failure.empty() && !talk.Ended();
     return outcome;

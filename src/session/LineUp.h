@@ -2,10 +2,14 @@
 
 #include <string>
 
+#include "protocols/BsapLink.h"
 #include "protocols/Conversation.h"
 
 // The line of a session, from the closed port to the station that answers, and back.
 namespace session {
+
+inline constexpr const char* lineInUse =
+    "The line is in use: stations are being collected. Connect again when it is free.";
 
 struct LineUpOutcome {
     bool up = false;
@@ -13,8 +17,15 @@ struct LineUpOutcome {
     std::string failure{};  // why it is not up; empty when the conversation ended. The operator was told in a box
 };
 
+// How one kind of screen signs on to a BSAP station, and what it says of one that does not answer.
+struct LineUpOptions {
+    protocols::SignOnOptions signOn{};
+    int signOnTries = 3;
+    const char* dead = "RTU Dead";
+};
+
 // Opens the port, dials a station that has a number, and signs on to one that speaks BSAP.
-LineUpOutcome BringLineUp(protocols::Conversation& talk);
+LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& options = {});
 
 // Hangs up a call with that guard time, and closes the port. Nothing is sent on a line that was taken away.
 void TakeLineDown(protocols::Conversation& talk, bool called, double guardMs);

@@ -1,6 +1,7 @@
 #include "session/Session.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "collection/Scheduler.h"
 #include "core/Database.h"
@@ -14,6 +15,23 @@
 namespace session {
 
 namespace {
+
+// A guest's texts go to its own screen. The bytes are also a matter of the session's, which shows the line.
+class GuestFeedback final : public core::Feedback {
+  public:
+    GuestFeedback(core::Feedback& guest, core::Feedback& session) : guest_(guest), session_(session) {}
+
+    void Status(const std::string& text) override { guest_.Status(text); }
+    void Box(const std::string& text) override { guest_.Box(text); }
+    void Lamp(const std::string& lamp, const std::string& bytes) override {
+        guest_.Lamp(lamp, bytes);
+        session_.Lamp(lamp, bytes);
+    }
+
+  private:
+    core::Feedback& guest_;
+    core::Feedback& session_;
+};
 
 core::Station StationOf(core::Database& dbconn, std::int64_t locationID) {
     auto station = core::ReadStation(dbconn, locationID);
@@ -101,7 +119,7 @@ void Session::Connect() {
 bool Session::TakeLine() {
     auto lease = scheduler_.Busy() ? nullptr : place_.line.TakeIfFree();
     if (lease == nullptr) {
-        view_.Box("The line is in use: stations are being collected. Connect again when it is free.");
+        view_.Box(lineInUse);
         return false;
     }
     station_ = StationOf(place_.dbconn, station_.locationID);
@@ -109,7 +127,7 @@ bool Session::TakeLine() {
     talk_ = std::make_unique<protocols::Conversation>(protocols::Conversation{
         lease, place_.clock, view_, place_.logs, place_.counters, station_, place_.shared.currentuser, streamno_});
     talk_->modbus.rtu32bit = station_.rtuBitsMode;
-    talk_->wanted = [this] { return !writing_ && (!pending_.empty() || timeRequest_ || pendingStream_); };
+    talk_->wanted = [this] { return !writing_ && (!pending_.empty() || timeRequest_ || pendingStream_ || guest_); };
     endReason_.clear();
     collstatus_ = true;
     polled_ = marked_ = disconnectPressed_ = called_ = false;
@@ -195,6 +213,9 @@ void Session::ServeRequests() {
     if (pendingStream_ && !talk_->Ended()) {
         ServeStream();
     }
+    if (guest_ && !talk_->Ended()) {
+        ServeGuest();
+    }
 }
 
 void Session::ServeWrites() {
@@ -253,6 +274,35 @@ void Session::ChooseStream(int streamno) {
     } else if (state_ == State::Connected) {
         ServeStream();
     }
+}
+
+bool Session::Lend(core::Feedback& feedback, GuestWork work) {
+    if (!HasLine() || guest_ || lent_) {
+        return false;
+    }
+    guest_.emplace(Guest{feedback, std::move(work)});
+    if (!running_) {
+        Run(&Session::ServeGuest);
+    }
+    return true;
+}
+
+// The guest has a conversation of its own on the session's line: what it sets there does not reach the session.
+void Session::ServeGuest() {
+    Guest guest = *std::exchange(guest_, std::nullopt);
+    GuestFeedback feedback(guest.feedback, view_);
+    protocols::Conversation talk{talk_->line,     place_.clock,   feedback,           place_.logs,
+                                 place_.counters, talk_->station, talk_->currentuser, streamno_,
+                                 talk_->modbus,   talk_->bsap,    talk_->requests};
+    lent_ = true;
+    try {
+        guest.work(&talk);
+    } catch (...) {
+        lent_ = false;
+        throw;
+    }
+    lent_ = false;
+    talk_->requests = talk.requests;
 }
 
 // Requests -----------------------------------------------------------------------------------------------------------
@@ -381,6 +431,9 @@ void Session::DropRequests(const std::string& reason) {
     const bool onItsWay = std::exchange(writing_, false);
     timeRequest_.reset();
     pendingStream_.reset();
+    if (auto guest = std::exchange(guest_, std::nullopt)) {
+        guest->work(nullptr);
+    }
     for (std::size_t i = 0; i < requests.size(); ++i) {
         const WriteRequest& request = requests[i];
         const bool sent = onItsWay && (i == 0 || !Speaks(station_, "Modbus"));

@@ -98,6 +98,15 @@ class Session {
     // Asks for the station's clock to be set to the present time of this computer.
     void AskTime();
 
+    // Another screen's work with the station that this session has on the line.
+    using GuestWork = std::function<void(protocols::Conversation* talk)>;
+    // Does `work` at once, or between two reads of the loop. It is called once, with a conversation whose texts and
+    // boxes go to `feedback`, or with null when the session ended before its turn; the loop waits until it returns.
+    // False: there is no line, or another guest has it, and `work` is not called.
+    bool Lend(core::Feedback& feedback, GuestWork work);
+    // A line is up that could be lent.
+    bool HasLine() const { return state_ == State::Connected || state_ == State::Polling; }
+
     State GetState() const { return state_; }
     bool PollingActive() const { return state_ == State::Polling; }
     bool WritePending() const { return !pending_.empty() || writing_; }
@@ -122,6 +131,7 @@ class Session {
     void ServeWrites();
     void ServeTime();
     void ServeStream();
+    void ServeGuest();
     void Refresh();
     void Store();
 
@@ -161,6 +171,13 @@ class Session {
     bool writing_ = false;  // they are on the line
     std::optional<core::DateTime> timeRequest_;
     std::optional<int> pendingStream_;
+
+    struct Guest {
+        core::Feedback& feedback;
+        GuestWork work;
+    };
+    std::optional<Guest> guest_;
+    bool lent_ = false;  // the guest is at work
 };
 
 }  // namespace session

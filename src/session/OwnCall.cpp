@@ -1,0 +1,39 @@
+#include "session/OwnCall.h"
+
+#include <exception>
+
+#include "collection/Scheduler.h"
+#include "protocols/Modem.h"
+
+namespace session {
+
+bool OwnCall(const collection::Workplace& place, const collection::Scheduler& scheduler, const core::Station& station,
+             const LineUpOptions& options, const std::function<void(protocols::Conversation& talk)>& work) {
+    auto lease = scheduler.Busy() ? nullptr : place.line.TakeIfFree();
+    if (lease == nullptr) {
+        place.feedback.Box(lineInUse);
+        return false;
+    }
+    lease->WhenEnded([&place, &lease = *lease] { place.feedback.Status(lease.Reason()); });
+    protocols::Conversation talk{lease,          place.clock, place.feedback,          place.logs,
+                                 place.counters, station,     place.shared.currentuser};
+    talk.modbus.rtu32bit = station.rtuBitsMode;
+    const LineUpOutcome outcome = BringLineUp(talk, options);
+    std::exception_ptr failure;
+    if (outcome.up) {
+        try {
+            work(talk);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    place.feedback.Status("Disconnecting....");
+    TakeLineDown(talk, outcome.called, protocols::redialGuardMs);
+    place.feedback.Status("Disconnected");
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+    return outcome.up;
+}
+
+}  // namespace session
