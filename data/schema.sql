@@ -357,6 +357,51 @@ create table tArchiveData (
 );
 create index tArchiveData_value on tArchiveData (TimeStampId, ColumnId);
 
+-- The last download of the BSAP screens, for the reports; filled by position. All models but the TeleCorrector have theirs
+-- in Daily_tf and Hourly_tf below. -------------------------------------------------------------------------------------
+
+create table Daily (
+  "'TimeDate'" text collate nocase,
+  "'Globla_ID'" double,
+  "'Local_ID'" double,
+  "'PRESSURE(KG/CM2)'" double,
+  "'TEMP(DEGC)'" double,
+  "'FLOWRATE(SCMH)'" double,
+  "'UNCOR_FLOWRATE(ACMH)'" double,
+  "'VOL_TOTAL(SCM)'" double,
+  "'VOL_TODAY(SCM)'" double,
+  "'VOL_LASTDAY(SCM)'" double,
+  "'UNCOR_TOTAL(SCM)'" double,
+  "'UNCOR_TODAY(SCM)'" double,
+  "'UNCOR_LASTDAY(SCM)'" double,
+  "'BATTERY(VOLT)'" double,
+  NodeName text collate nocase
+);
+create table Hourly (
+  "'TimeDate'" text collate nocase,
+  "'Globla_ID'" double,
+  "'Local_ID'" double,
+  "'PRESSURE(KG/CM2)'" double,
+  "'TEMP(DEGC)'" double,
+  "'FLOWRATE(SCMH)'" double,
+  "'UNCOR_FLOWRATE(ACMH)'" double,
+  "'VOL_TOTAL(SCM)'" double,
+  "'VOL_TODAY(SCM)'" double,
+  "'VOL_LASTDAY(SCM)'" double,
+  "'UNCOR_TOTAL(SCM)'" double,
+  "'UNCOR_TODAY(SCM)'" double,
+  "'UNCOR_LASTDAY(SCM)'" double,
+  "'BATTERY(VOLT)'" double,
+  NodeName text collate nocase
+);
+create table Audit (
+  TimeDate text collate nocase,
+  Description text collate nocase,
+  LocalID text collate nocase,
+  GlobalID text collate nocase,
+  NodeName text collate nocase
+);
+
 -- The archive of Modbus stations, a pair of tables a model family; the apostrophes belong to the names. ---------------
 
 create table hourly_tc (

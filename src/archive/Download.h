@@ -22,6 +22,14 @@ struct ArchiveDownload {
     std::vector<ArchiveRecord> records{};  // in the order of the grid
 };
 
+// One event of the audit trail.
+struct AuditEvent {
+    core::DateTime at;  // as above; a second may be 60
+    std::string description{};
+    int localID = 0;
+    int globalID = 0;
+};
+
 // "09/03/2026   6:0:0": how a time stamp of the archive is shown.
 std::string ShownTime(const core::DateTime& at);
 

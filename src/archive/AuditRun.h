@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "archive/Download.h"
+#include "archive/Routines.h"
+#include "archive/RunView.h"
+#include "protocols/Conversation.h"
+
+namespace archive {
+
+struct AuditResult {
+    RunEnd end = RunEnd::Failed;
+    std::string failure{};
+    std::vector<AuditEvent> events{};  // what came, in the order of the grid
+    bool bounded = false;              // there may be more than the routine takes in one download
+};
+
+// Downloads the audit trail of the station that is signed on: in the order of arrival, or the newest event first. The
+// fourth bad reply ends it.
+AuditResult RunAudit(protocols::Conversation& talk, const AuditRoutine& routine, RunView& view);
+
+}  // namespace archive
