@@ -329,33 +329,35 @@ create table dialout (
   Date_Time text
 );
 
--- The archive of BSAP stations; NodeId is locationID ------------------------------------------------------------------
+-- The archive of BSAP stations; NodeId is locationID. A record is known by its time stamp, a value by its record and its
+-- column: the unique keys hold that, and a value is written without asking first. The index of the time stamps gives a
+-- range of days in order; the values of a record lie side by side. -------------------------------------------------------
 
 create table tArchiveTimeStamp (
   TimeStampId integer primary key,
-  Time1 text,
+  Time1 text,                           -- ISO; what a station's clock says need not be a time of day: "25:00:00"
   HistoryTypeId integer,
   NodeId integer,
   StreamNo integer
 );
-create index tArchiveTimeStamp_time on tArchiveTimeStamp (NodeId, StreamNo, HistoryTypeId, Time1);
+create unique index tArchiveTimeStamp_time on tArchiveTimeStamp (NodeId, StreamNo, HistoryTypeId, Time1);
 
 create table tArchiveColumnHeader (
   ColumnId integer primary key,
-  ColumnName text collate nocase,
+  ColumnName text collate nocase,       -- as the station gives it, padded with blanks
   HistoryTypeId integer,
   NodeId integer,
   StreamNo integer
 );
-create index tArchiveColumnHeader_name on tArchiveColumnHeader (NodeId, StreamNo, HistoryTypeId, ColumnName);
+create unique index tArchiveColumnHeader_name on tArchiveColumnHeader (NodeId, StreamNo, HistoryTypeId, ColumnName);
 
 create table tArchiveData (
   ColumnId integer,
   TimeStampId integer,
   HistoryTypeId integer,
-  value1 double
-);
-create index tArchiveData_value on tArchiveData (TimeStampId, ColumnId);
+  value1 double,
+  primary key (TimeStampId, ColumnId)
+) without rowid;
 
 -- The last download of the BSAP screens, for the reports; filled by position. All models but the TeleCorrector have theirs
 -- in Daily_tf and Hourly_tf below. -------------------------------------------------------------------------------------

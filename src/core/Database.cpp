@@ -138,6 +138,30 @@ const Value& Row::operator[](std::size_t position) const {
     return values_[position];
 }
 
+namespace {
+
+SQLite::Column CellOf(const void* statement, int position) {
+    return static_cast<const SQLite::Statement*>(statement)->getColumn(position);
+}
+
+}  // namespace
+
+bool RowInHand::IsNull(int position) const {
+    return CellOf(statement_, position).isNull();
+}
+
+std::int64_t RowInHand::Long(int position) const {
+    return CellOf(statement_, position).getInt64();
+}
+
+double RowInHand::Number(int position) const {
+    return CellOf(statement_, position).getDouble();
+}
+
+std::string RowInHand::Text(int position) const {
+    return CellOf(statement_, position).getString();
+}
+
 class Database::Engine {
   public:
     explicit Engine(const std::filesystem::path& file) : connection_(file.string(), SQLite::OPEN_READWRITE) {
@@ -156,16 +180,20 @@ class Database::Engine {
     template <typename Values, typename Use>
     auto With(const std::string& sql, const Values& values, const Use& use) {
         auto node = statements_.extract(sql);
-        auto statement =
-            node.empty() ? std::make_unique<SQLite::Statement>(connection_, sql) : std::move(node.mapped());
+        if (node.empty()) {
+            Statements fresh;
+            fresh.emplace(sql, std::make_unique<SQLite::Statement>(connection_, sql));
+            node = fresh.extract(fresh.begin());
+        }
+        SQLite::Statement& statement = *node.mapped();
         int index = 0;
         for (const Value& value : values) {
-            std::visit(BindValue{*statement, ++index}, value.Raw());
+            std::visit(BindValue{statement, ++index}, value.Raw());
         }
-        auto result = use(*statement);
-        statement->reset();
-        statement->clearBindings();
-        statements_.insert_or_assign(sql, std::move(statement));
+        auto result = use(statement);
+        statement.reset();
+        statement.clearBindings();
+        statements_.insert(std::move(node));
         return result;
     }
 
@@ -177,7 +205,9 @@ class Database::Engine {
         connection_.createFunction(name, arguments, true, nullptr, function);
     }
 
-    std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> statements_;
+    using Statements = std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>>;
+
+    Statements statements_;
 };
 
 namespace {
@@ -217,6 +247,19 @@ std::vector<Row> Database::Query(const std::string& sql, std::initializer_list<V
                 rows.emplace_back(columns, std::move(cells));
             }
             return rows;
+        });
+    });
+}
+
+void Database::Each(const std::string& sql, std::initializer_list<Value> values,
+                    const std::function<void(const RowInHand&)>& use) {
+    Guarded([&] {
+        return engine_->With(sql, values, [&](SQLite::Statement& statement) {
+            const RowInHand row(&statement);
+            while (statement.executeStep()) {
+                use(row);
+            }
+            return true;
         });
     });
 }

@@ -69,6 +69,20 @@ class Row {
     std::vector<Value> values_;
 };
 
+// The row at which a reading stands, its columns by position from 0; it is gone when the next one comes.
+class RowInHand {
+  public:
+    explicit RowInHand(const void* statement) : statement_(statement) {}
+
+    bool IsNull(int position) const;
+    std::int64_t Long(int position) const;
+    double Number(int position) const;
+    std::string Text(int position) const;
+
+  private:
+    const void* statement_;
+};
+
 class Database {
   public:
     // Opens the delivered file; it is never created. Throws DatabaseError when it is missing, locked or damaged.
@@ -79,6 +93,11 @@ class Database {
 
     // All rows of a statement, read at once: what another routine does meanwhile cannot move them.
     std::vector<Row> Query(const std::string& sql, std::initializer_list<Value> values = {});
+
+    // Hands the rows to `use` one after the other and keeps none: for many rows. Never wait inside, the statement is
+    // open.
+    void Each(const std::string& sql, std::initializer_list<Value> values,
+              const std::function<void(const RowInHand&)>& use);
 
     // The first row, if there is one.
     std::optional<Row> First(const std::string& sql, std::initializer_list<Value> values = {});
