@@ -8,7 +8,7 @@ set(below_stations core stations)
 set(below_reports core reports)
 set(below_collection core protocols stations collection)
 set(below_archive core protocols stations archive)
-set(below_session core protocols stations collection session)
+set(below_session core protocols stations collection archive session)
 
 set(broken "")
 foreach(room ${rooms})

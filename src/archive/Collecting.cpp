@@ -58,6 +58,11 @@ class Job {
                                                    : "Minute Archive";
     }
 
+    // The online screen reads the files of the stream that the session has when its turn comes.
+    int File() const {
+        return wish_.screen == Screen::frmCW_archive ? wish_.file : HistoryType(talk_.streamno, wish_.kind);
+    }
+
     std::string FailureText(RunEnd end, const std::string& failure) const {
         if (end == RunEnd::LineLost) {
             return talk_.line->Reason();
@@ -95,7 +100,7 @@ class Job {
     void Archive() {
         talk_.feedback.Status("Collecting Archive.......");
         const ArchiveRoutine& routine = ArchiveRoutineOf(wish_.screen, talk_.station.isCW, wish_.newFirst);
-        const ArchiveResult result = RunArchive(talk_, routine, wish_.file, wish_.range, view_);
+        const ArchiveResult result = RunArchive(talk_, routine, File(), wish_.range, view_);
         const std::vector<ArchiveRecord>& records = result.download.records;
         std::string came = result.end == RunEnd::Whole ? std::string() : Counted(records.size(), "record") + ".";
         if (wish_.screen == Screen::frmarchive) {
@@ -106,7 +111,7 @@ class Job {
         if (wish_.screen == Screen::frmparaarchive && result.end != RunEnd::Failed) {
             Stored([&] {
                 const SaveOutcome saved =
-                    SaveArchive(dbconn_, {talk_.station.locationID, talk_.streamno, wish_.file}, result.download);
+                    SaveArchive(dbconn_, {talk_.station.locationID, talk_.streamno, File()}, result.download);
                 came = Counted(records.size(), "record") + ": " + std::to_string(saved.added) + " new, " +
                        std::to_string(saved.known) + " known.";
             });
@@ -132,10 +137,14 @@ Collected Collect(core::Database& dbconn, protocols::Conversation& talk, const W
     return Job(dbconn, talk, wish, view).Do();
 }
 
-std::vector<std::string> ArchiveNodes(core::Database& dbconn) {
+std::vector<std::string> ArchiveNodes(core::Database& dbconn, std::optional<std::int64_t> locationID) {
+    const auto rows =
+        locationID ? dbconn.Query("select locationId,consumer from ConfigData_Master where locationID=?", {*locationID})
+                   : dbconn.Query(
+                         "select locationId,consumer,modelno from ConfigData_Master where "
+                         "protocol = 'BSAP' and drs<> 1 order by locationID");
     std::vector<std::string> nodes;
-    for (const core::Row& row : dbconn.Query("select locationId,consumer,modelno from ConfigData_Master where "
-                                             "protocol = 'BSAP' and drs<> 1 order by locationID")) {
+    for (const core::Row& row : rows) {
         nodes.push_back(row.Text("locationId") + "-" + row.Text("consumer"));
     }
     return nodes;

@@ -17,10 +17,10 @@ class Database;
 namespace archive {
 
 struct Wish {
-    Screen screen;
+    Screen screen = Screen::frmarchive;
     bool audit = false;
     ArchiveKind kind = ArchiveKind::Hourly;
-    int file = 0;                     // the number of the archive file
+    int file = 0;                     // of frmCW_archive: the number of the archive file
     bool newFirst = false;            // "New First" is ticked
     std::optional<DayRange> range{};  // "Start Date" is ticked
 };
@@ -35,8 +35,9 @@ struct Collected {
 // line. What the database refuses is told in the message; the grid has the rows all the same.
 Collected Collect(core::Database& dbconn, protocols::Conversation& talk, const Wish& wish, RunView& view);
 
-// The stations to choose from, "locationID-consumer" each, by location. Throws DatabaseError.
-std::vector<std::string> ArchiveNodes(core::Database& dbconn);
+// The stations to choose from, "locationID-consumer" each, by location: all that are read by BSAP, or the one of a
+// screen that was opened for it. Throws DatabaseError.
+std::vector<std::string> ArchiveNodes(core::Database& dbconn, std::optional<std::int64_t> locationID);
 
 struct Node {
     std::int64_t locationID = 0;

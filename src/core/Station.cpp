@@ -95,6 +95,16 @@ std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID) {
     return station;
 }
 
+std::optional<Station> ReadOnlineStation(Database& dbconn, std::int64_t locationID) {
+    auto station = ReadStation(dbconn, locationID);
+    if (station && SameText(station->modelno, "CW_Micro")) {
+        station->isCW = true;
+        station->protocol = "BSAP";
+        station->mode.clear();
+    }
+    return station;
+}
+
 std::optional<ModelCounts> ReadModelCounts(Database& dbconn, const Station& station, int streamno) {
     const std::string model = station.isCW              ? station.ModelText(streamno)
                               : station.isTeleCorrector ? "TeleCorrector"

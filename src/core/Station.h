@@ -55,6 +55,9 @@ bool IsMultiStreamModel(const std::string& modelno);
 // Reads one station; nothing when the register has no such location. Throws DatabaseError.
 std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID);
 
+// The same as a screen in front of the operator sees it: there a CW_Micro is a CW, which speaks BSAP.
+std::optional<Station> ReadOnlineStation(Database& dbconn, std::int64_t locationID);
+
 // The modbus_para row of the station's stream; nothing when the table has none for its model. Throws DatabaseError.
 std::optional<ModelCounts> ReadModelCounts(Database& dbconn, const Station& station, int streamno);
 

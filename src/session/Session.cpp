@@ -34,7 +34,7 @@ class GuestFeedback final : public core::Feedback {
 };
 
 core::Station StationOf(core::Database& dbconn, std::int64_t locationID) {
-    auto station = core::ReadStation(dbconn, locationID);
+    auto station = core::ReadOnlineStation(dbconn, locationID);
     if (!station) {
         throw std::runtime_error("This station is no longer in the register");
     }

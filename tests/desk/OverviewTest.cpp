@@ -8,7 +8,7 @@
 #include "desk/core/NodeButton.h"
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/mainfrm.h"
-#include "desk/session/StationDoor.h"
+#include "desk/session/frm_CWM.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include "desk/core/Navigator.h"
 #include "desk/core/NodeButton.h"
 #include "desk/core/frmshowdata.h"
-#include "desk/session/StationDoor.h"
+#include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
 #include "ui_frmGraphicRept.h"
 
@@ -193,7 +193,7 @@ void frmGraphicRept::OpenStation(std::int64_t locationId) {
     if (station && !core::SameText(station->modelno, "CW_Micro")) {
         desk_.navigator.Open(new frmparalist(desk_, locationId));
     } else {
-        desk_.navigator.Open(new StationDoor(desk_, locationId));
+        desk_.navigator.Open(new frm_CWM(desk_, locationId));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "desk/core/frmHisErrLog.h"
 
 #include "core/MAIN_Module.h"
+#include "desk/archive/frmarchive.h"
 #include "desk/collection/frm_Sch_Data.h"
 #include "desk/collection/frmrpt.h"
 #include "desk/core/frmlog.h"
@@ -16,6 +17,7 @@ namespace desk {
 frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::make_unique<Ui::frmHisErrLog>()) {
     ui_->setupUi(this);
     Title("Utility");
+    Opens<frmarchive>(ui_->cmdarch);
     Opens<frmlog>(ui_->cmdlog);
     Opens<frmrpt>(ui_->cmdReport);
     Opens<frm_Sch_Data>(ui_->cmd_schedul);
@@ -24,7 +26,6 @@ frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::mak
     Opens<frmdialout>(ui_->cmd_dialout);
     Opens<frmemail>(ui_->cmd_email);
     Opens<frmemail_settings>(ui_->cmd_emailsettings);
-    NotYet(ui_->cmdarch);
     NotYet(ui_->cmd_calib);
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdClose, &QAbstractButton::clicked, this, &Page::Closed);
@@ -34,6 +35,7 @@ frmHisErrLog::~frmHisErrLog() = default;
 
 void frmHisErrLog::Activated() {
     const core::Rights& rights = desk_.shared.rights;
+    ui_->cmdarch->setEnabled(rights.rightArchive);
     ui_->cmdReport->setEnabled(rights.rightDailyReport);
     ui_->cmdChart->setEnabled(rights.rightTrends);
     ui_->cmdhisotrical->setEnabled(rights.rightHistorical);

@@ -1,0 +1,87 @@
+#include "desk/archive/ArchivePage.h"
+
+#include <QComboBox>
+#include <QPushButton>
+
+#include "core/Text.h"
+#include "desk/archive/DownloadPanel.h"
+#include "desk/core/Navigator.h"
+#include "desk/reports/frmemail.h"
+#include "session/ArchiveLine.h"
+#include "session/Session.h"
+
+namespace desk {
+
+ArchivePage::ArchivePage(Desk& desk, archive::Screen screen, session::Session* session)
+    : Page(desk, "Historical Data"), screen_(screen), session_(session) {}
+
+void ArchivePage::Build(DownloadPanel& panel, QComboBox& cmbNode, QWidget& choices,
+                        std::optional<std::int64_t> locationID) {
+    Title("Historical Data");
+    panel_ = &panel;
+    cmbNode_ = &cmbNode;
+    choices_ = &choices;
+    panel.Files(screen_ == archive::Screen::frmarchive ? DownloadPanel::FileForm{';', "Text Files (*.txt)", "txt"}
+                                                       : DownloadPanel::FileForm{'\t', "Excel Files (*.xls)", "xls"});
+    panel.cmd_stop().setVisible(screen_ != archive::Screen::frmarchive);
+    CloseCommand(&panel.cmdClose());
+    connect(&panel.cmdClose(), &QPushButton::clicked, this, &Page::Closed);
+    connect(&panel.cmdGo(), &QPushButton::clicked, this, [this] { Guarded([this] { Go(); }); });
+    connect(&panel.cmd_email(), &QPushButton::clicked, this,
+            [this] { Guarded([this] { desk_.navigator.Open(new frmemail(desk_)); }); });
+    if (session_ != nullptr) {
+        locationID = session_->GetStation().locationID;
+    }
+    Guarded([&] {
+        for (const std::string& node : archive::ArchiveNodes(desk_.dbconn, locationID)) {
+            cmbNode.addItem(QString::fromStdString(node));
+        }
+    });
+    cmbNode.setCurrentIndex(locationID ? 0 : -1);
+}
+
+std::optional<archive::Node> ArchivePage::ChosenNode() const {
+    return archive::SplitNode(cmbNode_->currentText().toStdString());
+}
+
+void ArchivePage::ForgetReport() {
+    panel_->cmdReport().setEnabled(false);
+}
+
+void ArchivePage::Go() {
+    const auto node = ChosenNode();
+    if (!node) {
+        cmbNode_->setFocus();
+        Show("Invalid Location");
+        return;
+    }
+    const auto wish = GetWish();
+    if (!wish) {
+        return;
+    }
+    collected_.reset();
+    panel_->ClearGrid();
+    panel_->Running(true);
+    choices_->setEnabled(false);
+    panel_->cmd_stop().setFocus();
+    const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
+                                      desk_.logs,   desk_.line,   desk_.counters};
+    session::OnArchiveLine(
+        place, desk_.scheduler, session_, screen_, node->locationID,
+        [this, wish = *wish](protocols::Conversation& talk) {
+            collected_ = archive::Collect(desk_.dbconn, talk, wish, *panel_);
+        },
+        [this] { Over(); });
+}
+
+void ArchivePage::Over() {
+    panel_->Running(false);
+    choices_->setEnabled(true);
+    panel_->cmdGo().setFocus();
+    if (collected_) {
+        Show(QString::fromStdString(core::ReplaceAll(collected_->message, "\r", "\n")),
+             collected_->end == archive::RunEnd::Whole ? QMessageBox::Information : QMessageBox::Warning);
+    }
+}
+
+}  // namespace desk

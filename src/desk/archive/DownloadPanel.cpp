@@ -1,0 +1,140 @@
+#include "desk/archive/DownloadPanel.h"
+
+#include <algorithm>
+
+#include "core/Text.h"
+#include "desk/core/Boxes.h"
+#include "desk/core/WholeFile.h"
+#include "ui_DownloadPanel.h"
+
+namespace desk {
+
+namespace {
+
+// Numbers are right-aligned, texts left. What a text says is in its first row; times and descriptions are texts.
+bool IsNumber(const QString& caption) {
+    return !caption.contains("Time") && !caption.contains("Description");
+}
+
+}  // namespace
+
+DownloadPanel::DownloadPanel(QWidget* parent) : QWidget(parent), ui_(std::make_unique<Ui::DownloadPanel>()) {
+    ui_->setupUi(this);
+    connect(ui_->cmd_stop, &QPushButton::clicked, this, &DownloadPanel::Stop);
+    connect(ui_->cmdsave, &QPushButton::clicked, this, &DownloadPanel::Save);
+    ui_->cmdReport->setEnabled(false);
+    Running(false);
+}
+
+DownloadPanel::~DownloadPanel() = default;
+
+QPushButton& DownloadPanel::cmdGo() {
+    return *ui_->cmdGo;
+}
+
+QPushButton& DownloadPanel::cmd_stop() {
+    return *ui_->cmd_stop;
+}
+
+QPushButton& DownloadPanel::cmdReport() {
+    return *ui_->cmdReport;
+}
+
+QPushButton& DownloadPanel::cmd_email() {
+    return *ui_->cmd_email;
+}
+
+QPushButton& DownloadPanel::cmdClose() {
+    return *ui_->cmdClose;
+}
+
+void DownloadPanel::Running(bool running) {
+    running_ = running;
+    stopflag_ = false;
+    for (QPushButton* command : {ui_->cmdGo, ui_->cmdsave, ui_->cmd_email, ui_->cmdClose}) {
+        command->setEnabled(!running);
+    }
+    ui_->cmdsave->setEnabled(!running && ui_->grid->Rows() > 0);
+    ui_->cmdReport->setEnabled(!running && ui_->grid->Rows() > 0);
+    ui_->cmd_stop->setEnabled(running);
+    ui_->cmdGo->setDefault(!running);
+    for (QWidget* place : std::initializer_list<QWidget*>{ui_->lblmsg, ui_->lblrecno, ui_->pbrecords}) {
+        place->setVisible(running);
+    }
+    ui_->lblrecno->clear();
+    ui_->pbrecords->setRange(0, 0);
+}
+
+void DownloadPanel::ClearGrid() {
+    captions_.clear();
+    ui_->grid->FormatString("");
+}
+
+void DownloadPanel::Columns(const std::vector<std::string>& captions) {
+    captions_.clear();
+    QStringList shown;
+    for (const std::string& caption : captions) {
+        captions_.append(QString::fromStdString(caption));
+        QString text = captions_.back().trimmed().replace('|', ' ');
+        shown.append((IsNumber(text) ? ">" : "<") + text);
+    }
+    ui_->grid->FormatString(shown.join('|'));
+}
+
+void DownloadPanel::Rows(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<QStringList> items;
+    for (const auto& row : rows) {
+        QStringList item;
+        for (const std::string& cell : row) {
+            item.append(QString::fromStdString(cell));
+        }
+        items.push_back(item);
+    }
+    ui_->grid->AddItems(items);
+}
+
+void DownloadPanel::Record(int record, int total) {
+    ui_->lblrecno->setText("Record (" + QString::number(record) + "/" + QString::number(total) + ")");
+    ui_->pbrecords->setRange(0, std::max(total, 1));
+    ui_->pbrecords->setValue(record);
+}
+
+void DownloadPanel::Status(const std::string& text) {
+    ui_->lblmsg->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+}
+
+void DownloadPanel::Box(const std::string& text) {
+    ShowBox(this, QString::fromStdString(core::ReplaceAll(text, "\r", "\n")), window()->windowTitle());
+}
+
+void DownloadPanel::Lamp(const std::string& lamp, const std::string&) {
+    ui_->leds->Light(QString::fromStdString(lamp));
+}
+
+void DownloadPanel::Stop() {
+    stopflag_ = true;
+    ui_->lblmsg->setText("Stoped");
+    ui_->cmd_stop->setEnabled(false);
+}
+
+// Every row from the captions on, each field with its ending, a line a row.
+QByteArray DownloadPanel::FileText() const {
+    QString text;
+    for (int row = -1; row < ui_->grid->Rows(); ++row) {
+        for (int column = 0; column < captions_.size(); ++column) {
+            text += (row < 0 ? captions_[column] : ui_->grid->TextMatrix(row, column)) + files_.ending;
+        }
+        text += "\r\n";
+    }
+    return text.toUtf8();
+}
+
+void DownloadPanel::Save() {
+    AskForFile(this, {"Save To File", files_.kinds, files_.suffix}, [this](const QString& file) {
+        const QString failure = WriteWhole(file, FileText());
+        ShowBox(this, failure.isEmpty() ? "Data Saved..." : failure, window()->windowTitle(),
+                failure.isEmpty() ? QMessageBox::Information : QMessageBox::Warning);
+    });
+}
+
+}  // namespace desk

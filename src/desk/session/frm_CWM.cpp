@@ -1,0 +1,133 @@
+#include "desk/session/frm_CWM.h"
+
+#include <QFormLayout>
+#include <QLabel>
+
+#include "collection/NodeOverview.h"
+#include "collection/Scheduler.h"
+#include "core/Station.h"
+#include "core/Text.h"
+#include "desk/archive/frmparaarchive.h"
+#include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
+#include "ui_frm_CWM.h"
+
+namespace desk {
+
+namespace {
+
+std::string Line(const core::Station& station) {
+    if (!station.ip.empty()) {
+        return "IP " + station.ip;
+    }
+    return station.comtype + ", COM" + std::to_string(station.comport) + ", " + station.settings +
+           (station.phoneno.empty() ? "" : ", " + station.phoneno);
+}
+
+std::string TodaysState(core::Database& dbconn, std::int64_t locationID) {
+    for (const collection::Node& node : collection::ReadNodes(dbconn)) {
+        if (node.locationId == locationID) {
+            return node.sampledtoday ? "Collected" : "Not collected";
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+frm_CWM::frm_CWM(Desk& desk, std::int64_t locationID)
+    : Page(desk, "Selection Menu"), ui_(std::make_unique<Ui::frm_CWM>()) {
+    ui_->setupUi(this);
+    ui_->lblconsumer->setTextFormat(Qt::PlainText);
+    ui_->lblconsumer->setFont(Larger(font(), 2, true));
+    ui_->lblconnection->setFont(Larger(font(), 1.5));
+    Title("Selection Menu");
+    CloseCommand(ui_->cmdClose);
+    connect(ui_->cmdClose, &QPushButton::clicked, this, &frm_CWM::CloseAsked);
+    if (core::ReadStation(desk_.dbconn, locationID)) {
+        const collection::Workplace place{desk.dbconn, desk.shared, desk.clock,   *this,
+                                          desk.logs,   desk.line,   desk.counters};
+        session_ = std::make_unique<session::Session>(place, desk.scheduler, *this, locationID);
+        ShowStation(session_->GetStation());
+        ConnectCommands();
+    } else {
+        ui_->lblconsumer->setText("This station is no longer in the register");
+    }
+    ShowButtons();
+}
+
+frm_CWM::~frm_CWM() = default;
+
+void frm_CWM::ShowStation(const core::Station& station) {
+    setWindowTitle(windowTitle() + "----(" + QString::fromStdString(station.consumer) + ")");
+    ui_->lblconsumer->setText(QString::fromStdString(station.consumer));
+    Fact("Today's collection", TodaysState(desk_.dbconn, station.locationID));
+    Fact("Model", station.modelno);
+    Fact("Protocol", core::Trim(station.protocol + " " + station.mode));
+    Fact("Slave address", std::to_string(station.slaveaddress));
+    Fact("Line", Line(station));
+}
+
+void frm_CWM::Fact(const QString& caption, const std::string& text) {
+    auto* name = new QLabel(caption);
+    Mute(name);
+    auto* value = new QLabel(QString::fromStdString(text));
+    value->setTextFormat(Qt::PlainText);
+    value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    ui_->facts->addRow(name, value);
+}
+
+void frm_CWM::ConnectCommands() {
+    connect(ui_->cmdConnect, &QPushButton::clicked, this, [this] { Guarded([this] { session_->Connect(); }); });
+    connect(ui_->cmddisconnect, &QPushButton::clicked, this, [this] { Guarded([this] { session_->Disconnect(); }); });
+    connect(ui_->cmd_archive, &QPushButton::clicked, this,
+            [this] { Guarded([this] { desk_.navigator.Open(new frmparaarchive(desk_, *session_)); }); });
+    connect(ui_->cmd_fetch, &QPushButton::clicked, this,
+            [this] { Show("The list fetch is not available yet.", QMessageBox::Information); });
+    // Whether stations are being collected shows in time.
+    connect(&seconds_, &QTimer::timeout, this, &frm_CWM::ShowButtons);
+    seconds_.start(1000);
+}
+
+void frm_CWM::ShowButtons() {
+    const auto state = session_ != nullptr ? session_->GetState() : session::State::Disconnecting;
+    const bool lineUp = session_ != nullptr && session_->HasLine();
+    ui_->cmdConnect->setEnabled(state == session::State::Idle && !desk_.scheduler.Busy());
+    ui_->cmddisconnect->setEnabled(lineUp || state == session::State::Connecting);
+    ui_->cmd_archive->setEnabled(lineUp);
+    ui_->cmd_fetch->setEnabled(lineUp);
+    ui_->btnHistory->setEnabled(session_ != nullptr);
+    ui_->cmdConnect->setDefault(ui_->cmdConnect->isEnabled());
+    ui_->cmd_archive->setDefault(lineUp);
+}
+
+void frm_CWM::CloseAsked() {
+    if (session_ != nullptr && session_->GetState() != session::State::Idle) {
+        Box("Stop Communitcation...");
+    } else {
+        Close();
+    }
+}
+
+void frm_CWM::Status(const std::string& text) {
+    ui_->lblconnection->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+}
+
+void frm_CWM::Box(const std::string& text) {
+    Show(QString::fromStdString(core::ReplaceAll(text, "\r", "\n")));
+}
+
+void frm_CWM::Lamp(const std::string& lamp, const std::string&) {
+    ui_->leds->Light(QString::fromStdString(lamp));
+}
+
+void frm_CWM::Ended(const std::string& reason, bool) {
+    Status(reason.empty() ? "Not connected" : "Not connected: " + reason);
+    ShowButtons();
+}
+
+void frm_CWM::FinishLater() {
+    QTimer::singleShot(0, this, [this] { session_->Finish(); });
+}
+
+}  // namespace desk
