@@ -196,7 +196,7 @@ Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOpt
     }
     BsapOptions bsap;
     bsap.shortLayout = station.isCW;
-    bsap.lists = options.lists;
+    bsap.answers = options.answers;
     bsap.answerMs = AnswerMs(station);
     if (silent) {
         bsap.silentLists.insert(AnalogList(station, 1));

@@ -160,7 +160,7 @@ bool Read(Arguments& arguments, const std::vector<std::string>& words) {
         if (words[i] == "--no-carrier-first") {
             arguments.noCarrierFirst = true;
         } else if (words[i] == "--acknowledge-first") {
-            arguments.field.lists = fieldsim::ListAnswer::AcknowledgeFirst;
+            arguments.field.answers = fieldsim::DataAnswer::AcknowledgeFirst;
         } else if (i + 1 == words.size() || !Apply(arguments, words[i], words[i + 1])) {
             return false;
         } else {
