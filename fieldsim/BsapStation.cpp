@@ -1,10 +1,8 @@
 #include "fieldsim/BsapStation.h"
 
-#include <algorithm>
-#include <bit>
-
 #include "core/Text.h"
-#include "fieldsim/Checks.h"
+#include "fieldsim/BsapArchive.h"
+#include "fieldsim/BsapBytes.h"
 
 namespace fieldsim {
 
@@ -14,10 +12,6 @@ using namespace std::string_view_literals;
 
 constexpr std::size_t kLongestBody = 214;  // a frame of 220 bytes, before doubling
 constexpr std::size_t kUnitCharacters = 6;
-
-std::string_view Rest(std::string_view text, std::size_t from) {
-    return text.substr(std::min(from, text.size()));
-}
 
 // Where the function part begins: behind the application sequence and 0B 00. A master that makes its sign-on from the
 // decimal text of the sequence number leaves a byte of it out when it does not fit.
@@ -34,15 +28,6 @@ std::string Units(const std::string& unit) {
     std::string text = core::ToCodePage(unit).value_or(std::string());
     text.resize(kUnitCharacters, '\0');
     return text;
-}
-
-std::string LowFirst(int word) {
-    return LowHigh(static_cast<std::uint16_t>(word));
-}
-
-std::string FloatLowFirst(double value) {
-    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
-    return LowFirst(static_cast<int>(bits & 0xFFFFU)) + LowFirst(static_cast<int>(bits >> 16U));
 }
 
 }  // namespace
@@ -103,6 +88,11 @@ std::optional<Answer> BsapStation::Application(std::string_view body, const Mome
     if (request.function.starts_with("\x80"sv)) {
         return AnswerWrite(request, now);
     }
+    if (Open()) {
+        if (const auto answer = FromHistory(request, now)) {
+            return InTime(AtOnceOrOnPoll(*answer, request));
+        }
+    }
     return InTime(Acknowledgement(request.sequence));
 }
 
@@ -138,13 +128,7 @@ std::optional<std::string> BsapStation::List(const Request& request, const Momen
     if (options_.silentLists.count(list) != 0) {
         return std::nullopt;
     }
-    std::string page = Page(request, list, from, fields[1] == '\xF0', now);
-    ++listRequests_;
-    if (options_.lists == ListAnswer::AtOnce || (options_.lists == ListAnswer::Alternate && listRequests_ % 2 == 0)) {
-        return page;
-    }
-    waiting_ = std::move(page);
-    return Acknowledgement(request.sequence);
+    return AtOnceOrOnPoll(Page(request, list, from, fields[1] == '\xF0', now), request);
 }
 
 // As many records as a reply holds. In front of them stands how many the master has then had: there it goes on.
@@ -177,6 +161,27 @@ std::string BsapStation::Record(int list, int position, bool units, const Moment
     std::string record(1, static_cast<char>(shown.typecode >= 0 ? shown.typecode : usual));
     record += kind == Kind::Logical ? std::string(1, value != 0 ? '\x01' : '\x00') : FloatLowFirst(value);
     return record + (units ? Units(shown.unit) : std::string()) + LowFirst(Msd(list, position));
+}
+
+std::optional<std::string> BsapStation::FromHistory(const Request& request, const Moment& now) {
+    std::string head = AnswerHead(request);
+    const auto reply = AnswerHistory(history_, request.function, kLongestBody - head.size(), now.local);
+    if (!reply) {
+        return std::nullopt;
+    }
+    head[head.size() - 3] = static_cast<char>(reply->status[0]);
+    head[head.size() - 2] = static_cast<char>(reply->status[1]);
+    return head + reply->data;
+}
+
+std::string BsapStation::AtOnceOrOnPoll(std::string answer, const Request& request) {
+    ++dataRequests_;
+    if (options_.answers == DataAnswer::AtOnce ||
+        (options_.answers == DataAnswer::Alternate && dataRequests_ % 2 == 0)) {
+        return answer;
+    }
+    waiting_ = std::move(answer);
+    return Acknowledgement(request.sequence);
 }
 
 // Address and status stand at bytes 6 and 7 of the frame, in the long layout at 7 and 8. With 12 or 13 bytes it is in

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fieldsim/ArchiveFile.h"
 #include "fieldsim/BsapFrame.h"
 #include "fieldsim/Signals.h"
 #include "fieldsim/WritableStation.h"
@@ -18,7 +19,8 @@ namespace fieldsim {
 // The lists of a station by their numbers, such as 54 and 55.
 using SignalLists = std::map<int, std::shared_ptr<SignalList>>;
 
-enum class ListAnswer {
+// How a station gives out lists, archives and the audit trail.
+enum class DataAnswer {
     AtOnce,
     AcknowledgeFirst,  // an acknowledgement; the answer waits for the next poll
     Alternate,         // now the one, now the other
@@ -27,11 +29,11 @@ enum class ListAnswer {
 struct BsapOptions {
     // The reply layout of the CW models: one byte less in front of everything that follows the sequence number.
     bool shortLayout = false;
-    std::string password;  // with one, lists are open only after a sign-on with it; empty: any sign-on will do
+    std::string password;  // with one, all data are open only after a sign-on with it; empty: any sign-on will do
     std::uint8_t loadVersion1 = 0x12;
     std::uint8_t loadVersion2 = 0x34;
     std::uint8_t status = 0;  // of every reply; above 1 the station is not fit
-    ListAnswer lists = ListAnswer::AtOnce;
+    DataAnswer answers = DataAnswer::AtOnce;
     // The link sequence number of a reply and the number that it acknowledges are the request's. Otherwise they are the
     // station's own count, which goes round below 10 hex, so that no doubled byte stands in front of the fixed places.
     bool echoSequences = false;
@@ -40,10 +42,11 @@ struct BsapOptions {
     std::uint32_t answerMs = 50;
 };
 
-// A BSAP station: poll, acknowledge, sign-on, load version, signal lists and writes of values, on and off, and texts by
-// MSD address. Requests for other addresses or with a bad check get silence, those that it cannot serve (other load
-// versions, unknown lists) an acknowledgement. A write is taken whole or not at all: not with another load version, to
-// an address without a signal, or of a value that is not of the signal's kind. Its answer does not tell.
+// A BSAP station: poll, acknowledge, sign-on, load version, signal lists, archive files and the audit trail, and writes
+// of values, on and off, and texts by MSD address. Requests for other addresses or with a bad check get silence, those
+// that it cannot serve (other load versions, unknown lists) an acknowledgement. A write is taken whole or not at all:
+// not with another load version, to an address without a signal, or of a value that is not of the signal's kind. Its
+// answer does not tell.
 class BsapStation final : public WritableStation {
   public:
     BsapStation(int address, SignalLists lists, BsapOptions options = {});
@@ -52,6 +55,11 @@ class BsapStation final : public WritableStation {
 
     const SignalLists& Lists() const { return lists_; }
     BsapOptions& Options() { return options_; }
+    // Its archive files and its audit trail, which may be changed at any time; what comes of it on the line stands in
+    // BsapArchive.h. A station has none of its own.
+    StationHistory& History() { return history_; }
+    std::map<int, ArchiveFile>& Archives() { return history_.archives; }
+    AuditTrail& Audit() { return history_.audit; }
     // Sign-ons with the right password so far.
     int SignOns() const { return signOns_; }
     bool SignedOn() const { return signedOn_; }
@@ -77,6 +85,9 @@ class BsapStation final : public WritableStation {
     std::optional<std::string> List(const Request& request, const Moment& now);
     std::string Page(const Request& request, int list, int from, bool units, const Moment& now);
     std::string Record(int list, int position, bool units, const Moment& now);
+    std::optional<std::string> FromHistory(const Request& request, const Moment& now);
+    // The answer, or an acknowledgement when it waits for a poll.
+    std::string AtOnceOrOnPoll(std::string answer, const Request& request);
     std::string SignOn(const Request& request);
     std::string Version(const Request& request);
 
@@ -94,10 +105,11 @@ class BsapStation final : public WritableStation {
     int address_;
     SignalLists lists_;
     BsapOptions options_;
+    StationHistory history_;
     BsapReader reader_;
     std::string waiting_;  // the answer that the next poll will get
     int ownSequence_ = 0;
-    int listRequests_ = 0;
+    int dataRequests_ = 0;
     int signOns_ = 0;
     bool signedOn_ = false;
 };

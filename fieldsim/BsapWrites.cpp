@@ -1,10 +1,9 @@
 // How a BSAP station is written to.
 
 #include <algorithm>
-#include <bit>
 
+#include "fieldsim/BsapBytes.h"
 #include "fieldsim/BsapStation.h"
-#include "fieldsim/Checks.h"
 
 namespace fieldsim {
 
@@ -17,14 +16,6 @@ constexpr char kText = '\x0D';
 
 // 80, two bytes of load version, FF, how many signals.
 constexpr std::size_t kHead = 5;
-
-double FloatLowFirst(std::string_view bytes) {
-    std::uint32_t bits = 0;
-    for (std::size_t i = 4; i > 0; --i) {
-        bits = bits << 8U | ByteAt(bytes, i - 1);
-    }
-    return std::bit_cast<float>(bits);
-}
 
 }  // namespace
 
@@ -55,14 +46,14 @@ bool BsapStation::Elements(std::string_view function, std::vector<Change>& chang
         if (rest.size() < 3) {
             return false;
         }
-        Change change = ChangeAt(ByteAt(rest, 0) + 256 * ByteAt(rest, 1));
+        Change change = ChangeAt(LowFirstAt(rest, 0));
         const bool logical = change.signal != nullptr && change.signal->kind == Kind::Logical;
         const char form = rest[2];
         rest.remove_prefix(3);
         std::size_t length = 0;
         if (form == kFloat) {
             length = 4;
-            change.wanted.value = rest.size() >= length ? FloatLowFirst(rest) : 0;
+            change.wanted.value = rest.size() >= length ? FloatLowFirstAt(rest, 0) : 0;
             sound = sound && !logical;
         } else if (form == kOn || form == kOff) {
             change.wanted.value = form == kOn ? 1 : 0;

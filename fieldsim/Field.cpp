@@ -4,6 +4,7 @@
 
 #include "core/Text.h"
 #include "fieldsim/GasBehaviour.h"
+#include "fieldsim/GasHistory.h"
 
 namespace fieldsim {
 
@@ -114,6 +115,32 @@ void AddLists(Field::Served& served, SignalLists& lists, StationMap map, int str
     served.values[streamno] = {analogs, logicals};
 }
 
+std::unique_ptr<BsapStation> MakeBsap(Field::Served& served, core::Database& dbconn, const FieldOptions& options,
+                                      const std::function<Behaviour(int streamno)>& behaviour, bool silent) {
+    const core::Station& station = served.station;
+    SignalLists lists;
+    StationHistory history;
+    for (int streamno = 1; streamno <= station.No_Stream; ++streamno) {
+        AddLists(served, lists, LoadMap(dbconn, station.locationID, streamno), streamno, behaviour(streamno));
+        AddGasArchives(history, station, streamno, *served.values[streamno].front(), behaviour(streamno),
+                       options.contractHour);
+    }
+    history.audit.before = [first = behaviour(1)](const core::DateTime& now) { return GasEvents(first, now); };
+    if (const auto other = options.histories.find(station.locationID); other != options.histories.end()) {
+        other->second(history);
+    }
+    BsapOptions bsap;
+    bsap.shortLayout = station.isCW;
+    bsap.answers = options.answers;
+    bsap.answerMs = AnswerMs(station);
+    if (silent) {
+        bsap.silentLists.insert(AnalogList(station, 1));
+    }
+    auto made = std::make_unique<BsapStation>(station.slaveaddress, std::move(lists), std::move(bsap));
+    made->History() = std::move(history);
+    return made;
+}
+
 }  // namespace
 
 StationMap LoadMap(core::Database& dbconn, std::int64_t locationID, int streamno) {
@@ -179,7 +206,7 @@ Device& Field::Make(Served& served, core::Database& dbconn, const FieldOptions& 
 Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOptions& options) {
     const core::Station& station = served.station;
     const bool silent = options.silent.count(station.locationID) != 0;
-    const auto behaviour = [&](int streamno) {
+    const auto behaviour = [&options, &station](int streamno) {
         const auto seed = static_cast<std::uint32_t>(station.locationID * 4 + streamno);
         return GasBehaviour(options.seed * 1000003U + seed, options.contractHour, options.alarmCycle);
     };
@@ -190,18 +217,8 @@ Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOpt
     if (core::SameText(station.protocol, "Quantum")) {
         return Keep(MakeQuantum(served, LoadMap(dbconn, station.locationID, 1).analogs, behaviour(1), silent));
     }
-    SignalLists lists;
-    for (int streamno = 1; streamno <= station.No_Stream; ++streamno) {
-        AddLists(served, lists, LoadMap(dbconn, station.locationID, streamno), streamno, behaviour(streamno));
-    }
-    BsapOptions bsap;
-    bsap.shortLayout = station.isCW;
-    bsap.lists = options.lists;
-    bsap.answerMs = AnswerMs(station);
-    if (silent) {
-        bsap.silentLists.insert(AnalogList(station, 1));
-    }
-    return Keep(std::make_unique<BsapStation>(station.slaveaddress, std::move(lists), std::move(bsap)));
+    served.bsap = &Keep(MakeBsap(served, dbconn, options, behaviour, silent));
+    return *served.bsap;
 }
 
 Device& Field::WithFaults(Served& served, Device& device, const FieldOptions& options) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -38,13 +39,16 @@ int LogicalList(const core::Station& station, int streamno);
 
 struct FieldOptions {
     std::uint32_t seed = 1;
-    int contractHour = 6;  // at which the gas day begins, 0 to 23
-    ListAnswer lists = ListAnswer::AtOnce;
-    std::set<std::int64_t> silent{};  // stations that never answer for one list, register or message
+    int contractHour = 6;                     // at which the gas day begins, 0 to 23
+    DataAnswer answers = DataAnswer::AtOnce;  // of the BSAP stations
+    std::set<std::int64_t> silent{};          // stations that never answer for one list, register or message
     std::map<std::int64_t, LineFaults::Options> faults{};  // by station
     std::optional<LineFaults::Options> faultsElsewhere{};  // at all other stations, each with a seed of its own
     std::map<int, std::deque<DialOutcome>> modems{};       // scripts of the modems, by port number
     std::map<std::int64_t, WriteManners> writes{};         // how stations take writes, by station
+    // Changes what a BSAP station keeps of its past, by station; it is given the history that the station has
+    // otherwise.
+    std::map<std::int64_t, std::function<void(StationHistory&)>> histories{};
     int alarmCycle =
         0;  // seconds in which the live values of the alarm blocks pass through their limits; 0: they do not
 };
@@ -57,6 +61,7 @@ class Field {
         core::Station station;
         Device* device = nullptr;                                        // the station itself
         WritableStation* written = nullptr;                              // the same, if it can be written to
+        BsapStation* bsap = nullptr;                                     // the same, if it has archives
         LineFaults* faults = nullptr;                                    // what lies in front of it, if anything
         std::map<int, std::vector<std::shared_ptr<SignalList>>> values;  // by stream
     };

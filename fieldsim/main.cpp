@@ -11,6 +11,7 @@
 #include "core/Database.h"
 #include "core/Text.h"
 #include "fieldsim/Field.h"
+#include "fieldsim/GasHistory.h"
 #include "fieldsim/PtyPorts.h"
 
 namespace {
@@ -26,7 +27,7 @@ constexpr const char* kUsage =
     "Plays every station of DIR/Kolmar.mdb on the ports that its table comports names (column device).\n"
     "  --seed N               other values\n"
     "  --contract-hour H      the gas day begins at this hour (6)\n"
-    "  --acknowledge-first    BSAP lists are answered on the poll after the request\n"
+    "  --acknowledge-first    BSAP lists, archives and audits are answered on the poll after the request\n"
     "  --modem COM3=A,B,...   what the dials on a port give: CONNECT, NO CARRIER, NO ANSWER, BUSY, ERROR or SILENT\n"
     "  --no-carrier-first     the first dial on every port gives NO CARRIER\n"
     "  --fault LOCATION=A,..  what becomes of a station's answers, one after the other: None, Silence, NoiseBefore,\n"
@@ -36,6 +37,8 @@ constexpr const char* kUsage =
     "  --write LOCATION=A,..  what becomes of the writes to a station, the last for all that follow: None, Refuse, "
     "Late,\n"
     "                         LostBefore, LostAfter\n"
+    "  --history LOCATION=A   what a BSAP station keeps of its past: none, empty, one (record), wrapped, long "
+    "(10,000)\n"
     "  --alarm-cycle SECONDS  live values of alarm blocks pass through all their limits and back in that time\n";
 
 struct Arguments {
@@ -125,6 +128,12 @@ bool ApplyWrites(fieldsim::WriteManners& manners, const std::string& names) {
     return true;
 }
 
+bool ApplyHistory(fieldsim::FieldOptions& field, std::int64_t locationID, const std::string& kind) {
+    field.histories[locationID] = [kind](fieldsim::StationHistory& history) { fieldsim::MakeHistory(history, kind); };
+    fieldsim::StationHistory none;
+    return fieldsim::MakeHistory(none, kind);
+}
+
 // An option with a value. False: there is no such option, or its value is none.
 bool Apply(Arguments& arguments, const std::string& option, const std::string& value) {
     const std::size_t equals = value.find('=');
@@ -147,6 +156,8 @@ bool Apply(Arguments& arguments, const std::string& option, const std::string& v
         field.silent.insert(Number(value));
     } else if (option == "--write") {
         return ApplyWrites(field.writes[Number(key)], rest);
+    } else if (option == "--history") {
+        return ApplyHistory(field, Number(key), rest);
     } else if (option == "--alarm-cycle") {
         field.alarmCycle = Number(value);
     } else {
@@ -160,7 +171,7 @@ bool Read(Arguments& arguments, const std::vector<std::string>& words) {
         if (words[i] == "--no-carrier-first") {
             arguments.noCarrierFirst = true;
         } else if (words[i] == "--acknowledge-first") {
-            arguments.field.lists = fieldsim::ListAnswer::AcknowledgeFirst;
+            arguments.field.answers = fieldsim::DataAnswer::AcknowledgeFirst;
         } else if (i + 1 == words.size() || !Apply(arguments, words[i], words[i + 1])) {
             return false;
         } else {

@@ -227,7 +227,7 @@ TEST_F(SessionStory, ATeleFlowIsDialledWatchedWrittenAndLeft) {
 
 TEST_F(SessionStory, ATeleCorrectorIsWatchedAndWrittenOverBsap) {
     fieldsim::FieldOptions options;
-    options.lists = fieldsim::ListAnswer::Alternate;
+    options.answers = fieldsim::DataAnswer::Alternate;
     Open({"O'Neill", "TeleCorrector", "BSAP", "", 1, 5}, options);
     auto steps = CommonSteps(*this);
     steps.push_back({"end", [this] { return Polled(); }, [this] { Click(*page, "cmddisconnect"); }});

@@ -130,7 +130,7 @@ TEST(BsapStation, LogicalRecordsHaveOneByteOfValue) {
 
 TEST(BsapStation, AcknowledgesFirstAndAnswersOnThePoll) {
     BsapOptions options;
-    options.lists = ListAnswer::AcknowledgeFirst;
+    options.answers = DataAnswer::AcknowledgeFirst;
     Asker ask(options);
     EXPECT_TRUE(IsAcknowledgement(ask(kFirst)));
     EXPECT_EQ(At(ask(kPoll), 14), 15);

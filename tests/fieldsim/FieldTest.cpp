@@ -8,6 +8,7 @@
 #include "fieldsim/Checks.h"
 #include "fieldsim/Field.h"
 #include "fieldsim/GasBehaviour.h"
+#include "fieldsim/GasHistory.h"
 #include "tests/support/Hex.h"
 #include "tests/support/ScratchDesk.h"
 
@@ -174,6 +175,68 @@ TEST_F(FieldTest, StationsTakeWritesAsTheOptionsSay) {
     const SignalList& live = *field.Values(1, 1, "Flowrate Live");
     EXPECT_NE(live.ValueAt(*live.Find("Flowrate Live"), {2026, 3, 9, 8, 0, 0}),
               live.ValueAt(*live.Find("Flowrate Live"), {2026, 3, 9, 8, 1, 0}));
+}
+
+TEST_F(FieldTest, StationsKeepWhatTheirValuesWere) {
+    AddStation(1, "TeleFlow", "COM1", "", "BSAP", 1);
+    AddRow(1, "Flowing Pressure", "54-1", "Float", "bar");
+    AddStation(2, "CWGFC-MultiStream", "COM1", "", "BSAP", 2, 2);
+    AddStation(3, "TeleCorrector", "COM1", "", "BSAP", 3);
+    AddStation(4, "TeleFlow", "COM1", "", "BSAP", 4);
+    FieldOptions options;
+    options.histories[4] = [](StationHistory& history) { MakeHistory(history, "wrapped"); };
+    Field field(desk.dbconn, options);
+    field.AttachTo(line);
+    Open(1);
+    const auto ask = [&](const char* body) { return Ask(BsapFrame(Bytes(body))); };
+    for (const char* body : {"01 01 A0 02 00 0B 00 70 07 04 01 00", "01 01 A0 02 00 0B 00 70 07 04 02 00",
+                             "01 01 A0 02 00 0B 00 70 07 04 03 00", "01 01 A0 02 00 0B 00 70 03 05 00 00 00 04 01 00",
+                             "02 01 A0 02 00 0B 00 70 07 04 04 00", "04 01 A0 02 00 0B 00 70 07 04 02 00"}) {
+        EXPECT_GT(ask(body).size(), 20U) << body;
+    }
+    auto& files = field.Station(1)->bsap->Archives();
+    const auto stands = [](const ArchiveFile& file) {
+        return std::to_string(file.oldest) + ": " + std::to_string(file.records.size()) + " to " +
+               core::IsoText(file.records.back().at);
+    };
+    ArchiveFile& hourly = files.at(2);
+    EXPECT_EQ(stands(files.at(1)), "0: 40 to 2026-03-09 06:00:00");
+    EXPECT_EQ(stands(hourly), "0: 720 to 2026-03-09 07:00:00");
+    EXPECT_EQ(stands(files.at(3)), "0: 200 to 2026-03-09 07:59:00");
+    EXPECT_EQ(stands(field.Station(4)->bsap->Archives().at(2)), "5000: 720 to 2026-03-09 07:00:00");
+    // A record has the values that the lists had at its time.
+    const SignalList& live = *field.Values(1, 1, "Flowing Pressure");
+    for (const FileRecord& record : {hourly.records.front(), hourly.records.back()}) {
+        EXPECT_EQ(static_cast<float>(record.values.at(1)), live.ValueAt(*live.Find("Flowing Pressure"), record.at));
+    }
+    const FileRecord newest = files.at(1).records.back();
+    EXPECT_EQ(newest.values.at(5), 0);  // a daily record is made as the volume of the day turns over
+    EXPECT_GT(newest.values.at(6), 1000);
+    EXPECT_NE(hourly.records[700].values, field.Station(4)->bsap->Archives().at(2).records[700].values);
+    // It goes on, and what there was keeps its number.
+    desk.clock.WaitMs(3 * 3600 * 1000.0);
+    ask("01 01 A0 02 00 0B 00 70 07 04 02 00");
+    ask("04 01 A0 02 00 0B 00 70 07 04 02 00");
+    EXPECT_EQ(stands(hourly), "0: 723 to 2026-03-09 10:00:00");
+    EXPECT_EQ(stands(field.Station(4)->bsap->Archives().at(2)), "5003: 720 to 2026-03-09 10:00:00");
+    // The fields of the models and methods: AGA3 daily and hourly, AGA7 daily and hourly, TeleCorrector.
+    auto& streams = field.Station(2)->bsap->Archives();
+    EXPECT_EQ(streams.at(1).fields.size(), 10U);
+    EXPECT_EQ(streams.at(2).fields.size(), 9U);
+    EXPECT_EQ(streams.at(4).fields.size(), 9U);
+    EXPECT_EQ(streams.at(5).fields.size(), 8U);
+    EXPECT_EQ(field.Station(3)->bsap->Archives().at(2).fields.size(), 11U);
+    // Events of all codes, in the order of their times, and none after they were asked for.
+    const auto& events = field.Station(1)->bsap->Audit().events;
+    ASSERT_EQ(events.size(), 40U);
+    int codes = 0;
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        codes |= 1 << (events[i].flags & 7U);
+        EXPECT_TRUE(i == 0 || events[i - 1].at < events[i].at);
+        EXPECT_LE(events[i].signal.size(), 15U);
+    }
+    EXPECT_EQ(codes, 0xFF);
+    EXPECT_LT(events.back().at, (core::DateTime{2026, 3, 9, 8, 0, 0}));
 }
 
 double ValueOf(const GasBehaviour& behaviour, const char* description, const core::DateTime& at, const char* unit = "",

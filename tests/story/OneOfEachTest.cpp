@@ -76,7 +76,7 @@ TEST_F(OneOfEach, IsCollectedWholeAtItsContractHour) {
 
 TEST_F(OneOfEach, AnswersThatComeOnlyAfterAPollAreCollectedAsWell) {
     fieldsim::FieldOptions options;
-    options.lists = fieldsim::ListAnswer::AcknowledgeFirst;
+    options.answers = fieldsim::DataAnswer::AcknowledgeFirst;
     const auto& field = desk.OpenField(options);
     desk.StartTicking();
     desk.clock.Run(20 * 60000);
