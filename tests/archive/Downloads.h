@@ -1,0 +1,105 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "archive/Collecting.h"
+#include "archive/RunView.h"
+#include "fieldsim/BsapStation.h"
+#include "fieldsim/LineFaults.h"
+#include "fieldsim/SimLine.h"
+#include "protocols/Conversation.h"
+#include "support/ScratchDesk.h"
+
+namespace support {
+
+// What a download showed, and when the operator stops it.
+struct RecordingRun final : archive::RunView {
+    std::vector<std::string> captions;
+    std::vector<std::vector<std::string>> rows;
+    std::string lastRecord;
+    std::function<bool()> stopped = [] { return false; };
+
+    void Columns(const std::vector<std::string>& names) override {
+        captions = names;
+        rows.clear();
+    }
+    void Rows(const std::vector<std::vector<std::string>>& more) override {
+        rows.insert(rows.end(), more.begin(), more.end());
+    }
+    void Record(int record, int total) override { lastRecord = std::to_string(record) + "/" + std::to_string(total); }
+    bool Stopped() const override { return stopped(); }
+
+    // A column of all rows.
+    std::vector<std::string> Column(std::size_t column) const {
+        std::vector<std::string> cells;
+        for (const auto& row : rows) {
+            cells.push_back(row.at(column));
+        }
+        return cells;
+    }
+};
+
+// A BSAP station with a history on a line with faults, and a conversation with it. Its node address is 1.
+class HistoryTalk {
+  public:
+    explicit HistoryTalk(bool isCW, fieldsim::DataAnswer answers = fieldsim::DataAnswer::AtOnce,
+                         fieldsim::LineFaults::Options faults = {})
+        : station(1, {}, Options(isCW, answers)), faults(station, std::move(faults)) {
+        line.Attach(1, this->faults);
+        talk.station.locationID = 7;
+        talk.station.consumer = "O'Brien's Works";
+        talk.station.modelno = isCW ? "CWGFC" : "TeleFlow";
+        talk.station.isCW = isCW;
+        talk.station.commtimeout = 500;
+        talk.line->CommPort(1);
+        talk.line->PortOpen(true);
+    }
+
+    archive::Collected Collect(const archive::Wish& wish) { return archive::Collect(desk.dbconn, talk, wish, view); }
+
+    ScratchDesk desk;
+    fieldsim::BsapStation station;
+    fieldsim::LineFaults faults;
+    fieldsim::SimLine line{desk.clock};
+    protocols::FieldLine field{line, desk.clock};
+    protocols::BsapCounters counters;
+    protocols::Conversation talk{
+        field.TakeOver(""), desk.clock, desk.feedback, desk.logs, counters, {}, "WARDEN", 1, {}, {}};
+    RecordingRun view;
+
+  private:
+    static fieldsim::BsapOptions Options(bool isCW, fieldsim::DataAnswer answers) {
+        fieldsim::BsapOptions options;
+        options.shortLayout = isCW;
+        options.answers = answers;
+        return options;
+    }
+};
+
+// A file of hourly records from 01/02/2026 on; record i has the IDs i + 1 and i + 2 and the values i + 0.25, i + 1.25,
+// ...
+inline fieldsim::ArchiveFile HourlyFile(std::size_t records, int oldest = 0, std::size_t fields = 3) {
+    fieldsim::ArchiveFile file;
+    file.name = "HOURLY";
+    file.oldest = oldest;
+    for (std::size_t f = 0; f < fields; ++f) {
+        file.fields.push_back("FIELD " + std::to_string(f + 1));
+    }
+    const std::int64_t start = core::ToSeconds({2026, 2, 1, 0, 0, 0});
+    for (std::size_t i = 0; i < records; ++i) {
+        fieldsim::FileRecord record;
+        record.at = core::FromSeconds(start + static_cast<std::int64_t>(i) * 3600);
+        record.globalID = static_cast<int>(i) + 1;
+        record.localID = static_cast<int>(i) + 2;
+        for (std::size_t f = 0; f < fields; ++f) {
+            record.values.push_back(static_cast<double>(i + f) + 0.25);
+        }
+        file.records.push_back(record);
+    }
+    return file;
+}
+
+}  // namespace support
