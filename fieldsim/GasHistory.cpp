@@ -163,6 +163,9 @@ bool MakeHistory(StationHistory& history, std::string_view kind) {
         return true;
     }
     for (auto& [number, file] : history.archives) {
+        if (!file.recording) {
+            continue;
+        }
         Recording& recording = *file.recording;
         if (kind == "wrapped") {
             file.oldest = 5000;

@@ -22,7 +22,7 @@ std::vector<AuditEvent> GasEvents(const Behaviour& behaviour, const core::DateTi
 
 // Makes it a history of another kind: "none" (no files, no events), "empty" (no records, no events), "one" (a record
 // in each file, one event), "wrapped" (files that are full and have lost their first 5000 records) or "long" (10,000
-// records). False: there is no such kind, and nothing is changed. For a history that was not asked for yet.
+// records). False: there is no such kind, and nothing is changed. For a history as it was made, not asked for yet.
 bool MakeHistory(StationHistory& history, std::string_view kind);
 
 }  // namespace fieldsim
