@@ -73,10 +73,10 @@ std::vector<std::vector<std::string>> RowsOf(const fieldsim::ArchiveFile& file, 
 // fields and with so many that a reply holds two records.
 TEST(DownloadTest, EveryRoutineBringsEveryRecordOnce) {
     for (const Selection& selection : selections) {
+        HistoryTalk history(selection.isCW);
         for (const int oldest : {0, 51}) {
             for (const std::size_t fields : {3U, 20U}) {
                 for (const std::size_t records : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 8U, 9U, 11U, 50U}) {
-                    HistoryTalk history(selection.isCW);
                     const auto file = HourlyFile(records, oldest, fields);
                     history.station.Archives()[2] = file;
                     const Collected collected = history.Collect(WishOf(selection));

@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "archive/Downloads.h"
+#include "core/Text.h"
+
+using namespace archive;
+using namespace support;
+using fieldsim::DataAnswer;
+using fieldsim::Fault;
+using testing::HasSubstr;
+
+namespace {
+
+struct Selection {
+    const char* name;
+    Screen screen;
+    bool isCW;
+    bool newFirst;
+};
+
+const Selection selections[] = {
+    {"frmarchive", Screen::frmarchive, false, false},
+    {"CW short", Screen::frmCW_archive, true, false},
+    {"CW short newest", Screen::frmCW_archive, true, true},
+    {"para long", Screen::frmparaarchive, false, false},
+    {"para long newest", Screen::frmparaarchive, false, true},
+    {"para short newest", Screen::frmparaarchive, true, true},
+};
+
+Wish AuditOf(const Selection& selection) {
+    Wish wish;
+    wish.screen = selection.screen;
+    wish.audit = true;
+    wish.newFirst = selection.newFirst;
+    return wish;
+}
+
+// Events a minute apart, their codes one after the other. A long name leaves room for three events in a reply.
+std::vector<fieldsim::AuditEvent> Events(int count, const std::string& name) {
+    std::vector<fieldsim::AuditEvent> events;
+    for (int i = 0; i < count; ++i) {
+        fieldsim::AuditEvent event;
+        event.flags = static_cast<std::uint8_t>(i % 8);
+        event.signal = name;
+        event.at = core::FromSeconds(core::ToSeconds({2026, 3, 1, 8, 0, 0}) + i * 60);
+        event.first = i;
+        event.second = i + 0.5;
+        event.localID = i + 1;
+        event.globalID = i + 2;
+        events.push_back(event);
+    }
+    return events;
+}
+
+const char* const texts[] = {"Signal Value Change",   "Logical Alarm",          "Logical Return To Normal",
+                             "Analog Low Alarm",      "Analog High Alarm",      "Analog LowLow Alarm",
+                             "Analog HighHigh Alarm", "Analog Return To Normal"};
+
+std::vector<std::vector<std::string>> RowsOf(const std::vector<fieldsim::AuditEvent>& events,
+                                             const Selection& selection) {
+    const bool old = selection.screen == Screen::frmarchive;
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        const fieldsim::AuditEvent& event = selection.newFirst ? events[events.size() - 1 - i] : events[i];
+        const char* text = texts[old ? event.flags % 2 * 7 : event.flags];
+        const std::string n = core::NumberText(event.first);
+        rows.push_back({core::DateText(event.at) + "   " + std::to_string(event.at.hour) + ":" +
+                            std::to_string(event.at.minute) + ":0",
+                        event.signal + "         " + n + "  " + text + "    [" + n + ".5]",
+                        std::to_string(event.localID), std::to_string(event.globalID)});
+        if (!old) {
+            rows.back().insert(rows.back().begin(), std::to_string(i + 1));
+        }
+    }
+    return rows;
+}
+
+TEST(AuditTest, EveryRoutineBringsEveryEventOnce) {
+    for (const Selection& selection : selections) {
+        HistoryTalk history(selection.isCW);
+        for (const char* name : {"AB", "A NAME OF TWENTY FIVE CHR"}) {
+            for (const int count : {0, 1, 2, 3, 4, 5, 6, 8, 9, 12, 13, 41}) {
+                history.station.Audit().events = Events(count, name);
+                const Collected collected = history.Collect(AuditOf(selection));
+                SCOPED_TRACE(std::string(selection.name) + ", " + std::to_string(count) + " events of " + name);
+                EXPECT_EQ(collected.end, RunEnd::Whole);
+                EXPECT_EQ(collected.message, "Audit Collected");
+                EXPECT_EQ(history.view.rows, RowsOf(history.station.Audit().events, selection));
+            }
+        }
+    }
+}
+
+TEST(AuditTest, TheReportTableAndTheTransactionLine) {
+    HistoryTalk history(true, DataAnswer::AcknowledgeFirst);
+    history.station.Audit().events = Events(6, "PRESSURE");
+    for (int times = 0; times < 2; ++times) {
+        history.Collect(AuditOf(selections[1]));
+    }
+    const auto rows = history.desk.dbconn.Query("select * from Audit");
+    ASSERT_EQ(rows.size(), 6U);
+    EXPECT_EQ(rows[5][0].Text(), "01/03/2026   8:5:0");
+    EXPECT_EQ(rows[5][1].Text(), "PRESSURE         5  Analog LowLow Alarm    [5.5]");
+    EXPECT_EQ(rows[5][2].Text(), "6");
+    EXPECT_EQ(rows[5][3].Text(), "7");
+    EXPECT_EQ(rows[5][4].Text(), "O'Brien's Works");
+    EXPECT_EQ(history.desk.dbconn.Texts("select * from TTS_table").back(),
+              history.desk.logs.Stamp() + ": User WARDEN collected Audit from RTU O'Brien's Works.");
+    EXPECT_EQ(history.view.captions.size(), 5U);
+    EXPECT_EQ(history.view.captions[0], "No");
+}
+
+TEST(AuditTest, TheOldScreenTakesAThousandEvents) {
+    HistoryTalk history(false);
+    history.station.Audit().events = Events(1003, "AB");
+    EXPECT_EQ(history.Collect(AuditOf(selections[0])).message, "Audit Collected\r1000 events, there may be more.");
+    EXPECT_EQ(history.view.rows.size(), 1000U);
+}
+
+// Three bad replies in a row are forgiven; the old screen counts them over the whole run.
+TEST(AuditTest, BadRepliesAreForgivenThreeTimes) {
+    struct Case {
+        std::size_t selection;
+        std::size_t at;
+        std::size_t times;
+        const char* failure;
+    };
+    for (const Case& c :
+         {Case{0, 0, 3, ""}, Case{0, 1, 4, "Error In response"}, Case{1, 0, 3, ""}, Case{1, 2, 4, "Error In response"},
+          Case{2, 0, 2, ""}, Case{2, 0, 3, "Error In Communication"}, Case{4, 2, 4, "Error In response"}}) {
+        for (const Fault fault : {Fault::Silence, Fault::Cut, Fault::BadCheck}) {
+            fieldsim::LineFaults::Options faults;
+            faults.script.assign(c.at, Fault::None);
+            faults.script.insert(faults.script.end(), c.times, fault);
+            HistoryTalk history(selections[c.selection].isCW, DataAnswer::AtOnce, faults);
+            history.station.Audit().events = Events(21, "AB");
+            const auto collected = history.Collect(AuditOf(selections[c.selection]));
+            SCOPED_TRACE(selections[c.selection].name + (": " + collected.message));
+            const auto all = RowsOf(history.station.Audit().events, selections[c.selection]);
+            ASSERT_LE(history.view.rows.size(), all.size());
+            EXPECT_TRUE(std::equal(history.view.rows.begin(), history.view.rows.end(), all.begin()));
+            if (*c.failure == '\0') {
+                EXPECT_EQ(collected.end, RunEnd::Whole);
+                EXPECT_EQ(history.view.rows.size(), all.size());
+            } else {
+                EXPECT_EQ(collected.end, RunEnd::Failed);
+                EXPECT_THAT(collected.message,
+                            HasSubstr(std::string(c.failure) + "\rAudit Collected, but not to the end: " +
+                                      std::to_string(history.view.rows.size()) + " event"));
+            }
+        }
+    }
+}
+
+TEST(AuditTest, StoppedOrTakenAtEveryStep) {
+    for (const Selection& selection : selections) {
+        for (const bool taken : {false, true}) {
+            for (std::size_t behind = 1; behind < 5; ++behind) {
+                HistoryTalk history(selection.isCW);
+                history.station.Audit().events = Events(40, "AB");
+                const auto due = [&] { return history.faults.Exchanges().size() >= behind; };
+                history.view.stopped = [&] { return !taken && due(); };
+                history.desk.clock.Every(1, [&] {
+                    if (taken && due()) {
+                        history.field.TakeOver("The line was taken");
+                    }
+                });
+                const auto collected = history.Collect(AuditOf(selection));
+                EXPECT_EQ(collected.end, taken ? RunEnd::LineLost : RunEnd::Stopped) << selection.name;
+                EXPECT_THAT(collected.message, HasSubstr("Audit Collected"));
+                EXPECT_EQ(history.desk.dbconn.First("select count(*) from Audit").value()[0].Long(),
+                          static_cast<std::int64_t>(history.view.rows.size()));
+            }
+        }
+    }
+}
+
+}  // namespace
