@@ -177,7 +177,7 @@ int LogicalList(const core::Station& station, int streamno) {
 
 Field::Field(core::Database& dbconn, const FieldOptions& options) {
     for (const core::Row& row : dbconn.Query("select locationID from configdata_master order by locationID")) {
-        const auto station = core::ReadStation(dbconn, row.Long("locationID"));
+        const auto station = core::ReadOnlineStation(dbconn, row.Long("locationID"));
         if (!station || !station->ip.empty()) {
             continue;
         }

@@ -58,8 +58,9 @@ class Run {
 
     // What ends the download between two requests, other than a failure.
     bool Ends() {
-        result_.end = talk_.Ended() ? RunEnd::LineLost : end_ ? RunEnd::Whole : RunEnd::Stopped;
-        return end_ || view_.Stopped() || talk_.Ended();
+        const bool stopped = view_.Stopped();
+        result_.end = end_ ? RunEnd::Whole : talk_.Ended() ? RunEnd::LineLost : RunEnd::Stopped;
+        return end_ || stopped || talk_.Ended();
     }
 
     bool ReadInformation() {

@@ -40,8 +40,9 @@ class Run {
     }
 
     bool Ends() {
-        result_.end = talk_.Ended() ? RunEnd::LineLost : end_ ? RunEnd::Whole : RunEnd::Stopped;
-        return end_ || view_.Stopped() || talk_.Ended();
+        const bool stopped = view_.Stopped();
+        result_.end = end_ ? RunEnd::Whole : talk_.Ended() ? RunEnd::LineLost : RunEnd::Stopped;
+        return end_ || stopped || talk_.Ended();
     }
 
     std::optional<AuditReply> AskEvents(const AuditCursors& cursors, int position, int count, std::size_t over) {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "archive/Downloads.h"
+#include "support/Downloads.h"
 #include "core/Text.h"
 
 using namespace archive;

@@ -7,6 +7,7 @@
 #include "collection/Scheduler.h"
 #include "core/Station.h"
 #include "core/Text.h"
+#include "desk/archive/frmHistory.h"
 #include "desk/archive/frmparaarchive.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
@@ -84,6 +85,9 @@ void frm_CWM::ConnectCommands() {
             [this] { Guarded([this] { desk_.navigator.Open(new frmparaarchive(desk_, *session_)); }); });
     connect(ui_->cmd_fetch, &QPushButton::clicked, this,
             [this] { Show("The list fetch is not available yet.", QMessageBox::Information); });
+    connect(ui_->btnHistory, &QPushButton::clicked, this, [this] {
+        Guarded([this] { desk_.navigator.Open(new frmHistory(desk_, session_->GetStation().locationID)); });
+    });
     // Whether stations are being collected shows in time.
     connect(&seconds_, &QTimer::timeout, this, &frm_CWM::ShowButtons);
     seconds_.start(1000);
