@@ -206,8 +206,9 @@ const std::vector<Screen>& Screens() {
             {"mail_addressees", Page<desk::frmemaildetails>()},
             {"mail_settings", MailSettings},
         };
-        const auto session = SessionScreens();
-        all.insert(all.end(), session.begin(), session.end());
+        for (const auto& more : {SessionScreens(), HistoryScreens()}) {
+            all.insert(all.end(), more.begin(), more.end());
+        }
         return all;
     }();
     return screens;

@@ -23,4 +23,7 @@ const std::vector<Screen>& Screens();
 // Those of a session and of the register editor, which stand among them.
 std::vector<Screen> SessionScreens();
 
+// That of the stored archive.
+std::vector<Screen> HistoryScreens();
+
 }  // namespace demo

@@ -205,3 +205,38 @@ TEST_F(GridTest, ARefreshCostsWhatChanges) {
     page.grid.TextMatrix(7, 2, "a value that is longer than the column is wide");
     EXPECT_EQ(widths.size(), 1);
 }
+
+TEST_F(GridTest, RowsThatArriveKeepThePlace) {
+    Grid& grid = page.grid;
+    std::vector<QStringList> rows(1500, {"1", "Static Pressure", "4.2", "bar"});
+    rows.push_back({"2", "Static Pressure", "a text that is wider than all the others", "bar"});
+    grid.AddItems(rows);
+    EXPECT_GE(grid.columnWidth(2), grid.fontMetrics().horizontalAdvance(rows.back()[2]));  // however far down it stands
+    grid.setColumnWidth(1, 1500);                                                          // as the operator drags it
+    grid.SelectRow(700);
+    QCoreApplication::processEvents();
+    grid.horizontalScrollBar()->setValue(300);
+    grid.verticalScrollBar()->setValue(650);
+    const auto place = [&grid] {
+        return std::vector{grid.horizontalScrollBar()->value(),
+                           grid.verticalScrollBar()->value(),
+                           grid.Row(),
+                           grid.columnWidth(0),
+                           grid.columnWidth(1),
+                           grid.columnWidth(2)};
+    };
+    const auto before = place();
+    for (int row = 0; row < 4; ++row) {
+        grid.AddItem("3\tTemperature\t15\tC");
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(place(), before);
+    grid.AddItem("a number that needs more room\tTemperature\t15\tC");
+    EXPECT_GT(grid.columnWidth(0), before[3]);
+    EXPECT_EQ(grid.columnWidth(1), 1500);
+    // Into an empty grid they fit anew.
+    grid.Clear();
+    grid.AddItem("1\tSG\t0.6\t");
+    EXPECT_LT(grid.columnWidth(1), 1500);
+    EXPECT_LE(grid.columnWidth(0), before[3]);
+}

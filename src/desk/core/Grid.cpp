@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <algorithm>
+#include <cmath>
 
 #include "desk/core/Boxes.h"
 #include "desk/core/WholeFile.h"
@@ -59,9 +60,13 @@ Grid::Grid(QWidget* parent) : QTableView(parent), model_(this), lblfilter_(this)
 }
 
 void Grid::FormatString(const QString& format) {
+    FormatString(format.split('|'));
+}
+
+void Grid::FormatString(const QStringList& columns) {
     QStringList captions;
     std::vector<Qt::Alignment> alignments;
-    for (QString column : format.split('|')) {
+    for (QString column : columns) {
         const QChar sign = column.isEmpty() ? QChar('<') : column.front();
         alignments.push_back(sign == '>' ? Qt::AlignRight : sign == '^' ? Qt::AlignHCenter : Qt::AlignLeft);
         if (sign == '<' || sign == '>' || sign == '^') {
@@ -72,18 +77,24 @@ void Grid::FormatString(const QString& format) {
     model_.Columns(captions, alignments);
     lostRow_ = -1;
     HideOthers(0);
-    FitColumns();
+    FitColumns(0);
 }
 
-// As wide as caption and cells. Behind a filter they only grow: its rows are not all that there are.
-void Grid::FitColumns() {
-    std::vector<int> before;
+// As wide as the caption and the cells from this row on. Below other rows a column only grows, and behind a filter: its
+// rows are not all that there are.
+void Grid::FitColumns(int firstRow) {
+    const int margin = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1) + columnGap;
+    const bool grows = firstRow > 0 || hidden_ > 0;
     for (int column = 0; column < Columns(); ++column) {
-        before.push_back(hidden_ > 0 ? columnWidth(column) : 0);
-    }
-    resizeColumnsToContents();
-    for (int column = 0; column < Columns(); ++column) {
-        setColumnWidth(column, std::max(columnWidth(column) + columnGap, before[static_cast<std::size_t>(column)]));
+        const int before = grows ? columnWidth(column) : horizontalHeader()->sectionSizeHint(column) + columnGap;
+        double widest = 0;
+        for (int row = firstRow; row < Rows(); ++row) {
+            widest = std::max(widest, widths_.Of(TextMatrix(row, column), font()));
+        }
+        const int needed = widest > 0 ? static_cast<int>(std::ceil(widest)) + margin : 0;
+        if (needed > before || !grows) {
+            setColumnWidth(column, std::max(before, needed));
+        }
     }
 }
 
@@ -95,7 +106,7 @@ void Grid::AddItems(const std::vector<QStringList>& rows) {
     const int first = Rows();
     model_.Append(rows);
     HideOthers(first);
-    FitColumns();
+    FitColumns(first);
 }
 
 void Grid::Clear() {

@@ -4,6 +4,7 @@
 #include <QTableView>
 
 #include "desk/core/GridModel.h"
+#include "desk/core/TextWidths.h"
 
 namespace desk {
 
@@ -23,8 +24,11 @@ class Grid : public QTableView {
     // The columns: captions separated by "|", each led by "<" left, ">" right or "^" centred; left without a sign.
     // The rows are taken away.
     void FormatString(const QString& format);
+    // The same, a text each, which may hold a "|".
+    void FormatString(const QStringList& columns);
 
-    // Adds a row, its cells separated by tabs; or many at once. The selection and the place stay.
+    // Adds a row, its cells separated by tabs; or many at once. The selection and the place stay, and so does a width
+    // that a column has, unless a new text needs more. It costs what is new, however many rows there are.
     void AddItem(const QString& row);
     void AddItems(const std::vector<QStringList>& rows);
     void Clear();
@@ -68,7 +72,7 @@ class Grid : public QTableView {
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
   private:
-    void FitColumns();
+    void FitColumns(int firstRow);
     bool FilterKey(const QKeyEvent& event);
     void HideOthers(int firstRow);
     void SelectShown();
@@ -78,6 +82,7 @@ class Grid : public QTableView {
     void SaveAs();
 
     GridModel model_;
+    TextWidths widths_;
     QString filter_;
     int hidden_ = 0;    // rows
     int lostRow_ = -1;  // was selected when the filter left no row to be selected

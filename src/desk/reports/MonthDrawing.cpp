@@ -3,18 +3,15 @@
 #include <QBarCategoryAxis>
 #include <QBarSeries>
 #include <QBarSet>
-#include <QBuffer>
 #include <QDate>
 #include <QEvent>
-#include <QGraphicsLayout>
 #include <QLegend>
 #include <QLineSeries>
 #include <QLocale>
 #include <QValueAxis>
 #include <algorithm>
 
-#include "desk/core/Look.h"
-#include "desk/core/WholeFile.h"
+#include "desk/core/ChartLook.h"
 
 namespace desk {
 
@@ -87,21 +84,12 @@ void Attach(QChart* chart, QAbstractSeries* series, QAbstractAxis* across, QAbst
 }  // namespace
 
 MonthDrawing::MonthDrawing(QWidget* parent) : QChartView(parent) {
-    setRenderHint(QPainter::Antialiasing);
-    setFrameShape(NoFrame);
-    chart()->setBackgroundRoundness(0);
-    chart()->layout()->setContentsMargins(0, 0, 0, 0);
+    BareChart(*this);
     Clear();
 }
 
 void MonthDrawing::Clear() {
-    chart()->removeAllSeries();
-    for (QAbstractAxis* axis : chart()->axes()) {
-        chart()->removeAxis(axis);
-        delete axis;
-    }
-    chart()->setTitle({});
-    chart()->legend()->hide();
+    EmptyChart(*this);
     Colours();
 }
 
@@ -130,27 +118,8 @@ void MonthDrawing::Draw(const QString& station, const reports::MonthFigures& fig
 }
 
 void MonthDrawing::Colours() {
-    const QColor ground = palette().color(QPalette::Base);
-    const QColor text = palette().color(QPalette::Text);
-    const bool dark = ground.lightness() < 128;
-    chart()->setTheme(dark ? QChart::ChartThemeDark : QChart::ChartThemeLight);
-    setBackgroundBrush(ground);
-    chart()->setBackgroundBrush(ground);
-    chart()->setTitleBrush(text);
-    chart()->setTitleFont(Larger(font(), 1.2, true));
-    chart()->legend()->setLabelColor(text);
-    chart()->legend()->setFont(font());
-    QColor grid = text;
-    grid.setAlphaF(0.18F);
-    for (QAbstractAxis* axis : chart()->axes()) {
-        axis->setLabelsColor(text);
-        axis->setTitleBrush(text);
-        axis->setLabelsFont(font());
-        axis->setTitleFont(font());
-        axis->setLinePenColor(text);
-        axis->setGridLineColor(grid);
-        axis->setShadesVisible(false);
-    }
+    DressChart(*this);
+    const bool dark = palette().color(QPalette::Base).lightness() < 128;
     const QColor flow = dark ? QColor(0x6C, 0xB2, 0xFF) : QColor(0x1F, 0x5F, 0xA8);
     const QColor pressure = dark ? QColor(0xFF, 0xB3, 0x4D) : QColor(0xB8, 0x4A, 0x00);
     for (QAbstractSeries* series : chart()->series()) {
@@ -174,10 +143,7 @@ void MonthDrawing::changeEvent(QEvent* event) {
 }
 
 QString MonthDrawing::Save(const QString& file) {
-    QBuffer picture;
-    picture.open(QIODevice::WriteOnly);
-    grab().save(&picture, "PNG");
-    return WriteWhole(file, picture.data());
+    return SaveChart(*this, file);
 }
 
 }  // namespace desk

@@ -1,8 +1,5 @@
 #include "desk/reports/frmHistLog.h"
 
-#include <QHeaderView>
-#include <algorithm>
-
 #include "desk/reports/FirstColumn.h"
 #include "reports/HistoryLog.h"
 #include "ui_frmHistLog.h"
@@ -13,8 +10,6 @@ namespace {
 
 // Before it nothing was collected. It keeps a slip of the finger from asking for a million columns.
 const QDate firstDay(2000, 1, 1);
-
-constexpr int cellMargin = 6;
 
 const QString caption = "History Log -- ";
 const QString noStation = "No station";
@@ -34,8 +29,6 @@ frmHistLog::frmHistLog(Desk& desk) : Page(desk, caption + noStation), ui_(std::m
     for (QDateEdit* picker : {ui_->DTPicker1, ui_->DTPicker2}) {
         picker->setMinimumDate(firstDay);
     }
-    // Measuring every cell of a year takes longer than reading it; FitColumns measures the longest ones.
-    ui_->Grid->horizontalHeader()->setResizeContentsPrecision(0);
     new FirstColumn(ui_->Grid);
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdGo, &QPushButton::clicked, this, [this] { Guarded([this] { cmdGo(); }); });
@@ -67,17 +60,6 @@ void frmHistLog::ShowHead() {
     }
     ui_->Grid->FormatString(format);
     Title(caption + noStation);
-}
-
-void frmHistLog::FitColumns(const std::vector<QStringList>& rows) {
-    for (int column = 0; column < ui_->Grid->Columns(); ++column) {
-        const auto longest = std::max_element(rows.begin(), rows.end(), [column](const auto& one, const auto& other) {
-            return one[column].size() < other[column].size();
-        });
-        const int row = static_cast<int>(longest - rows.begin());
-        const int room = ui_->Grid->sizeHintForIndex(ui_->Grid->model()->index(row, column)).width();
-        ui_->Grid->setColumnWidth(column, qMax(ui_->Grid->columnWidth(column), room + cellMargin));
-    }
 }
 
 void frmHistLog::cmdReset() {
@@ -136,7 +118,6 @@ void frmHistLog::cmdList() {
         rows.push_back(cells);
     }
     ui_->Grid->AddItems(rows);
-    FitColumns(rows);
     ui_->Grid->SelectRow(0);
     ui_->Grid->setFocus();
 }

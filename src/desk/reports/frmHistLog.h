@@ -24,7 +24,6 @@ class frmHistLog : public Page {
     void cmdGo();
     void cmdList();
     void cmdReset();
-    void FitColumns(const std::vector<QStringList>& rows);
     void HideStations();
     void ShowHead();
 

@@ -7,6 +7,7 @@
 #include "core/MAIN_Module.h"
 #include "core/Text.h"
 #include "core/Users.h"
+#include "desk/archive/frmHistory.h"
 #include "desk/core/Boxes.h"
 #include "desk/core/Grid.h"
 #include "desk/core/Navigator.h"
@@ -87,6 +88,7 @@ void LiveScreen::ConnectCommands() {
     Command(ui_.cmdgetdata, &LiveScreen::GetData);
     Command(ui_.cmddisconnect, &LiveScreen::Disconnect);
     Command(ui_.cmd_summary, &LiveScreen::OpenSummary);
+    Command(ui_.btnHistory, &LiveScreen::OpenHistory);
     Command(ui_.cmdDRS, &LiveScreen::SwapDrawing);
     connect(ui_.cmdtime, &QPushButton::clicked, &writing_, &LiveWriting::SetTime);
     connect(ui_.chkMultiple, &QCheckBox::clicked, &writing_, &LiveWriting::Multiple);
@@ -96,7 +98,6 @@ void LiveScreen::ConnectCommands() {
     NotHere(ui_.cmdSignalSearch, "The signal search");
     NotHere(ui_.cmdDataVerify, "The data verification");
     NotHere(ui_.cmdCalib, "The calibration");
-    NotHere(ui_.btnHistory, "The history");
     for (int n = 1; n <= 4; ++n) {
         QPushButton* button = streams_[static_cast<std::size_t>(n - 1)];
         button->setVisible(n <= session_.GetStation().No_Stream);
@@ -133,6 +134,10 @@ void LiveScreen::Disconnect() {
 
 void LiveScreen::OpenSummary() {
     desk_.navigator.Open(new frm_summary(desk_, session_));
+}
+
+void LiveScreen::OpenHistory() {
+    desk_.navigator.Open(new frmHistory(desk_, session_.GetStation().locationID));
 }
 
 void LiveScreen::ShowParameters() {
