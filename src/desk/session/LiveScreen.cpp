@@ -7,6 +7,7 @@
 #include "core/MAIN_Module.h"
 #include "core/Text.h"
 #include "core/Users.h"
+#include "desk/archive/frmarcmbus.h"
 #include "desk/core/Boxes.h"
 #include "desk/core/Grid.h"
 #include "desk/core/Navigator.h"
@@ -91,7 +92,7 @@ void LiveScreen::ConnectCommands() {
     connect(ui_.cmdtime, &QPushButton::clicked, &writing_, &LiveWriting::SetTime);
     connect(ui_.chkMultiple, &QCheckBox::clicked, &writing_, &LiveWriting::Multiple);
     connect(&ui_.gridtab->cmdgc(), &QPushButton::clicked, &writing_, &LiveWriting::Multiple);
-    NotHere(ui_.cmd_arc, "The archive");
+    Command(ui_.cmd_arc, &LiveScreen::OpenArchive);
     NotHere(ui_.cmdfetch, "The list fetch");
     NotHere(ui_.cmdSignalSearch, "The signal search");
     NotHere(ui_.cmdDataVerify, "The data verification");
@@ -110,9 +111,11 @@ void LiveScreen::ConnectCommands() {
 }
 
 void LiveScreen::NotHere(QAbstractButton* button, const char* what) {
-    connect(button, &QAbstractButton::clicked, this, [this, what] {
-        ShowBox(&page_, QString(what) + " is not available yet.", page_.windowTitle(), QMessageBox::Information);
-    });
+    connect(button, &QAbstractButton::clicked, this, [this, what] { SayNotHere(what); });
+}
+
+void LiveScreen::SayNotHere(const char* what) {
+    ShowBox(&page_, QString(what) + " is not available yet.", page_.windowTitle(), QMessageBox::Information);
 }
 
 void LiveScreen::Connect() {
@@ -133,6 +136,15 @@ void LiveScreen::Disconnect() {
 
 void LiveScreen::OpenSummary() {
     desk_.navigator.Open(new frm_summary(desk_, session_));
+}
+
+void LiveScreen::OpenArchive() {
+    const core::Station& station = session_.GetStation();
+    if (Speaks(station, "Modbus")) {
+        desk_.navigator.Open(new frmarcmbus(desk_, &session_, station.locationID));
+    } else {
+        SayNotHere("The archive");
+    }
 }
 
 void LiveScreen::ShowParameters() {
@@ -293,7 +305,9 @@ void LiveScreen::EverySecond() {
     if (waitsForLine_ && free) {
         waitsForLine_ = false;
         Request("The line is free. Connect again to go on.");
-        ui_.cmdConnect->setFocus();
+        if (page_.isVisible()) {  // else the page in front would lose the focus
+            ui_.cmdConnect->setFocus();
+        }
     }
 }
 

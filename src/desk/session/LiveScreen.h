@@ -60,9 +60,11 @@ class LiveScreen final : public QObject, public session::SessionView {
     void GetData();
     void Disconnect();
     void OpenSummary();
+    void OpenArchive();
     void ShowParameters();
     void SwapDrawing();
     void NotHere(QAbstractButton* button, const char* what);
+    void SayNotHere(const char* what);
 
     void ShowFigures();
     void ShowButtons();
