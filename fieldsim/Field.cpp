@@ -69,14 +69,19 @@ std::uint32_t AnswerMs(const core::Station& station) {
 }
 
 std::unique_ptr<ModbusSlave> MakeModbus(Field::Served& served, core::Database& dbconn, StationMap map,
-                                        const Behaviour& behaviour, bool silent) {
+                                        const Behaviour& behaviour, bool silent, int contractHour) {
     const core::Station& station = served.station;
     ModbusMap modbus = MakeModbusMap(std::move(map.analogs), std::move(map.logicals), station.rtuBitsMode, behaviour);
     const int lastMapped = modbus.registers->Signals().empty() ? 0 : modbus.registers->Signals().back().position;
+    const auto counts = core::ReadModelCounts(dbconn, station, 1);
     // A station has all registers and coils of its model, whether or not its map speaks of them.
-    if (const auto counts = core::ReadModelCounts(dbconn, station, 1); counts && !station.MB_CONFIG) {
+    if (counts && !station.MB_CONFIG) {
         modbus.lastRegister = std::max(modbus.lastRegister, counts->floatcount * 2);
         modbus.lastCoil = std::max(modbus.lastCoil, counts->boolcount);
+    }
+    if (counts) {
+        served.archive = StationArchive(station, counts->archive, behaviour, contractHour);
+        modbus.archive = MakeArchiveWindows(served.archive, station.rtuBitsMode);
     }
     served.values[1] = {modbus.registers, modbus.coils};
     auto slave = std::make_unique<ModbusSlave>(station.slaveaddress,
@@ -212,7 +217,7 @@ Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOpt
     };
     if (core::SameText(station.protocol, "Modbus")) {
         StationMap map = LoadMap(dbconn, station.locationID, 1);
-        return Keep(MakeModbus(served, dbconn, std::move(map), behaviour(1), silent));
+        return Keep(MakeModbus(served, dbconn, std::move(map), behaviour(1), silent, options.contractHour));
     }
     if (core::SameText(station.protocol, "Quantum")) {
         return Keep(MakeQuantum(served, LoadMap(dbconn, station.locationID, 1).analogs, behaviour(1), silent));

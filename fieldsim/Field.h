@@ -16,6 +16,7 @@
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/HayesModem.h"
 #include "fieldsim/LineFaults.h"
+#include "fieldsim/ModbusArchive.h"
 #include "fieldsim/ModbusSlave.h"
 #include "fieldsim/QuantumUnit.h"
 #include "fieldsim/SharedLine.h"
@@ -64,6 +65,7 @@ class Field {
         BsapStation* bsap = nullptr;                                     // the same, if it has archives
         LineFaults* faults = nullptr;                                    // what lies in front of it, if anything
         std::map<int, std::vector<std::shared_ptr<SignalList>>> values;  // by stream
+        std::vector<ModbusArchiveFile> archive;                          // daily and hourly, of a Modbus station
     };
 
     // Reads the register. Throws DatabaseError.

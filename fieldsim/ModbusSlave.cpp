@@ -179,17 +179,30 @@ std::string ModbusSlave::Read(std::string_view request, const Moment& now) {
     if (count < 1 || count > most) {
         return ModbusExceptionPart(function, kIllegalValue);
     }
-    if (first + count - 1 > (coils ? map_.lastCoil : map_.lastRegister)) {
+    if (first + count - 1 > (coils ? map_.lastCoil : map_.lastRegister) && (coils || !InArchive(first, count))) {
         return ModbusExceptionPart(function, kIllegalAddress);
     }
     const std::string data = coils ? ReadCoils(first, count, now) : ReadRegisters(first, count, now);
     return std::string{static_cast<char>(function), static_cast<char>(data.size())} + data;
 }
 
+SignalList& ModbusSlave::ListOf(int number) const {
+    return number > map_.lastRegister ? *map_.archive : *map_.registers;
+}
+
+bool ModbusSlave::InArchive(int first, int count) const {
+    bool all = first > map_.lastRegister;
+    for (int number = first; number < first + count; ++number) {
+        all = all && Owner(number) != nullptr;
+    }
+    return all;
+}
+
 const Signal* ModbusSlave::Owner(int number) const {
-    const Signal* signal = map_.registers->At(number);
+    const SignalList& list = ListOf(number);
+    const Signal* signal = list.At(number);
     if (signal == nullptr && !map_.floatInOneRegister) {
-        const Signal* before = map_.registers->At(number - 1);
+        const Signal* before = list.At(number - 1);
         return before != nullptr && before->kind == Kind::Float ? before : nullptr;
     }
     return signal;
@@ -216,8 +229,9 @@ std::string ModbusSlave::ReadRegisters(int first, int count, const Moment& now) 
 }
 
 std::string ModbusSlave::RegisterBytes(int number, const Moment& now) {
-    if (const Signal* signal = map_.registers->At(number)) {
-        const double value = map_.registers->Serve(*signal, now);
+    SignalList& list = ListOf(number);
+    if (const Signal* signal = list.At(number)) {
+        const double value = list.Serve(*signal, now);
         if (signal->kind != Kind::Float) {
             return WordBytes(value);
         }
@@ -227,7 +241,7 @@ std::string ModbusSlave::RegisterBytes(int number, const Moment& now) {
         return FloatBytes(0);
     }
     const Signal* before = Owner(number);
-    return before != nullptr ? FloatBytes(map_.registers->ValueAt(*before, now.local)).substr(2) : WordBytes(0);
+    return before != nullptr ? FloatBytes(list.ValueAt(*before, now.local)).substr(2) : WordBytes(0);
 }
 
 std::string ModbusFrame(Framing framing, std::string_view message) {

@@ -18,6 +18,8 @@ enum class Framing { Rtu, Ascii };
 struct ModbusMap {
     std::shared_ptr<SignalList> registers = std::make_shared<SignalList>();  // floats and integers
     std::shared_ptr<SignalList> coils = std::make_shared<SignalList>();
+    // The windows of an archive, behind the last register; only what is a signal there exists.
+    std::shared_ptr<SignalList> archive = std::make_shared<SignalList>();
     bool floatInOneRegister = false;  // a float is one 32-bit register; otherwise two of 16 bits, high word first
     // The highest numbers that exist. Numbers without a signal below them read as 0, those above are an exception.
     int lastRegister = 0;
@@ -63,6 +65,9 @@ class ModbusSlave final : public WritableStation {
     Change CoilChange(int number, double value) const;
     Change RegisterChange(int number, const Signal* signal, double value) const;
 
+    // The list that has a register: that of the archive behind the last one.
+    SignalList& ListOf(int number) const;
+    bool InArchive(int first, int count) const;
     // The signal that a register belongs to, as its first or its second one; null where there is none.
     const Signal* Owner(int number) const;
     std::string ReadCoils(int first, int count, const Moment& now);

@@ -91,7 +91,7 @@ int ModbusSlave::RegisterChanges(std::string_view request, const Moment& now, st
         } else if (!changes.empty() && changes.back().signal == signal) {
             changes.back().wanted.value = FloatOf(halves.replace(2, width, bytes));
         } else {
-            halves = FloatBytes(map_.registers->ValueAt(*signal, now.local));
+            halves = FloatBytes(ListOf(first + i).ValueAt(*signal, now.local));
             halves.replace(first + i == signal->position ? 0 : 2, width, bytes);
             changes.push_back(RegisterChange(first + i, signal, FloatOf(halves)));
         }
@@ -114,7 +114,7 @@ ModbusSlave::Change ModbusSlave::CoilChange(int number, double value) const {
 ModbusSlave::Change ModbusSlave::RegisterChange(int number, const Signal* signal, double value) const {
     Change change;
     change.signal = signal;
-    change.list = map_.registers.get();
+    change.list = &ListOf(number);
     change.wanted.position = signal != nullptr ? signal->position : number;
     change.wanted.description = signal != nullptr ? signal->description : std::string();
     change.wanted.value = value;

@@ -67,21 +67,11 @@ void LogFailure(Conversation& talk, Kind kind) {
                                                        " Check Settings and try again!");
 }
 
-void ShowFailure(Conversation& talk, Kind kind) {
-    if (kind == Kind::CrcError) {
-        talk.feedback.Box("A CRC Error occurred in the last packet!");
-    } else if (kind == Kind::Exception) {
-        talk.feedback.Box("Invalid Modbus Address Specified");
-    } else {
-        talk.feedback.Box("There was No Response from the controller!\rCheck Settings and try again!");
-    }
-}
-
 void Report(Conversation& talk, Kind kind, const TransactOptions& options) {
     if (options.failures == FailureReport::Log) {
         LogFailure(talk, kind);
     } else if (options.failures == FailureReport::Box) {
-        ShowFailure(talk, kind);
+        talk.feedback.Box(FailureText(kind));
     }
 }
 
@@ -121,6 +111,13 @@ ModbusRequest AsciiWrite(ModbusDatum datum, int slave, int reg, double value) {
             break;
     }
     return {{}, "Bad framing for a float."};
+}
+
+// Whether a reply names the slave and the function of its request.
+bool IsOwn(const std::string& bytes, const std::string& frame, bool ascii) {
+    const std::size_t colon = ascii ? bytes.find(':') : 0;
+    const std::size_t head = ascii ? 5 : 2;
+    return colon != std::string::npos && bytes.compare(colon, head, frame, 0, head) == 0;
 }
 
 // Whether a reply acknowledges just this write. That to a single coil or register repeats its request, that to several
@@ -164,6 +161,17 @@ ModbusReply Transact(Conversation& talk, const Framing& framing, const ModbusReq
 
 }  // namespace
 
+const char* FailureText(Kind kind) {
+    switch (kind) {
+        case Kind::CrcError:
+            return "A CRC Error occurred in the last packet!";
+        case Kind::Exception:
+            return "Invalid Modbus Address Specified";
+        default:
+            return "There was No Response from the controller!\rCheck Settings and try again!";
+    }
+}
+
 bool IsAnswer(const ModbusReply& reply, const TransactOptions& options) {
     return reply.Answered() && (reply.kind != Kind::Exception || options.failures == FailureReport::Log);
 }
@@ -175,8 +183,10 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     const Expected expected = ExpectedValues(talk.modbus, count, command);
     // A reply with fewer values than were asked for was cut, and what it lacks must not be taken for zeros; one with
     // more belongs to another request.
-    const auto judge = [expected](ModbusReply reply, const std::string&) {
-        const bool belongs = reply.count >= expected.least && reply.count <= expected.most;
+    const auto judge = [&](ModbusReply reply, const std::string& bytes) {
+        const bool own = !options.onlyItsOwn || (IsOwn(bytes, request.frame, framing.build == BuildAsciiRequest) &&
+                                                 reply.count == expected.least);
+        const bool belongs = own && reply.count >= expected.least && reply.count <= expected.most;
         return reply.kind == Kind::Values && !belongs ? ModbusReply{Kind::Empty, {}, 0} : reply;
     };
     return Transact(talk, framing, request, judge, options);

@@ -24,6 +24,9 @@ struct TransactOptions {
     int waitsBefore;  // in front of the first try
     int waitsForAnswer;
     int waitsAfterAnswer;  // before the reply is parsed, and again behind that
+    // A reply to a read is an answer only if it names the slave and the function that were asked, and has just as many
+    // values. For floats.
+    bool onlyItsOwn = false;
 };
 
 // The scheduled run: five waits, no retry.
@@ -53,6 +56,9 @@ inline constexpr TransactOptions onlineWrite = {
 // wanted sends nothing more.
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command,
                            const TransactOptions& options = scheduledTransact);
+
+// What the operator is told of a failed transaction in a box; a CR ends its lines.
+const char* FailureText(ModbusReply::Kind kind);
 
 // Whether the reply to a read is one to take values from.
 bool IsAnswer(const ModbusReply& reply, const TransactOptions& options);

@@ -10,14 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "demo/DemoRegister.h"
-#include "desk/core/EventLoopClock.h"
 #include "desk/core/Grid.h"
-#include "desk/core/SerialLine.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"
 #include "support/LibmodbusSlave.h"
+#include "support/PortDesk.h"
 #include "support/ScreenDesk.h"
 #include "support/Script.h"
 #include "support/SessionDesk.h"
@@ -25,29 +23,7 @@
 namespace {
 
 using support::LibmodbusSlave;
-
-// A desk on the real clock, whose only port is a pseudo-terminal.
-struct PortDesk {
-    explicit PortDesk(std::string devicePath) : path(std::move(devicePath)) { shared.currentuser = "WARDEN"; }
-
-    std::string path;
-    support::ScratchDesk scratch;
-    core::MAIN_Module& shared = scratch.shared;
-    core::Database& dbconn = scratch.dbconn;
-    desk::EventLoopClock clock;
-    core::Logs logs{dbconn, shared, clock};
-    support::RecordingFeedback feedback;
-    desk::SerialLine serial{[this](int) { return path; }};
-    protocols::FieldLine line{serial, clock};
-    protocols::BsapCounters counters;
-    collection::Workplace place{dbconn, shared, clock, feedback, logs, line, counters};
-    support::RecordingMail mail;
-    collection::Scheduler scheduler{place, mail};
-
-    std::int64_t AddStation() {
-        return demo::AddStation(dbconn, {"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 17, "", 1, {}, "00:00", 60});
-    }
-};
+using support::PortDesk;
 
 // Everything that a slave holds.
 struct Held {

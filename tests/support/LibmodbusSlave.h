@@ -4,10 +4,12 @@
 #include <pty.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <bit>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -26,6 +28,17 @@ struct SlaveMap {
     int firstCoil = 0;
     int coils = 64;
     bool floatInOneRegister = false;  // function 3 answers 4 bytes a register, function 16 takes 4 bytes for one
+};
+
+// An archive that is shown through a window: a record's number is written as a float into the index, and the window at
+// the data then holds that record and up to three before it, the oldest first. Numbers are those of the line.
+struct SlaveArchive {
+    int pointer;
+    int index;
+    int data;
+    int floats;  // of a record
+    int newest;
+    std::function<float(int record, int offset)> value;  // both counted from 1
 };
 
 // A slave of another make, a libmodbus server, at the far end of a pseudo-terminal and in a thread of its own. What it
@@ -81,18 +94,15 @@ class LibmodbusSlave {
     float Float(int number) const {
         const std::lock_guard lock(mutex_);
         const std::size_t at = FloatIndex(number);
-        const std::uint16_t* words = mapping_->tab_registers + at;
-        return std::bit_cast<float>(map_.floatInOneRegister ? wide_[at] : words[0] * 65536U + words[1]);
+        return map_.floatInOneRegister ? std::bit_cast<float>(wide_[at]) : HeldFloat(at);
     }
     void SetFloat(int number, float value) {
         const std::lock_guard lock(mutex_);
         const std::size_t at = FloatIndex(number);
-        const auto bits = std::bit_cast<std::uint32_t>(value);
         if (map_.floatInOneRegister) {
-            wide_[at] = bits;
+            wide_[at] = std::bit_cast<std::uint32_t>(value);
         } else {
-            mapping_->tab_registers[at] = static_cast<std::uint16_t>(bits >> 16U);
-            mapping_->tab_registers[at + 1] = static_cast<std::uint16_t>(bits);
+            HoldFloat(at, value);
         }
     }
     bool Coil(int number) const {
@@ -110,6 +120,13 @@ class LibmodbusSlave {
     void Play(int function, int outcome, int times = -1) {
         const std::lock_guard lock(mutex_);
         plays_[function] = {outcome, times};
+    }
+
+    // Shows an archive from now on. It is one of a map with 16-bit registers.
+    void Show(SlaveArchive archive) {
+        SetFloat(archive.pointer, static_cast<float>(archive.newest));
+        const std::lock_guard lock(mutex_);
+        archives_.push_back(std::move(archive));
     }
 
     // The requests to this slave so far, whole frames with a good check.
@@ -153,6 +170,31 @@ class LibmodbusSlave {
                 modbus_reply_exception(context_.get(), request.data(), static_cast<unsigned>(outcome));
             } else if (outcome == kAnswer && !(map_.floatInOneRegister && AnswerWide(request))) {
                 modbus_reply(context_.get(), request.data(), length, mapping_.get());
+                for (const SlaveArchive& archive : archives_) {
+                    Fill(archive);
+                }
+            }
+        }
+    }
+
+    float HeldFloat(std::size_t at) const {
+        const std::uint16_t* words = mapping_->tab_registers + at;
+        return std::bit_cast<float>(words[0] * 65536U + words[1]);
+    }
+
+    void HoldFloat(std::size_t at, float value) {
+        const auto bits = std::bit_cast<std::uint32_t>(value);
+        mapping_->tab_registers[at] = static_cast<std::uint16_t>(bits >> 16U);
+        mapping_->tab_registers[at + 1] = static_cast<std::uint16_t>(bits);
+    }
+
+    void Fill(const SlaveArchive& archive) {
+        const auto last = static_cast<int>(HeldFloat(FloatIndex(archive.index)));
+        const int first = std::max(1, last - 3);
+        for (int record = first; record <= std::min(last, archive.newest); ++record) {
+            for (int offset = 1; offset <= archive.floats; ++offset) {
+                const int place = (record - first) * archive.floats + offset - 1;
+                HoldFloat(FloatIndex(archive.data + 2 * place), archive.value(record, offset));
             }
         }
     }
@@ -215,6 +257,7 @@ class LibmodbusSlave {
     std::string path_;
     mutable std::mutex mutex_;
     std::map<int, Outcome> plays_;
+    std::vector<SlaveArchive> archives_;
     std::vector<std::string> requests_;
     std::atomic<bool> stopped_ = false;
     std::thread thread_;

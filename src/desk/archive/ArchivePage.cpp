@@ -5,6 +5,7 @@
 
 #include "core/Text.h"
 #include "desk/archive/DownloadPanel.h"
+#include "desk/archive/GridFile.h"
 #include "desk/core/Navigator.h"
 #include "desk/reports/frmemail.h"
 #include "session/ArchiveLine.h"
@@ -21,8 +22,9 @@ void ArchivePage::Build(DownloadPanel& panel, QComboBox& cmbNode, QWidget& choic
     panel_ = &panel;
     cmbNode_ = &cmbNode;
     choices_ = &choices;
-    panel.Files(screen_ == archive::Screen::frmarchive ? DownloadPanel::FileForm{';', "Text Files (*.txt)", "txt"}
-                                                       : DownloadPanel::FileForm{'\t', "Excel Files (*.xls)", "xls"});
+    panel.Files(screen_ == archive::Screen::frmarchive
+                    ? DownloadPanel::FileForm{';', {"Save To File", "Text Files (*.txt)", "txt"}}
+                    : DownloadPanel::FileForm{'\t', ExcelFile()});
     panel.cmd_stop().setVisible(screen_ != archive::Screen::frmarchive);
     CloseCommand(&panel.cmdClose());
     connect(&panel.cmdClose(), &QPushButton::clicked, this, &Page::Closed);

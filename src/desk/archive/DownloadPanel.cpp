@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "core/Text.h"
+#include "desk/archive/GridFile.h"
 #include "desk/core/Boxes.h"
-#include "desk/core/WholeFile.h"
 #include "ui_DownloadPanel.h"
 
 namespace desk {
@@ -117,24 +117,8 @@ void DownloadPanel::Stop() {
     ui_->cmd_stop->setEnabled(false);
 }
 
-// Every row from the captions on, each field with its ending, a line a row.
-QByteArray DownloadPanel::FileText() const {
-    QString text;
-    for (int row = -1; row < ui_->grid->Rows(); ++row) {
-        for (int column = 0; column < captions_.size(); ++column) {
-            text += (row < 0 ? captions_[column] : ui_->grid->TextMatrix(row, column)) + files_.ending;
-        }
-        text += "\r\n";
-    }
-    return text.toUtf8();
-}
-
 void DownloadPanel::Save() {
-    AskForFile(this, {"Save To File", files_.kinds, files_.suffix}, [this](const QString& file) {
-        const QString failure = WriteWhole(file, FileText());
-        ShowBox(this, failure.isEmpty() ? "Data Saved..." : failure, window()->windowTitle(),
-                failure.isEmpty() ? QMessageBox::Information : QMessageBox::Warning);
-    });
+    SaveGridFile(this, GridText(*ui_->grid, files_.ending, captions_), files_.wish);
 }
 
 }  // namespace desk

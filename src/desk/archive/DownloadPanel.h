@@ -5,6 +5,7 @@
 
 #include "archive/RunView.h"
 #include "core/Feedback.h"
+#include "desk/core/WholeFile.h"
 
 class QPushButton;
 
@@ -22,11 +23,10 @@ class DownloadPanel : public QWidget, public archive::RunView, public core::Feed
     explicit DownloadPanel(QWidget* parent = nullptr);
     ~DownloadPanel() override;
 
-    // How the grid is written to a file: what ends each field, and the file dialog's filter and suffix.
+    // How the grid is written to a file: what ends each field, and what the dialog offers.
     struct FileForm {
         QChar ending;
-        QString kinds;
-        QString suffix;
+        FileWish wish;
     };
     void Files(const FileForm& form) { files_ = form; }
 
@@ -53,7 +53,6 @@ class DownloadPanel : public QWidget, public archive::RunView, public core::Feed
   private:
     void Stop();
     void Save();
-    QByteArray FileText() const;
 
     std::unique_ptr<Ui::DownloadPanel> ui_;
     FileForm files_;

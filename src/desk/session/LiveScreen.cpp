@@ -8,6 +8,8 @@
 #include "core/Text.h"
 #include "core/Users.h"
 #include "desk/archive/frmHistory.h"
+#include "desk/archive/frmarcmbus.h"
+#include "desk/archive/frmparaarchive.h"
 #include "desk/core/Boxes.h"
 #include "desk/core/Grid.h"
 #include "desk/core/Navigator.h"
@@ -93,7 +95,7 @@ void LiveScreen::ConnectCommands() {
     connect(ui_.cmdtime, &QPushButton::clicked, &writing_, &LiveWriting::SetTime);
     connect(ui_.chkMultiple, &QCheckBox::clicked, &writing_, &LiveWriting::Multiple);
     connect(&ui_.gridtab->cmdgc(), &QPushButton::clicked, &writing_, &LiveWriting::Multiple);
-    NotHere(ui_.cmd_arc, "The archive");
+    Command(ui_.cmd_arc, &LiveScreen::OpenArchive);
     NotHere(ui_.cmdfetch, "The list fetch");
     NotHere(ui_.cmdSignalSearch, "The signal search");
     NotHere(ui_.cmdDataVerify, "The data verification");
@@ -138,6 +140,18 @@ void LiveScreen::OpenSummary() {
 
 void LiveScreen::OpenHistory() {
     desk_.navigator.Open(new frmHistory(desk_, session_.GetStation().locationID));
+}
+
+void LiveScreen::OpenArchive() {
+    const core::Station& station = session_.GetStation();
+    if (Speaks(station, "Modbus")) {
+        desk_.navigator.Open(new frmarcmbus(desk_, &session_, station.locationID));
+    } else if (Speaks(station, "BSAP")) {
+        desk_.navigator.Open(new frmparaarchive(desk_, session_));
+    } else {
+        ShowBox(&page_, "A " + Text(station.protocol) + " station has no archive that could be read.",
+                page_.windowTitle(), QMessageBox::Information);
+    }
 }
 
 void LiveScreen::ShowParameters() {
@@ -298,7 +312,9 @@ void LiveScreen::EverySecond() {
     if (waitsForLine_ && free) {
         waitsForLine_ = false;
         Request("The line is free. Connect again to go on.");
-        ui_.cmdConnect->setFocus();
+        if (page_.isVisible()) {  // else the page in front would lose the focus
+            ui_.cmdConnect->setFocus();
+        }
     }
 }
 

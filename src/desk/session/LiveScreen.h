@@ -60,6 +60,7 @@ class LiveScreen final : public QObject, public session::SessionView {
     void GetData();
     void Disconnect();
     void OpenSummary();
+    void OpenArchive();
     void OpenHistory();
     void ShowParameters();
     void SwapDrawing();

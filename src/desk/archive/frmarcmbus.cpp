@@ -1,0 +1,210 @@
+#include "desk/archive/frmarcmbus.h"
+
+#include <QPointer>
+
+#include "collection/Workplace.h"
+#include "core/Logs.h"
+#include "core/Station.h"
+#include "core/Text.h"
+#include "desk/archive/GridFile.h"
+#include "desk/core/Grid.h"
+#include "desk/core/Look.h"
+#include "desk/core/Navigator.h"
+#include "desk/reports/frmemail.h"
+#include "desk/session/frmtxrxleds.h"
+#include "session/OwnCall.h"
+#include "session/Session.h"
+#include "ui_frmarcmbus.h"
+
+namespace desk {
+
+namespace {
+
+constexpr int hoursOfDay = 24;
+constexpr int daysOfMonth = 31;
+
+}  // namespace
+
+frmarcmbus::frmarcmbus(Desk& desk, session::Session* session, std::int64_t locationID)
+    : Page(desk, "MODBUS Archive"),
+      ui_(std::make_unique<Ui::frmarcmbus>()),
+      session_(session),
+      locationID_(locationID) {
+    ui_->setupUi(this);
+    Title("MODBUS Archive");
+    CloseCommand(ui_->cmdClose);
+    ui_->lblconsumer->setFont(Larger(font(), 1.2, true));
+    Guarded([this] {
+        if (const auto station = core::ReadStation(desk_.dbconn, locationID_)) {
+            ui_->lblconsumer->setText(QString::fromStdString(station->consumer));
+        }
+    });
+    connect(ui_->opthrly, &QRadioButton::toggled, this, &frmarcmbus::ChooseKind);
+    connect(ui_->cmdarchive, &QPushButton::clicked, this, &frmarcmbus::cmdarchive);
+    connect(ui_->cmd_stop, &QPushButton::clicked, this, &frmarcmbus::cmd_stop);
+    connect(ui_->cmdsave, &QPushButton::clicked, this,
+            [this] { SaveGridFile(this, GridText(*ui_->mfg1, '\t'), ExcelFile()); });
+    connect(ui_->cmd_email, &QPushButton::clicked, this, [this] { desk_.navigator.Open(new frmemail(desk_)); });
+    connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
+    connect(&seconds_, &QTimer::timeout, this, &frmarcmbus::ShowLine);
+    seconds_.start(1000);
+    ChooseKind();
+    ShowButtons();
+}
+
+frmarcmbus::~frmarcmbus() = default;
+
+// The number is for the operator only: a run brings all that the station has.
+void frmarcmbus::ChooseKind() {
+    const bool hourly = ui_->opthrly->isChecked();
+    ui_->lblhrd->setText(hourly ? "Number of Hours" : "Number of Days");
+    ui_->cmbnum->clear();
+    for (int number = 1; number <= (hourly ? hoursOfDay : daysOfMonth); ++number) {
+        ui_->cmbnum->addItem(QString::number(number));
+    }
+}
+
+// Nothing but the stop works while a run goes on; nor can the page be closed.
+void frmarcmbus::ShowButtons() {
+    const std::initializer_list<QWidget*> atRest = {ui_->opthrly,       ui_->optdly,    ui_->cmbnum,  ui_->cmdarchive,
+                                                    ui_->cmdviewreport, ui_->cmd_email, ui_->cmdClose};
+    for (QWidget* control : atRest) {
+        control->setEnabled(!running_);
+    }
+    ui_->cmdsave->setEnabled(!running_ && ui_->mfg1->Rows() > 0);
+    ui_->cmd_stop->setEnabled(running_ && !stopflag_);
+    ui_->cmdarchive->setDefault(!running_);
+    ui_->pbarchive->setVisible(running_);
+}
+
+void frmarcmbus::cmdarchive() {
+    if (running_) {
+        return;
+    }
+    running_ = true;
+    stopflag_ = told_ = false;
+    ui_->lblrecno->clear();
+    ui_->mfg1->Clear();
+    ui_->pbarchive->setRange(0, 1);
+    ui_->pbarchive->setValue(0);
+    ShowButtons();
+    ui_->cmd_stop->setFocus();
+    try {
+        if (session_ != nullptr && session_->HasLine()) {
+            BeGuest();
+        } else {
+            make_connection();
+        }
+    } catch (const std::exception& failure) {
+        desk_.logs.WriteRtuErr(failure.what());
+        EndRun(failure.what());
+    }
+}
+
+// At once, or between two reads of the session. Behind the wait for its turn the page may be gone.
+void frmarcmbus::BeGuest() {
+    Status(session_->PollingActive() ? "Waiting for the answer in hand" : "");
+    const bool lent = session_->Lend(*this, [page = QPointer<frmarcmbus>(this)](protocols::Conversation* talk) {
+        if (page) {
+            page->EndRun(page->Collect(talk));
+        }
+    });
+    if (!lent) {
+        EndRun("The line is in use by another screen");
+    }
+}
+
+// The line of this run alone: it is hung up at its end.
+void frmarcmbus::make_connection() {
+    const auto station = core::ReadStation(desk_.dbconn, locationID_);
+    if (!station) {
+        EndRun("This station is no longer in the register");
+        return;
+    }
+    const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
+                                      desk_.logs,   desk_.line,   desk_.counters};
+    std::string message;
+    const bool up = session::OwnCall(place, desk_.scheduler, *station, {},
+                                     [&](protocols::Conversation& talk) { message = Collect(&talk); });
+    if (!up && !told_) {
+        message = "The connection ended before the archive was read";
+    }
+    EndRun(message);
+}
+
+// What the operator is told at the end.
+std::string frmarcmbus::Collect(protocols::Conversation* talk) {
+    if (talk == nullptr) {
+        return "The session ended before the archive was read";
+    }
+    line_ = talk->line;
+    const auto kind = ui_->opthrly->isChecked() ? archive::ArchiveKind::Hourly : archive::ArchiveKind::Daily;
+    const std::string message =
+        archive::ArchiveCollected(archive::CollectModbusArchive(*talk, desk_.dbconn, kind, *this));
+    line_.reset();
+    return message;
+}
+
+void frmarcmbus::EndRun(const std::string& message) {
+    running_ = false;
+    ShowButtons();
+    ui_->cmdarchive->setFocus();
+    if (!message.empty()) {
+        Status(message);
+        Box(message);
+    }
+}
+
+void frmarcmbus::cmd_stop() {
+    stopflag_ = true;
+    ShowButtons();
+    Status("Stopping behind the block in hand");
+}
+
+// A scheduled run that takes the line goes on inside the wait of this one: the operator is not to wait for its end.
+void frmarcmbus::ShowLine() {
+    if (line_ != nullptr && line_->Ended()) {
+        Status(line_->Reason());
+    }
+}
+
+// What the run tells
+// ---------------------------------------------------------------------------------------------------
+
+void frmarcmbus::Status(const std::string& text) {
+    ui_->lblmsg->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+}
+
+void frmarcmbus::Box(const std::string& text) {
+    told_ = true;
+    Show(QString::fromStdString(core::ReplaceAll(text, "\r", "\n")),
+         text == archive::ArchiveCollected({}) ? QMessageBox::Information : QMessageBox::Warning);
+}
+
+void frmarcmbus::Lamp(const std::string& lamp, const std::string&) {
+    ui_->leds->Light(QString::fromStdString(lamp));
+}
+
+// The time is a text, all other columns are numbers.
+void frmarcmbus::Header(const std::string& header) {
+    ui_->mfg1->FormatString("<" + QString::fromStdString(header).replace("|", "|>"));
+}
+
+void frmarcmbus::Rows(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<QStringList> items;
+    for (const auto& row : rows) {
+        QStringList& item = items.emplace_back();
+        for (const std::string& cell : row) {
+            item.append(QString::fromStdString(cell));
+        }
+    }
+    ui_->mfg1->AddItems(items);
+}
+
+void frmarcmbus::Progress(int records, int newest) {
+    ui_->lblrecno->setText(QString::fromStdString(archive::RecordText(records, newest)));
+    ui_->pbarchive->setRange(0, std::max(newest, 1));
+    ui_->pbarchive->setValue(records);
+}
+
+}  // namespace desk

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "desk/core/EventLoopClock.h"
+#include "desk/core/SerialLine.h"
+#include "support/CollectionDesk.h"
+
+namespace support {
+
+// A desk on the real clock, whose only port is a pseudo-terminal.
+struct PortDesk {
+    explicit PortDesk(std::string devicePath) : path(std::move(devicePath)) { shared.currentuser = "WARDEN"; }
+
+    std::string path;
+    ScratchDesk scratch;
+    core::MAIN_Module& shared = scratch.shared;
+    core::Database& dbconn = scratch.dbconn;
+    desk::EventLoopClock clock;
+    core::Logs logs{dbconn, shared, clock};
+    RecordingFeedback feedback;
+    desk::SerialLine serial{[this](int) { return path; }};
+    protocols::FieldLine line{serial, clock};
+    protocols::BsapCounters counters;
+    collection::Workplace place{dbconn, shared, clock, feedback, logs, line, counters};
+    RecordingMail mail;
+    collection::Scheduler scheduler{place, mail};
+
+    std::int64_t AddStation() {
+        return demo::AddStation(dbconn, {"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 17, "", 1, {}, "00:00", 60});
+    }
+};
+
+}  // namespace support
