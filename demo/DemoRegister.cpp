@@ -59,7 +59,7 @@ std::vector<DemoStation> OneOfEach(const std::string& contracthour) {
     std::vector<DemoStation> stations(5);
     stations[0] = {"North Gate", "TeleFlow", "Modbus", "RTU", 1, 1};
     stations[1] = {"River Crossing", "TeleCorrector", "Modbus", "ASCII", 2, 7};
-    stations[2] = {"Hill Farm", "TeleFlow+", "BSAP", "", 3, 5, "5550142"};
+    stations[2] = {"Hill Farm", "TeleFlow+", "BSAP", "", 3, 1, "5550142"};
     stations[3] = {"O'Brien's Works", "CWGFC-MultiStream", "BSAP", "", 4, 6, "", 2, {"AGA3", "AGA7", "", ""}};
     stations[4] = {"Kiln No. 4", "Quantum", "Quantum", "", 5, 12};
     stations[2].groupno = 2;

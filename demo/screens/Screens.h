@@ -23,6 +23,9 @@ const std::vector<Screen>& Screens();
 // Those of a session and of the register editor, which stand among them.
 std::vector<Screen> SessionScreens();
 
+// Those of the downloads of archives.
+std::vector<Screen> ArchiveScreens();
+
 // That of the stored archive.
 std::vector<Screen> HistoryScreens();
 

@@ -1,12 +1,10 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <memory>
 
 #include "core/MAIN_Module.h"
 #include "demo/screens/Screens.h"
-#include "desk/archive/frmarcmbus.h"
 #include "desk/core/Grid.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/frmparalist.h"
@@ -105,31 +103,6 @@ Screen Tab(const std::string& name, std::int64_t locationID, int tab) {
         tab == alarmTab ? ShowsAlarms : AlwaysReady);
 }
 
-// The archive of a Modbus station, in the middle of its run or behind it.
-Screen ModbusArchive(const std::string& name, bool running) {
-    constexpr std::uint32_t someBlocksMs = 3000;
-    Screen screen;
-    screen.name = name;
-    screen.show = [](Stage& stage) {
-        stage.Open<desk::frmarcmbus>(nullptr, teleFlow);
-        return static_cast<QWidget*>(&stage.Shell());
-    };
-    screen.alive = [running](Stage& stage, const std::function<void()>& look) {
-        desk::Page& page = stage.Front();
-        if (running) {
-            stage.Clock().After(someBlocksMs, look);
-        }
-        page.findChild<QAbstractButton*>("cmdarchive")->click();
-        for (QMessageBox* box : page.findChildren<QMessageBox*>()) {
-            box->close();
-        }
-        if (!running) {
-            look();
-        }
-    };
-    return screen;
-}
-
 // The register editor on a new station that is laid out by hand, with some of its addresses given.
 QWidget* Registers(Stage& stage, int tab) {
     stage.Surroundings().shared.currentuser = "WARDEN";
@@ -176,8 +149,6 @@ std::vector<Screen> SessionScreens() {
              [](Stage&, desk::frmparalist& page) {
                  page.findChild<desk::ParameterTabs*>("gridtab")->setCurrentIndex(6);
              }),
-        ModbusArchive("archive_modbus", false),
-        ModbusArchive("archive_modbus_running", true),
         Tab("drs", regulator, 9),
         Tab("curve", teleCorrector, 11),
         Tab("quantum", quantum, 16),

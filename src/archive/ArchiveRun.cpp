@@ -93,6 +93,7 @@ class Run {
             received += static_cast<int>(definitions->names.size());
             fields_ = static_cast<std::size_t>(definitions->fields);
             if (Refused(*definitions) || received >= definitions->fields) {
+                result_.download.fields.resize(std::min(result_.download.fields.size(), fields_));
                 view_.Columns(Captions());
                 return !Refused(*definitions) || Fail(StatusText(*definitions));
             }
