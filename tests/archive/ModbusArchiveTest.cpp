@@ -339,7 +339,7 @@ TEST(ModbusArchive, AScheduledRunTakesTheLineAtAnyStep) {
     }
 }
 
-TEST(ModbusArchive, WhatCannotBeReadIsSaidBeforeAnythingIsSent) {
+TEST(ModbusArchive, WhatCannotBeReadOrStoredIsSaid) {
     ArchiveDesk ascii;
     ascii.station.mode = "ASCII";
     ascii.OpenSlave(12);

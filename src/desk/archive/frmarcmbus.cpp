@@ -71,7 +71,7 @@ void frmarcmbus::ShowButtons() {
     for (QWidget* control : atRest) {
         control->setEnabled(!running_);
     }
-    ui_->cmdsave->setEnabled(!running_ && ui_->mfg1->Rows() > 0);
+    ui_->cmdsave->setEnabled(!running_ && ui_->mfg1->Columns() > 0);
     ui_->cmd_stop->setEnabled(running_ && !stopflag_);
     ui_->cmdarchive->setDefault(!running_);
     ui_->pbarchive->setVisible(running_);
