@@ -42,6 +42,7 @@ QColor ColourOf(std::size_t column, bool dark) {
 
 HistoryDrawing::HistoryDrawing(QWidget* parent) : QChartView(parent), frame_(QRubberBand::Rectangle, this) {
     BareChart(*this);
+    chart()->legend()->setMarkerShape(QLegend::MarkerShapeFromSeries);  // with its dashes
     setMinimumHeight(160);
     Colours();
 }
