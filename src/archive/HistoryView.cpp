@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::int64_t secondsOfADay = 24 * 3600;
 
-const std::string valuesOfATimeStamp = "select ColumnId,value1 from tArchiveData where TimeStampId=? order by ColumnId";
+const std::string valuesOfATimeStamp =
+    "select ColumnId,value1 from tArchiveData where TimeStampId=? and value1 is not null order by ColumnId";
 
 // What IsoText wrote; nothing when the text is another.
 std::optional<core::DateTime> FromIso(const std::string& text) {
@@ -86,9 +87,12 @@ std::vector<HistoryRow> HistoryView::Next(std::size_t atMost) {
     const std::size_t end = std::min(Total(), done_ + atMost);
     std::vector<HistoryRow> rows;
     rows.reserve(end - done_);
-    for (; done_ < end; ++done_) {
-        rows.push_back(Read(timeStamps_[done_]));
-    }
+    // One transaction a portion: by itself each of the small readings would lock the file and let it go.
+    dbconn_.InTransaction([&] {
+        for (; done_ < end; ++done_) {
+            rows.push_back(Read(timeStamps_[done_]));
+        }
+    });
     return rows;
 }
 
@@ -101,8 +105,9 @@ HistoryRow HistoryView::Read(const TimeStamp& timeStamp) {
     }
     row.values.reserve(ids_.size());
     dbconn_.Each(valuesOfATimeStamp, {timeStamp.id}, [&](const core::RowInHand& value) {
-        const auto column = std::lower_bound(ids_.begin(), ids_.end(), value.Long(0));
-        if (column != ids_.end() && *column == value.Long(0) && !value.IsNull(1)) {
+        const std::int64_t id = value.Long(0);
+        const auto column = std::lower_bound(ids_.begin(), ids_.end(), id);
+        if (column != ids_.end() && *column == id) {
             row.values.push_back({static_cast<std::size_t>(column - ids_.begin()), value.Number(1)});
         }
     });

@@ -146,10 +146,6 @@ SQLite::Column CellOf(const void* statement, int position) {
 
 }  // namespace
 
-bool RowInHand::IsNull(int position) const {
-    return CellOf(statement_, position).isNull();
-}
-
 std::int64_t RowInHand::Long(int position) const {
     return CellOf(statement_, position).getInt64();
 }

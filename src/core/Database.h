@@ -74,7 +74,6 @@ class RowInHand {
   public:
     explicit RowInHand(const void* statement) : statement_(statement) {}
 
-    bool IsNull(int position) const;
     std::int64_t Long(int position) const;
     double Number(int position) const;
     std::string Text(int position) const;

@@ -35,7 +35,9 @@ inline std::map<std::string, std::string> Snapshot(core::Database& dbconn) {
     std::map<std::string, std::string> all;
     for (const std::string& table : AllTables(dbconn)) {
         std::string& text = all[table];
-        for (const core::Row& row : dbconn.Query("select rowid, * from " + table)) {
+        const auto kind = dbconn.First("select wr from pragma_table_list where name=?", {table});
+        const std::string number = kind && kind->Bool("wr") ? "" : "rowid, ";  // where a table has one
+        for (const core::Row& row : dbconn.Query("select " + number + "* from " + table)) {
             for (std::size_t i = 0; i < row.Size(); ++i) {
                 text += row[i].Text() + '\t';
             }

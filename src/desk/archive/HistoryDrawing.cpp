@@ -25,8 +25,9 @@ constexpr double closest = 60;
 // More pieces than this are drawn as points: a line that is broken so often is none.
 constexpr std::size_t mostPieces = 100;
 
-// Of the axis across.
-constexpr int roomOfATick = 90;
+// Pixels: what a tick of the axis across needs, and what a scale takes of the width.
+constexpr int roomOfATick = 100;
+constexpr int roomOfAScale = 80;
 
 constexpr std::array styles{Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt::DashDotLine};
 
@@ -42,6 +43,7 @@ QColor ColourOf(std::size_t column, bool dark) {
 
 HistoryDrawing::HistoryDrawing(QWidget* parent) : QChartView(parent), frame_(QRubberBand::Rectangle, this) {
     BareChart(*this);
+    chart()->legend()->setMarkerShape(QLegend::MarkerShapeFromSeries);  // with its dashes
     setMinimumHeight(160);
     Colours();
 }
@@ -66,7 +68,7 @@ void HistoryDrawing::Draw(const QString& headline, const archive::TimeSpan& span
     chart()->addAxis(across_, Qt::AlignBottom);
     for (DrawnColumn& column : columns) {
         auto* axis = new QValueAxis;
-        axis->setLabelFormat("%.6g");
+        axis->setLabelFormat("%.10g");
         axis->setTitleText(column.name.toHtmlEscaped());
         axis->setGridLineVisible(scales_.empty());
         chart()->addAxis(axis, scales_.size() % 2 == 0 ? Qt::AlignLeft : Qt::AlignRight);
@@ -92,7 +94,8 @@ void HistoryDrawing::FillTicks() {
         across_->remove(label);
     }
     across_->setRange(shown_.from, shown_.to);
-    for (const archive::TimeTick& tick : archive::TicksOf(shown_, static_cast<std::size_t>(width() / roomOfATick))) {
+    const int room = std::max(width() - roomOfAScale * static_cast<int>(scales_.size()), 0);
+    for (const archive::TimeTick& tick : archive::TicksOf(shown_, static_cast<std::size_t>(room / roomOfATick))) {
         across_->append(QString::fromStdString(tick.text), tick.at);
     }
 }

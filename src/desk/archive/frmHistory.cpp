@@ -36,7 +36,7 @@ QString Count(std::size_t rows) {
 frmHistory::frmHistory(Desk& desk, std::int64_t locationID)
     : Page(desk, "History"), locationID_(locationID), ui_(std::make_unique<Ui::frmHistory>()) {
     ui_->setupUi(this);
-    ui_->halves->setSizes({1, 1});
+    ui_->halves->setSizes({1000, 1100});
     CloseCommand(ui_->cmdClose);
     Guarded([this] {
         if (const auto station = core::ReadStation(desk_.dbconn, locationID_)) {
