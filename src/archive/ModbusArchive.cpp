@@ -45,10 +45,21 @@ bool IsRegister(int number) {
     return number >= 1 && OnTheLine(number) <= 65535;
 }
 
+std::vector<std::string> Captions(std::string_view header) {
+    std::vector<std::string> captions(1);
+    for (const char c : header) {
+        if (c == '|') {
+            captions.emplace_back();
+        } else {
+            captions.back() += c;
+        }
+    }
+    return captions;
+}
+
 class Run {
   public:
-    Run(Conversation& talk, core::Database& dbconn, ArchiveKind kind, ModbusArchiveView& view,
-        ModbusArchiveOutcome& outcome)
+    Run(Conversation& talk, core::Database& dbconn, ArchiveKind kind, RunView& view, ModbusArchiveOutcome& outcome)
         : talk_(talk), dbconn_(dbconn), view_(view), outcome_(outcome), hourly_(kind == ArchiveKind::Hourly) {
         talk_.modbus.floatread = true;
     }
@@ -60,7 +71,7 @@ class Run {
             return;
         }
         dbconn_.Execute("delete from " + std::string(kind->table));
-        view_.Header(std::string(kind->header));
+        view_.Columns(Captions(kind->header));
         if (!TakeRegisters() || !TakeNewest()) {
             return;
         }
@@ -158,7 +169,7 @@ class Run {
         }
         outcome_.records += count;
         view_.Rows(rows);
-        view_.Progress(outcome_.records, outcome_.newest);
+        view_.Record(outcome_.records, outcome_.newest);
         const std::string insert = InsertRecord(kind);
         dbconn_.InTransaction([&] {
             for (const auto& record : records) {
@@ -169,7 +180,7 @@ class Run {
 
     Conversation& talk_;
     core::Database& dbconn_;
-    ModbusArchiveView& view_;
+    RunView& view_;
     ModbusArchiveOutcome& outcome_;
     bool hourly_;
     int pointer_ = 0;
@@ -192,8 +203,7 @@ std::string ArchiveCollected(const ModbusArchiveOutcome& outcome) {
     return outcome.stopped ? collected + "\rStopped, " + count + " came" : collected;
 }
 
-ModbusArchiveOutcome CollectModbusArchive(Conversation& talk, core::Database& dbconn, ArchiveKind kind,
-                                          ModbusArchiveView& view) {
+ModbusArchiveOutcome CollectModbusArchive(Conversation& talk, core::Database& dbconn, ArchiveKind kind, RunView& view) {
     ModbusArchiveOutcome outcome;
     try {
         Run(talk, dbconn, kind, view, outcome).Collect(RecordKindOf(talk.station, talk.streamno, kind));

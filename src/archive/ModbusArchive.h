@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "archive/ModbusRecords.h"
+#include "archive/RunView.h"
 #include "core/Database.h"
 #include "protocols/Conversation.h"
 
@@ -11,21 +12,6 @@
 // One register tells the number of the newest record, one takes the number of the record that is wanted, and from a
 // third on the window holds that record and up to three older ones, in the station's order.
 namespace archive {
-
-// How a run reaches its screen.
-class ModbusArchiveView {
-  public:
-    virtual ~ModbusArchiveView() = default;
-
-    // A run begins: the captions of its grid, separated by "|", the first that of the time.
-    virtual void Header(const std::string& header) = 0;
-    // The records of a block, a text under each caption.
-    virtual void Rows(const std::vector<std::vector<std::string>>& rows) = 0;
-    // So many of the station's records have come.
-    virtual void Progress(int records, int newest) = 0;
-    // The operator wants no further block.
-    virtual bool Stopped() const = 0;
-};
 
 struct ModbusArchiveOutcome {
     int records = 0;  // that came
@@ -49,6 +35,6 @@ std::string ArchiveCollected(const ModbusArchiveOutcome& outcome);
 // records. What had come stays in the grid and in the table. A failure of the database ends the run too; it does not
 // throw.
 ModbusArchiveOutcome CollectModbusArchive(protocols::Conversation& talk, core::Database& dbconn, ArchiveKind kind,
-                                          ModbusArchiveView& view);
+                                          RunView& view);
 
 }  // namespace archive

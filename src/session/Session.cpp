@@ -277,7 +277,7 @@ void Session::ChooseStream(int streamno) {
 }
 
 bool Session::Lend(core::Feedback& feedback, GuestWork work) {
-    if (!HasLine() || guest_ || lent_) {
+    if (!HasLine() || guest_ || lentTo_ != nullptr) {
         return false;
     }
     guest_.emplace(Guest{feedback, std::move(work)});
@@ -294,14 +294,14 @@ void Session::ServeGuest() {
     protocols::Conversation talk{talk_->line,     place_.clock,   feedback,           place_.logs,
                                  place_.counters, talk_->station, talk_->currentuser, streamno_,
                                  talk_->modbus,   talk_->bsap,    talk_->requests};
-    lent_ = true;
+    lentTo_ = &guest.feedback;
     try {
         guest.work(&talk);
     } catch (...) {
-        lent_ = false;
+        lentTo_ = nullptr;
         throw;
     }
-    lent_ = false;
+    lentTo_ = nullptr;
     talk_->requests = talk.requests;
 }
 
@@ -395,6 +395,9 @@ void Session::LineEnded() {
         MarkSampled(false);
     }
     view_.Status(endReason_);
+    if (lentTo_ != nullptr) {
+        lentTo_->Status(endReason_);
+    }
     if (running_) {
         TurnTo(State::Disconnecting);
     } else {

@@ -177,7 +177,7 @@ class Session {
         GuestWork work;
     };
     std::optional<Guest> guest_;
-    bool lent_ = false;  // the guest is at work
+    core::Feedback* lentTo_ = nullptr;  // the guest at work
 };
 
 }  // namespace session

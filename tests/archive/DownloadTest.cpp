@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "support/Downloads.h"
 #include "core/Text.h"
+#include "support/Downloads.h"
 
 using namespace archive;
 using namespace support;

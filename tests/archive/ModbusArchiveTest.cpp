@@ -23,13 +23,18 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-struct View final : archive::ModbusArchiveView {
+struct View final : archive::RunView {
     std::string header;
     std::vector<std::string> rows;  // cells separated by "|"
     std::vector<std::string> progress;
     int stopBehind = 1000;  // rows
 
-    void Header(const std::string& text) override { header = text; }
+    void Columns(const std::vector<std::string>& captions) override {
+        header.clear();
+        for (const std::string& caption : captions) {
+            header += (header.empty() ? "" : "|") + caption;
+        }
+    }
     void Rows(const std::vector<std::vector<std::string>>& block) override {
         for (const auto& cells : block) {
             std::string row;
@@ -39,7 +44,7 @@ struct View final : archive::ModbusArchiveView {
             rows.push_back(row);
         }
     }
-    void Progress(int records, int newest) override { progress.push_back(archive::RecordText(records, newest)); }
+    void Record(int records, int newest) override { progress.push_back(archive::RecordText(records, newest)); }
     bool Stopped() const override { return static_cast<int>(rows.size()) >= stopBehind; }
 };
 

@@ -13,14 +13,14 @@ namespace {
 
 using archive::ArchiveKind;
 
-struct Collected final : archive::ModbusArchiveView {
+struct Collected final : archive::RunView {
     std::vector<std::vector<std::string>> rows;
 
-    void Header(const std::string&) override {}
+    void Columns(const std::vector<std::string>&) override {}
     void Rows(const std::vector<std::vector<std::string>>& block) override {
         rows.insert(rows.end(), block.begin(), block.end());
     }
-    void Progress(int, int) override {}
+    void Record(int, int) override {}
     bool Stopped() const override { return false; }
 };
 

@@ -109,6 +109,7 @@ TEST_F(ArchiveLineTest, AScheduledRunTakesTheLineInTheMiddleAndWhatCameIsStored)
     ASSERT_TRUE(collected);
     EXPECT_EQ(collected->end, archive::RunEnd::LineLost);
     EXPECT_THAT(collected->message, HasSubstr("A scheduled collection has taken the line\rArchive Collected, but"));
+    EXPECT_THAT(desk.feedback.status, Contains("A scheduled collection has taken the line"));  // at once
     EXPECT_EQ(over, 1);
     EXPECT_EQ(Stored(1, 1), static_cast<std::int64_t>(run.rows.size()));
     EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday")) << desk.RtuErr();

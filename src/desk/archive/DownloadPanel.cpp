@@ -67,7 +67,7 @@ void DownloadPanel::Running(bool running) {
 
 void DownloadPanel::ClearGrid() {
     captions_.clear();
-    ui_->grid->FormatString("");
+    ui_->grid->FormatString(QStringList());
 }
 
 void DownloadPanel::Columns(const std::vector<std::string>& captions) {
@@ -75,10 +75,10 @@ void DownloadPanel::Columns(const std::vector<std::string>& captions) {
     QStringList shown;
     for (const std::string& caption : captions) {
         captions_.append(QString::fromStdString(caption));
-        QString text = captions_.back().trimmed().replace('|', ' ');
+        QString text = captions_.back().trimmed();
         shown.append((IsNumber(text) ? ">" : "<") + text);
     }
-    ui_->grid->FormatString(shown.join('|'));
+    ui_->grid->FormatString(shown);
 }
 
 void DownloadPanel::Rows(const std::vector<std::vector<std::string>>& rows) {

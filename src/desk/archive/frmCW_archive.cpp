@@ -22,7 +22,9 @@ frmCW_archive::frmCW_archive(Desk& desk, session::Session* session, std::optiona
     ui_->Txt_arcfile->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), this));
     Build(*ui_->panel, *ui_->cmbNode, *ui_->choices, locationID);
     connect(ui_->optarchive, &QRadioButton::toggled, this, [this] { ForgetReport(); });
-    connect(ui_->Txt_arcfile, &QLineEdit::returnPressed, &ui_->panel->cmdGo(), &QPushButton::click);
+    // Behind the key: it would otherwise press the command that has the focus when the run is over.
+    connect(ui_->Txt_arcfile, &QLineEdit::returnPressed, &ui_->panel->cmdGo(), &QPushButton::click,
+            Qt::QueuedConnection);
 }
 
 frmCW_archive::~frmCW_archive() = default;

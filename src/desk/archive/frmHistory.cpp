@@ -4,7 +4,7 @@
 
 #include "archive/HistoryLines.h"
 #include "core/Station.h"
-#include "desk/archive/ExcelText.h"
+#include "desk/archive/GridFile.h"
 #include "desk/archive/HistoryDrawing.h"
 #include "desk/core/Look.h"
 #include "desk/core/WholeFile.h"
@@ -245,7 +245,7 @@ void frmHistory::cmdExcel() {
 }
 
 void frmHistory::SaveExcel(const QString& file) {
-    if (const QString failure = WriteWhole(file, ExcelText(*ui_->Grid).toUtf8()); !failure.isEmpty()) {
+    if (const QString failure = WriteWhole(file, GridText(*ui_->Grid, '\t').toUtf8()); !failure.isEmpty()) {
         Show(failure);
     }
 }

@@ -46,8 +46,6 @@ frmarcmbus::frmarcmbus(Desk& desk, session::Session* session, std::int64_t locat
             [this] { SaveGridFile(this, GridText(*ui_->mfg1, '\t'), ExcelFile()); });
     connect(ui_->cmd_email, &QPushButton::clicked, this, [this] { desk_.navigator.Open(new frmemail(desk_)); });
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
-    connect(&seconds_, &QTimer::timeout, this, &frmarcmbus::ShowLine);
-    seconds_.start(1000);
     ChooseKind();
     ShowButtons();
 }
@@ -137,11 +135,9 @@ std::string frmarcmbus::Collect(protocols::Conversation* talk) {
     if (talk == nullptr) {
         return "The session ended before the archive was read";
     }
-    line_ = talk->line;
     const auto kind = ui_->opthrly->isChecked() ? archive::ArchiveKind::Hourly : archive::ArchiveKind::Daily;
     const std::string message =
         archive::ArchiveCollected(archive::CollectModbusArchive(*talk, desk_.dbconn, kind, *this));
-    line_.reset();
     return message;
 }
 
@@ -161,15 +157,7 @@ void frmarcmbus::cmd_stop() {
     Status("Stopping behind the block in hand");
 }
 
-// A scheduled run that takes the line goes on inside the wait of this one: the operator is not to wait for its end.
-void frmarcmbus::ShowLine() {
-    if (line_ != nullptr && line_->Ended()) {
-        Status(line_->Reason());
-    }
-}
-
-// What the run tells
-// ---------------------------------------------------------------------------------------------------
+// What the run tells -----------------------------------------------------------------------------------------------
 
 void frmarcmbus::Status(const std::string& text) {
     ui_->lblmsg->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
@@ -186,8 +174,12 @@ void frmarcmbus::Lamp(const std::string& lamp, const std::string&) {
 }
 
 // The time is a text, all other columns are numbers.
-void frmarcmbus::Header(const std::string& header) {
-    ui_->mfg1->FormatString("<" + QString::fromStdString(header).replace("|", "|>"));
+void frmarcmbus::Columns(const std::vector<std::string>& captions) {
+    QStringList columns;
+    for (const std::string& caption : captions) {
+        columns.append((columns.isEmpty() ? "<" : ">") + QString::fromStdString(caption));
+    }
+    ui_->mfg1->FormatString(columns);
 }
 
 void frmarcmbus::Rows(const std::vector<std::vector<std::string>>& rows) {
@@ -201,7 +193,7 @@ void frmarcmbus::Rows(const std::vector<std::vector<std::string>>& rows) {
     ui_->mfg1->AddItems(items);
 }
 
-void frmarcmbus::Progress(int records, int newest) {
+void frmarcmbus::Record(int records, int newest) {
     ui_->lblrecno->setText(QString::fromStdString(archive::RecordText(records, newest)));
     ui_->pbarchive->setRange(0, std::max(newest, 1));
     ui_->pbarchive->setValue(records);

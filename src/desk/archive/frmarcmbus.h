@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QTimer>
 #include <cstdint>
 #include <memory>
 
@@ -13,8 +12,7 @@ class frmarcmbus;
 }
 namespace protocols {
 struct Conversation;
-class LineLease;
-}  // namespace protocols
+}
 namespace session {
 class Session;
 }
@@ -22,7 +20,7 @@ class Session;
 namespace desk {
 
 // Downloads the hourly or daily archive of a station that speaks Modbus, shows it and saves it to a file.
-class frmarcmbus : public Page, private core::Feedback, private archive::ModbusArchiveView {
+class frmarcmbus : public Page, private core::Feedback, private archive::RunView {
     Q_OBJECT
 
   public:
@@ -40,14 +38,13 @@ class frmarcmbus : public Page, private core::Feedback, private archive::ModbusA
     std::string Collect(protocols::Conversation* talk);
     void EndRun(const std::string& message);
     void ShowButtons();
-    void ShowLine();
 
     void Status(const std::string& text) override;
     void Box(const std::string& text) override;
     void Lamp(const std::string& lamp, const std::string& bytes) override;
-    void Header(const std::string& header) override;
+    void Columns(const std::vector<std::string>& captions) override;
     void Rows(const std::vector<std::vector<std::string>>& rows) override;
-    void Progress(int records, int newest) override;
+    void Record(int records, int newest) override;
     bool Stopped() const override { return stopflag_; }
 
     std::unique_ptr<Ui::frmarcmbus> ui_;
@@ -55,9 +52,7 @@ class frmarcmbus : public Page, private core::Feedback, private archive::ModbusA
     std::int64_t locationID_;
     bool running_ = false;
     bool stopflag_ = false;
-    bool told_ = false;                           // the run has shown a box
-    std::shared_ptr<protocols::LineLease> line_;  // of the run in hand
-    QTimer seconds_;
+    bool told_ = false;  // the run has shown a box
 };
 
 }  // namespace desk
