@@ -1,4 +1,5 @@
-// The store of the archive against plain SQLite, with little and with ten years in the file, and rows into a grid.
+// The store of the archive against plain SQLite, with little and with ten years in the file; rows into a grid;
+// decoding.
 
 #include <sqlite3.h>
 
@@ -13,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "archive/ArchiveRecords.h"
 #include "archive/ArchiveStore.h"
 #include "archive/HistoryView.h"
 #include "bench/Figure.h"
@@ -157,8 +159,7 @@ class PlainInserts {
         db_.Prepare("insert into tArchiveData (ColumnId,TimeStampId,HistoryTypeId,value1) values(?,?,?,?)");
 };
 
-// Storing
-// --------------------------------------------------------------------------------------------------------------
+// Storing -------------------------------------------------------------------------------------------------------------
 
 bool Storing() {
     constexpr int rounds = 5;
@@ -193,8 +194,7 @@ bool Storing() {
     return bench::Report("store them once more / plain", again[again.size() / 2] / plain, "", Goal::AtMost, 2.5) && met;
 }
 
-// Viewing
-// --------------------------------------------------------------------------------------------------------------
+// Viewing -------------------------------------------------------------------------------------------------------------
 
 using Cells = std::vector<std::vector<std::string>>;
 
@@ -244,8 +244,7 @@ bool Viewing() {
     return bench::Report("view 10,000 rows / the one join", view / join, "", Goal::AtMost, 1.5);
 }
 
-// Ten years
-// ------------------------------------------------------------------------------------------------------------
+// Ten years -----------------------------------------------------------------------------------------------------------
 
 std::vector<std::string> SchemaOf(core::Database& dbconn) {
     return dbconn.Texts("select sql from sqlite_master where name like 'tArchive%' order by name");
@@ -315,8 +314,7 @@ bool AMonthOfTenYears() {
     return bench::Report("a month of ten years / alone", among / alone, "", Goal::AtMost, 2);
 }
 
-// The grid
-// -------------------------------------------------------------------------------------------------------------
+// The grid ------------------------------------------------------------------------------------------------------------
 
 std::vector<QStringList> GridRows(int count) {
     std::vector<QStringList> rows;
@@ -354,11 +352,59 @@ bool RowsIntoAGrid() {
     return bench::Report("4 rows more, until painted", four, "ms", Goal::AtMost, 20) && met;
 }
 
+// Decoding ------------------------------------------------------------------------------------------------------------
+
+// A record of ten fields, another for each `n`.
+std::string RecordBytes(unsigned n) {
+    std::string bytes = {static_cast<char>(n), static_cast<char>(n >> 8U), '\x30', '\x2A', '\1', '\0', '\2', '\0'};
+    for (int field = 0; field < fields; ++field) {
+        bytes += {static_cast<char>(n), static_cast<char>(n >> 8U), '\x45', '\x41'};
+    }
+    return bytes;
+}
+
+std::string EventBytes(unsigned n) {
+    std::string bytes = {static_cast<char>(n % 8)};
+    bytes += "FLOW.RATE.HI" + std::string(1, '\0') + RecordBytes(n).substr(0, 31);
+    return bytes;
+}
+
+// How many records a second `decode` takes; it returns a number that depends on all of each.
+double DecodingRate(std::string (*make)(unsigned), double (*decode)(const std::string&)) {
+    constexpr unsigned count = 200000;
+    std::vector<std::string> records;
+    for (unsigned n = 0; n < count; ++n) {
+        records.push_back(make(n));
+    }
+    double sum = 0;
+    const double took = Middle(5, [&] {
+        return Took([&] {
+            for (const std::string& record : records) {
+                sum += decode(record);
+            }
+        });
+    });
+    return sum == 0 ? 0 : count / took * 1000;
+}
+
+bool Decoding() {
+    const double records = DecodingRate(RecordBytes, [](const std::string& bytes) {
+        const archive::ArchiveRecord record = archive::DecodeArchiveRecord(bytes);
+        return record.values.back() + record.at.day;
+    });
+    const double events = DecodingRate(EventBytes, [](const std::string& bytes) {
+        const archive::AuditEvent event = archive::DecodeAuditRecord(bytes, archive::EventCodes::All);
+        return static_cast<double>(event.description.size()) + event.at.day;
+    });
+    const bool met = bench::Report("archive records decoded", records, "/s", Goal::AtLeast, 200000);
+    return bench::Report("audit records decoded", events, "/s", Goal::AtLeast, 200000) && met;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    const bool good[] = {Storing(), Viewing(), AMonthOfTenYears(), RowsIntoAGrid()};
+    const bool good[] = {Storing(), Viewing(), AMonthOfTenYears(), RowsIntoAGrid(), Decoding()};
     return std::all_of(std::begin(good), std::end(good), [](bool met) { return met; }) ? 0 : 1;
 }

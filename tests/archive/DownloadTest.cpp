@@ -187,7 +187,22 @@ TEST(DownloadTest, FramesAreLoggedWhereTheScreenLogsThem) {
     history.desk.shared.logGenflag = true;
     history.station.Archives()[2] = HourlyFile(2);
     history.Collect(WishOf(selections[6]));
-    EXPECT_THAT(FileText(history.desk.shared.logpath), HasSubstr("10 2 1 1 A0 2 0 B 0 70 7 4 2 0 10 3 "));
+    const std::string log = FileText(history.desk.shared.logpath);
+    EXPECT_THAT(log, HasSubstr("10 2 1 1 A0 2 0 B 0 70 7 4 2 0 10 3 "));
+    for (const auto& exchange : history.faults.Exchanges()) {
+        EXPECT_THAT(log, HasSubstr(core::HexLine(exchange.request)));
+        EXPECT_THAT(log, HasSubstr(core::HexLine(exchange.answer)));
+    }
+}
+
+TEST(DownloadTest, TenThousandRecordsOfAFileThatHasWrapped) {
+    HistoryTalk history(true);
+    const auto file = HourlyFile(10000, 5000);
+    history.station.Archives()[2] = file;
+    EXPECT_EQ(history.Collect(WishOf(selections[6])).message, "Archive Collected\r10000 records: 10000 new, 0 known.");
+    EXPECT_EQ(history.view.rows, RowsOf(file, true));
+    EXPECT_EQ(history.view.lastRecord, "10000/10001");
+    EXPECT_EQ(history.Collect(WishOf(selections[7])).message, "Archive Collected\r10000 records: 0 new, 10000 known.");
 }
 
 // By date ------------------------------------------------------------------------------------------------------------

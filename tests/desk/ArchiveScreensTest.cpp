@@ -8,7 +8,9 @@
 #include <QLabel>
 #include <QLineEdit>
 
+#include "core/Text.h"
 #include "desk/archive/frmCW_archive.h"
+#include "desk/archive/frmHistory.h"
 #include "desk/archive/frmarchive.h"
 #include "desk/archive/frmparaarchive.h"
 #include "desk/core/Grid.h"
@@ -41,7 +43,25 @@ struct ArchiveScreens : testing::Test {
         for (const auto& station : {dialled, twin, micro}) {
             demo::AddStation(desk.dbconn, station);
         }
-        desk.OpenField();
+        field = &desk.OpenField();
+    }
+
+    fieldsim::Field* field = nullptr;
+
+    // The line that a file is to hold of each record of an archive file of the field.
+    std::vector<std::string> LinesOf(std::int64_t locationID, int file, const std::string& ending) const {
+        std::vector<std::string> lines;
+        for (const auto& record : field->Station(locationID)->bsap->Archives().at(file).records) {
+            const core::DateTime& at = record.at;
+            std::string line = core::DateText(at) + "   " + std::to_string(at.hour) + ":" + std::to_string(at.minute) +
+                               ":" + std::to_string(at.second) + ending + std::to_string(record.globalID) + ending +
+                               std::to_string(record.localID) + ending;
+            for (const double value : record.values) {
+                line += core::NumberText(core::RoundTo(static_cast<float>(value), 2)) + ending;
+            }
+            lines.push_back(line + "\r\n");
+        }
+        return lines;
     }
 
     // Presses a command and makes the steps in its waits.
@@ -112,8 +132,11 @@ TEST_F(ArchiveScreens, TheOldScreenFromTheMenu) {
     EXPECT_EQ(desk.Count("Daily_tf"), 40);
     const std::string text = Saved(page, "Text Files (*.txt)");
     EXPECT_THAT(text, StartsWith("Time ::         ;Global ID       ;Local ID        ;"));
-    const auto& records = desk.dbconn.Query("select * from Daily_tf");
-    EXPECT_THAT(text, HasSubstr("\r\n" + records[0][0].Text() + ";" + records[0][1].Text() + ";"));
+    std::string rows;
+    for (const std::string& line : LinesOf(1, 1, ";")) {
+        rows += line;
+    }
+    EXPECT_EQ(text.substr(text.find('\n') + 1), rows);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 41);
 
     EXPECT_TRUE(Enabled(page, "cmdReport"));
@@ -169,6 +192,8 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     Click(page, "cmdClose");
     EXPECT_EQ(desk.window.Front(), &paralist);
     EXPECT_EQ(paralist.GetSession()->GetState(), session::State::Connected);
+    Click(paralist, "btnHistory");
+    Front<desk::frmHistory>();
 }
 
 TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
