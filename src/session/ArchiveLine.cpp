@@ -33,8 +33,10 @@ bool AsksAnotherStation(const core::Station& station) {
 }
 
 bool Lend(const collection::Workplace& place, Session& session, const Work& work, const std::function<void()>& over) {
-    return session.Lend(place.feedback, [work, over](protocols::Conversation* talk) {
-        if (talk != nullptr && talk->Wait(behindSessionMs)) {
+    return session.Lend(place.feedback, [work, over, &feedback = place.feedback](protocols::Conversation* talk) {
+        if (talk == nullptr) {
+            feedback.Box("The session ended before it could lend its line.");
+        } else if (talk->Wait(behindSessionMs)) {
             talk->station.commtimeout += talk->station.phoneno.empty() ? 0 : dialupSessionMs;
             work(*talk);
         }

@@ -220,6 +220,21 @@ TEST(DownloadTest, ARangeOfDatesIsWholeDays) {
     }
 }
 
+// The station reads on at the record that it found by date: what that brought comes twice, and counts once.
+TEST(DownloadTest, ARangeThatBeginsBeforeTheFileBringsAllOfIt) {
+    for (const std::size_t selection : {4U, 7U}) {
+        for (std::size_t records = 0; records < 14; ++records) {
+            HistoryTalk history(selections[selection].isCW);
+            const auto file = HourlyFile(records, 0, 8);
+            history.station.Archives()[2] = file;
+            Wish wish = WishOf(selections[selection]);
+            wish.range = {{2026, 1, 15}, {2026, 3, 1}};
+            EXPECT_EQ(history.Collect(wish).end, RunEnd::Whole);
+            EXPECT_EQ(history.view.rows, RowsOf(file, false)) << records;
+        }
+    }
+}
+
 TEST(DownloadTest, ARangeAtTheEndAndBehindTheEndOfTheFile) {
     for (const auto& [last, rows] : {std::pair{6, 24}, std::pair{9, 24}, std::pair{5, 0}}) {
         HistoryTalk history(false);

@@ -95,6 +95,7 @@ TEST_F(ArchiveLineTest, ASessionThatEndsFirstLendsNothing) {
     desk.session->GetData();
     EXPECT_FALSE(collected);
     EXPECT_EQ(over, 1);
+    EXPECT_THAT(desk.feedback.boxes, ElementsAre("The session ended before it could lend its line."));
     EXPECT_EQ(desk.session->GetState(), State::Idle);
 }
 
