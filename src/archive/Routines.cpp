@@ -6,7 +6,6 @@ namespace {
 
 constexpr const char* globla = "Globla ID       ";  // as its screens have always spelled it
 constexpr FrameTitles frames = {"Archive Request:", "Archive Response:"};
-constexpr FrameTitles unlogged = {};
 
 constexpr const char* longHeader = "Time ::                         ";
 constexpr const char* shortHeader = "Time ::                               ";

@@ -3,9 +3,9 @@
 #include <QComboBox>
 #include <QPushButton>
 
-#include "core/Text.h"
 #include "desk/archive/DownloadPanel.h"
 #include "desk/archive/GridFile.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Navigator.h"
 #include "desk/reports/frmemail.h"
 #include "session/ArchiveLine.h"
@@ -81,7 +81,7 @@ void ArchivePage::Over() {
     choices_->setEnabled(true);
     panel_->cmdGo().setFocus();
     if (collected_) {
-        Show(QString::fromStdString(core::ReplaceAll(collected_->message, "\r", "\n")),
+        Show(Lines(collected_->message),
              collected_->end == archive::RunEnd::Whole ? QMessageBox::Information : QMessageBox::Warning);
     }
 }

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "core/Text.h"
 #include "desk/archive/GridFile.h"
 #include "desk/core/Boxes.h"
+#include "desk/core/EngineText.h"
 #include "ui_DownloadPanel.h"
 
 namespace desk {
@@ -82,15 +82,7 @@ void DownloadPanel::Columns(const std::vector<std::string>& captions) {
 }
 
 void DownloadPanel::Rows(const std::vector<std::vector<std::string>>& rows) {
-    std::vector<QStringList> items;
-    for (const auto& row : rows) {
-        QStringList item;
-        for (const std::string& cell : row) {
-            item.append(QString::fromStdString(cell));
-        }
-        items.push_back(item);
-    }
-    ui_->grid->AddItems(items);
+    ui_->grid->AddItems(GridRows(rows));
 }
 
 void DownloadPanel::Record(int record, int total) {
@@ -100,11 +92,11 @@ void DownloadPanel::Record(int record, int total) {
 }
 
 void DownloadPanel::Status(const std::string& text) {
-    ui_->lblmsg->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+    ui_->lblmsg->setText(OneLine(text));
 }
 
 void DownloadPanel::Box(const std::string& text) {
-    ShowBox(this, QString::fromStdString(core::ReplaceAll(text, "\r", "\n")), window()->windowTitle());
+    ShowBox(this, Lines(text), window()->windowTitle());
 }
 
 void DownloadPanel::Lamp(const std::string& lamp, const std::string&) {

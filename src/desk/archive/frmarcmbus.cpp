@@ -5,8 +5,8 @@
 #include "collection/Workplace.h"
 #include "core/Logs.h"
 #include "core/Station.h"
-#include "core/Text.h"
 #include "desk/archive/GridFile.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
@@ -160,13 +160,12 @@ void frmarcmbus::cmd_stop() {
 // What the run tells -----------------------------------------------------------------------------------------------
 
 void frmarcmbus::Status(const std::string& text) {
-    ui_->lblmsg->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+    ui_->lblmsg->setText(OneLine(text));
 }
 
 void frmarcmbus::Box(const std::string& text) {
     told_ = true;
-    Show(QString::fromStdString(core::ReplaceAll(text, "\r", "\n")),
-         text == archive::ArchiveCollected({}) ? QMessageBox::Information : QMessageBox::Warning);
+    Show(Lines(text), text == archive::ArchiveCollected({}) ? QMessageBox::Information : QMessageBox::Warning);
 }
 
 void frmarcmbus::Lamp(const std::string& lamp, const std::string&) {
@@ -183,14 +182,7 @@ void frmarcmbus::Columns(const std::vector<std::string>& captions) {
 }
 
 void frmarcmbus::Rows(const std::vector<std::vector<std::string>>& rows) {
-    std::vector<QStringList> items;
-    for (const auto& row : rows) {
-        QStringList& item = items.emplace_back();
-        for (const std::string& cell : row) {
-            item.append(QString::fromStdString(cell));
-        }
-    }
-    ui_->mfg1->AddItems(items);
+    ui_->mfg1->AddItems(GridRows(rows));
 }
 
 void frmarcmbus::Record(int records, int newest) {

@@ -5,12 +5,12 @@
 #include "collection/Scheduler.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
-#include "core/Text.h"
 #include "core/Users.h"
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmarcmbus.h"
 #include "desk/archive/frmparaarchive.h"
 #include "desk/core/Boxes.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/Page.h"
@@ -184,11 +184,11 @@ bool LiveScreen::MayClose() {
 // What the session tells ---------------------------------------------------------------------------------------------
 
 void LiveScreen::Status(const std::string& text) {
-    ui_.lblmsg->setText(Text(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+    ui_.lblmsg->setText(OneLine(text));
 }
 
 void LiveScreen::Box(const std::string& text) {
-    ShowBox(&page_, Text(core::ReplaceAll(text, "\r", "\n")), page_.windowTitle());
+    ShowBox(&page_, Lines(text), page_.windowTitle());
 }
 
 void LiveScreen::Lamp(const std::string& lamp, const std::string& bytes) {

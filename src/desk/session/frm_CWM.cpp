@@ -9,6 +9,7 @@
 #include "core/Text.h"
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmparaarchive.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
 #include "ui_frm_CWM.h"
@@ -114,11 +115,11 @@ void frm_CWM::CloseAsked() {
 }
 
 void frm_CWM::Status(const std::string& text) {
-    ui_->lblconnection->setText(QString::fromStdString(core::ReplaceAll(core::ReplaceAll(text, "\r", " "), "\n", " ")));
+    ui_->lblconnection->setText(OneLine(text));
 }
 
 void frm_CWM::Box(const std::string& text) {
-    Show(QString::fromStdString(core::ReplaceAll(text, "\r", "\n")));
+    Show(Lines(text));
 }
 
 void frm_CWM::Lamp(const std::string& lamp, const std::string&) {
