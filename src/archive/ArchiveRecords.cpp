@@ -20,6 +20,11 @@ unsigned Byte(std::string_view bytes, std::size_t at) {
     return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0;
 }
 
+// What is there from a place on.
+std::string_view From(std::string_view bytes, std::size_t at) {
+    return bytes.substr(std::min(at, bytes.size()));
+}
+
 int Day(std::string_view bytes, std::size_t at) {
     return static_cast<int>(Byte(bytes, at) + 256 * Byte(bytes, at + 1));
 }
@@ -72,9 +77,8 @@ AuditEvent DecodeAuditRecord(std::string_view record, EventCodes codes) {
     const auto rest = record.substr(nul + 1);
     event.at = TimeStamp(rest, 0);
     event.at.second = static_cast<int>(core::RoundTo(event.at.second + Byte(rest, 4) * 20 / 1000.0, 0));
-    event.description = AuditDescription(core::FromCodePage(record.substr(1, nul - 1)), DecodeFloat(rest.substr(5)),
-                                         DecodeFloat(rest.substr(std::min<std::size_t>(9, rest.size()))),
-                                         static_cast<unsigned char>(record[0]), codes);
+    event.description = AuditDescription(core::FromCodePage(record.substr(1, nul - 1)), DecodeFloat(From(rest, 5)),
+                                         DecodeFloat(From(rest, 9)), static_cast<unsigned char>(record[0]), codes);
     event.localID = SignedWord(rest, 25);
     event.globalID = SignedWord(rest, 27);
     return event;

@@ -159,6 +159,15 @@ TEST(AuditRecordsTest, AnEventOfThirtyFiveBytes) {
     EXPECT_EQ(decoded.globalID, 9);
 }
 
+// Whatever there is of a record is decoded, and what is not there is 0.
+TEST(AuditRecordsTest, ARecordThatEndsAnywhereIsNoFault) {
+    for (std::size_t length = 0; length < 35; ++length) {
+        const AuditEvent decoded = DecodeAuditRecord(Bytes(event).substr(0, length), EventCodes::All);
+        EXPECT_EQ(decoded.description.empty(), length < 4) << length;
+        EXPECT_EQ(decoded.globalID, length > 31 ? 9 : 0) << length;
+    }
+}
+
 TEST(AuditRecordsTest, TheEventCodesOfBothKindsOfForms) {
     struct Case {
         unsigned char flags;
