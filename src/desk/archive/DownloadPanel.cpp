@@ -11,9 +11,9 @@ namespace desk {
 
 namespace {
 
-// Numbers are right-aligned, texts left. What a text says is in its first row; times and descriptions are texts.
+// The time and the description of an event are texts; everything else is a number, and right-aligned.
 bool IsNumber(const QString& caption) {
-    return !caption.contains("Time") && !caption.contains("Description");
+    return !caption.startsWith("Time ::") && caption != "Date/Time" && caption != "Description";
 }
 
 }  // namespace
