@@ -1,5 +1,6 @@
 #include "collection/BsapListRecords.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "core/Text.h"
@@ -55,7 +56,11 @@ std::string UnitText(std::string_view characters) {
     return core::Trim(core::ReplaceAll(core::FromCodePage(characters), std::string_view("\0", 1), " "));
 }
 
-ListSignal ReadSignal(std::string_view record, const RecordLayout& layout, bool units) {
+int AddressAt(std::string_view record, std::size_t at) {
+    return static_cast<int>(ByteAt(record, at) + 256 * ByteAt(record, at + 1));
+}
+
+ListSignal ReadNumber(std::string_view record, const RecordLayout& layout, bool units) {
     ListSignal signal;
     signal.typecode = static_cast<int>(ByteAt(record, 0));
     signal.logical = &layout == &logicalRecord;
@@ -63,12 +68,80 @@ ListSignal ReadSignal(std::string_view record, const RecordLayout& layout, bool 
     if (units) {
         signal.unit = UnitText(record.substr(layout.UnitAt(), unitLength));
     }
-    const std::size_t msd = layout.MsdAt(units);
-    signal.MSD = static_cast<int>(ByteAt(record, msd) + 256 * ByteAt(record, msd + 1));
+    signal.MSD = AddressAt(record, layout.MsdAt(units));
     return signal;
 }
 
-std::string TypeName(const ListSignal& signal) {
+// Takes records from the front of what is left of a reply.
+class RecordReader {
+  public:
+    RecordReader(std::string_view records, const RecordForm& form) : rest_(records), form_(form) {}
+
+    bool AtEnd() const { return rest_.empty(); }
+
+    // The next record; nothing when the rest is none, or not all of one.
+    std::optional<ListSignal> Next() {
+        const int typecode = static_cast<int>(ByteAt(rest_, 0));
+        const bool isText = form_.fields != RecordFields::Values && typecode == textType;
+        auto signal = isText ? TextRecord() : NumberRecord(typecode);
+        if (signal && form_.fields == RecordFields::Names) {
+            const auto name = TakeText();
+            if (!name) {
+                return std::nullopt;
+            }
+            signal->name = core::Trim(*name);
+        }
+        return signal;
+    }
+
+  private:
+    static constexpr int textType = 67;
+
+    std::optional<ListSignal> NumberRecord(int typecode) {
+        const RecordLayout& layout = IsLogical(typecode, form_.isTeleCorrector) ? logicalRecord : analogRecord;
+        if (layout.Length(form_.units) > rest_.size()) {
+            return std::nullopt;
+        }
+        ListSignal signal = ReadNumber(rest_, layout, form_.units);
+        rest_.remove_prefix(std::min(layout.step, rest_.size()));
+        return signal;
+    }
+
+    // Type code, the text up to 00, MSD address low byte first.
+    std::optional<ListSignal> TextRecord() {
+        ListSignal signal;
+        signal.typecode = textType;
+        rest_.remove_prefix(1);
+        signal.text = TakeText();
+        if (!signal.text || rest_.size() < 2) {
+            return std::nullopt;
+        }
+        signal.MSD = AddressAt(rest_, 0);
+        rest_.remove_prefix(2);
+        return signal;
+    }
+
+    // Up to the next 00, and behind it.
+    std::optional<std::string> TakeText() {
+        const std::size_t end = rest_.find('\0');
+        if (end == std::string_view::npos) {
+            return std::nullopt;
+        }
+        std::string text = core::FromCodePage(rest_.substr(0, end));
+        rest_.remove_prefix(end + 1);
+        return text;
+    }
+
+    std::string_view rest_;
+    const RecordForm& form_;
+};
+
+}  // namespace
+
+std::string SignalTypeName(const ListSignal& signal) {
+    if (signal.text) {
+        return {};
+    }
     if (signal.logical) {
         return signal.typecode == 4 ? "Logical Alarm" : "Logical";
     }
@@ -84,26 +157,27 @@ std::string TypeName(const ListSignal& signal) {
     }
 }
 
-}  // namespace
-
 std::string SignalTypeText(const ListSignal& signal) {
-    return TypeName(signal) + "(" + std::to_string(signal.typecode) + ")";
+    return SignalTypeName(signal) + "(" + std::to_string(signal.typecode) + ")";
 }
 
 ListRecords ReadRecords(std::string_view reply, const RecordForm& form) {
     ListRecords records;
-    std::size_t at = form.firstRecord - 1;
+    const std::size_t begin = form.firstRecord - 1;
     const std::size_t end = reply.size() < protocols::replyTrailer ? 0 : reply.size() - protocols::replyTrailer;
-    while (at < end) {
-        const bool logical = IsLogical(static_cast<int>(ByteAt(reply, at)), form.isTeleCorrector);
-        const RecordLayout& layout = logical ? logicalRecord : analogRecord;
-        if (at + layout.Length(form.units) > end) {
+    if (begin > end) {
+        records.whole = !form.units;
+        return records;
+    }
+    RecordReader reader(reply.substr(begin, end - begin), form);
+    while (!reader.AtEnd()) {
+        auto signal = reader.Next();
+        if (!signal) {
+            records.whole = !form.units;
             break;
         }
-        records.signals.push_back(ReadSignal(reply.substr(at), layout, form.units));
-        at += layout.step;
+        records.signals.push_back(std::move(*signal));
     }
-    records.whole = !form.units || at == end;
     return records;
 }
 

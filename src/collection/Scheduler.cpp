@@ -20,7 +20,11 @@ void Scheduler::Tick() {
             minutes_.push_back(std::move(stations));
         }
     });
-    if (running_) {
+    Serve();
+}
+
+void Scheduler::Serve() {
+    if (running_ || place_.line.Kept()) {
         return;
     }
     running_ = true;

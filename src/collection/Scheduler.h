@@ -32,8 +32,12 @@ class Scheduler {
     Scheduler(Workplace& place, MailTransport& mail) : place_(place), mail_(mail) {}
 
     // The minute's tick. A tick that comes while stations are being collected selects its own stations at its own
-    // minute and puts them behind the ones in hand; the call in hand serves them. Never throws.
+    // minute and puts them behind the ones in hand; the call in hand serves them. While a conversation keeps the line
+    // the stations wait: Serve collects them. Never throws.
     void Tick();
+
+    // Collects the stations that wait, unless they are being collected or the line is still kept. Never throws.
+    void Serve();
 
     // Clears sampledtoday of every station that was last tried on another day of the month. Throws DatabaseError.
     void ResetDailyFlags();

@@ -1,5 +1,7 @@
 #include "protocols/LineLease.h"
 
+#include <utility>
+
 namespace protocols {
 
 void LineLease::CommPort(int number) {
@@ -46,6 +48,17 @@ void LineLease::End(const std::string& reason, bool takeLine) {
     }
 }
 
+KeptLine::KeptLine(std::shared_ptr<LineLease> lease) : lease_(std::move(lease)) {
+    lease_->kept_ = true;
+}
+
+KeptLine::~KeptLine() {
+    lease_->kept_ = false;
+    if (lease_->released_) {
+        lease_->released_();
+    }
+}
+
 std::shared_ptr<LineLease> FieldLine::TakeOver(const std::string& reason) {
     if (const auto holder = holder_.lock()) {
         holder->End(reason, true);
@@ -63,6 +76,11 @@ bool FieldLine::InUse() const {
     return holder != nullptr && holder->Held();
 }
 
+bool FieldLine::Kept() const {
+    const auto holder = holder_.lock();
+    return holder != nullptr && holder->Held() && holder->Kept();
+}
+
 void FieldLine::EndConversation(const std::string& reason) {
     if (const auto holder = holder_.lock()) {
         holder->End(reason, false);
@@ -72,6 +90,11 @@ void FieldLine::EndConversation(const std::string& reason) {
 
 std::shared_ptr<LineLease> FieldLine::Lease() {
     auto lease = std::make_shared<LineLease>(line_);
+    lease->released_ = [this] {
+        if (released_) {
+            released_();
+        }
+    };
     holder_ = lease;
     return lease;
 }

@@ -23,6 +23,9 @@ class LineLease final : public Line {
     // Called once at the end, before whoever takes the line goes on. It must not wait.
     void WhenEnded(std::function<void()> tell) { tell_ = std::move(tell); }
 
+    // A scheduled run waits for the end of this conversation; see KeptLine.
+    bool Kept() const { return kept_; }
+
     // The line is still this conversation's. A conversation that was told to end with the program keeps it, so that
     // it can hang up.
     bool Held() const { return line_ != nullptr; }
@@ -41,12 +44,28 @@ class LineLease final : public Line {
 
   private:
     friend class FieldLine;
+    friend class KeptLine;
     void End(const std::string& reason, bool takeLine);
 
     Line* line_;
+    std::function<void()> released_;
+    bool kept_ = false;
     bool ended_ = false;
     std::string reason_;
     std::function<void()> tell_;
+};
+
+// For as long as it lives, a scheduled run does not take the line from this conversation but waits: for work that is
+// worth nothing when it is cut off, ends by itself and holds no more than one thing up.
+class KeptLine {
+  public:
+    explicit KeptLine(std::shared_ptr<LineLease> lease);
+    ~KeptLine();
+    KeptLine(const KeptLine&) = delete;
+    KeptLine& operator=(const KeptLine&) = delete;
+
+  private:
+    std::shared_ptr<LineLease> lease_;
 };
 
 // The one line of the station and who holds it.
@@ -63,6 +82,11 @@ class FieldLine {
     // A conversation holds the line: its lease lives and has not been taken away.
     bool InUse() const;
 
+    // The conversation that holds the line keeps it: whoever would take it over is to wait.
+    bool Kept() const;
+    // Called when a kept line may be taken over again, by the conversation that kept it: it must not wait.
+    void WhenReleased(std::function<void()> tell) { released_ = std::move(tell); }
+
     // Tells the conversation in hand to end, because the program does. It keeps the line for its hang-up.
     void EndConversation(const std::string& reason);
 
@@ -72,6 +96,7 @@ class FieldLine {
     Line& line_;
     core::Clock& clock_;
     std::weak_ptr<LineLease> holder_;
+    std::function<void()> released_;
 };
 
 }  // namespace protocols

@@ -22,6 +22,7 @@ struct LineUpOptions {
     protocols::SignOnOptions signOn{};
     int signOnTries = 3;
     const char* dead = "RTU Dead";
+    bool keepsLine = false;  // from the first moment of a call of its own to its last; see KeptLine
 };
 
 // Opens the port, dials a station that has a number, and signs on to one that speaks BSAP.

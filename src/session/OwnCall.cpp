@@ -1,6 +1,7 @@
 #include "session/OwnCall.h"
 
 #include <exception>
+#include <optional>
 
 #include "collection/Scheduler.h"
 #include "protocols/Modem.h"
@@ -13,6 +14,10 @@ bool OwnCall(const collection::Workplace& place, const collection::Scheduler& sc
     if (lease == nullptr) {
         place.feedback.Box(lineInUse);
         return false;
+    }
+    std::optional<protocols::KeptLine> kept;
+    if (options.keepsLine) {
+        kept.emplace(lease);
     }
     lease->WhenEnded([&place, &lease = *lease] { place.feedback.Status(lease.Reason()); });
     protocols::Conversation talk{lease,          place.clock, place.feedback,          place.logs,

@@ -87,6 +87,20 @@ TEST_F(LineLeaseTest, AConversationToldToEndKeepsTheLineForItsHangUp) {
     EXPECT_FALSE(talk.line->Held());
 }
 
+TEST_F(LineLeaseTest, AKeptLineIsToldOfWhenItIsReleased) {
+    int released = 0;
+    field.WhenReleased([&] { ++released; });
+    {
+        const protocols::KeptLine kept(talk.line);
+        EXPECT_TRUE(field.Kept());
+        field.EndConversation("Program ends");  // ends it all the same
+        EXPECT_TRUE(talk.Ended());
+        EXPECT_EQ(released, 0);
+    }
+    EXPECT_EQ(released, 1);
+    EXPECT_FALSE(field.Kept());
+}
+
 TEST_F(LineLeaseTest, ASessionGetsTheLineOnlyWhenNobodyHoldsIt) {
     EXPECT_EQ(field.TakeIfFree(), nullptr);
     talk.line.reset();  // the conversation is over

@@ -48,6 +48,8 @@ mainfrm::mainfrm(Desk& desk)
     connect(menu_, &frmmain::NodesWanted, this, [this] { desk_.navigator.Home(overview_); });
     connect(menu_, &frmmain::LoggedOff, this, &mainfrm::LogOff);
     connect(menu_, &frmmain::Exited, this, &mainfrm::EndProgram);
+    // What kept the line has yet to return.
+    desk_.line.WhenReleased([this] { QTimer::singleShot(0, this, &mainfrm::Serve); });
     connect(&seconds_, &QTimer::timeout, this, &mainfrm::ShowClock);
     seconds_.start(1000);
     ShowClock();
@@ -55,6 +57,7 @@ mainfrm::mainfrm(Desk& desk)
 }
 
 mainfrm::~mainfrm() {
+    desk_.line.WhenReleased({});
     desk_.navigator.Empty();
     desk_.navigator.setParent(nullptr);
 }
@@ -102,6 +105,15 @@ void mainfrm::Tick() {
         }
     });
     desk_.scheduler.Tick();
+    AfterRun();
+}
+
+void mainfrm::Serve() {
+    desk_.scheduler.Serve();
+    AfterRun();
+}
+
+void mainfrm::AfterRun() {
     // A tick inside a run returns at once; the outer one ends the program when its run has unwound.
     if (ending_) {
         EndWhenFree();

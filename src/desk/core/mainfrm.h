@@ -50,6 +50,8 @@ class mainfrm : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    void Serve();
+    void AfterRun();
     void LogOff();
     void EndWhenFree();
     void Unload();

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "collection/BsapListRecords.h"
+#include "protocols/BsapLink.h"
+#include "protocols/Conversation.h"
+
+namespace collection {
+
+// A reply of something that a station gives in several: a list, or what a search found.
+struct ListReply {
+    int next = 0;  // where it goes on; 0 when this was the last
+    std::vector<ListSignal> signals;
+};
+
+struct ListReading {
+    // The request as a frame: the first one, or that for what follows listnext1 and listnext2.
+    std::function<std::string(bool first)> request;
+    RecordForm form{};
+    std::size_t tooShort = 18;  // a reply of so many bytes holds no data
+    // The station says by a reply without data that it has no such thing. Otherwise such a reply is a bad one.
+    bool mayBeNone = false;
+    bool paced = false;  // one commtimeout before each request as well
+    protocols::RequestLog log{};
+};
+
+// Reads from a station reply by reply. A bad reply is asked for again, 4 times in all.
+class ListReplies {
+  public:
+    ListReplies(protocols::Conversation& talk, ListReading reading);
+
+    // The next reply. Nothing after four that were not good, when the station has no such thing, when the line is
+    // wanted, or when the conversation ended.
+    std::optional<ListReply> Next();
+
+    // The station said that it has no such thing.
+    bool None() const { return none_; }
+
+  private:
+    std::optional<ListReply> Good(const std::string& received);
+    bool IsAnswerWithoutData(const std::string& received) const;
+    bool AlreadyAsked(int next) const;
+    void LetLateRepliesPass(int repeats);
+
+    protocols::Conversation& talk_;
+    ListReading reading_;
+    std::vector<int> asked_;  // from where it went on so far
+    bool none_ = false;
+};
+
+}  // namespace collection

@@ -1,0 +1,112 @@
+#include "signals/SignalAccess.h"
+
+#include <functional>
+#include <optional>
+
+#include "protocols/BsapLink.h"
+#include "protocols/BsapReply.h"
+
+namespace signals {
+
+namespace {
+
+constexpr int mostSends = 4;
+constexpr std::size_t tooShort = 18;  // a reply of so many bytes holds no signal
+
+protocols::Bsap Messages(protocols::Conversation& talk) {
+    return {talk.counters, talk.bsap, talk.station.isCW};
+}
+
+bool IsIntact(const std::string& received) {
+    return protocols::IsWholeFrame(received) && protocols::HasRightCheck(received);
+}
+
+// The records of an answer stand where a list's do: where a list has the place to go on, there is the load version.
+// Nothing when it is no answer with that many signals.
+std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const std::string& received,
+                                             std::size_t count) {
+    const std::string reply = protocols::UndoDoubling(received);
+    if (reply.size() <= tooShort || !IsIntact(received)) {
+        return std::nullopt;
+    }
+    auto records = collection::ReadRecords(reply, {protocols::ReplyLayout(station.isCW).firstRecord, true,
+                                                   station.isTeleCorrector, collection::RecordFields::ValuesOrTexts});
+    if (!records.whole || records.signals.size() != count) {
+        return std::nullopt;
+    }
+    return std::move(records.signals);
+}
+
+using IsOf = std::function<bool(const Signal& signal, std::size_t index)>;
+
+ReadAnswer Read(protocols::Conversation& talk, const std::function<std::string()>& request, std::size_t count,
+                const IsOf& isOf) {
+    for (int sends = 1; sends <= mostSends; ++sends) {
+        const std::string received = protocols::ReadReply(talk, request());
+        if (talk.Ended()) {
+            return {Answer::Ended};
+        }
+        auto signals = SignalsOf(talk.station, received, count);
+        for (std::size_t index = 0; signals && index < count; ++index) {
+            if (!isOf((*signals)[index], index)) {
+                signals.reset();
+            }
+        }
+        const bool none = !signals && IsIntact(received) && received.size() <= tooShort;
+        talk.requests.Note(signals.has_value() || none);
+        if (signals) {
+            return {Answer::Good, std::move(*signals)};
+        }
+        if (none) {
+            return {Answer::NoSignal};
+        }
+    }
+    return {Answer::None};
+}
+
+Answer Write(protocols::Conversation& talk, const std::string& frame) {
+    const std::string received = protocols::ReadReply(talk, frame);
+    if (talk.Ended()) {
+        return Answer::Ended;
+    }
+    const bool answered = IsIntact(received);
+    talk.requests.Note(answered);
+    return answered ? Answer::Good : Answer::None;
+}
+
+}  // namespace
+
+ReadAnswer ReadByAddress(protocols::Conversation& talk, std::int32_t address) {
+    return Read(
+        talk, [&] { return Messages(talk).get_by_address(talk.station.slaveaddress, address); }, 1,
+        [address](const Signal& signal, std::size_t) { return signal.MSD == address; });
+}
+
+ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal> named) {
+    constexpr std::size_t columns = 3;
+    std::vector<std::string> table(named.size() * columns);
+    for (std::size_t row = 0; row < named.size(); ++row) {
+        table[row * columns] = named[row].name;
+    }
+    return Read(
+        talk,
+        [&] { return Messages(talk).get_by_name(talk.station.slaveaddress, static_cast<int>(named.size()), table); },
+        named.size(),
+        [named](const Signal& signal, std::size_t index) {
+            return named[index].address == 0 || named[index].address == signal.MSD;
+        });
+}
+
+Answer WriteByName(protocols::Conversation& talk, const std::string& name, double value, protocols::ValueKind kind) {
+    return Write(talk, Messages(talk).write_by_name(talk.station.slaveaddress, name, value, kind));
+}
+
+Answer WriteNumber(protocols::Conversation& talk, std::int32_t address, double value, protocols::ValueKind kind) {
+    return Write(talk, Messages(talk).Write_value(talk.station.slaveaddress, value, address, kind));
+}
+
+Answer WriteText(protocols::Conversation& talk, std::int32_t address, const std::string& text) {
+    return Write(talk, Messages(talk).Write_value_str(talk.station.slaveaddress, text, address));
+}
+
+}  // namespace signals

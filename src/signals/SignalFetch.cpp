@@ -1,0 +1,117 @@
+#include "signals/SignalFetch.h"
+
+#include <functional>
+
+#include "collection/ListReplies.h"
+#include "core/Text.h"
+#include "protocols/Bsap.h"
+#include "protocols/BsapReply.h"
+
+namespace signals {
+
+namespace {
+
+using collection::ListReading;
+using collection::RecordFields;
+using collection::RecordForm;
+
+// Where the records of an answer with names begin. A record has its name behind the long form's bytes, on the CW models
+// too; what a search finds stands where a list's signals do, and so does the place where it goes on.
+RecordForm NamedRecords(const core::Station& station) {
+    constexpr bool longForm = true;
+    return {protocols::ReplyLayout(station.isCW).firstRecord, longForm, station.isTeleCorrector, RecordFields::Names};
+}
+
+// No list has more replies than the grid has rows. A station that sends replies without signals, with always another
+// place to go on, has failed.
+constexpr int mostReplies = 1500;
+
+// While a fetch runs, a stop of the operator ends its tries as well.
+class StopEndsTries {
+  public:
+    StopEndsTries(protocols::Conversation& talk, const FetchView& view) : talk_(talk), before_(talk.wanted) {
+        talk_.wanted = [&view] { return view.Stopped(); };
+    }
+    ~StopEndsTries() { talk_.wanted = before_; }
+    StopEndsTries(const StopEndsTries&) = delete;
+    StopEndsTries& operator=(const StopEndsTries&) = delete;
+
+  private:
+    protocols::Conversation& talk_;
+    std::function<bool()> before_;
+};
+
+FetchEnd ReadAll(protocols::Conversation& talk, ListReading reading, FetchView& view) {
+    const StopEndsTries stopEndsTries(talk, view);
+    collection::ListReplies replies(talk, std::move(reading));
+    for (int count = 0; count < mostReplies; ++count) {
+        view.BetweenReplies(talk);
+        if (view.Stopped() && !talk.Ended()) {
+            return FetchEnd::Stopped;
+        }
+        const auto reply = replies.Next();
+        if (talk.Ended()) {
+            return FetchEnd::Ended;
+        }
+        if (!reply) {
+            return replies.None() ? FetchEnd::None : view.Stopped() ? FetchEnd::Stopped : FetchEnd::Failed;
+        }
+        view.Signals(reply->signals);
+        if (reply->next == 0) {
+            return FetchEnd::Whole;
+        }
+    }
+    return FetchEnd::Failed;
+}
+
+protocols::Bsap Messages(protocols::Conversation& talk) {
+    return {talk.counters, talk.bsap, talk.station.isCW};
+}
+
+}  // namespace
+
+FetchEnd FetchList(protocols::Conversation& talk, int listNumber, FetchView& view) {
+    talk.bsap.listnames = true;
+    ListReading reading;
+    reading.request = [&talk, listNumber](bool first) {
+        return Messages(talk).get_LIST(talk.station.slaveaddress, listNumber, first);
+    };
+    reading.form = NamedRecords(talk.station);
+    reading.tooShort = talk.bsap.usepoll ? 22 : 18;
+    reading.mayBeNone = true;
+    reading.paced = true;
+    const FetchEnd end = ReadAll(talk, std::move(reading), view);
+    talk.bsap.listnames = false;
+    return end;
+}
+
+FetchEnd SearchSignals(protocols::Conversation& talk, const std::string& pattern, SearchKind kind, FetchView& view) {
+    ListReading reading;
+    reading.request = [&talk, text = core::UpperText(pattern), kind](bool) {
+        return Messages(talk).get_signal_search(talk.station.slaveaddress, text, static_cast<int>(kind),
+                                                talk.bsap.listnext1, talk.bsap.listnext2);
+    };
+    reading.form = NamedRecords(talk.station);
+    // An answer without a signal is one byte shorter than the shortest answer of a list that has one.
+    reading.tooShort = reading.form.firstRecord - 1 + protocols::replyTrailer - 1;
+    reading.paced = true;
+    return ReadAll(talk, std::move(reading), view);
+}
+
+std::string FetchMessage(FetchEnd end, std::size_t rows, const std::string& reason) {
+    switch (end) {
+        case FetchEnd::Whole:
+            return "List Fetched";
+        case FetchEnd::None:
+            return "List Not Found";
+        case FetchEnd::Failed:
+            return "Error Occured in Communication";
+        case FetchEnd::Stopped:
+            return "List Fetched up to the stop: " + std::to_string(rows) + " signals";
+        case FetchEnd::Ended:
+            break;
+    }
+    return "The line is gone: " + reason;
+}
+
+}  // namespace signals

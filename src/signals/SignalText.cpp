@@ -1,0 +1,34 @@
+#include "signals/SignalText.h"
+
+#include "collection/LogicalText.h"
+#include "core/Text.h"
+
+namespace signals {
+
+std::string NameText(const Signal& signal) {
+    if (signal.name.empty()) {
+        return signalNotFound;
+    }
+    const std::string kind = collection::SignalTypeName(signal);
+    return kind.empty() ? signal.name : signal.name + " (" + kind + ")";
+}
+
+std::string ValueText(const Signal& signal) {
+    if (signal.text) {
+        return *signal.text;
+    }
+    return signal.logical ? collection::LogicalText(signal.name, signal.value) : core::NumberText(signal.value);
+}
+
+Words WordsOf(const Signal& signal) {
+    return {collection::LogicalText(signal.name, 1), collection::LogicalText(signal.name, 0)};
+}
+
+std::vector<std::string> SignalRow(std::size_t number, const Signal& signal) {
+    if (signal.name.empty()) {
+        return {std::to_string(number), signalNotFound, "", ""};
+    }
+    return {std::to_string(number), NameText(signal), ValueText(signal), signal.unit};
+}
+
+}  // namespace signals

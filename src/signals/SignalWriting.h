@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "protocols/Conversation.h"
+#include "signals/SignalText.h"
+
+namespace core {
+class Database;
+}
+
+// A signal of a station written by its address, and read back.
+namespace signals {
+
+// The signals of a station's own lists carry no level as its parameters do. Whoever may write no parameter at all
+// writes no signal either. Throws DatabaseError.
+bool MayWriteSignals(core::Database& dbconn, const std::string& currentuser);
+inline constexpr const char* lowerLevel = "Could not set. Lower user level.";
+
+// What an operator wants a signal to be.
+struct SignalWrite {
+    Signal signal;
+    double value = 0;
+    std::optional<std::string> text{};  // instead of the value, in the station's code page
+    std::string shown;                  // either, as it was entered
+};
+
+// Takes an entered text for a signal: for a switch one of its words, for every other one a number, or else a text.
+// Nothing when it is empty, no number that a station can hold, or has a character that it has not.
+std::optional<SignalWrite> CheckEntry(const Signal& signal, const std::string& entered);
+
+enum class WriteEnd {
+    Taken,     // the station shows the value
+    NotTaken,  // it shows another one
+    Gone,      // it no longer has the signal
+    Unknown,   // it does not say, or the line was taken away
+};
+
+struct WriteResult {
+    WriteEnd end = WriteEnd::Unknown;
+    Signal signal;        // as read back; as it was when that is not known
+    std::string message;  // for the operator; empty when all is well
+};
+
+// Writes, reads back, and leaves the line in the audit trail: the same for all models. Throws DatabaseError before
+// anything is sent.
+WriteResult pending_request(protocols::Conversation& talk, const SignalWrite& write);
+
+}  // namespace signals
