@@ -71,6 +71,7 @@ protocols::Bsap Messages(protocols::Conversation& talk) {
 }  // namespace
 
 FetchEnd FetchList(protocols::Conversation& talk, int listNumber, FetchView& view) {
+    talk.feedback.Status("Please wait ....");
     talk.bsap.listnames = true;
     ListReading reading;
     reading.request = [&talk, listNumber](bool first) {
@@ -86,6 +87,7 @@ FetchEnd FetchList(protocols::Conversation& talk, int listNumber, FetchView& vie
 }
 
 FetchEnd SearchSignals(protocols::Conversation& talk, const std::string& pattern, SearchKind kind, FetchView& view) {
+    talk.feedback.Status("Please Wait...");
     ListReading reading;
     reading.request = [&talk, text = core::UpperText(pattern), kind](bool) {
         return Messages(talk).get_signal_search(talk.station.slaveaddress, text, static_cast<int>(kind),
