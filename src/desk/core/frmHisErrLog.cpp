@@ -10,6 +10,7 @@
 #include "desk/reports/frmdialout.h"
 #include "desk/reports/frmemail.h"
 #include "desk/reports/frmemail_settings.h"
+#include "desk/signals/ListPage.h"
 #include "ui_frmHisErrLog.h"
 
 namespace desk {
@@ -26,6 +27,7 @@ frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::mak
     Opens<frmdialout>(ui_->cmd_dialout);
     Opens<frmemail>(ui_->cmd_email);
     Opens<frmemail_settings>(ui_->cmd_emailsettings);
+    Opens<frmfetchlist>(ui_->cmd_list);
     NotYet(ui_->cmd_calib);
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdClose, &QAbstractButton::clicked, this, &Page::Closed);

@@ -18,6 +18,8 @@
 #include "desk/session/TrafficPanel.h"
 #include "desk/session/frm_summary.h"
 #include "desk/session/frmconfparams.h"
+#include "desk/signals/frmSignalSearch.h"
+#include "desk/signals/ListPage.h"
 #include "session/Buttons.h"
 #include "session/ConfigParams.h"
 #include "session/Speaks.h"
@@ -96,8 +98,8 @@ void LiveScreen::ConnectCommands() {
     connect(ui_.chkMultiple, &QCheckBox::clicked, &writing_, &LiveWriting::Multiple);
     connect(&ui_.gridtab->cmdgc(), &QPushButton::clicked, &writing_, &LiveWriting::Multiple);
     Command(ui_.cmd_arc, &LiveScreen::OpenArchive);
-    NotHere(ui_.cmdfetch, "The list fetch");
-    NotHere(ui_.cmdSignalSearch, "The signal search");
+    Command(ui_.cmdfetch, &LiveScreen::OpenList);
+    Command(ui_.cmdSignalSearch, &LiveScreen::OpenSearch);
     NotHere(ui_.cmdDataVerify, "The data verification");
     NotHere(ui_.cmdCalib, "The calibration");
     for (int n = 1; n <= 4; ++n) {
@@ -136,6 +138,29 @@ void LiveScreen::Disconnect() {
 
 void LiveScreen::OpenSummary() {
     desk_.navigator.Open(new frm_summary(desk_, session_));
+}
+
+void LiveScreen::OpenList() {
+    if (HasSignals()) {
+        desk_.navigator.Open(new frmparafetchlist(desk_, session_));
+    }
+}
+
+void LiveScreen::OpenSearch() {
+    if (HasSignals()) {
+        desk_.navigator.Open(new frmSignalSearch(desk_, session_));
+    }
+}
+
+// Signals with names are a matter of BSAP.
+bool LiveScreen::HasSignals() {
+    const std::string& protocol = session_.GetStation().protocol;
+    const bool has = Speaks(session_.GetStation(), "BSAP");
+    if (!has) {
+        ShowBox(&page_, "A " + Text(protocol) + " station has no signals with names.", page_.windowTitle(),
+                QMessageBox::Information);
+    }
+    return has;
 }
 
 void LiveScreen::OpenHistory() {

@@ -62,6 +62,9 @@ class LiveScreen final : public QObject, public session::SessionView {
     void OpenSummary();
     void OpenArchive();
     void OpenHistory();
+    void OpenList();
+    void OpenSearch();
+    bool HasSignals();
     void ShowParameters();
     void SwapDrawing();
     void NotHere(QAbstractButton* button, const char* what);

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <algorithm>
 
 namespace desk {
 
@@ -34,9 +35,8 @@ WriteFrame::WriteFrame(QWidget* parent)
     txtvalue_->setMinimumWidth(fontMetrics().averageCharWidth() * 24);
     txtvalue_->installEventFilter(this);
     for (QComboBox* combo : {Cmb_input_, Cmb_output_}) {
-        combo->addItems({"0 OFF", "1 ON"});
         connect(combo, &QComboBox::activated, this,
-                [this, combo] { txtvalue_->setText(combo->currentText().left(1)); });
+                [this, combo] { txtvalue_->setText(combo->currentData().toString()); });
     }
     connect(cmdtoggle_, &QPushButton::clicked, this, [this] {
         txtvalue_->setText(txtvalue_->text() == row_.other ? row_.text : row_.other);
@@ -53,10 +53,22 @@ void WriteFrame::Open(const Writable& row) {
     txtvalue_->setText(row.text);
     txtvalue_->setReadOnly(row.isSwitch);
     cmdtoggle_->setVisible(row.isSwitch);
+    for (QComboBox* combo : {Cmb_input_, Cmb_output_}) {
+        combo->clear();
+        for (const Writable::Pick& pick : row.picks) {
+            combo->addItem(pick.shown, pick.text);
+        }
+        combo->setCurrentIndex(std::max(0, combo->findData(row.text)));
+    }
+    Sending(false);
     Cmb_input_->setVisible(row.choice == Writable::Choice::Input);
     Cmb_output_->setVisible(row.choice == Writable::Choice::Output);
     show();
     Again();
+}
+
+void WriteFrame::Sending(bool sending) {
+    setEnabled(!sending);
 }
 
 void WriteFrame::Leave() {

@@ -5,18 +5,25 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <vector>
 
 namespace desk {
 
 // What a row offers to be written.
 struct Writable {
-    enum class Choice { None, Input, Output };  // a switch of the inputs or outputs can also be picked from a list
+    enum class Choice { None, Input, Output };  // a switch can also be picked from a list, Cmb_input or Cmb_output
+
+    struct Pick {
+        QString shown;
+        QString text;  // what is then in txtvalue
+    };
 
     QString description;
     QString text;   // as the grid shows it
     QString other;  // the other word of a switch
     bool isSwitch = false;
     Choice choice = Choice::None;
+    std::vector<Pick> picks = {{"0 OFF", "0"}, {"1 ON", "1"}};
 };
 
 // The frame frmvalue: a value is entered for the row that was chosen. A number is typed, a switch flipped or picked.
@@ -28,6 +35,8 @@ class WriteFrame : public QFrame {
 
     // Comes up for a row, its text selected.
     void Open(const Writable& row);
+    // Nothing can be entered while the value is on its way.
+    void Sending(bool sending);
     // Goes, and says so by Left.
     void Leave();
 

@@ -12,6 +12,7 @@
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
+#include "desk/signals/ListPage.h"
 #include "ui_frm_CWM.h"
 
 namespace desk {
@@ -85,7 +86,7 @@ void frm_CWM::ConnectCommands() {
     connect(ui_->cmd_archive, &QPushButton::clicked, this,
             [this] { Guarded([this] { desk_.navigator.Open(new frmparaarchive(desk_, *session_)); }); });
     connect(ui_->cmd_fetch, &QPushButton::clicked, this,
-            [this] { Show("The list fetch is not available yet.", QMessageBox::Information); });
+            [this] { Guarded([this] { desk_.navigator.Open(new frmparafetchlist(desk_, *session_)); }); });
     connect(ui_->btnHistory, &QPushButton::clicked, this, [this] {
         Guarded([this] { desk_.navigator.Open(new frmHistory(desk_, session_->GetStation().locationID)); });
     });
