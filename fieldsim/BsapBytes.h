@@ -11,6 +11,8 @@
 // What the parts of a BSAP station share. Numbers go over its line low byte first.
 namespace fieldsim {
 
+inline constexpr std::size_t kLongestBody = 214;  // a frame of 220 bytes, before doubling
+
 inline std::string_view Rest(std::string_view text, std::size_t from) {
     return text.substr(std::min(from, text.size()));
 }

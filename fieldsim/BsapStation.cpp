@@ -1,6 +1,5 @@
 #include "fieldsim/BsapStation.h"
 
-#include "core/Text.h"
 #include "fieldsim/BsapArchive.h"
 #include "fieldsim/BsapBytes.h"
 
@@ -9,9 +8,6 @@ namespace fieldsim {
 namespace {
 
 using namespace std::string_view_literals;
-
-constexpr std::size_t kLongestBody = 214;  // a frame of 220 bytes, before doubling
-constexpr std::size_t kUnitCharacters = 6;
 
 // Where the function part begins: behind the application sequence and 0B 00. A master that makes its sign-on from the
 // decimal text of the sequence number leaves a byte of it out when it does not fit.
@@ -24,18 +20,15 @@ std::size_t FunctionStart(std::string_view body) {
     return body.size();
 }
 
-std::string Units(const std::string& unit) {
-    std::string text = core::ToCodePage(unit).value_or(std::string());
-    text.resize(kUnitCharacters, '\0');
-    return text;
-}
-
 }  // namespace
 
 BsapStation::BsapStation(int address, SignalLists lists, BsapOptions options)
     : address_(address), lists_(std::move(lists)), options_(std::move(options)) {
     for (const auto& [number, list] : lists_) {
         RunClockOf(*list);
+        for (const Signal& signal : list->Signals()) {
+            MsdOf(number, signal);
+        }
     }
 }
 
@@ -85,11 +78,13 @@ std::optional<Answer> BsapStation::Application(std::string_view body, const Mome
         const auto page = List(request, now);
         return page ? std::optional(InTime(*page)) : std::nullopt;
     }
-    if (request.function.starts_with("\x80"sv)) {
+    if (request.function.starts_with("\x80"sv) || request.function.starts_with("\x84"sv)) {
         return AnswerWrite(request, now);
     }
     if (Open()) {
-        if (const auto answer = FromHistory(request, now)) {
+        auto answer = FromHistory(request, now);
+        answer = answer ? answer : Singles(request, now);
+        if (answer) {
             return InTime(AtOnceOrOnPoll(*answer, request));
         }
     }
@@ -105,62 +100,6 @@ std::string BsapStation::SignOn(const Request& request) {
 
 std::string BsapStation::Version(const Request& request) {
     return AnswerHead(request) + (Open() ? LoadVersion() : std::string(2, '\0')) + "#ON.." + '\0';
-}
-
-// 0C or 0D, 01 and the field set, the load version, FF, the list; then where to go on. A first request has nothing
-// behind the list, but for a CW two zeros.
-std::optional<std::string> BsapStation::List(const Request& request, const Moment& now) {
-    const std::string_view function = request.function;
-    const bool first = function[0] == '\x0C';
-    const std::string_view fields = Rest(function, 1).substr(0, 2);
-    const std::size_t length = first && !options_.shortLayout ? 7 : 9;
-    if (function.size() != length || (fields != "\x01\xF0"sv && fields != "\x01\xD0"sv) ||
-        function.substr(3, 3) != LoadVersion() + '\xFF' || !Open()) {
-        return Acknowledgement(request.sequence);
-    }
-    const int list = ByteAt(function, 6);
-    const int from = length == 9 ? ByteAt(function, 7) + 256 * ByteAt(function, 8) : 0;
-    const auto known = lists_.find(list);
-    if (known == lists_.end() || known->second->Signals().empty() || first != (from == 0) ||
-        from >= known->second->Signals().back().position) {
-        return Acknowledgement(request.sequence);
-    }
-    if (options_.silentLists.count(list) != 0) {
-        return std::nullopt;
-    }
-    return AtOnceOrOnPoll(Page(request, list, from, fields[1] == '\xF0', now), request);
-}
-
-// As many records as a reply holds. In front of them stands how many the master has then had: there it goes on.
-// Two zeros: that was the last.
-std::string BsapStation::Page(const Request& request, int list, int from, bool units, const Moment& now) {
-    const int last = lists_.at(list)->Signals().back().position;
-    const std::string head = AnswerHead(request);
-    std::string records;
-    int position = from;
-    while (position < last) {
-        const std::string record = Record(list, position + 1, units, now);
-        if (head.size() + 2 + records.size() + record.size() > kLongestBody) {
-            break;
-        }
-        records += record;
-        ++position;
-    }
-    return head + LowFirst(position < last ? position : 0) + records;
-}
-
-std::string BsapStation::Record(int list, int position, bool units, const Moment& now) {
-    SignalList& signals = *lists_.at(list);
-    const Signal* signal = signals.At(position);
-    const Signal empty;
-    const Signal& shown = signal != nullptr ? *signal : empty;
-    // A place without a signal still counts: it is a record of the list's kind with the value 0.
-    const Kind kind = signal != nullptr ? signal->kind : signals.Signals().front().kind;
-    const double value = signal != nullptr ? signals.Serve(*signal, now) : 0;
-    const int usual = kind == Kind::Logical ? 0 : 2;
-    std::string record(1, static_cast<char>(shown.typecode >= 0 ? shown.typecode : usual));
-    record += kind == Kind::Logical ? std::string(1, value != 0 ? '\x01' : '\x00') : FloatLowFirst(value);
-    return record + (units ? Units(shown.unit) : std::string()) + LowFirst(Msd(list, position));
 }
 
 std::optional<std::string> BsapStation::FromHistory(const Request& request, const Moment& now) {

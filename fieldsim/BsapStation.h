@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -11,6 +12,7 @@
 
 #include "fieldsim/ArchiveFile.h"
 #include "fieldsim/BsapFrame.h"
+#include "fieldsim/BsapRecords.h"
 #include "fieldsim/Signals.h"
 #include "fieldsim/WritableStation.h"
 
@@ -40,13 +42,19 @@ struct BsapOptions {
     std::set<int> silentLists;   // requests for these are never answered
     bool answersWrites = false;  // by a frame of their own instead of an acknowledgement
     std::uint32_t answerMs = 50;
+    // Is done before each reply of a list or a search but its first: what may happen while a master reads on.
+    std::function<void()> betweenReplies{};
 };
 
-// A BSAP station: poll, acknowledge, sign-on, load version, signal lists, archive files and the audit trail, and writes
-// of values, on and off, and texts by MSD address. Requests for other addresses or with a bad check get silence, those
-// that it cannot serve (other load versions, unknown lists) an acknowledgement. A write is taken whole or not at all:
-// not with another load version, to an address without a signal, or of a value that is not of the signal's kind. Its
-// answer does not tell.
+// A BSAP station: poll, acknowledge, sign-on, load version, signal lists with and without names, single signals by MSD
+// address or by name, the search for names, archive files and the audit trail, and writes of values, on and off, and
+// texts by MSD address or by name. Requests for other addresses or with a bad check get silence, those that it cannot
+// serve (other load versions, unknown lists, addresses and names) an acknowledgement. A write is taken whole or not at
+// all: not with another load version, to an address or a name without a signal, or of a value that is not of the
+// signal's kind. Its answer does not tell.
+//
+// A name is the signal's description, in any case; the first of that name is meant. A signal keeps its MSD address as
+// long as it is there, wherever it moves in its list, and no other gets it: one that is gone takes no write.
 class BsapStation final : public WritableStation {
   public:
     BsapStation(int address, SignalLists lists, BsapOptions options = {});
@@ -66,7 +74,8 @@ class BsapStation final : public WritableStation {
     // The text that was written into a signal; empty: none was.
     std::string TextOf(int list, int position) const;
 
-    // The MSD address of a signal: its list and its place there.
+    // The MSD address that a signal at this place has from the start: for the first 511 places of a list. Those behind
+    // them, and signals that come later, get one that nobody has.
     static int Msd(int list, int position) { return list * 512 + position; }
 
   private:
@@ -81,10 +90,31 @@ class BsapStation final : public WritableStation {
     std::optional<Answer> Application(std::string_view body, const Moment& now);
     std::optional<Answer> AnswerWrite(const Request& request, const Moment& now);
     bool Elements(std::string_view function, std::vector<Change>& changes) const;
+    bool NamedElement(std::string_view function, std::vector<Change>& changes) const;
+    static bool Value(std::string_view& rest, Change& change);
     Change ChangeAt(int msd) const;
+    Change ChangeOf(int list, int position, const Signal* signal) const;
     std::optional<std::string> List(const Request& request, const Moment& now);
-    std::string Page(const Request& request, int list, int from, bool units, const Moment& now);
-    std::string Record(int list, int position, bool units, const Moment& now);
+    std::string Page(const Request& request, int list, int from, const RecordForm& form, const Moment& now);
+    std::string Record(int list, int position, const RecordForm& form, const Moment& now);
+    std::string EmptyRecord(int list, int position, const RecordForm& form) const;
+
+    // A signal and where it stands; null: there is none.
+    struct Place {
+        int list = 0;
+        const Signal* signal = nullptr;
+    };
+    Place ByMsd(int msd) const;
+    Place ByName(std::string_view name) const;
+    // Gives the signal an address if it has none.
+    int MsdOf(int list, const Signal& signal);
+    std::string RecordOf(const Place& place, const RecordForm& form, const Moment& now);
+    // The answers to requests for single signals and to a search; nothing: it is none of them, or asks for what is not
+    // there.
+    std::optional<std::string> Singles(const Request& request, const Moment& now);
+    std::optional<std::string> SinglesOf(const Request& request, const std::vector<Place>& places, const Moment& now);
+    std::optional<std::string> Search(const Request& request, const Moment& now);
+    std::vector<Place> Matches(std::string_view pattern, bool byAttribute) const;
     std::optional<std::string> FromHistory(const Request& request, const Moment& now);
     // The answer, or an acknowledgement when it waits for a poll.
     std::string AtOnceOrOnPoll(std::string answer, const Request& request);
@@ -107,7 +137,10 @@ class BsapStation final : public WritableStation {
     BsapOptions options_;
     StationHistory history_;
     BsapReader reader_;
-    std::string waiting_;  // the answer that the next poll will get
+    static constexpr int kHighestMsd = 0xFFFF;
+    std::set<int> addresses_;    // the MSD addresses that were ever given
+    int freeMsd_ = kHighestMsd;  // none above this one is free
+    std::string waiting_;        // the answer that the next poll will get
     int ownSequence_ = 0;
     int dataRequests_ = 0;
     int signOns_ = 0;

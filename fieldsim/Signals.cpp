@@ -23,6 +23,8 @@ double AsServed(Kind kind, double value) {
             return value != 0 ? 1 : 0;
         case Kind::Decimal:
             break;
+        case Kind::Text:
+            return 0;
     }
     return value;
 }
@@ -32,6 +34,7 @@ double AsServed(Kind kind, double value) {
 SignalList::SignalList(std::vector<Signal> signals, Behaviour behaviour)
     : signals_(std::move(signals)), behaviour_(std::move(behaviour)) {
     std::stable_sort(signals_.begin(), signals_.end(), Before);
+    places_ = signals_.empty() ? 0 : signals_.back().position;
 }
 
 const Signal* SignalList::At(int position) const {
@@ -46,9 +49,8 @@ const Signal* SignalList::Find(std::string_view description) const {
 }
 
 double SignalList::ValueAt(const Signal& signal, const core::DateTime& at) const {
-    const auto fixed = fixed_.find(signal.position);
-    if (fixed != fixed_.end()) {
-        return AsServed(signal.kind, fixed->second);
+    if (const Kept* kept = Of(signal); kept != nullptr && kept->fixed) {
+        return AsServed(signal.kind, *kept->fixed);
     }
     if (!behaviour_) {
         return AsServed(signal.kind, signal.value);
@@ -59,7 +61,7 @@ double SignalList::ValueAt(const Signal& signal, const core::DateTime& at) const
 
 double SignalList::Serve(const Signal& signal, const Moment& now) {
     const double value = ValueAt(signal, now.local);
-    auto& served = served_[signal.position];
+    auto& served = kept_[signal.position].served;
     served.push_back({value, now});
     if (served.size() > kServedKept) {
         served.pop_front();
@@ -70,9 +72,9 @@ double SignalList::Serve(const Signal& signal, const Moment& now) {
 std::vector<ServedValue> SignalList::Served(std::string_view description) const {
     std::vector<ServedValue> all;
     for (const Signal& signal : signals_) {
-        const auto served = signal.description == description ? served_.find(signal.position) : served_.end();
-        if (served != served_.end()) {
-            all.insert(all.end(), served->second.begin(), served->second.end());
+        const Kept* kept = signal.description == description ? Of(signal) : nullptr;
+        if (kept != nullptr) {
+            all.insert(all.end(), kept->served.begin(), kept->served.end());
         }
     }
     return all;
@@ -88,8 +90,8 @@ bool SignalList::WasServed(std::string_view description, double value) const {
 }
 
 std::string SignalList::Text(const Signal& signal) const {
-    const auto text = texts_.find(signal.position);
-    return text != texts_.end() ? text->second : std::string();
+    const Kept* kept = Of(signal);
+    return kept != nullptr && kept->text ? *kept->text : signal.text;
 }
 
 bool SignalList::Fix(std::string_view description, double value) {
@@ -98,6 +100,11 @@ bool SignalList::Fix(std::string_view description, double value) {
         Fix(*signal, value);
     }
     return signal != nullptr;
+}
+
+const SignalList::Kept* SignalList::Of(const Signal& signal) const {
+    const auto kept = kept_.find(signal.position);
+    return kept != kept_.end() ? &kept->second : nullptr;
 }
 
 }  // namespace fieldsim

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,16 +19,18 @@ enum class Kind {
     Integer,  // 16 bits with a sign
     Logical,  // 0 or 1
     Decimal,  // a number that goes over the line as decimal text
+    Text,     // characters, on the stations that have such signals
 };
 
 // One named value of a station.
 struct Signal {
     int position = 0;  // register, coil or list position, from 1
-    std::string description;
-    std::string unit;
+    std::string description{};
+    std::string unit{};
     Kind kind = Kind::Float;
-    double value = 0;   // what it is without a behaviour
-    int typecode = -1;  // of its BSAP record; -1: the usual one of its kind
+    double value = 0;    // what it is without a behaviour
+    int typecode = -1;   // of its BSAP record; -1: the usual one of its kind
+    std::string text{};  // what a text is until another is written
 };
 
 // How values move: the value of a signal at a local time. The same signal and time give the same value.
@@ -63,23 +66,59 @@ class SignalList {
     bool WasServed(std::string_view description, double value) const;
 
     // From now on the signal keeps this value. False: no signal of that name.
-    void Fix(const Signal& signal, double value) { fixed_[signal.position] = value; }
+    void Fix(const Signal& signal, double value) { kept_[signal.position].fixed = value; }
     bool Fix(std::string_view description, double value);
+    // From now on it has the value again that it would have if none had been fixed.
+    void Release(const Signal& signal) { kept_[signal.position].fixed.reset(); }
 
-    // A text that was written into a signal. It stands beside its value; empty: none was.
-    void FixText(const Signal& signal, std::string text) { texts_[signal.position] = std::move(text); }
+    // A text that was written into a signal. It stands beside the value of a number; empty: none was. A text's own
+    // takes the place of the one that it had.
+    void FixText(const Signal& signal, std::string text) { kept_[signal.position].text = std::move(text); }
     std::string Text(const Signal& signal) const;
+
+    // How many places the list has: the last may have lost their signals.
+    int Places() const;
+
+    // Changes of the program. What was fixed, written and served goes with its signal wherever it moves, and ends with
+    // it. Those that take a name return false when there is no signal of that name. Pointers to signals end here.
+    //
+    // A signal at that position, from 1; those that stood there and behind it move up.
+    void Insert(int position, Signal signal);
+    // The signal is gone, and those behind it move down.
+    bool Remove(std::string_view description);
+    // The signal is gone, and its place stays without one.
+    bool Vacate(std::string_view description);
+    // Another signal in its place.
+    bool Replace(std::string_view description, Signal signal);
+    // Its `value`, which the behaviour may go by. One that was fixed is so no longer.
+    bool SetValue(std::string_view description, double value);
+
+    // The address by which a BSAP station knows the signal; 0: it has none yet.
+    int Msd(const Signal& signal) const;
+    void GiveMsd(const Signal& signal, int msd) { kept_[signal.position].msd = msd; }
 
     // From now on the signals that show the time show this clock's.
     void UseClock(std::shared_ptr<const StationClock> clock) { clock_ = std::move(clock); }
 
   private:
+    // What has become of a signal since the start.
+    struct Kept {
+        std::optional<double> fixed;
+        std::optional<std::string> text;
+        std::deque<ServedValue> served;
+        int msd = 0;
+    };
+
+    const Kept* Of(const Signal& signal) const;
+    Signal* Named(std::string_view description);
+    // All places from this one on move by one, up or down.
+    void Move(int from, int by);
+
     std::vector<Signal> signals_;
     Behaviour behaviour_;
     std::shared_ptr<const StationClock> clock_;
-    std::map<int, double> fixed_;
-    std::map<int, std::string> texts_;
-    std::map<int, std::deque<ServedValue>> served_;
+    std::map<int, Kept> kept_;  // by position
+    int places_ = 0;
 };
 
 }  // namespace fieldsim

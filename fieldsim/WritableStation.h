@@ -41,7 +41,7 @@ struct Write {
     To to = To::Register;
     int list = 0;                     // for To::List, such as 54
     int position = 0;                 // register, coil or place in the list, from 1
-    std::string description;          // empty: there is no signal
+    std::string description;          // empty: there is no signal; in a write by name the name all the same
     double value = 0;                 // of the whole signal
     std::optional<std::string> text;  // instead of the value
     bool accepted = false;
