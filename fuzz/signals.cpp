@@ -1,0 +1,80 @@
+// A BSAP station that answers with any bytes, raw or as well-formed frames, to a list with names, a search, and reads
+// and writes of single signals; and the records with names of a reply alone.
+#include <cmath>
+#include <vector>
+
+#include "AnyStation.h"
+#include "core/Database.h"
+#include "core/Logs.h"
+#include "fieldsim/VirtualClock.h"
+#include "protocols/BsapLink.h"
+#include "signals/SignalAccess.h"
+#include "signals/SignalFetch.h"
+#include "signals/SignalWriting.h"
+
+using namespace fuzz;
+
+namespace {
+
+using signals::Signal;
+
+void CheckSignals(const std::vector<Signal>& signals) {
+    for (const Signal& signal : signals) {
+        Check(std::isfinite(signal.value) && signal.MSD >= 0 && signal.MSD <= 0xFFFF);
+        Check(!signal.logical || signal.value == 0 || signal.value == 1);
+        Check(!signal.text || (signal.value == 0 && signal.unit.empty()));
+        Check(signals::SignalRow(1, signal).size() == 4);
+    }
+}
+
+struct Rows final : signals::FetchView {
+    std::vector<Signal> rows;
+    void Signals(const std::vector<Signal>& signals) override {
+        CheckSignals(signals);
+        rows.insert(rows.end(), signals.begin(), signals.end());
+    }
+    bool Stopped() const override { return false; }
+};
+
+void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& bytes) {
+    const int flags = bytes.Take();
+    AnyStation line(bytes);
+    fieldsim::VirtualClock clock({2026, 3, 9, 8, 0, 0});
+    protocols::FieldLine field(line, clock);
+    Silent feedback;
+    core::Logs logs(dbconn, shared, clock);
+    protocols::BsapCounters counters;
+    core::Station station;
+    station.isCW = (flags & 1) != 0;
+    station.isTeleCorrector = (flags & 2) != 0;
+    protocols::Conversation talk{field.TakeOver(""), clock, feedback, logs, counters, station, "", 1, {}, {}};
+    Rows view;
+    if ((flags & 4) != 0) {
+        signals::FetchList(talk, 10, view);
+    } else {
+        signals::SearchSignals(talk, "a*", signals::SearchKind::Name, view);
+    }
+    Check(!talk.bsap.listnames);
+    if (!view.rows.empty() && (flags & 8) != 0) {
+        signals::pending_request(talk, *signals::CheckEntry(view.rows.front(), (flags & 16) != 0 ? "1" : "text"));
+    }
+    const std::vector<signals::NamedSignal> named = {{"A.B.C"}, {"D.E.F", 1}};
+    const signals::ReadAnswer answer = signals::ReadByName(talk, named);
+    Check((answer.answer == signals::Answer::Good) == (answer.signals.size() == named.size()));
+    CheckSignals(answer.signals);
+    // At most 1500 replies of 4 sends with their polls, and what late ones are waited for.
+    Check(clock.Elapsed() < 1500ULL * 20 * 2000);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Desk desk;
+    static core::Database dbconn(desk.shared.DatabasePath());
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const auto fields = size % 2 == 0 ? collection::RecordFields::Names : collection::RecordFields::ValuesOrTexts;
+    CheckSignals(collection::ReadRecords(text, {1 + size % 20, true, size % 3 == 0, fields}).signals);
+    Bytes bytes(data, size);
+    Converse(dbconn, desk.shared, bytes);
+    return 0;
+}
