@@ -10,7 +10,6 @@
 #include "protocols/BsapLink.h"
 #include "signals/SignalAccess.h"
 #include "signals/SignalFetch.h"
-#include "signals/SignalWriting.h"
 
 using namespace fuzz;
 
@@ -55,8 +54,12 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
         signals::SearchSignals(talk, "a*", signals::SearchKind::Name, view);
     }
     Check(!talk.bsap.listnames);
-    if (!view.rows.empty() && (flags & 8) != 0) {
-        signals::pending_request(talk, *signals::CheckEntry(view.rows.front(), (flags & 16) != 0 ? "1" : "text"));
+    if (!view.rows.empty()) {
+        const int address = view.rows.front().MSD;
+        signals::WriteNumber(talk, address, 1, protocols::ValueKind::Analog);
+        const signals::ReadAnswer back = signals::ReadByAddress(talk, address);
+        Check(back.answer != signals::Answer::Good || back.signals.at(0).MSD == address);
+        CheckSignals(back.signals);
     }
     const std::vector<signals::NamedSignal> named = {{"A.B.C"}, {"D.E.F", 1}};
     const signals::ReadAnswer answer = signals::ReadByName(talk, named);
