@@ -120,6 +120,25 @@ void AddLists(Field::Served& served, SignalLists& lists, StationMap map, int str
     served.values[streamno] = {analogs, logicals};
 }
 
+// The lists besides those of the streams: the program and the transmitters.
+void AddNamedLists(Field::Served& served, SignalLists& lists, const FieldOptions& options) {
+    const std::int64_t locationID = served.station.locationID;
+    served.transmitters = std::make_shared<Transmitters>();
+    lists[kTransmitterList] = served.transmitters->List();
+    lists[kProgramList] = MakeProgram(options.seed * 31U + static_cast<std::uint32_t>(locationID));
+    if (const auto change = options.programs.find(locationID); change != options.programs.end()) {
+        change->second(lists);
+    }
+    if (const auto manner = options.transmitters.find(locationID); manner != options.transmitters.end()) {
+        manner->second(*served.transmitters);
+    }
+    served.values[1].push_back(served.transmitters->List());
+    if (const auto program = lists.find(kProgramList); program != lists.end()) {
+        served.program = program->second;
+        served.values[1].push_back(served.program);
+    }
+}
+
 std::unique_ptr<BsapStation> MakeBsap(Field::Served& served, core::Database& dbconn, const FieldOptions& options,
                                       const std::function<Behaviour(int streamno)>& behaviour, bool silent) {
     const core::Station& station = served.station;
@@ -130,6 +149,7 @@ std::unique_ptr<BsapStation> MakeBsap(Field::Served& served, core::Database& dbc
         AddGasArchives(history, station, streamno, *served.values[streamno].front(), behaviour(streamno),
                        options.contractHour);
     }
+    AddNamedLists(served, lists, options);
     history.audit.before = [first = behaviour(1)](const core::DateTime& now) { return GasEvents(first, now); };
     if (const auto other = options.histories.find(station.locationID); other != options.histories.end()) {
         other->second(history);
@@ -143,6 +163,11 @@ std::unique_ptr<BsapStation> MakeBsap(Field::Served& served, core::Database& dbc
     }
     auto made = std::make_unique<BsapStation>(station.slaveaddress, std::move(lists), std::move(bsap));
     made->History() = std::move(history);
+    made->WhenTaken([transmitters = served.transmitters](const Write& write) {
+        if (write.list == kTransmitterList) {
+            transmitters->Taken(write);
+        }
+    });
     return made;
 }
 
@@ -283,6 +308,22 @@ const Field::Served* Field::Station(std::int64_t locationID) const {
 HayesModem* Field::Modem(int port) {
     const auto modem = modems_.find(port);
     return modem != modems_.end() ? &modem->second : nullptr;
+}
+
+void Field::ChangePrograms(bool back) const {
+    for (const Served& served : stations_) {
+        if (served.program != nullptr) {
+            back ? ChangeProgramBack(*served.program) : ChangeProgram(*served.program);
+        }
+    }
+}
+
+void Field::VentTransmitters(bool vented) const {
+    for (const Served& served : stations_) {
+        for (std::size_t i = 0; served.transmitters != nullptr && i < kTransmitters; ++i) {
+            served.transmitters->Manner(static_cast<Transmitter>(i)).vented = vented;
+        }
+    }
 }
 
 SignalList* Field::Values(std::int64_t locationID, int streamno, std::string_view description) const {

@@ -18,9 +18,11 @@
 #include "fieldsim/LineFaults.h"
 #include "fieldsim/ModbusArchive.h"
 #include "fieldsim/ModbusSlave.h"
+#include "fieldsim/Program.h"
 #include "fieldsim/QuantumUnit.h"
 #include "fieldsim/SharedLine.h"
 #include "fieldsim/SimLine.h"
+#include "fieldsim/Transmitters.h"
 
 namespace fieldsim {
 
@@ -50,6 +52,11 @@ struct FieldOptions {
     // Changes what a BSAP station keeps of its past, by station; it is given the history that the station has
     // otherwise.
     std::map<std::int64_t, std::function<void(StationHistory&)>> histories{};
+    // Changes the signal lists of a BSAP station, by station; it is given those that the station has otherwise, its
+    // program among them.
+    std::map<std::int64_t, std::function<void(SignalLists&)>> programs{};
+    // How the transmitters of a BSAP station measure and take a calibration, by station.
+    std::map<std::int64_t, std::function<void(Transmitters&)>> transmitters{};
     int alarmCycle =
         0;  // seconds in which the live values of the alarm blocks pass through their limits; 0: they do not
 };
@@ -66,6 +73,8 @@ class Field {
         LineFaults* faults = nullptr;                                    // what lies in front of it, if anything
         std::map<int, std::vector<std::shared_ptr<SignalList>>> values;  // by stream
         std::vector<ModbusArchiveFile> archive;                          // daily and hourly, of a Modbus station
+        std::shared_ptr<SignalList> program;                             // list 10 of a BSAP station, if it has one
+        std::shared_ptr<Transmitters> transmitters;                      // whose signals are its list 20
     };
 
     // Reads the register. Throws DatabaseError.
@@ -79,6 +88,11 @@ class Field {
     const Served* Station(std::int64_t locationID) const;
     // The modem on a port; null when no station there is dialled.
     HayesModem* Modem(int port);
+
+    // An engineer changes the program of every BSAP station, or changes it back.
+    void ChangePrograms(bool back) const;
+    // A technician vents all transmitters, or lets them measure again.
+    void VentTransmitters(bool vented) const;
 
     // The list that holds a value; null when the station has none of that name.
     SignalList* Values(std::int64_t locationID, int streamno, std::string_view description) const;

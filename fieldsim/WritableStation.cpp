@@ -44,6 +44,10 @@ std::vector<std::string> WritableStation::WritesText() const {
 }
 
 WriteFault WritableStation::NextFault() {
+    if (manners_.diesAt > 0 && --manners_.diesAt == 0) {
+        manners_.dead = true;
+        return WriteFault::LostBefore;
+    }
     if (manners_.script.empty()) {
         return manners_.otherwise;
     }
@@ -62,6 +66,9 @@ WriteFault WritableStation::Take(const std::vector<Change>& changes, bool sound,
         writes_.push_back(change.wanted);
         writes_.back().accepted = accepted;
         writes_.back().at = now;
+        if (accepted && told_) {
+            told_(writes_.back());
+        }
     }
     lineIsDown_ = manners_.lineDown && (fault == WriteFault::LostBefore || fault == WriteFault::LostAfter);
     return fault;

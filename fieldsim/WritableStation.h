@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,8 @@ struct WriteManners {
     std::uint32_t lateMs = 8000;
     int exceptionCode = 4;  // of a refusal
     bool lineDown = false;  // with a lost write the line is dead until the master closes its port
+    int diesAt = 0;         // the station dies of the n-th request that writes from now on, without taking it; 0: never
+    bool dead = false;      // nothing is answered
 };
 
 // One signal that a master asked to change, or a place where it thought that there was one.
@@ -62,6 +65,8 @@ class WritableStation : public Device {
     // The same, each as Describe tells it.
     std::vector<std::string> WritesText() const;
     void ForgetWrites() { writes_.clear(); }
+    // Is told of each write that was taken, after it was made.
+    void WhenTaken(std::function<void(const Write&)> told) { told_ = std::move(told); }
 
     WriteManners& Manners() { return manners_; }
     // What the station's clock says at a local time of the field.
@@ -79,7 +84,7 @@ class WritableStation : public Device {
 
     // The clock signals of this list follow the station's clock.
     void RunClockOf(SignalList& list) { list.UseClock(clock_); }
-    bool LineIsDown() const { return lineIsDown_; }
+    bool LineIsDown() const { return lineIsDown_ || manners_.dead; }
     // All changes of one request. They are made when the request is `sound` and its fault lets them; and they are
     // noted. Returns the fault that the request met.
     WriteFault Take(const std::vector<Change>& changes, bool sound, const Moment& now);
@@ -93,6 +98,7 @@ class WritableStation : public Device {
     std::shared_ptr<StationClock> clock_;
     WriteManners manners_;
     std::vector<Write> writes_;
+    std::function<void(const Write&)> told_;
     bool lineIsDown_ = false;
 };
 

@@ -1,5 +1,7 @@
 // fieldsim: plays the stations of a register on pseudo-terminals.
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <deque>
 #include <filesystem>
@@ -22,6 +24,18 @@ void Stop(int) {
     stopped = 1;
 }
 
+volatile std::sig_atomic_t programChanges = 0;
+
+void ChangeProgram(int) {
+    programChanges = programChanges + 1;
+}
+
+volatile std::sig_atomic_t turnsOfValves = 0;
+
+void TurnValves(int) {
+    turnsOfValves = turnsOfValves + 1;
+}
+
 constexpr const char* kUsage =
     "usage: fieldsim --directory DIR [options]\n"
     "Plays every station of DIR/Kolmar.mdb on the ports that its table comports names (column device).\n"
@@ -39,7 +53,12 @@ constexpr const char* kUsage =
     "                         LostBefore, LostAfter\n"
     "  --history LOCATION=A   what a BSAP station keeps of its past: none, empty, one (record), wrapped, long "
     "(10,000)\n"
-    "  --alarm-cycle SECONDS  live values of alarm blocks pass through all their limits and back in that time\n";
+    "  --alarm-cycle SECONDS  live values of alarm blocks pass through all their limits and back in that time\n"
+    "  --transmitters LOCATION=A,..  how the DP, SP and temperature transmitters of a BSAP station take a "
+    "calibration,\n"
+    "                         the last for all that follow: Calibrates, Refuses, Drifts (a percent a minute)\n"
+    "On SIGUSR1 an engineer changes the program (list 10) of every BSAP station, and back on the next. On SIGUSR2 the\n"
+    "transmitters of all are vented, and on the next they measure again.\n";
 
 struct Arguments {
     std::filesystem::path directory;
@@ -134,6 +153,24 @@ bool ApplyHistory(fieldsim::FieldOptions& field, std::int64_t locationID, const 
     return fieldsim::MakeHistory(none, kind);
 }
 
+bool ApplyTransmitters(fieldsim::FieldOptions& field, std::int64_t locationID, const std::string& names) {
+    static constexpr std::array<const char*, 3> known = {"Calibrates", "Refuses", "Drifts"};
+    const std::vector<std::string> manners = Pieces(names);
+    field.transmitters[locationID] = [manners](fieldsim::Transmitters& transmitters) {
+        for (std::size_t i = 0; i < fieldsim::kTransmitters; ++i) {
+            const std::string& name = manners[std::min(i, manners.size() - 1)];
+            auto& manner = transmitters.Manner(static_cast<fieldsim::Transmitter>(i));
+            manner.refuses = core::SameText(name, "Refuses");
+            manner.driftPerMinute = core::SameText(name, "Drifts") ? manner.process / 100 : 0;
+        }
+    };
+    return manners.size() <= fieldsim::kTransmitters &&
+           std::all_of(manners.begin(), manners.end(), [](const std::string& name) {
+               return std::any_of(known.begin(), known.end(),
+                                  [&](const char* other) { return core::SameText(name, other); });
+           });
+}
+
 // An option with a value. False: there is no such option, or its value is none.
 bool Apply(Arguments& arguments, const std::string& option, const std::string& value) {
     const std::size_t equals = value.find('=');
@@ -158,6 +195,8 @@ bool Apply(Arguments& arguments, const std::string& option, const std::string& v
         return ApplyWrites(field.writes[Number(key)], rest);
     } else if (option == "--history") {
         return ApplyHistory(field, Number(key), rest);
+    } else if (option == "--transmitters") {
+        return ApplyTransmitters(field, Number(key), rest);
     } else if (option == "--alarm-cycle") {
         field.alarmCycle = Number(value);
     } else {
@@ -207,6 +246,26 @@ void PrintStations(const fieldsim::Field& field) {
     }
 }
 
+// What signals have asked for so far.
+struct Occasions {
+    int programChanges = 0;
+    int turnsOfValves = 0;
+};
+
+// Does what was asked for since the last time, and says so.
+void Happen(const fieldsim::Field& field, Occasions& seen) {
+    for (; seen.programChanges < programChanges; ++seen.programChanges) {
+        const bool back = seen.programChanges % 2 == 1;
+        field.ChangePrograms(back);
+        std::cout << (back ? "programs changed back" : "programs changed") << std::endl;
+    }
+    for (; seen.turnsOfValves < turnsOfValves; ++seen.turnsOfValves) {
+        const bool back = seen.turnsOfValves % 2 == 1;
+        field.VentTransmitters(!back);
+        std::cout << (back ? "transmitters measure" : "transmitters vented") << std::endl;
+    }
+}
+
 int Run(Arguments arguments) {
     fieldsim::PtyPorts ports;
     core::Database dbconn(arguments.directory / "Kolmar.mdb");
@@ -221,8 +280,10 @@ int Run(Arguments arguments) {
     }
     PrintStations(field);
     std::cout << "ready" << std::endl;
+    Occasions seen;
     while (stopped == 0) {
         ports.Turn(200);
+        Happen(field, seen);
     }
     return 0;
 }
@@ -237,6 +298,8 @@ int main(int argc, char* argv[]) {
     }
     std::signal(SIGTERM, Stop);
     std::signal(SIGINT, Stop);
+    std::signal(SIGUSR1, ChangeProgram);
+    std::signal(SIGUSR2, TurnValves);
     try {
         return Run(std::move(arguments));
     } catch (const core::DatabaseError& error) {

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cmath>
+#include <sstream>
 
 #include "fieldsim/Checks.h"
 #include "fieldsim/Field.h"
@@ -237,6 +238,63 @@ TEST_F(FieldTest, StationsKeepWhatTheirValuesWere) {
     }
     EXPECT_EQ(codes, 0xFF);
     EXPECT_LT(events.back().at, (core::DateTime{2026, 3, 9, 8, 0, 0}));
+}
+
+// The names of a list in their places, each with its value or text.
+std::string Shown(const SignalList& list, const core::DateTime& at, int first, int last) {
+    std::ostringstream text;
+    for (int position = first; position <= last; ++position) {
+        const Signal* signal = list.At(position);
+        text << position << ' ' << (signal != nullptr ? signal->description : "") << ' ';
+        if (signal != nullptr && signal->kind == Kind::Text) {
+            text << '"' << list.Text(*signal) << "\" ";
+        } else {
+            text << (signal != nullptr ? list.ValueAt(*signal, at) : 0) << ' ';
+        }
+    }
+    return text.str();
+}
+
+TEST_F(FieldTest, BsapStationsHaveAProgramThatChangesAndTransmitters) {
+    AddStation(1, "TeleFlow", "COM1", "", "BSAP", 1);
+    AddStation(2, "TeleFlow", "COM1", "", "BSAP", 2);
+    AddStation(3, "TeleFlow", "COM1", "", "Modbus", 3);
+    FieldOptions options;
+    options.programs[2] = [](SignalLists& lists) { lists.at(kProgramList)->SetValue("METER1.BETA.RTIO", 0.25); };
+    options.transmitters[2] = [](Transmitters& all) { all.Manner(Transmitter::DP).refuses = true; };
+    Field field(desk.dbconn, options);
+    field.AttachTo(line);
+    Open(1);
+    const SignalList& program = *field.Station(1)->program;
+    const core::DateTime at = desk.clock.Now();
+    const std::string before = Shown(program, at, 1, 40);
+    EXPECT_EQ(Shown(program, at, 7, 14),
+              "7 METER1.ORIF.DIA 101.6 8 METER1.BETA.RTIO 0.501134 9 METER1.TAP.TYPE 1 10 METER1.TAP.LOC 0 11 "
+              "METER1.DIFF.HI 90 12 METER1.DIFF.LO 5 13 METER1.PRES.HI 40 14 METER1.PRES.LO 2.5 ");
+    EXPECT_NE(Shown(program, at, 1, 1), Shown(program, core::FromSeconds(core::ToSeconds(at) + 60), 1, 1));
+    field.ChangePrograms(false);
+    EXPECT_EQ(Shown(program, at, 7, 21),
+              "7 METER1.ORIF.DIA 95.25 8 METER1.BETA.RTIO 0.501134 9 METER1.TAP.TYPE 1 10 METER1.DIFF.HI 90 11 "
+              "METER1.DIFF.LO 5 12 METER1.PRES.HI 40 13 METER1.PRES.LO 2.5 14 METER1.FLOW.CUT 25 15 METER1.DIFF.ALRM 0 "
+              "16 METER1.PRES.ALRM 1 17 METER1.FLOW.SETP 1200 18 METER1.GAS.GRAV 0.6125 19 METER1.GAS.CO2 0.85 "
+              "20 METER1.GAS.N2 1.4 21 METER1.HEAT.VAL \"BY CHROMATOGRAPH\" ");
+    field.ChangePrograms(true);
+    EXPECT_EQ(Shown(program, at, 1, 40), before);
+    EXPECT_EQ(Shown(*field.Station(2)->program, at, 8, 8), "8 METER1.BETA.RTIO 0.25 ");
+    EXPECT_EQ(field.Station(3)->program, nullptr);
+    // Both are on the line: the search finds them, and a command comes to the transmitters that stand behind it.
+    const auto ask = [&](const char* function) {
+        return Ask(BsapFrame(Bytes(std::string("02 04 A0 00 06 0B 00 ") + function)));
+    };
+    EXPECT_NE(ask("08 05 F9 01 FF 00 00 00 00 80 4D 45 54 45 52 31 2E 2A 52 41 54 45 00").find("METER1.FLOW.RATE"),
+              std::string::npos);
+    EXPECT_NE(ask("08 05 F9 01 FF 00 00 00 00 80 44 50 2E 4C 00").find("DP.LIVE."), std::string::npos);
+    EXPECT_EQ(field.LastServed(2, 1, "DP.LIVE."), 99.5);
+    ask("84 FF 01 23 43 41 4C 2E 44 50 5A 45 52 4F 2E 00 09");  // #CAL.DPZERO.
+    desk.clock.WaitMs(4000);
+    EXPECT_EQ(Shown(*field.Station(2)->transmitters->List(), desk.clock.Now(), 3, 3), "3 PRESS.CALSTAT. 2 ");
+    field.VentTransmitters(true);
+    EXPECT_EQ(Shown(*field.Station(1)->transmitters->List(), desk.clock.Now(), 1, 1), "1 DP.LIVE. 0 ");
 }
 
 double ValueOf(const GasBehaviour& behaviour, const char* description, const core::DateTime& at, const char* unit = "",
