@@ -1,10 +1,9 @@
-#include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QMessageBox>
 
 #include "core/MAIN_Module.h"
 #include "demo/DemoRegister.h"
+#include "demo/screens/Acting.h"
 #include "demo/screens/Screens.h"
 #include "desk/archive/frmCW_archive.h"
 #include "desk/archive/frmarchive.h"
@@ -21,16 +20,6 @@ constexpr std::int64_t teleFlow = 1;
 constexpr std::int64_t multiStream = 4;
 
 using Work = std::function<void(desk::Page& page)>;
-
-void Press(desk::Page& page, const char* command) {
-    page.findChild<QAbstractButton*>(command)->click();
-}
-
-void CloseBoxes(desk::Page& page) {
-    for (QMessageBox* box : page.findChildren<QMessageBox*>()) {
-        box->close();
-    }
-}
 
 // A download of the page in front: in its midst, some seconds after the start, or behind its end.
 void Collect(Stage& stage, const char* command, bool running, const std::function<void()>& look) {

@@ -26,6 +26,9 @@ std::vector<Screen> SessionScreens();
 // Those of the downloads of archives.
 std::vector<Screen> ArchiveScreens();
 
+// Those of the lists and the search of signals.
+std::vector<Screen> SignalScreens();
+
 // That of the stored archive.
 std::vector<Screen> HistoryScreens();
 

@@ -1,9 +1,9 @@
-#include <QAbstractButton>
 #include <QCheckBox>
 #include <QLineEdit>
 #include <memory>
 
 #include "core/MAIN_Module.h"
+#include "demo/screens/Acting.h"
 #include "demo/screens/Screens.h"
 #include "desk/core/Grid.h"
 #include "desk/session/ParameterTabs.h"
@@ -24,10 +24,6 @@ using Work = std::function<void(Stage&, desk::frmparalist&)>;
 
 desk::frmparalist& Front(Stage& stage) {
     return dynamic_cast<desk::frmparalist&>(stage.Front());
-}
-
-void Press(desk::frmparalist& page, const char* command) {
-    page.findChild<QAbstractButton*>(command)->click();
 }
 
 void ChooseRow(desk::frmparalist& page, const char* aga, const char* description) {

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QMessageBox>
+
+#include "desk/core/Page.h"
+
+// What an operator does on a page.
+namespace demo {
+
+inline void Press(desk::Page& page, const char* command) {
+    page.findChild<QAbstractButton*>(command)->click();
+}
+
+inline void CloseBoxes(desk::Page& page) {
+    for (QMessageBox* box : page.findChildren<QMessageBox*>()) {
+        box->close();
+    }
+}
+
+}  // namespace demo
