@@ -18,8 +18,12 @@ std::string Units(const std::string& unit) {
     return text;
 }
 
-int UsualType(Kind kind) {
-    return kind == Kind::Logical ? 0 : kind == Kind::Text ? kTextType : 2;
+int TypeCode(const Signal& signal) {
+    if (signal.kind == Kind::Text) {
+        return kTextType;
+    }
+    const int usual = signal.kind == Kind::Logical ? 0 : 2;
+    return signal.typecode >= 0 ? signal.typecode : usual;
 }
 
 // A text that a master wrote is the bytes that it sent.
@@ -30,8 +34,7 @@ std::string TextOnLine(const std::string& text) {
 }  // namespace
 
 std::string SignalRecord(const Signal& signal, double value, const std::string& text, int msd, const RecordForm& form) {
-    const int type = signal.typecode >= 0 ? signal.typecode : UsualType(signal.kind);
-    std::string record(1, static_cast<char>(type));
+    std::string record(1, static_cast<char>(TypeCode(signal)));
     if (signal.kind == Kind::Text && form.texts) {
         record += TextOnLine(text) + '\0';
     } else {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/Text.h"
+#include "fieldsim/FieldBsap.h"
 #include "fieldsim/GasBehaviour.h"
 #include "fieldsim/GasHistory.h"
 
@@ -23,49 +24,6 @@ bool IsLogical(const core::Row& row) {
         return address.starts_with("55-");
     }
     return core::SameText(row.Text("type"), "Coil(Boolean)") || core::SameText(row.Text("type"), "Boolean");
-}
-
-bool Contains(const std::string& text, std::string_view word) {
-    return core::UpperText(text).find(core::UpperText(word)) != std::string::npos;
-}
-
-// Every kind of record occurs in a station's lists: plain, alarm, system and others.
-int AnalogTypeCode(const Signal& signal) {
-    if (Contains(signal.description, "RTU Time") || Contains(signal.description, "System")) {
-        return 50;
-    }
-    if (Contains(signal.description, "Limit") || Contains(signal.description, "Alarm")) {
-        return 6;
-    }
-    return signal.position % 13 == 0 ? 9 : 2;
-}
-
-int LogicalTypeCode(const Signal& signal, bool teleCorrector) {
-    if (Contains(signal.description, "Alarm")) {
-        return 4;
-    }
-    if (teleCorrector && signal.position % 5 == 0) {
-        return 32;
-    }
-    return signal.position % 7 == 0 ? 68 : 0;
-}
-
-std::shared_ptr<SignalList> Live(std::vector<Signal> signals, const Behaviour& behaviour) {
-    return std::make_shared<SignalList>(std::move(signals), behaviour);
-}
-
-// What the models add to a stream's list numbers by its metering method.
-int MethodStep(const core::Station& station, int streamno) {
-    if (!station.isMultiStream) {
-        return 0;
-    }
-    const std::string method = station.ModelText(streamno);
-    return method == "AGA7" ? 2 : method == "AGA9" ? 4 : method == "AGA11" ? 6 : 0;
-}
-
-// Well within the time that the station's record gives it.
-std::uint32_t AnswerMs(const core::Station& station) {
-    return static_cast<std::uint32_t>(std::min(50, station.commtimeout / 4));
 }
 
 std::unique_ptr<ModbusSlave> MakeModbus(Field::Served& served, core::Database& dbconn, StationMap map,
@@ -98,77 +56,12 @@ std::unique_ptr<QuantumUnit> MakeQuantum(Field::Served& served, std::vector<Sign
         signal.kind = Kind::Decimal;
         signal.position = ++position;
     }
-    const auto values = Live(std::move(signals), behaviour);
+    const auto values = std::make_shared<SignalList>(std::move(signals), behaviour);
     served.values[1] = {values};
     QuantumOptions options;
     options.silentMessage = silent ? 2 : 0;
     options.answerMs = AnswerMs(served.station);
     return std::make_unique<QuantumUnit>(served.station.slaveaddress, values, options);
-}
-
-void AddLists(Field::Served& served, SignalLists& lists, StationMap map, int streamno, const Behaviour& behaviour) {
-    for (Signal& signal : map.analogs) {
-        signal.typecode = AnalogTypeCode(signal);
-    }
-    for (Signal& signal : map.logicals) {
-        signal.typecode = LogicalTypeCode(signal, served.station.isTeleCorrector);
-    }
-    const auto analogs = Live(std::move(map.analogs), behaviour);
-    const auto logicals = Live(std::move(map.logicals), behaviour);
-    lists[AnalogList(served.station, streamno)] = analogs;
-    lists[LogicalList(served.station, streamno)] = logicals;
-    served.values[streamno] = {analogs, logicals};
-}
-
-// The lists besides those of the streams: the program and the transmitters.
-void AddNamedLists(Field::Served& served, SignalLists& lists, const FieldOptions& options) {
-    const std::int64_t locationID = served.station.locationID;
-    served.transmitters = std::make_shared<Transmitters>();
-    lists[kTransmitterList] = served.transmitters->List();
-    lists[kProgramList] = MakeProgram(options.seed * 31U + static_cast<std::uint32_t>(locationID));
-    if (const auto change = options.programs.find(locationID); change != options.programs.end()) {
-        change->second(lists);
-    }
-    if (const auto manner = options.transmitters.find(locationID); manner != options.transmitters.end()) {
-        manner->second(*served.transmitters);
-    }
-    served.values[1].push_back(served.transmitters->List());
-    if (const auto program = lists.find(kProgramList); program != lists.end()) {
-        served.program = program->second;
-        served.values[1].push_back(served.program);
-    }
-}
-
-std::unique_ptr<BsapStation> MakeBsap(Field::Served& served, core::Database& dbconn, const FieldOptions& options,
-                                      const std::function<Behaviour(int streamno)>& behaviour, bool silent) {
-    const core::Station& station = served.station;
-    SignalLists lists;
-    StationHistory history;
-    for (int streamno = 1; streamno <= station.No_Stream; ++streamno) {
-        AddLists(served, lists, LoadMap(dbconn, station.locationID, streamno), streamno, behaviour(streamno));
-        AddGasArchives(history, station, streamno, *served.values[streamno].front(), behaviour(streamno),
-                       options.contractHour);
-    }
-    AddNamedLists(served, lists, options);
-    history.audit.before = [first = behaviour(1)](const core::DateTime& now) { return GasEvents(first, now); };
-    if (const auto other = options.histories.find(station.locationID); other != options.histories.end()) {
-        other->second(history);
-    }
-    BsapOptions bsap;
-    bsap.shortLayout = station.isCW;
-    bsap.answers = options.answers;
-    bsap.answerMs = AnswerMs(station);
-    if (silent) {
-        bsap.silentLists.insert(AnalogList(station, 1));
-    }
-    auto made = std::make_unique<BsapStation>(station.slaveaddress, std::move(lists), std::move(bsap));
-    made->History() = std::move(history);
-    made->WhenTaken([transmitters = served.transmitters](const Write& write) {
-        if (write.list == kTransmitterList) {
-            transmitters->Taken(write);
-        }
-    });
-    return made;
 }
 
 }  // namespace
@@ -195,14 +88,6 @@ StationMap LoadMap(core::Database& dbconn, std::int64_t locationID, int streamno
         }
     }
     return map;
-}
-
-int AnalogList(const core::Station& station, int streamno) {
-    return streamno * 10 + 44 + MethodStep(station, streamno);
-}
-
-int LogicalList(const core::Station& station, int streamno) {
-    return AnalogList(station, streamno) + 1;
 }
 
 Field::Field(core::Database& dbconn, const FieldOptions& options) {
@@ -247,7 +132,7 @@ Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOpt
     if (core::SameText(station.protocol, "Quantum")) {
         return Keep(MakeQuantum(served, LoadMap(dbconn, station.locationID, 1).analogs, behaviour(1), silent));
     }
-    served.bsap = &Keep(MakeBsap(served, dbconn, options, behaviour, silent));
+    served.bsap = &Keep(MakeBsap(served, dbconn, options, behaviour));
     return *served.bsap;
 }
 

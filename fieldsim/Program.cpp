@@ -123,7 +123,6 @@ void ChangeProgram(SignalList& program) {
     Signal text = Delivered(kTurnedToText);
     text.kind = Kind::Text;
     text.unit.clear();
-    text.typecode = -1;
     text.text = "BY CHROMATOGRAPH";
     program.Replace(kTurnedToText, text);
 }
