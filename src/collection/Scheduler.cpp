@@ -24,7 +24,13 @@ void Scheduler::Tick() {
 }
 
 void Scheduler::Serve() {
-    if (running_ || place_.line.Kept()) {
+    if (running_) {
+        return;
+    }
+    if (place_.line.Kept()) {
+        if (!minutes_.empty()) {
+            place_.feedback.Status("Stations are due: their collection waits for the line");
+        }
         return;
     }
     running_ = true;

@@ -50,8 +50,8 @@ class Bsap {
     // A logical signal is always switched on: by name only commands are written.
     std::string write_by_name(int address, const std::string& name, double value, ValueKind kind);
 
-    // `kind` is 1 for the search by the whole name, any other number for that by its parts. The two parameters are
-    // where the last reply left off, 0 and 0 for the first.
+    // `kind` is 1 for the search by how a name begins, any other number for that by its attribute, which stands behind
+    // its last point. The two parameters are where the last reply left off, 0 and 0 for the first.
     std::string get_signal_search(int address, const std::string& pattern, int kind, int firstParameter,
                                   int secondParameter);
 
