@@ -32,4 +32,7 @@ std::vector<Screen> SignalScreens();
 // That of the stored archive.
 std::vector<Screen> HistoryScreens();
 
+// Those of the lists before and after a change.
+std::vector<Screen> VerificationScreens();
+
 }  // namespace demo
