@@ -6,25 +6,24 @@
 #include <QStandardPaths>
 #include <QTimer>
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "bench/Figure.h"
+#include "bench/Served.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/SerialLine.h"
 #include "desk/session/LiveScreen.h"
 #include "desk/session/frmparalist.h"
-#include "fieldsim/PtyPorts.h"
 #include "support/CollectionDesk.h"
 
 namespace {
 
 using bench::Goal;
+using bench::Served;
 using Time = std::chrono::steady_clock;
 
 double Milliseconds(Time::duration duration) {
@@ -32,30 +31,6 @@ double Milliseconds(Time::duration duration) {
 }
 
 const demo::DemoStation teleFlow{"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 17, "", 1, {}, "00:00", 100};
-
-// The devices of a field on pseudo-terminals, in a thread of their own.
-class Served {
-  public:
-    Served(const std::filesystem::path& port, fieldsim::Device& device) {
-        ports_.Open(port, device);
-        thread_ = std::thread([this] {
-            while (!stopped_) {
-                ports_.Turn(5);
-            }
-        });
-    }
-    ~Served() {
-        stopped_ = true;
-        thread_.join();
-    }
-    Served(const Served&) = delete;
-    Served& operator=(const Served&) = delete;
-
-  private:
-    fieldsim::PtyPorts ports_;
-    std::atomic<bool> stopped_ = false;
-    std::thread thread_;
-};
 
 // A poll of the whole fixed map on a real port: two blocks of coils and five of registers, three waits each.
 bool OnePoll() {
