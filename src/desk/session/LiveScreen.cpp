@@ -18,8 +18,9 @@
 #include "desk/session/TrafficPanel.h"
 #include "desk/session/frm_summary.h"
 #include "desk/session/frmconfparams.h"
-#include "desk/signals/frmSignalSearch.h"
 #include "desk/signals/ListPage.h"
+#include "desk/signals/frmDataVerification.h"
+#include "desk/signals/frmSignalSearch.h"
 #include "session/Buttons.h"
 #include "session/ConfigParams.h"
 #include "session/Speaks.h"
@@ -100,7 +101,7 @@ void LiveScreen::ConnectCommands() {
     Command(ui_.cmd_arc, &LiveScreen::OpenArchive);
     Command(ui_.cmdfetch, &LiveScreen::OpenList);
     Command(ui_.cmdSignalSearch, &LiveScreen::OpenSearch);
-    NotHere(ui_.cmdDataVerify, "The data verification");
+    Command(ui_.cmdDataVerify, &LiveScreen::OpenVerification);
     NotHere(ui_.cmdCalib, "The calibration");
     for (int n = 1; n <= 4; ++n) {
         QPushButton* button = streams_[static_cast<std::size_t>(n - 1)];
@@ -149,6 +150,12 @@ void LiveScreen::OpenList() {
 void LiveScreen::OpenSearch() {
     if (HasSignals()) {
         desk_.navigator.Open(new frmSignalSearch(desk_, session_));
+    }
+}
+
+void LiveScreen::OpenVerification() {
+    if (HasSignals()) {
+        desk_.navigator.Open(new frmDataVerification(desk_, &session_));
     }
 }
 

@@ -64,6 +64,7 @@ class LiveScreen final : public QObject, public session::SessionView {
     void OpenHistory();
     void OpenList();
     void OpenSearch();
+    void OpenVerification();
     bool HasSignals();
     void ShowParameters();
     void SwapDrawing();
