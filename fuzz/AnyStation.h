@@ -9,10 +9,13 @@
 #include <string>
 #include <string_view>
 
+#include "core/Database.h"
 #include "core/Feedback.h"
+#include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "fieldsim/BsapFrame.h"
-#include "protocols/Line.h"
+#include "fieldsim/VirtualClock.h"
+#include "protocols/Conversation.h"
 
 // A BSAP station that answers with the fuzzer's bytes, and the desk in front of it.
 namespace fuzz {
@@ -95,6 +98,20 @@ struct Desk {
     }
 
     core::MAIN_Module shared{Directory()};
+};
+
+// A conversation with such a station.
+struct AnyTalk {
+    AnyTalk(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& bytes)
+        : line(bytes), logs(dbconn, shared, clock) {}
+
+    AnyStation line;
+    fieldsim::VirtualClock clock{{2026, 3, 9, 8, 0, 0}};
+    protocols::FieldLine field{line, clock};
+    Silent feedback;
+    core::Logs logs;
+    protocols::BsapCounters counters;
+    protocols::Conversation talk{field.TakeOver(""), clock, feedback, logs, counters, {}, "", 1, {}, {}};
 };
 
 }  // namespace fuzz

@@ -4,10 +4,6 @@
 #include "AnyStation.h"
 #include "archive/ArchiveRun.h"
 #include "archive/AuditRun.h"
-#include "core/Database.h"
-#include "core/Logs.h"
-#include "fieldsim/VirtualClock.h"
-#include "protocols/Conversation.h"
 
 using namespace archive;
 using namespace fuzz;
@@ -57,13 +53,8 @@ void Parse(const std::string& reply, const ArchiveLayout& layout) {
 
 void Download(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& bytes) {
     const int flags = bytes.Take();
-    AnyStation line(bytes);
-    fieldsim::VirtualClock clock({2026, 3, 9, 8, 0, 0});
-    protocols::FieldLine field(line, clock);
-    Silent feedback;
-    core::Logs logs(dbconn, shared, clock);
-    protocols::BsapCounters counters;
-    protocols::Conversation talk{field.TakeOver(""), clock, feedback, logs, counters, {}, "", 1, {}, {}};
+    AnyTalk any(dbconn, shared, bytes);
+    protocols::Conversation& talk = any.talk;
     talk.station.isCW = (flags & 1) != 0;
     View view;
     const auto screen = static_cast<Screen>((flags >> 1) % 3);

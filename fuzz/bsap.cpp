@@ -5,9 +5,6 @@
 
 #include "AnyStation.h"
 #include "collection/BsapList.h"
-#include "core/Database.h"
-#include "core/Logs.h"
-#include "fieldsim/VirtualClock.h"
 #include "protocols/BsapLink.h"
 
 using namespace fuzz;
@@ -23,17 +20,11 @@ void CheckSignals(const std::vector<collection::ListSignal>& signals) {
 
 void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& bytes) {
     const int flags = bytes.Take();
-    AnyStation line(bytes);
-    fieldsim::VirtualClock clock({2026, 3, 9, 8, 0, 0});
-    protocols::FieldLine field(line, clock);
-    Silent feedback;
-    core::Logs logs(dbconn, shared, clock);
-    protocols::BsapCounters counters;
-    core::Station station;
-    station.isCW = (flags & 1) != 0;
-    station.isTeleCorrector = (flags & 2) != 0;
-    station.phoneno = (flags & 4) != 0 ? "1" : "";
-    protocols::Conversation talk{field.TakeOver(""), clock, feedback, logs, counters, station, "", 1, {}, {}};
+    AnyTalk any(dbconn, shared, bytes);
+    protocols::Conversation& talk = any.talk;
+    talk.station.isCW = (flags & 1) != 0;
+    talk.station.isTeleCorrector = (flags & 2) != 0;
+    talk.station.phoneno = (flags & 4) != 0 ? "1" : "";
     talk.bsap.usepoll = (flags & 8) != 0;
     talk.bsap.listunits = (flags & 16) == 0;
 
@@ -44,7 +35,7 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     Check(!list.signals.empty() && list.signals.size() <= 401);
     CheckSignals(list.signals);
     // At most 400 replies of 4 sends with their polls, and what late ones are waited for.
-    Check(clock.Elapsed() < 400ULL * 15 * 2000 + 3 * 2000 + 1);
+    Check(any.clock.Elapsed() < 400ULL * 15 * 2000 + 3 * 2000 + 1);
 }
 
 }  // namespace

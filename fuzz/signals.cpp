@@ -4,9 +4,6 @@
 #include <vector>
 
 #include "AnyStation.h"
-#include "core/Database.h"
-#include "core/Logs.h"
-#include "fieldsim/VirtualClock.h"
 #include "protocols/BsapLink.h"
 #include "signals/SignalAccess.h"
 #include "signals/SignalFetch.h"
@@ -37,16 +34,10 @@ struct Rows final : signals::FetchView {
 
 void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& bytes) {
     const int flags = bytes.Take();
-    AnyStation line(bytes);
-    fieldsim::VirtualClock clock({2026, 3, 9, 8, 0, 0});
-    protocols::FieldLine field(line, clock);
-    Silent feedback;
-    core::Logs logs(dbconn, shared, clock);
-    protocols::BsapCounters counters;
-    core::Station station;
-    station.isCW = (flags & 1) != 0;
-    station.isTeleCorrector = (flags & 2) != 0;
-    protocols::Conversation talk{field.TakeOver(""), clock, feedback, logs, counters, station, "", 1, {}, {}};
+    AnyTalk any(dbconn, shared, bytes);
+    protocols::Conversation& talk = any.talk;
+    talk.station.isCW = (flags & 1) != 0;
+    talk.station.isTeleCorrector = (flags & 2) != 0;
     Rows view;
     if ((flags & 4) != 0) {
         signals::FetchList(talk, 10, view);
@@ -66,7 +57,7 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     Check((answer.answer == signals::Answer::Good) == (answer.signals.size() == named.size()));
     CheckSignals(answer.signals);
     // At most 1500 replies of 4 sends with their polls, and what late ones are waited for.
-    Check(clock.Elapsed() < 1500ULL * 20 * 2000);
+    Check(any.clock.Elapsed() < 1500ULL * 20 * 2000);
 }
 
 }  // namespace
