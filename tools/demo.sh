@@ -10,6 +10,7 @@ demo=$PWD/build/demo
 rm -rf "$demo"
 mkdir -p "$demo/scheduler" "$demo/field" "$demo/mail"
 cp "$build/Kolmar.mdb" "$demo/"
+cp -r "$build/webpages" "$demo/"
 
 children=()
 end() { [ ${#children[@]} -eq 0 ] || kill "${children[@]}" 2>/dev/null || true; wait 2>/dev/null || true; }

@@ -206,8 +206,8 @@ const std::vector<Screen>& Screens() {
             {"mail_addressees", Page<desk::frmemaildetails>()},
             {"mail_settings", MailSettings},
         };
-        for (const auto& more :
-             {SessionScreens(), ArchiveScreens(), HistoryScreens(), SignalScreens(), VerificationScreens()}) {
+        for (const auto& more : {SessionScreens(), ArchiveScreens(), HistoryScreens(), SignalScreens(),
+                                 CalibrationScreens(), VerificationScreens()}) {
             all.insert(all.end(), more.begin(), more.end());
         }
         return all;

@@ -29,6 +29,9 @@ std::vector<Screen> ArchiveScreens();
 // Those of the lists and the search of signals.
 std::vector<Screen> SignalScreens();
 
+// Those of the calibration.
+std::vector<Screen> CalibrationScreens();
+
 // That of the stored archive.
 std::vector<Screen> HistoryScreens();
 

@@ -10,7 +10,6 @@ namespace signals {
 
 namespace {
 
-constexpr int mostSends = 4;
 constexpr std::size_t tooShort = 18;  // a reply of so many bytes holds no signal
 
 protocols::Bsap Messages(protocols::Conversation& talk) {
@@ -40,8 +39,8 @@ std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const
 using IsOf = std::function<bool(const Signal& signal, std::size_t index)>;
 
 ReadAnswer Read(protocols::Conversation& talk, const std::function<std::string()>& request, std::size_t count,
-                const IsOf& isOf) {
-    for (int sends = 1; sends <= mostSends; ++sends) {
+                const IsOf& isOf, int most = mostSends) {
+    for (int sends = 1; sends <= most; ++sends) {
         const std::string received = protocols::ReadReply(talk, request());
         if (talk.Ended()) {
             return {Answer::Ended};
@@ -82,7 +81,7 @@ ReadAnswer ReadByAddress(protocols::Conversation& talk, std::int32_t address) {
         [address](const Signal& signal, std::size_t) { return signal.MSD == address; });
 }
 
-ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal> named) {
+ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal> named, int sends) {
     constexpr std::size_t columns = 3;
     std::vector<std::string> table(named.size() * columns);
     for (std::size_t row = 0; row < named.size(); ++row) {
@@ -94,7 +93,8 @@ ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal
         named.size(),
         [named](const Signal& signal, std::size_t index) {
             return named[index].address == 0 || named[index].address == signal.MSD;
-        });
+        },
+        sends);
 }
 
 Answer WriteByName(protocols::Conversation& talk, const std::string& name, double value, protocols::ValueKind kind) {

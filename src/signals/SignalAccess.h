@@ -12,10 +12,13 @@
 // Single signals of a station that is signed on, by their addresses or by their names.
 namespace signals {
 
+// How often a read is sent before its station counts as silent.
+inline constexpr int mostSends = 4;
+
 enum class Answer {
     Good,
     NoSignal,  // the station has no such signal
-    None,      // silence or bad replies, four times in a row
+    None,      // silence or bad replies, as often as it was sent
     Ended,     // the line was taken away, or the program ends
 };
 
@@ -34,8 +37,9 @@ struct NamedSignal {
     int address = 0;
 };
 
-// Reads up to 99 signals in one message. One that the station does not have makes all of them NoSignal.
-ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal> named);
+// Reads up to 99 signals in one message. One that the station does not have makes all of them NoSignal. With `sends` 1 it
+// is tried once, for whoever has something to look at between two tries.
+ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal> named, int sends = mostSends);
 
 // Writes a signal by its name, once: a logical one is switched on, whatever the value. Good: the station has answered,
 // which does not tell whether it took the value.

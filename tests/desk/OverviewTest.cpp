@@ -173,8 +173,10 @@ TEST_F(OverviewTest, AMenuOffersWhatTheRightsOfTheUserAllow) {
         EXPECT_TRUE(enabled(c)) << c.command;
     }
     // What the program does not have yet says so.
-    EXPECT_FALSE(The(Front(), "cmd_calib").isEnabled());
-    EXPECT_EQ(The(Front(), "cmd_calib").toolTip(), "Not available in this version");
+    LogIn();
+    Click(Front(), "cmdMenu");
+    EXPECT_FALSE(The(Front(), "cmd_calibration").isEnabled());
+    EXPECT_EQ(The(Front(), "cmd_calibration").toolTip(), "Not available in this version");
 }
 
 }  // namespace

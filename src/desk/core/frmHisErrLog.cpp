@@ -11,6 +11,7 @@
 #include "desk/reports/frmemail.h"
 #include "desk/reports/frmemail_settings.h"
 #include "desk/signals/ListPage.h"
+#include "desk/signals/frm_NewCali.h"
 #include "ui_frmHisErrLog.h"
 
 namespace desk {
@@ -28,7 +29,7 @@ frmHisErrLog::frmHisErrLog(Desk& desk) : MenuPage(desk, "Utility"), ui_(std::mak
     Opens<frmemail>(ui_->cmd_email);
     Opens<frmemail_settings>(ui_->cmd_emailsettings);
     Opens<frmfetchlist>(ui_->cmd_list);
-    NotYet(ui_->cmd_calib);
+    Opens<frm_NewCali>(ui_->cmd_calib);
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdClose, &QAbstractButton::clicked, this, &Page::Closed);
 }
