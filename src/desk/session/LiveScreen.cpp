@@ -19,6 +19,7 @@
 #include "desk/session/frm_summary.h"
 #include "desk/session/frmconfparams.h"
 #include "desk/signals/ListPage.h"
+#include "desk/signals/frmCalibration.h"
 #include "desk/signals/frmDataVerification.h"
 #include "desk/signals/frmSignalSearch.h"
 #include "session/Buttons.h"
@@ -102,7 +103,7 @@ void LiveScreen::ConnectCommands() {
     Command(ui_.cmdfetch, &LiveScreen::OpenList);
     Command(ui_.cmdSignalSearch, &LiveScreen::OpenSearch);
     Command(ui_.cmdDataVerify, &LiveScreen::OpenVerification);
-    NotHere(ui_.cmdCalib, "The calibration");
+    Command(ui_.cmdCalib, &LiveScreen::OpenCalibration);
     for (int n = 1; n <= 4; ++n) {
         QPushButton* button = streams_[static_cast<std::size_t>(n - 1)];
         button->setVisible(n <= session_.GetStation().No_Stream);
@@ -113,12 +114,6 @@ void LiveScreen::ConnectCommands() {
     }
     connect(ui_.chktraffic, &QCheckBox::toggled, traffic_, &QWidget::setVisible);
     connect(ui_.chktraffic, &QCheckBox::toggled, ui_.leds, &QWidget::setHidden);  // the panel has its own
-}
-
-void LiveScreen::NotHere(QAbstractButton* button, const char* what) {
-    connect(button, &QAbstractButton::clicked, this, [this, what] {
-        ShowBox(&page_, QString(what) + " is not available yet.", page_.windowTitle(), QMessageBox::Information);
-    });
 }
 
 void LiveScreen::Connect() {
@@ -156,6 +151,12 @@ void LiveScreen::OpenSearch() {
 void LiveScreen::OpenVerification() {
     if (HasSignals()) {
         desk_.navigator.Open(new frmDataVerification(desk_, &session_));
+    }
+}
+
+void LiveScreen::OpenCalibration() {
+    if (HasSignals()) {
+        desk_.navigator.Open(new frmCalibration(desk_, &session_));
     }
 }
 

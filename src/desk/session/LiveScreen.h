@@ -65,10 +65,10 @@ class LiveScreen final : public QObject, public session::SessionView {
     void OpenList();
     void OpenSearch();
     void OpenVerification();
+    void OpenCalibration();
     bool HasSignals();
     void ShowParameters();
     void SwapDrawing();
-    void NotHere(QAbstractButton* button, const char* what);
 
     void ShowFigures();
     void ShowButtons();
