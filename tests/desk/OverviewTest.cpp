@@ -176,7 +176,7 @@ TEST_F(OverviewTest, AMenuOffersWhatTheRightsOfTheUserAllow) {
     LogIn();
     Click(Front(), "cmdMenu");
     EXPECT_FALSE(The(Front(), "cmd_calibration").isEnabled());
-    EXPECT_EQ(The(Front(), "cmd_calibration").toolTip(), "Not available in this version");
+    EXPECT_EQ(The(Front(), "cmd_calibration").toolTip(), "In the window of a station, and in Utility");
 }
 
 }  // namespace

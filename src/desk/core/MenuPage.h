@@ -21,9 +21,6 @@ class MenuPage : public Page {
         connect(command, &QAbstractButton::clicked, this,
                 [this] { Guarded([this] { desk_.navigator.Open(new Form(desk_)); }); });
     }
-
-    // A command whose page the program does not have yet.
-    static void NotYet(QAbstractButton* command);
 };
 
 }  // namespace desk

@@ -18,7 +18,9 @@ namespace desk {
 frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_unique<Ui::frmmain>()) {
     ui_->setupUi(this);
     Title("Main Options");
-    NotYet(ui_->cmd_calibration);
+    // It has never opened anything: a calibration needs a station.
+    ui_->cmd_calibration->setEnabled(false);
+    ui_->cmd_calibration->setToolTip("In the window of a station, and in Utility");
     CloseCommand(ui_->cmdonline);
     connect(ui_->cmdonline, &QPushButton::clicked, this, &frmmain::NodesWanted);
     Opens<frmconfigstation>(ui_->cmdconfigsta);
