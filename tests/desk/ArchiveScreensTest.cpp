@@ -20,7 +20,6 @@
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
-#include "support/Script.h"
 
 namespace {
 
@@ -64,21 +63,6 @@ struct ArchiveScreens : testing::Test {
         return lines;
     }
 
-    // Presses a command and makes the steps in its waits.
-    void Press(const QWidget& page, const char* command, std::vector<support::Script::Step> steps = {}) {
-        const auto script = std::make_shared<support::Script>(std::move(steps));
-        desk.clock.Every(20, [script] { script->Turn(); });
-        Click(page, command);
-        EXPECT_EQ(script->Missing(), "");
-    }
-    template <class Form>
-    Form& Front() {
-        auto* form = dynamic_cast<Form*>(desk.window.Front());
-        if (form == nullptr) {
-            throw std::runtime_error("another page is in front");
-        }
-        return *form;
-    }
     static int Rows(const QWidget& page) { return The<desk::Grid>(page, "grid").Rows(); }
     static std::string Label(const QWidget& page, const char* name) {
         return The<QLabel>(page, name).text().toStdString();
@@ -101,7 +85,7 @@ struct ArchiveScreens : testing::Test {
 TEST_F(ArchiveScreens, TheOldScreenFromTheMenu) {
     auto& menu = desk.Open<desk::frmHisErrLog>();
     Click(menu, "cmdarch");
-    auto& page = Front<desk::frmarchive>();
+    auto& page = desk.Front<desk::frmarchive>();
     EXPECT_EQ(page.windowTitle(), "Historical Data - v10.3");
     EXPECT_TRUE(Ticked(page, "optaudit"));
     EXPECT_FALSE(The(page, "frmarc").isVisible());
@@ -115,18 +99,18 @@ TEST_F(ArchiveScreens, TheOldScreenFromTheMenu) {
     Click(page, "optarchive");
     EXPECT_TRUE(The(page, "frmarc").isVisible());
     Click(page, "optdaily");
-    Press(page, "cmdGo",
-          {{"dialled", [&] { return Label(page, "lblmsg").starts_with("Dialing 5550142"); }, [] {}},
-           {"rows", [&] { return Rows(page) > 4; },
-            [&] {
-                for (const char* command : {"cmdGo", "cmdsave", "cmdReport", "cmd_email", "cmdClose", "cmbNode"}) {
-                    EXPECT_FALSE(Enabled(page, command)) << command;
-                }
-                QTest::keyClick(&The(page, "grid"), Qt::Key_Escape);
-                QCoreApplication::processEvents();
-                EXPECT_EQ(desk.window.Front(), &page);
-                EXPECT_THAT(Label(page, "lblrecno"), StartsWith("Record ("));
-            }}});
+    desk.Press(page, "cmdGo",
+               {{"dialled", [&] { return Label(page, "lblmsg").starts_with("Dialing 5550142"); }, [] {}},
+                {"rows", [&] { return Rows(page) > 4; },
+                 [&] {
+                     for (const char* command : {"cmdGo", "cmdsave", "cmdReport", "cmd_email", "cmdClose", "cmbNode"}) {
+                         EXPECT_FALSE(Enabled(page, command)) << command;
+                     }
+                     QTest::keyClick(&The(page, "grid"), Qt::Key_Escape);
+                     QCoreApplication::processEvents();
+                     EXPECT_EQ(desk.window.Front(), &page);
+                     EXPECT_THAT(Label(page, "lblrecno"), StartsWith("Record ("));
+                 }}});
     EXPECT_EQ(Answer(page), "Archive Collected");
     EXPECT_EQ(Rows(page), 40);
     EXPECT_EQ(desk.Count("Daily_tf"), 40);
@@ -144,12 +128,12 @@ TEST_F(ArchiveScreens, TheOldScreenFromTheMenu) {
     EXPECT_EQ(support::Box(page), nullptr);
     Click(page, "optaudit");
     EXPECT_FALSE(Enabled(page, "cmdReport"));
-    Press(page, "cmdGo");
+    desk.Press(page, "cmdGo");
     EXPECT_EQ(Answer(page), "Audit Collected");
     EXPECT_EQ(Rows(page), 40);
     EXPECT_EQ(desk.Count("Audit"), 40);
     Click(page, "cmd_email");
-    Front<desk::frmemail>();
+    desk.Front<desk::frmemail>();
 }
 
 TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
@@ -157,13 +141,13 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     Click(paralist, "cmdConnect");
     Click(paralist, "Op_Stream_2");
     Click(paralist, "cmd_arc");
-    auto& page = Front<desk::frmparaarchive>();
+    auto& page = desk.Front<desk::frmparaarchive>();
     EXPECT_EQ(The<QComboBox>(page, "cmbNode").currentText(), "2-Twin");
     EXPECT_EQ(Label(page, "lblstream"), "Stream 2");
     EXPECT_TRUE(Ticked(page, "optarchive") && Ticked(page, "opthourly") && Ticked(page, "che_new"));
     EXPECT_FALSE(Enabled(page, "chkStart") || Enabled(page, "DTPicker1") || Enabled(page, "lblEnd"));
 
-    Press(page, "cmdGo", {{"rows", [&] { return Rows(page) > 8; }, [&] { Click(page, "cmd_stop"); }}});
+    desk.Press(page, "cmdGo", {{"rows", [&] { return Rows(page) > 8; }, [&] { Click(page, "cmd_stop"); }}});
     const int stopped = Rows(page);
     EXPECT_EQ(Answer(page), "Archive Collected\nStopped before the end: " + std::to_string(stopped) +
                                 " records: " + std::to_string(stopped) + " new, 0 known.");
@@ -174,7 +158,7 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     Click(page, "chkStart");
     EXPECT_FALSE(Enabled(page, "che_new") || Ticked(page, "che_new"));
     EXPECT_TRUE(Enabled(page, "DTPicker1") && Enabled(page, "DTPicker2") && Enabled(page, "lblEnd"));
-    Press(page, "cmdGo");  // today, from the start of the day to its last record
+    desk.Press(page, "cmdGo");  // today, from the start of the day to its last record
     EXPECT_THAT(Answer(page), HasSubstr("known."));
     EXPECT_EQ(Rows(page), 10);
     EXPECT_THAT(Saved(page, "Excel Files(*.xls)"), HasSubstr("\r\n09/03/2026   9:0:0\t"));
@@ -182,18 +166,18 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     Click(page, "optaudit");
     EXPECT_TRUE(Ticked(page, "che_new"));
     EXPECT_FALSE(Enabled(page, "chkStart") || Enabled(page, "opthourly"));
-    Press(page, "cmdGo");
+    desk.Press(page, "cmdGo");
     EXPECT_EQ(Answer(page), "Audit Collected");
     EXPECT_EQ(The<desk::Grid>(page, "grid").TextMatrix(0, 0), "1");
 
     Click(page, "cmdfile");
-    Front<desk::frmCW_archive>();
-    Click(Front<desk::frmCW_archive>(), "cmdClose");
+    desk.Front<desk::frmCW_archive>();
+    Click(desk.Front<desk::frmCW_archive>(), "cmdClose");
     Click(page, "cmdClose");
     EXPECT_EQ(desk.window.Front(), &paralist);
     EXPECT_EQ(paralist.GetSession()->GetState(), session::State::Connected);
     Click(paralist, "btnHistory");
-    Front<desk::frmHistory>();
+    desk.Front<desk::frmHistory>();
 }
 
 TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
@@ -201,7 +185,7 @@ TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
     EXPECT_FALSE(Enabled(old, "cmdfile"));
     The<QComboBox>(old, "cmbNode").setCurrentIndex(1);
     Click(old, "cmdfile");
-    auto& page = Front<desk::frmCW_archive>();
+    auto& page = desk.Front<desk::frmCW_archive>();
     EXPECT_EQ(The<QComboBox>(page, "cmbNode").currentText(), "2-Twin");
     Click(page, "cmdGo");
     EXPECT_EQ(Answer(page), "Enter Archive File Number");
@@ -220,7 +204,7 @@ TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
     EXPECT_EQ(desk.Count("tArchiveTimeStamp"), 0);
     EXPECT_FALSE(desk.fieldLine.InUse());
     number.setText("99");
-    Press(page, "cmdGo");
+    desk.Press(page, "cmdGo");
     EXPECT_EQ(Answer(page), "Invalid Archive Number\nArchive Collected, but not to the end: 0 records.");
 }
 
@@ -228,16 +212,16 @@ TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
     auto& page = desk.Open<desk::frm_CWM>(3);
     EXPECT_EQ(page.windowTitle(), "Selection Menu - v10.3----(Micro)");
     EXPECT_FALSE(Enabled(page, "cmd_archive") || Enabled(page, "cmddisconnect"));
-    Press(page, "cmdConnect");
+    desk.Press(page, "cmdConnect");
     EXPECT_EQ(Label(page, "lblconnection"), "Connected");
     Click(page, "cmdClose");
     EXPECT_EQ(Answer(page), "Stop Communitcation...");
     Click(page, "cmd_archive");
-    auto& archive = Front<desk::frmparaarchive>();
+    auto& archive = desk.Front<desk::frmparaarchive>();
     Press(archive, "cmdGo");
     EXPECT_THAT(Answer(archive), HasSubstr("new, 0 known."));
     Click(archive, "cmdClose");
-    Press(page, "cmddisconnect");
+    desk.Press(page, "cmddisconnect");
     EXPECT_EQ(Label(page, "lblconnection"), "Not connected");
     EXPECT_FALSE(desk.line.PortOpen());
     Click(page, "cmdClose");
@@ -250,14 +234,14 @@ TEST_F(ArchiveScreens, AScheduledRunEndsADownload) {
     auto& paralist = desk.Open<desk::frmparalist>(2);
     Click(paralist, "cmdConnect");
     Click(paralist, "cmd_arc");
-    auto& page = Front<desk::frmparaarchive>();
+    auto& page = desk.Front<desk::frmparaarchive>();
     desk.StartTicking();
     desk.clock.Run(58000 - desk.clock.Elapsed() % 60000);
-    Press(page, "cmdGo");
+    desk.Press(page, "cmdGo");
     EXPECT_THAT(Answer(page), StartsWith("A scheduled collection has taken the line\nArchive Collected, but"));
     EXPECT_EQ(desk.Count("tArchiveTimeStamp where NodeId=2"), Rows(page));
     EXPECT_TRUE(desk.Master(1).Bool("sampledtoday")) << desk.RtuErr();
-    Press(page, "cmdGo");
+    desk.Press(page, "cmdGo");
     EXPECT_THAT(Answer(page), StartsWith("There is no line to the station."));
 }
 

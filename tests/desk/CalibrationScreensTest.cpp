@@ -19,7 +19,6 @@
 #include "desk/signals/frm_cali.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
-#include "support/Script.h"
 
 // What the system is asked to open.
 class Opened : public QObject {
@@ -63,15 +62,6 @@ struct CalibrationScreens : testing::Test {
         field = &desk.OpenField();
     }
 
-    // The page in front, which is one of these.
-    template <class Form>
-    Form& Front() {
-        auto* form = dynamic_cast<Form*>(desk.window.Front());
-        if (form == nullptr) {
-            throw std::runtime_error("another page is in front");
-        }
-        return *form;
-    }
     desk::frmCalib& OpenCalib(bool connected, std::int64_t locationID = 1) {
         paralist = &desk.Open<desk::frmparalist>(locationID);
         if (connected) {
@@ -79,14 +69,11 @@ struct CalibrationScreens : testing::Test {
         }
         desk.Open<desk::frmCalibration>(paralist->GetSession());
         Click(*desk.window.Front(), "cmdCalib");
-        return Front<desk::frmCalib>();
+        return desk.Front<desk::frmCalib>();
     }
     // Presses Start and makes the steps in its waits.
     void Start(const QWidget& page, std::vector<support::Script::Step> steps = {}) {
-        const auto script = std::make_shared<support::Script>(std::move(steps));
-        desk.clock.Every(20, [script] { script->Turn(); });
-        Click(page, "cmdStart");
-        EXPECT_EQ(script->Missing(), "");
+        desk.Press(page, "cmdStart", std::move(steps));
         QCoreApplication::processEvents();
     }
     static std::string Label(const QWidget& page, const char* name) {
@@ -162,7 +149,7 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
             }},
            {"zeroed", [&] { return Label(page, "lblmsg") == "SP Calibration Completed"; },
             [&] { QTest::keyClick(&page, Qt::Key_Escape); }}});
-    EXPECT_EQ(&Front<desk::frmCalibration>(), desk.window.Front());
+    EXPECT_EQ(&desk.Front<desk::frmCalibration>(), desk.window.Front());
     EXPECT_EQ(paralist->GetSession()->GetState(), session::State::Connected);
     EXPECT_THAT(Trail(), testing::Contains(EndsWith("applied 100, live 99.5 INH2O: Success, status 0.")));
     EXPECT_THAT(Trail(), testing::Contains(EndsWith("applied 10, live 20.25 KG/CM2: SP Limit exceeds from +(-) 5%.")));
@@ -203,7 +190,7 @@ TEST_F(CalibrationScreens, ItMakesACallOfItsOwnAndCanBeStopped) {
     EXPECT_EQ(Label(page, "lblmsg"),
               "No signal is named for the zero command of DP: enter it in the calibration signals");
     Click(page, "cmdClose");
-    Front<desk::frmCalibration>();
+    desk.Front<desk::frmCalibration>();
 }
 
 TEST_F(CalibrationScreens, AScheduledRunEndsItInTheMidstOfACommand) {
@@ -259,7 +246,7 @@ TEST_F(CalibrationScreens, TheHelpPagesFollowTheModel) {
     paralist = &desk.Open<desk::frmparalist>(1);
     desk.Open<desk::frmCalibration>(paralist->GetSession());
     Click(*desk.window.Front(), "cmdHelp");
-    auto& page = Front<desk::frm_cali>();
+    auto& page = desk.Front<desk::frm_cali>();
     auto& models = The<QComboBox>(page, "cmb_Model");
     EXPECT_EQ(models.currentText(), "CWEFM-AGA3");
     EXPECT_EQ(models.count(), 16);
@@ -290,7 +277,7 @@ TEST_F(CalibrationScreens, TheTemplateFilesAreOpenedFromTheUtilities) {
     Opened opened;
     desk.Open<desk::frmHisErrLog>();
     Click(*desk.window.Front(), "cmd_calib");
-    auto& page = Front<desk::frm_NewCali>();
+    auto& page = desk.Front<desk::frm_NewCali>();
     const auto folder = desk.shared.directory / "configuration";
     Click(page, "cmdTC");
     EXPECT_EQ(Answer(page), "The file TC_Calib.tvs is not there.\nIts folder is " + folder.string());

@@ -15,7 +15,6 @@
 #include "desk/session/frmtxrxleds.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
-#include "support/Script.h"
 
 namespace {
 
@@ -42,12 +41,7 @@ struct ModbusArchiveScreen : testing::Test {
     }
 
     // Presses Collect, and makes the steps meanwhile.
-    void Collect(std::vector<support::Script::Step> steps) {
-        const auto script = std::make_shared<support::Script>(std::move(steps));
-        desk.clock.Every(20, [script] { script->Turn(); });
-        Click(*page, "cmdarchive");
-        EXPECT_EQ(script->Missing(), "");
-    }
+    void Collect(std::vector<support::Script::Step> steps) { desk.Press(*page, "cmdarchive", std::move(steps)); }
 
     bool Enabled(const char* command) const { return The(*page, command).isEnabled(); }
     std::string Label(const char* name) const { return The<QLabel>(*page, name).text().toStdString(); }

@@ -15,7 +15,6 @@
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
-#include "support/Script.h"
 
 namespace {
 
@@ -56,11 +55,8 @@ struct SessionStory : testing::Test {
     void Run(std::vector<support::Script::Step> steps) {
         Click(*page, "cmdConnect");
         ASSERT_EQ(Label("lblmsg"), "Connected");
-        const auto script = std::make_shared<support::Script>(std::move(steps));
-        desk.clock.Every(20, [script] { script->Turn(); });
         desk.clock.After(600000, [&] { session->Disconnect(); });
-        Click(*page, "cmdgetdata");
-        EXPECT_EQ(script->Missing(), "");
+        desk.Press(*page, "cmdgetdata", std::move(steps));
         EXPECT_EQ(session->GetState(), session::State::Idle);
     }
 

@@ -17,7 +17,6 @@
 #include "session/Session.h"
 #include "signals/SignalText.h"
 #include "support/ScreenDesk.h"
-#include "support/Script.h"
 
 namespace {
 
@@ -58,27 +57,9 @@ struct SignalScreens : testing::Test {
     fieldsim::BsapStation& Station(std::int64_t locationID = 1) { return *field->Station(locationID)->bsap; }
     fieldsim::SignalList& Program() { return *Station().Lists().at(10); }
 
-    // Presses a command and makes the steps in its waits.
-    void Press(const QWidget& page, const char* command, std::vector<Script::Step> steps = {}) {
-        During(std::move(steps), [&] { Click(page, command); });
-    }
-    void During(std::vector<Script::Step> steps, const std::function<void()>& work) {
-        const auto script = std::make_shared<Script>(std::move(steps));
-        desk.clock.Every(20, [script] { script->Turn(); });
-        work();
-        EXPECT_EQ(script->Missing(), "");
-    }
-    template <class Form>
-    Form& Front() {
-        auto* form = dynamic_cast<Form*>(desk.window.Front());
-        if (form == nullptr) {
-            throw std::runtime_error("another page is in front");
-        }
-        return *form;
-    }
     desk::ListPage& OpenList() {
         Click(*paralist, "cmdfetch");
-        return Front<desk::frmparafetchlist>();
+        return desk.Front<desk::frmparafetchlist>();
     }
     static desk::Grid& GridOf(const QWidget& page) { return The<desk::Grid>(page, "signalsGrid"); }
     static int Rows(const QWidget& page) { return GridOf(page).Rows(); }
@@ -128,20 +109,20 @@ TEST_F(SignalScreens, AListIsFetchedSavedAndWrittenInASession) {
     EXPECT_FALSE(Enabled(page, "cmbnodename") || Enabled(page, "cmd_save") || Enabled(page, "cmd_stop"));
     Type(page, "txtListNo", "a1-0x");
     EXPECT_EQ(The<QLineEdit>(page, "txtListNo").text(), "10");
-    During({{"rows", [&] { return Rows(page) > 0; },
-             [&] {
-                 for (const char* control : {"cmdfetch", "cmdClose", "cmd_save", "txtListNo"}) {
-                     EXPECT_FALSE(Enabled(page, control)) << control;
-                 }
-                 EXPECT_TRUE(Seen(page, "lblmsg") && Seen(page, "pbupdate") && Enabled(page, "cmd_stop"));
-                 EXPECT_EQ(The<QLabel>(page, "lblmsg").text(), "Please wait ....");
-                 QTest::keyClick(&GridOf(page), Qt::Key_Escape);
-                 EXPECT_EQ(desk.window.Front(), &page);
-             }}},
-           [&] {
-               QTest::keyClick(&The(page, "txtListNo"), Qt::Key_Return);
-               QCoreApplication::processEvents();
-           });
+    desk.During({{"rows", [&] { return Rows(page) > 0; },
+                  [&] {
+                      for (const char* control : {"cmdfetch", "cmdClose", "cmd_save", "txtListNo"}) {
+                          EXPECT_FALSE(Enabled(page, control)) << control;
+                      }
+                      EXPECT_TRUE(Seen(page, "lblmsg") && Seen(page, "pbupdate") && Enabled(page, "cmd_stop"));
+                      EXPECT_EQ(The<QLabel>(page, "lblmsg").text(), "Please wait ....");
+                      QTest::keyClick(&GridOf(page), Qt::Key_Escape);
+                      EXPECT_EQ(desk.window.Front(), &page);
+                  }}},
+                [&] {
+                    QTest::keyClick(&The(page, "txtListNo"), Qt::Key_Return);
+                    QCoreApplication::processEvents();
+                });
     EXPECT_EQ(Answer(page), "List Fetched");
     ExpectProgram(page);
     EXPECT_TRUE(Enabled(page, "cmdfetch") && Enabled(page, "txtListNo") && !Enabled(page, "cmd_stop"));
@@ -157,8 +138,9 @@ TEST_F(SignalScreens, AListIsFetchedSavedAndWrittenInASession) {
     Click(page, "cmdwrite");
     EXPECT_EQ(Answer(page), "Enter Proper Data");
     Type(page, "txtvalue", "123.5");
-    Press(page, "cmdwrite",
-          {{"on its way", [&] { return Seen(page, "lblWrite"); }, [&] { EXPECT_FALSE(Enabled(page, "cmdfetch")); }}});
+    desk.Press(
+        page, "cmdwrite",
+        {{"on its way", [&] { return Seen(page, "lblWrite"); }, [&] { EXPECT_FALSE(Enabled(page, "cmdfetch")); }}});
     EXPECT_EQ(Cell(page, flow, 2), "123.5");
     EXPECT_FALSE(Seen(page, "frmvalue") || Seen(page, "lblWrite"));
     int logical = 0;
@@ -188,7 +170,7 @@ TEST_F(SignalScreens, FetchesThatFailAreToldAndSaveNothing) {
     auto& page = OpenList();
     const auto fetch = [&](const char* list, std::vector<Script::Step> steps = {}) {
         Type(page, "txtListNo", list);
-        Press(page, "cmdfetch", std::move(steps));
+        desk.Press(page, "cmdfetch", std::move(steps));
         return Answer(page);
     };
     for (const char* none : {"", "256", "999"}) {
@@ -224,16 +206,16 @@ TEST_F(SignalScreens, AWriteWaitsForItsTurnInAFetch) {
     Connect();
     auto& page = OpenList();
     Type(page, "txtListNo", "10");
-    Press(page, "cmdfetch",
-          {{"rows", [&] { return Rows(page) > 0; },
-            [&] {
-                Choose(page, 0);
-                Type(page, "txtvalue", "77");
-                Click(page, "cmdwrite");
-                EXPECT_TRUE(Seen(page, "lblWrite"));
-                EXPECT_TRUE(Station().Writes().empty());
-            }},
-           {"written", [&] { return Cell(page, 0, 2) == "77"; }, [] {}}});
+    desk.Press(page, "cmdfetch",
+               {{"rows", [&] { return Rows(page) > 0; },
+                 [&] {
+                     Choose(page, 0);
+                     Type(page, "txtvalue", "77");
+                     Click(page, "cmdwrite");
+                     EXPECT_TRUE(Seen(page, "lblWrite"));
+                     EXPECT_TRUE(Station().Writes().empty());
+                 }},
+                {"written", [&] { return Cell(page, 0, 2) == "77"; }, [] {}}});
     EXPECT_EQ(Answer(page), "List Fetched");
     ExpectProgram(page);
     EXPECT_EQ(Cell(page, 0, 2), "77");
@@ -246,12 +228,12 @@ TEST_F(SignalScreens, ADueCollectionTakesTheLineAndTheScreenSaysSo) {
     Type(page, "txtListNo", "10");
     // The tick of 09:05 comes in the midst of a fetch.
     desk.clock.Run(299000 - desk.clock.Elapsed() % 60000);
-    Press(page, "cmdfetch");
+    desk.Press(page, "cmdfetch");
     EXPECT_EQ(Answer(page), "The line is gone: A scheduled collection has taken the line");
     EXPECT_TRUE(desk.Master(1).Bool("sampledtoday")) << desk.RtuErr();
     EXPECT_FALSE(Enabled(page, "cmd_save"));
     // With no line nothing is read and nothing said; a value that was entered is not sent later.
-    Press(page, "cmdfetch");
+    desk.Press(page, "cmdfetch");
     EXPECT_EQ(Answer(page), "");
     EXPECT_EQ(Rows(page), 0);
 }
@@ -260,7 +242,7 @@ TEST_F(SignalScreens, WithoutALineAValueIsNotWritten) {
     Connect();
     auto& page = OpenList();
     Type(page, "txtListNo", "10");
-    Press(page, "cmdfetch");
+    desk.Press(page, "cmdfetch");
     Answer(page);
     Choose(page, 0);
     Type(page, "txtvalue", "5");
@@ -276,16 +258,17 @@ TEST_F(SignalScreens, WithoutALineAValueIsNotWritten) {
 TEST_F(SignalScreens, ASearchByNameAndByAttribute) {
     Connect();
     Click(*paralist, "cmdSignalSearch");
-    auto& page = Front<desk::frmSignalSearch>();
+    auto& page = desk.Front<desk::frmSignalSearch>();
     EXPECT_TRUE(The<QRadioButton>(page, "Option1_1").isChecked());
     const std::string name = Program().Signals()[0].description;
     Type(page, "txtSigName", QString::fromStdString(name).toLower());
     EXPECT_EQ(The<QLineEdit>(page, "txtSigName").text().toStdString(), name);
-    Press(page, "cmdSearch",
-          {{"running", [&] { return Enabled(page, "cmdStop"); },
-            [&] {
-                EXPECT_FALSE(Enabled(page, "cmdSearch") || Enabled(page, "cmdClose") || Enabled(page, "txtSigName"));
-            }}});
+    desk.Press(
+        page, "cmdSearch",
+        {{"running", [&] { return Enabled(page, "cmdStop"); },
+          [&] {
+              EXPECT_FALSE(Enabled(page, "cmdSearch") || Enabled(page, "cmdClose") || Enabled(page, "txtSigName"));
+          }}});
     EXPECT_EQ(Answer(page), "Collected");
     ASSERT_EQ(Rows(page), 1);
     EXPECT_THAT(Cell(page, 0, 1), StartsWith(name));
@@ -296,7 +279,7 @@ TEST_F(SignalScreens, ASearchByNameAndByAttribute) {
     EXPECT_THAT(Saved(page, "cmdSaveExcel"), HasSubstr("1\t" + name));
 
     Type(page, "txtSigName", "no such*");
-    Press(page, "cmdSearch");
+    desk.Press(page, "cmdSearch");
     EXPECT_EQ(support::Box(page), nullptr);
     ASSERT_EQ(Rows(page), 1);
     EXPECT_EQ(Cell(page, 0, 1), "Signal Not Found");
@@ -312,11 +295,11 @@ TEST_F(SignalScreens, ASearchByNameAndByAttribute) {
 
     Click(page, "Option1_1");
     Type(page, "txtSigName", "*");
-    Press(page, "cmdSearch", {{"rows", [&] { return Rows(page) > 0; }, [&] { Click(page, "cmdStop"); }}});
+    desk.Press(page, "cmdSearch", {{"rows", [&] { return Rows(page) > 0; }, [&] { Click(page, "cmdStop"); }}});
     EXPECT_THAT(Answer(page), HasSubstr("up to the stop"));
     // The station falls silent behind the first reply: what was found stays.
-    Press(page, "cmdSearch",
-          {{"rows", [&] { return Rows(page) > 0; }, [&] { desk.line.Attach(1, *field->Station(3)->device); }}});
+    desk.Press(page, "cmdSearch",
+               {{"rows", [&] { return Rows(page) > 0; }, [&] { desk.line.Attach(1, *field->Station(3)->device); }}});
     EXPECT_EQ(Answer(page), "Error Occured in Communication");
     EXPECT_GT(Rows(page), 0);
 }
@@ -325,19 +308,19 @@ TEST_F(SignalScreens, ByACallOfItsOwnFromTheMenuAndOnAMicro) {
     field = &desk.OpenField();
     auto& menu = desk.Open<desk::frmHisErrLog>();
     Click(menu, "cmd_list");
-    auto& page = Front<desk::frmfetchlist>();
+    auto& page = desk.Front<desk::frmfetchlist>();
     auto& nodes = The<QComboBox>(page, "cmbnodename");
     EXPECT_EQ(nodes.count(), 2);  // those on BSAP
     nodes.setCurrentIndex(0);
     Type(page, "txtListNo", "10");
-    Press(page, "cmdfetch");
+    desk.Press(page, "cmdfetch");
     EXPECT_EQ(Answer(page), "List Fetched");
     ExpectProgram(page);
     EXPECT_FALSE(desk.line.PortOpen());
     Choose(page, 0);
     EXPECT_FALSE(Seen(page, "frmvalue"));
     desk.line.Attach(1, *field->Station(3)->device);  // another station behind the port
-    Press(page, "cmdfetch");
+    desk.Press(page, "cmdfetch");
     EXPECT_EQ(Answer(page), "RTU Dead");
     EXPECT_EQ(support::Box(page), nullptr);
     EXPECT_TRUE(Enabled(page, "cmdfetch"));
@@ -345,9 +328,9 @@ TEST_F(SignalScreens, ByACallOfItsOwnFromTheMenuAndOnAMicro) {
     auto& cw = desk.Open<desk::frm_CWM>(2);
     Click(cw, "cmdConnect");
     Click(cw, "cmd_fetch");
-    auto& list = Front<desk::frmparafetchlist>();
+    auto& list = desk.Front<desk::frmparafetchlist>();
     Type(list, "txtListNo", "10");
-    Press(list, "cmdfetch");
+    desk.Press(list, "cmdfetch");
     EXPECT_EQ(Answer(list), "List Fetched");
     EXPECT_EQ(Rows(list), static_cast<int>(Station(2).Lists().at(10)->Signals().size()));
 }

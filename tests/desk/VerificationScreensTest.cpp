@@ -16,7 +16,6 @@
 #include "session/Session.h"
 #include "support/BookCells.h"
 #include "support/ScreenDesk.h"
-#include "support/Script.h"
 
 namespace {
 
@@ -102,11 +101,8 @@ struct VerificationScreens : testing::Test {
     }
     // Fetches a list, makes the steps in its waits, and gives what the operator is told at its end.
     std::string Fetch(const QWidget& page, const QString& list, std::vector<support::Script::Step> steps = {}) {
-        const auto script = std::make_shared<support::Script>(std::move(steps));
-        desk.clock.Every(20, [script] { script->Turn(); });
         Type(page, list);
-        Click(page, "cmdfetch");
-        EXPECT_EQ(script->Missing(), "");
+        desk.Press(page, "cmdfetch", std::move(steps));
         return Answer(page);
     }
     static void Type(const QWidget& page, const QString& list) {

@@ -6,35 +6,18 @@
 #include <QPushButton>
 #include <QTest>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "desk/core/Desk.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/Page.h"
 #include "support/CollectionDesk.h"
+#include "support/Script.h"
 
 namespace support {
-
-// A desk with a window for its screens, on the delivered database and the virtual clock. Clicks and keys reach the page
-// in front as an operator's do.
-class ScreenDesk : public CollectionDesk {
-  public:
-    using CollectionDesk::CollectionDesk;
-
-    desk::Navigator window;
-    desk::Desk desk{dbconn, shared, logs, clock, feedback, fieldLine, counters, scheduler, mail, window};
-
-    // Opens a page in the window, which is as large as the smallest screen.
-    template <class Form, class... Arguments>
-    Form& Open(Arguments&&... arguments) {
-        auto* form = new Form(desk, std::forward<Arguments>(arguments)...);
-        window.resize(1024, 680);
-        window.Open(form);
-        window.show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-        return *form;
-    }
-};
 
 // A control of a page by its name; the test ends where there is none.
 template <class Control = QWidget>
@@ -99,5 +82,48 @@ inline std::string Focus(const QWidget& page) {
     const QWidget* focus = page.focusWidget();
     return focus == nullptr ? "" : focus->objectName().toStdString();
 }
+
+// A desk with a window for its screens, on the delivered database and the virtual clock. Clicks and keys reach the page
+// in front as an operator's do.
+class ScreenDesk : public CollectionDesk {
+  public:
+    using CollectionDesk::CollectionDesk;
+
+    desk::Navigator window;
+    desk::Desk desk{dbconn, shared, logs, clock, feedback, fieldLine, counters, scheduler, mail, window};
+
+    // Opens a page in the window, which is as large as the smallest screen.
+    template <class Form, class... Arguments>
+    Form& Open(Arguments&&... arguments) {
+        auto* form = new Form(desk, std::forward<Arguments>(arguments)...);
+        window.resize(1024, 680);
+        window.Open(form);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        return *form;
+    }
+
+    // The page in front, which is one of these.
+    template <class Form>
+    Form& Front() {
+        auto* form = dynamic_cast<Form*>(window.Front());
+        if (form == nullptr) {
+            throw std::runtime_error("another page is in front");
+        }
+        return *form;
+    }
+
+    // Does something that waits, and makes the steps meanwhile.
+    void During(std::vector<Script::Step> steps, const std::function<void()>& work) {
+        const auto script = std::make_shared<Script>(std::move(steps));
+        clock.Every(20, [script] { script->Turn(); });
+        work();
+        EXPECT_EQ(script->Missing(), "");
+    }
+    // The same with a command that is pressed.
+    void Press(const QWidget& page, const char* command, std::vector<Script::Step> steps = {}) {
+        During(std::move(steps), [&] { Click(page, command); });
+    }
+};
 
 }  // namespace support
