@@ -218,7 +218,7 @@ TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
     EXPECT_EQ(Answer(page), "Stop Communitcation...");
     Click(page, "cmd_archive");
     auto& archive = desk.Front<desk::frmparaarchive>();
-    Press(archive, "cmdGo");
+    desk.Press(archive, "cmdGo");
     EXPECT_THAT(Answer(archive), HasSubstr("new, 0 known."));
     Click(archive, "cmdClose");
     desk.Press(page, "cmddisconnect");
