@@ -5,5 +5,5 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 tools/install.sh
-tools/build.sh release
+tools/build.sh release norwen fieldsim demo_register
 exec tools/demo.sh

@@ -1,7 +1,5 @@
 #include "collection/GasComposition.h"
 
-#include <cfloat>
-#include <charconv>
 #include <cmath>
 
 #include "core/Text.h"
@@ -11,20 +9,11 @@ namespace collection {
 
 namespace {
 
-// The whole of a text as a number, without the blanks around it.
-template <typename Number>
-std::optional<Number> WholeNumber(const std::string& text) {
-    const std::string trimmed = core::Trim(text);
-    const char* const end = trimmed.data() + trimmed.size();
-    Number number{};
-    const auto read = std::from_chars(trimmed.data(), end, number);
-    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
-}
-
 // A register's number in the map, from 1. A list position, "54-94", is none.
 std::optional<int> RegisterOf(const std::string& startaddress) {
-    const auto number = WholeNumber<int>(startaddress);
-    return number && *number >= 1 && *number <= 65536 ? number : std::nullopt;
+    const auto number = core::EnteredNumber(startaddress);
+    const bool isRegister = number && *number >= 1 && *number <= 65536 && *number == std::floor(*number);
+    return isRegister ? std::optional(static_cast<int>(*number)) : std::nullopt;
 }
 
 }  // namespace
@@ -59,11 +48,6 @@ void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const s
                            {locationID, component.description, component.startaddress, component.value});
         }
     });
-}
-
-std::optional<double> GasValue(const std::string& text) {
-    const auto value = WholeNumber<double>(text);
-    return value && std::fabs(*value) <= FLT_MAX ? value : std::nullopt;
 }
 
 double GasSum(const std::vector<GasComponent>& components) {

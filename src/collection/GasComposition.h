@@ -33,9 +33,6 @@ std::vector<GasComponent> GasComposition(core::Database& dbconn, std::int64_t lo
 // Makes these the wanted composition of a station, in place of the one before. All or nothing. Throws DatabaseError.
 void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const std::vector<GasComponent>& components);
 
-// What an operator typed as a value: a number with a decimal point that a station's float can hold, and nothing else.
-std::optional<double> GasValue(const std::string& text);
-
 // The sum of the components, to 4 places.
 double GasSum(const std::vector<GasComponent>& components);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -82,6 +83,19 @@ double Val(std::string_view text) {
     double value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     return result.ec == std::errc() && std::isfinite(value) ? value : 0;
+}
+
+std::optional<double> EnteredNumber(std::string_view text) {
+    const std::string trimmed = Trim(text);
+    const char* const end = trimmed.data() + trimmed.size();
+    double number = 0;
+    const auto read = std::from_chars(trimmed.data(), end, number);
+    const bool isNumber = read.ec == std::errc() && read.ptr == end && std::fabs(number) <= FLT_MAX;
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+bool SameSingle(double a, double b) {
+    return std::fabs(a - b) <= 1e-6 * std::max(1.0, std::fabs(a));
 }
 
 std::string NumberText(double value) {

@@ -23,6 +23,13 @@ std::string UpperText(std::string_view text);
 // The decimal mark is a point whatever the machine's locale. Never NaN or infinite.
 double Val(std::string_view text);
 
+// The whole of a text as a number that single precision holds, blanks around it passed over: what an operator entered
+// for a station. Nothing for everything else, "1,5", "5%" and "nan" among it.
+std::optional<double> EnteredNumber(std::string_view text);
+
+// Equal as far as single precision goes, in which a station keeps its numbers.
+bool SameSingle(double a, double b);
+
 // The decimal text of a number as operators read it: up to 15 significant digits, no trailing zeros, "100" for 100.
 std::string NumberText(double value);
 

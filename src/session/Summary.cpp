@@ -2,7 +2,6 @@
 
 #include <map>
 
-#include "collection/GasComposition.h"
 #include "core/Database.h"
 #include "core/Text.h"
 #include "session/Session.h"
@@ -51,7 +50,7 @@ std::string ValueOf(SummaryForm form, const std::string& text) {
 
 SummaryAnswer SetOwn(core::Database& dbconn, const Session& session, std::string_view description,
                      const std::string& text) {
-    const auto value = collection::GasValue(text);
+    const auto value = core::EnteredNumber(text);
     if (!value) {
         return {enterProperData, true};
     }

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "collection/GasComposition.h"
 #include "core/Database.h"
 #include "core/Logs.h"
 #include "core/Text.h"
@@ -55,7 +54,7 @@ bool SetValue(const WriteContext& context, const WriteRequest& request, double v
 WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, const RowPlace& place,
                       const std::string& text) {
     const ParameterRow& row = set.At(place);
-    const auto number = collection::GasValue(text);
+    const auto number = core::EnteredNumber(text);
     const auto value = number || row.kind != DataKind::Logical
                            ? number
                            : ValueOfText(context.station.isCW, row.Description, core::Trim(text));

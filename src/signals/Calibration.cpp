@@ -206,7 +206,7 @@ std::string Calibration::Ask(Transmitter transmitter, CalibrationCommand command
     }
     Request request{transmitter, command, 0};
     if (command == CalibrationCommand::Span) {
-        const auto number = AppliedValue(applied);
+        const auto number = core::EnteredNumber(applied);
         if (!number) {
             return session::enterProperData;
         }

@@ -136,9 +136,6 @@ class Calibration {
     std::optional<Request> request_;
 };
 
-// What an operator entered as an applied value: a number that single precision holds, and nothing else.
-std::optional<double> AppliedValue(const std::string& entered);
-
 // From where to where the live value may lie for a span: 5 % of the applied value around it, both ends included. A
 // negative applied value has its lower end above the upper: the devices' users expect that every live value then fails.
 struct SpanLimit {

@@ -1,11 +1,9 @@
 // A command to a transmitter: what is sent for it, what the station says, and the line in the audit trail.
 
 #include <algorithm>
-#include <cmath>
 #include <exception>
 #include <utility>
 
-#include "collection/GasComposition.h"
 #include "core/Text.h"
 #include "signals/Calibration.h"
 
@@ -49,19 +47,10 @@ const char* CommandName(CalibrationCommand command) {
                                                  : "Restore";
 }
 
-// As far as single precision and the places of a read go.
-bool SameSingle(double a, double b) {
-    return std::fabs(a - b) <= 1e-6 * std::max(1.0, std::fabs(a));
-}
-
 constexpr const char* unknown = "Unknown";
 constexpr const char* notKnown = ", whether the station has done it is not known";
 
 }  // namespace
-
-std::optional<double> AppliedValue(const std::string& entered) {
-    return collection::GasValue(entered);
-}
 
 // Both ends to the places of a live value, or an end such as 0.315 would miss it by the last bit of a sum.
 SpanLimit LimitOf(double applied) {
@@ -130,7 +119,7 @@ std::optional<Calibration::End> Calibration::WriteSpanValue(const Request& reque
         return End{"", WhyNot() + ": the span value was sent, no command was sent"};
     }
     Take(PlaceOf(request.transmitter, CalibrationPart::SpanValue).index, taken.signals.front());
-    if (!SameSingle(request.applied, *reading.spanValue)) {
+    if (!core::SameSingle(request.applied, *reading.spanValue)) {
         return End{"", "The station has not taken the span value, it has " + core::NumberText(*reading.spanValue) +
                            ": no command was sent"};
     }

@@ -1,8 +1,5 @@
 #include "signals/SignalWriting.h"
 
-#include <cmath>
-
-#include "collection/GasComposition.h"
 #include "core/Text.h"
 #include "core/Users.h"
 #include "signals/SignalAccess.h"
@@ -13,16 +10,11 @@ namespace {
 
 constexpr int lowestLevel = 1;
 
-// As far as single precision goes, in which a station keeps its numbers.
-bool SameNumber(double a, double b) {
-    return std::fabs(a - b) <= 1e-6 * std::max(1.0, std::fabs(a));
-}
-
 bool Shows(const Signal& now, const SignalWrite& write) {
     if (write.text) {
         return now.text && *now.text == core::FromCodePage(*write.text);
     }
-    return !now.text && SameNumber(now.value, write.value);
+    return !now.text && core::SameSingle(now.value, write.value);
 }
 
 Answer Send(protocols::Conversation& talk, const SignalWrite& write) {
@@ -53,7 +45,7 @@ std::optional<SignalWrite> CheckEntry(const Signal& signal, const std::string& e
         write.value = text == WordsOf(signal).first ? 1 : 0;
         return write;
     }
-    if (const auto number = collection::GasValue(text)) {
+    if (const auto number = core::EnteredNumber(text)) {
         write.value = *number;
         return write;
     }

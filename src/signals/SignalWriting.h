@@ -27,7 +27,7 @@ struct SignalWrite {
 };
 
 // Takes an entered text for a signal: for a switch one of its words, for every other one a number, or else a text.
-// Nothing when it is empty, no number that a station can hold, or has a character that it has not.
+// Nothing when it is empty or has a character that a station has not.
 std::optional<SignalWrite> CheckEntry(const Signal& signal, const std::string& entered);
 
 enum class WriteEnd {

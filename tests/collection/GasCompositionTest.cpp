@@ -164,19 +164,7 @@ TEST_F(GasCompositionTest, ARunThatTakesTheLineEndsIt) {
     EXPECT_THAT(desk.RtuErr(), HasSubstr(notComplete));
 }
 
-TEST(GasValue, IsANumberAndNothingElse) {
-    const struct {
-        const char* text;
-        std::optional<double> value;
-    } cases[] = {
-        {"95.5", 95.5}, {" -1e-3 ", -0.001}, {"0", 0.0},   {".5", 0.5},  {"abc", {}},
-        {"1,5", {}},    {"1 2", {}},         {"5%", {}},   {"", {}},     {"nan", {}},
-        {"inf", {}},    {"1e300", {}},       {"0x10", {}}, {"1.5.", {}},
-    };
-    for (const auto& [text, value] : cases) {
-        EXPECT_EQ(collection::GasValue(text), value) << text;
-    }
-    EXPECT_EQ(collection::GasValue(std::string(10000, '9')), std::nullopt);
+TEST(GasSum, IsToFourPlaces) {
     EXPECT_EQ(collection::GasSum({{"", "", 0.1}, {"", "", 0.2}}), 0.3);
 }
 

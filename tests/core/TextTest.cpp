@@ -18,6 +18,21 @@ TEST(Val, ReadsTheLeadingNumberAndNothingElse) {
     }
 }
 
+TEST(EnteredNumber, IsANumberAndNothingElse) {
+    const struct {
+        const char* text;
+        std::optional<double> value;
+    } cases[] = {
+        {"95.5", 95.5}, {" -1e-3 ", -0.001}, {"0", 0.0},   {".5", 0.5},  {"abc", {}},
+        {"1,5", {}},    {"1 2", {}},         {"5%", {}},   {"", {}},     {"nan", {}},
+        {"inf", {}},    {"1e300", {}},       {"0x10", {}}, {"1.5.", {}},
+    };
+    for (const auto& [text, value] : cases) {
+        EXPECT_EQ(EnteredNumber(text), value) << text;
+    }
+    EXPECT_EQ(EnteredNumber(std::string(10000, '9')), std::nullopt);
+}
+
 TEST(NumberText, IsWhatAnOperatorWouldWrite) {
     const std::pair<double, const char*> cases[] = {{100, "100"}, {-1.5, "-1.5"},     {0.1 + 0.2, "0.3"},
                                                     {-0.0, "0"},  {0.0001, "0.0001"}, {123456789.25, "123456789.25"}};

@@ -22,10 +22,10 @@ namespace {
 using Fields = std::vector<std::pair<const char*, QString>>;
 
 // A dialled Modbus station, field by field as an operator types it.
-const Fields dialled{{"cmbgroupno", "2"},           {"txtconsumer", "Mill"},         {"cmbrtumake", "BB"},
-                     {"cmbmodelno", "TeleFlow"},    {"cmbcommtype", "DialUp Modem"}, {"cmbcommport", "COM4"},
-                     {"cmbbaudrate", "9600,N,8,1"}, {"txtphoneno", "5550142"},       {"cmbsysvolttype", "12 VDC"},
-                     {"cmbprotocol", "Modbus"},     {"txtslaveaddres", "6"}};
+const Fields dialledMill{{"cmbgroupno", "2"},           {"txtconsumer", "Mill"},         {"cmbrtumake", "BB"},
+                         {"cmbmodelno", "TeleFlow"},    {"cmbcommtype", "DialUp Modem"}, {"cmbcommport", "COM4"},
+                         {"cmbbaudrate", "9600,N,8,1"}, {"txtphoneno", "5550142"},       {"cmbsysvolttype", "12 VDC"},
+                         {"cmbprotocol", "Modbus"},     {"txtslaveaddres", "6"}};
 
 struct ConfigStationTest : testing::Test {
     support::ScreenDesk desk;
@@ -90,7 +90,7 @@ TEST_F(ConfigStationTest, SaysWhatIsMissingAndPutsTheCursorThere) {
                           Case{"txtconsumer", "river", "Consumer Name Exists", "txtconsumer"},
                           Case{"cmbgroupno", "3", "You can't add more station in this group", "cmbgroupno"},
                           Case{"cmbsysvolttype", "", "System Type Should not be blank", "cmbsysvolttype"}}) {
-        AddTyped(dialled);
+        AddTyped(dialledMill);
         Enter(c.field, c.text);
         Click(*form, "cmdsave");
         EXPECT_EQ(Answer(*form), c.message) << c.field;
@@ -98,7 +98,7 @@ TEST_F(ConfigStationTest, SaysWhatIsMissingAndPutsTheCursorThere) {
         EXPECT_EQ(desk.Count("configdata_master"), 11);
         Click(*form, "cmdCancel");
     }
-    AddTyped(dialled);
+    AddTyped(dialledMill);
     Enter("txtdelay", "99");
     Click(*form, "cmdsave");
     EXPECT_EQ(Answer(*form), "Select proper Delay Time");
@@ -238,7 +238,7 @@ TEST_F(ConfigStationTest, BrowsesAddsAndEditsWithTheCommandsOfEach) {
     EXPECT_EQ(Focus(*form), "cmbgroupno");
     EXPECT_EQ(The<QLabel>(*form, "lbllocation").text(), "1");
     Click(*form, "cmdCancel");
-    AddTyped(dialled);
+    AddTyped(dialledMill);
     Click(*form, "cmdsave");
     EXPECT_EQ(Commands(), "add edit delete Close Grid");
     Click(*form, "cmdedit");

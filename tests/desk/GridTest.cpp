@@ -66,8 +66,6 @@ class GridTest : public testing::Test {
     GridPage& page = screen.Open<GridPage>();
 };
 
-}  // namespace
-
 TEST_F(GridTest, TypingLeavesTheRowsThatHoldIt) {
     page.grid.SelectRow(1);
     QSignalSpy chosen(&page.grid, &Grid::RowChosen);
@@ -240,3 +238,5 @@ TEST_F(GridTest, RowsThatArriveKeepThePlace) {
     EXPECT_LT(grid.columnWidth(1), 1500);
     EXPECT_LE(grid.columnWidth(0), before[3]);
 }
+
+}  // namespace

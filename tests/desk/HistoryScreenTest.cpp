@@ -18,6 +18,7 @@
 
 namespace {
 
+using support::AltKey;
 using support::Answer;
 using support::Click;
 using support::Focus;
@@ -62,14 +63,6 @@ Texts Lines(const QWidget& page) {
 const std::string caption =
     "Date Time:                              |PRESSURE                |FLOW 'N'                ";
 
-void Key(const QWidget& page, Qt::Key key) {
-    QTest::keyClick(page.window()->focusWidget(), key, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&page] {
-        const auto commands = page.findChildren<QAbstractButton*>();
-        return std::none_of(commands.begin(), commands.end(), [](const auto* one) { return one->isDown(); });
-    }));
-}
-
 // The box at the end of a view, which is answered.
 std::string End(const QWidget& page) {
     EXPECT_TRUE(QTest::qWaitFor([&page] { return support::Box(page) != nullptr; }));
@@ -109,7 +102,7 @@ TEST_F(HistoryScreenTest, ViewsAStreamByKeysAlone) {
     EXPECT_EQ(The<QDateEdit>(form, "DTPicker2").date(), QDate(2026, 3, 10));
     EXPECT_FALSE(The(form, "DTPicker1").isEnabled());
     EXPECT_FALSE(The(form, "cmdStop").isEnabled());
-    Key(form, Qt::Key_V);
+    AltKey(form, Qt::Key_V);
     EXPECT_EQ(End(form), "Collected");
     EXPECT_EQ(Lines(form),
               (Texts{caption, "09/03/2026   0:0:0|0.5|0", "09/03/2026   1:0:0|1.5|10", "09/03/2026   2:0:0|2.5|20",
@@ -118,13 +111,13 @@ TEST_F(HistoryScreenTest, ViewsAStreamByKeysAlone) {
     EXPECT_EQ(Focus(form), "Grid");
     EXPECT_FALSE(The(form, "pgb").isVisible());
 
-    Key(form, Qt::Key_N);
+    AltKey(form, Qt::Key_N);
     QTest::keyClick(&The(form, "cmbStream"), Qt::Key_Down);
-    Key(form, Qt::Key_V);
+    AltKey(form, Qt::Key_V);
     EXPECT_EQ(End(form), "Collected");
     EXPECT_EQ(Lines(form).size(), 4U);
-    Key(form, Qt::Key_D);
-    Key(form, Qt::Key_V);
+    AltKey(form, Qt::Key_D);
+    AltKey(form, Qt::Key_V);
     EXPECT_EQ(End(form), "Collected");
     EXPECT_EQ(Lines(form), Texts{"Date Time:                              "});
     EXPECT_EQ(Says(form), "No record is stored for this choice.");
@@ -139,7 +132,7 @@ TEST_F(HistoryScreenTest, ViewsAStreamByKeysAlone) {
 TEST_F(HistoryScreenTest, EqualDatesMoveTheStartOnAndNothingIsFound) {
     Store(30);
     auto& form = Open();
-    Key(form, Qt::Key_T);
+    AltKey(form, Qt::Key_T);
     EXPECT_TRUE(The(form, "DTPicker1").isEnabled());
     Click(form, "cmdView");
     EXPECT_EQ(End(form), "Collected");
@@ -149,7 +142,7 @@ TEST_F(HistoryScreenTest, EqualDatesMoveTheStartOnAndNothingIsFound) {
     EXPECT_EQ(End(form), "Collected");
     EXPECT_EQ(Lines(form), Texts{caption});
     EXPECT_EQ(The<QDateEdit>(form, "DTPicker1").date(), QDate(2026, 3, 10));
-    Key(form, Qt::Key_A);
+    AltKey(form, Qt::Key_A);
     EXPECT_FALSE(The(form, "DTPicker1").isEnabled());
 }
 
@@ -206,7 +199,7 @@ TEST_F(HistoryScreenTest, DrawsTheChosenColumnsWithGaps) {
     End(form);
     EXPECT_EQ(Drawn(form, "PRESSURE"), "0.5 1.5 2.5, 4.5 5.5");
     EXPECT_EQ(Drawn(form, "FLOW 'N'"), "");
-    Key(form, Qt::Key_U);
+    AltKey(form, Qt::Key_U);
     auto& list = The<QListWidget>(form, "lstColumns");
     QTest::keyClick(&list, Qt::Key_Down);
     QTest::keyClick(&list, Qt::Key_Space);
@@ -231,7 +224,7 @@ TEST_F(HistoryScreenTest, ZoomsByKeysAndMouseAndBack) {
     const auto hours = [&chart] { return (chart.Shown().to - chart.Shown().from) / 3600; };
     const double begin = chart.Shown().from;
     EXPECT_EQ(hours(), 96);
-    Key(form, Qt::Key_I);
+    AltKey(form, Qt::Key_I);
     EXPECT_EQ(hours(), 48);
     EXPECT_EQ(chart.Shown().from, begin + 24 * 3600);
     chart.setFocus();

@@ -25,6 +25,7 @@
 
 namespace {
 
+using support::AltKey;
 using support::Answer;
 using support::Box;
 using support::Click;
@@ -75,15 +76,6 @@ void TypeDate(const QWidget& page, const char* name, const QString& date) {
     field.setFocus();
     field.setSelectedSection(QDateTimeEdit::DaySection);
     QTest::keyClicks(&field, QString(date).remove('/'));
-}
-
-// The key of a command or a field, with Alt. A command is down for a moment before it runs.
-void Key(const QWidget& page, Qt::Key key) {
-    QTest::keyClick(page.window()->focusWidget(), key, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&page] {
-        const auto commands = page.findChildren<QPushButton*>();
-        return std::none_of(commands.begin(), commands.end(), [](const QPushButton* one) { return one->isDown(); });
-    }));
 }
 
 void Choose(const QWidget& page, const char* name, const QString& text) {
@@ -137,18 +129,18 @@ TEST_F(HistLogTest, ListsAStationByKeysAlone) {
     EXPECT_FALSE(The(form, "cmbNode").isVisible());
     EXPECT_FALSE(The(form, "cmdList").isEnabled());
     TypeDate(form, "DTPicker1", "07/03/2026");
-    Key(form, Qt::Key_G);
+    AltKey(form, Qt::Key_G);
     EXPECT_EQ(Focus(form), "cmbNode");
     EXPECT_TRUE(The(form, "Label3").isVisible());
     EXPECT_EQ(The<QComboBox>(form, "cmbNode").itemText(0), "1-O'Hara & <b>Sons</b>");
     EXPECT_EQ(Lines(form, "Grid"), Texts{"--|07/03/2026|08/03/2026|09/03/2026"});
-    Key(form, Qt::Key_L);
+    AltKey(form, Qt::Key_L);
     EXPECT_EQ(Lines(form, "Grid"),
               (Texts{"--|07/03/2026|08/03/2026|09/03/2026", "Volume <i>net</i>[SCM]|7.123457 SCM||9",
                      "Volume <i>net</i>[SCM]|7.123457 SCM||9", "Door|OPEN||"}));
     EXPECT_EQ(Caption(form), "History Log -- 1-O'Hara & <b>Sons</b> - v10.3");
     EXPECT_EQ(Focus(form), "Grid");
-    Key(form, Qt::Key_R);
+    AltKey(form, Qt::Key_R);
     EXPECT_EQ(Lines(form, "Grid"), Texts{"--"});
     EXPECT_EQ(The<QDateEdit>(form, "DTPicker1").date(), QDate(2026, 3, 9));
     EXPECT_FALSE(The(form, "cmbNode").isVisible());
@@ -270,12 +262,12 @@ TEST_F(ChartTest, ChecksWhatIsChosen) {
 
 TEST_F(ChartTest, DrawsTheNumbersOfTheNewestYear) {
     auto& form = screen.Open<desk::frmchart>();
-    Key(form, Qt::Key_S);
+    AltKey(form, Qt::Key_S);
     EXPECT_EQ(Focus(form), "cmbLocId");
     QTest::keyClick(&The(form, "cmbLocId"), Qt::Key_Down);
-    Key(form, Qt::Key_M);
+    AltKey(form, Qt::Key_M);
     QTest::keyClicks(&The(form, "cmbMonth"), "3");
-    Key(form, Qt::Key_L);
+    AltKey(form, Qt::Key_L);
     const std::vector<QPointF> pressure{{1, 3.25}};
     EXPECT_EQ(Line(form, "Day flow (SCM)"), (std::vector<QPointF>{{1, 20.5}, {4, 50}}));
     EXPECT_EQ(Line(form, "Flowing pressure (kg/cm2)"), pressure);
@@ -283,7 +275,7 @@ TEST_F(ChartTest, DrawsTheNumbersOfTheNewestYear) {
               "7-O'Hara &amp; &lt;b&gt;Sons&lt;/b&gt;: March 2026");
     EXPECT_EQ(The<QLabel>(form, "lblflow").text(), "Volume This Month on day 5: 1000.5 SCM");
 
-    Key(form, Qt::Key_B);
+    AltKey(form, Qt::Key_B);
     EXPECT_EQ(Line(form, "Flowing pressure (kg/cm2)"), pressure);
     const auto series = The<desk::MonthDrawing>(form, "chart").chart()->series();
     const auto* bars = qobject_cast<QBarSeries*>(series.front());
@@ -358,7 +350,7 @@ TEST_F(ChartTest, AsksForTheFileWithoutWaiting) {
     Choose(form, "cmbLocId", "7");
     Choose(form, "cmbMonth", "3");
     Click(form, "cmdLineChart");
-    Key(form, Qt::Key_P);
+    AltKey(form, Qt::Key_P);
     const support::ScratchDirectory place;
     auto* dialog = form.findChild<QFileDialog*>();
     ASSERT_NE(dialog, nullptr);
@@ -406,7 +398,7 @@ TEST_F(DialoutTest, ListsAndAcknowledges) {
     // A row that came from elsewhere meanwhile is there after the acknowledgement.
     Call(4170253, "2026-03-09", false);
     for (int times = 0; times < 2; ++times) {
-        Key(form, Qt::Key_A);
+        AltKey(form, Qt::Key_A);
         Texts after = before;
         after[1] = "4170253|08/03/2026 08:05:09|True";
         after.push_back("4170253|09/03/2026|True");

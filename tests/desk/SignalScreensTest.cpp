@@ -30,7 +30,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 const demo::DemoStation corrector{"O'Neill <b>Gate</b>", "TeleCorrector", "BSAP", "", 1, 5};
-const demo::DemoStation micro{"Micro", "CW_Micro", "BSAP", "", 2, 4};
+const demo::DemoStation smallStation{"Micro", "CW_Micro", "BSAP", "", 2, 4};
 const demo::DemoStation teleFlow{"Mill", "TeleFlow+", "Modbus", "RTU", 3, 3};
 
 struct SignalScreens : testing::Test {
@@ -43,7 +43,7 @@ struct SignalScreens : testing::Test {
         desk.shared.rights.rightOnline = true;
         auto due = corrector;
         due.contracthour = "09:05";
-        for (const auto& station : {due, micro, teleFlow}) {
+        for (const auto& station : {due, smallStation, teleFlow}) {
             demo::AddStation(desk.dbconn, station);
         }
     }

@@ -17,7 +17,7 @@ namespace {
 // What a row holds that no collection has touched.
 constexpr double untouched = -999999;
 
-struct Kind {
+struct StationKind {
     const char* modelno;
     const char* protocol;
     const char* mode = "";
@@ -25,7 +25,7 @@ struct Kind {
     bool MB_CONFIG = false;  // its registers are laid out by hand
 };
 
-std::string NameOf(const testing::TestParamInfo<Kind>& info) {
+std::string NameOf(const testing::TestParamInfo<StationKind>& info) {
     std::string name = std::string(info.param.modelno) + "_" + info.param.protocol + info.param.mode +
                        (info.param.MB_CONFIG ? "_ByHand" : "");
     for (char& letter : name) {
@@ -35,7 +35,7 @@ std::string NameOf(const testing::TestParamInfo<Kind>& info) {
 }
 
 // A station of every model and protocol, from the form to the last row.
-struct StationStory : testing::TestWithParam<Kind> {
+struct StationStory : testing::TestWithParam<StationKind> {
     support::ScreenDesk desk{{2026, 3, 9, 7, 58, 30}};
     ::desk::frmconfigstation& form = Form();
     const std::int64_t location = 1;
@@ -53,7 +53,7 @@ struct StationStory : testing::TestWithParam<Kind> {
         EXPECT_EQ(Answer(form), "") << field << " " << text.toStdString();
     }
     void AddByKeys(const QString& consumer) {
-        const Kind& kind = GetParam();
+        const StationKind& kind = GetParam();
         Click(form, "cmdadd");
         if (kind.MB_CONFIG) {  // the model fixes the box as it is
             Enter("cmbprotocol", kind.protocol);
@@ -192,21 +192,23 @@ TEST_P(StationStory, IsAddedCollectedRenamedAndDeletedWithoutARowLeft) {
 
 INSTANTIATE_TEST_SUITE_P(
     EveryModelAndProtocol, StationStory,
-    testing::Values(Kind{"TeleFlow", "BSAP"}, Kind{"TeleFlow", "Modbus", "RTU"}, Kind{"TeleFlow", "Modbus", "ASCII"},
-                    Kind{"TeleFlow", "Modbus", "RTU", 1, true}, Kind{"TeleFlow", "Quantum"}, Kind{"TeleFlow+", "BSAP"},
-                    Kind{"TeleFlow+", "Modbus", "RTU"}, Kind{"TeleFlow+", "Modbus", "ASCII"},
-                    Kind{"TeleCorrector", "BSAP"}, Kind{"TeleCorrector", "Modbus", "RTU"},
-                    Kind{"TeleCorrector", "Modbus", "ASCII"}, Kind{"TeleCorrector+", "BSAP"},
-                    Kind{"TeleCorrector+", "Modbus", "RTU"}, Kind{"TeleCorrector+", "Modbus", "ASCII"},
-                    Kind{"TeleRTU", "BSAP"}, Kind{"TeleRTU", "Modbus", "RTU"}, Kind{"TeleRTU(M)", "BSAP"},
-                    Kind{"TeleRTU(M)", "Modbus", "RTU"}, Kind{"CWEFM-AGA3", "BSAP"},
-                    Kind{"CWEFM-AGA3", "Modbus", "RTU"}, Kind{"CWGFC-AGA3", "BSAP"},
-                    Kind{"CWGFC-AGA3", "Modbus", "RTU"}, Kind{"CWEFM-AGA7", "BSAP"},
-                    Kind{"CWEFM-AGA7", "Modbus", "RTU"}, Kind{"CWGFC-AGA7", "BSAP"},
-                    Kind{"CWGFC-AGA7", "Modbus", "RTU"}, Kind{"CWEFM-AGA9", "BSAP"}, Kind{"CWGFC-AGA9", "BSAP"},
-                    Kind{"CWEPAC-AGA11", "BSAP"}, Kind{"CWEFM-MultiStream", "BSAP", "", 4},
-                    Kind{"CWEFM-MultiStream", "Modbus", "RTU", 2}, Kind{"CWGFC-MultiStream", "BSAP", "", 2},
-                    Kind{"CW_Micro", "BSAP"}),
+    testing::Values(StationKind{"TeleFlow", "BSAP"}, StationKind{"TeleFlow", "Modbus", "RTU"},
+                    StationKind{"TeleFlow", "Modbus", "ASCII"}, StationKind{"TeleFlow", "Modbus", "RTU", 1, true},
+                    StationKind{"TeleFlow", "Quantum"}, StationKind{"TeleFlow+", "BSAP"},
+                    StationKind{"TeleFlow+", "Modbus", "RTU"}, StationKind{"TeleFlow+", "Modbus", "ASCII"},
+                    StationKind{"TeleCorrector", "BSAP"}, StationKind{"TeleCorrector", "Modbus", "RTU"},
+                    StationKind{"TeleCorrector", "Modbus", "ASCII"}, StationKind{"TeleCorrector+", "BSAP"},
+                    StationKind{"TeleCorrector+", "Modbus", "RTU"}, StationKind{"TeleCorrector+", "Modbus", "ASCII"},
+                    StationKind{"TeleRTU", "BSAP"}, StationKind{"TeleRTU", "Modbus", "RTU"},
+                    StationKind{"TeleRTU(M)", "BSAP"}, StationKind{"TeleRTU(M)", "Modbus", "RTU"},
+                    StationKind{"CWEFM-AGA3", "BSAP"}, StationKind{"CWEFM-AGA3", "Modbus", "RTU"},
+                    StationKind{"CWGFC-AGA3", "BSAP"}, StationKind{"CWGFC-AGA3", "Modbus", "RTU"},
+                    StationKind{"CWEFM-AGA7", "BSAP"}, StationKind{"CWEFM-AGA7", "Modbus", "RTU"},
+                    StationKind{"CWGFC-AGA7", "BSAP"}, StationKind{"CWGFC-AGA7", "Modbus", "RTU"},
+                    StationKind{"CWEFM-AGA9", "BSAP"}, StationKind{"CWGFC-AGA9", "BSAP"},
+                    StationKind{"CWEPAC-AGA11", "BSAP"}, StationKind{"CWEFM-MultiStream", "BSAP", "", 4},
+                    StationKind{"CWEFM-MultiStream", "Modbus", "RTU", 2},
+                    StationKind{"CWGFC-MultiStream", "BSAP", "", 2}, StationKind{"CW_Micro", "BSAP"}),
     NameOf);
 
 }  // namespace

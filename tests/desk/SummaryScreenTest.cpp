@@ -53,7 +53,7 @@ struct SummaryScreenTest : testing::Test {
     double Station(const char* description) { return values.ValueAt(*values.Find(description), desk.clock.Now()); }
 };
 
-std::string Text(const QWidget& page, const char* name) {
+std::string TextOf(const QWidget& page, const char* name) {
     const QObject& control = The(page, name);
     return control.property("text").toString().toStdString();
 }
@@ -69,8 +69,8 @@ TEST_F(SummaryScreenTest, FiguresAreChangedByKeysAndClicksWhileTheStationIsPolle
     values.Fix("Flowrate", 512.25);
     auto& form = desk.Open<desk::frm_summary>(session);
     EXPECT_EQ(form.windowTitle(), "Summary - v10.3");
-    EXPECT_EQ(Text(form, "lb_cur_FR"), "N/A");
-    EXPECT_EQ(Text(form, "lblconsumer"), "O'Brien's <b>Mill</b>");
+    EXPECT_EQ(TextOf(form, "lb_cur_FR"), "N/A");
+    EXPECT_EQ(TextOf(form, "lblconsumer"), "O'Brien's <b>Mill</b>");
     EXPECT_EQ(The<QTimer>(form, "Timer1").interval(), 1000);
     EXPECT_TRUE(The<QTimer>(form, "Timer1").isActive());
     const auto frame = [&] { return The(form, "fra_write").isVisible(); };
@@ -78,26 +78,26 @@ TEST_F(SummaryScreenTest, FiguresAreChangedByKeysAndClicksWhileTheStationIsPolle
               The<QTimer>(form, "Timer1").setInterval(0);  // a second is over
               QCoreApplication::processEvents();
               The<QTimer>(form, "Timer1").setInterval(1000);
-              EXPECT_EQ(Text(form, "lb_cur_FR"), "512.2500");
-              EXPECT_EQ(Text(form, "lbBatch"), "Enable");
+              EXPECT_EQ(TextOf(form, "lb_cur_FR"), "512.2500");
+              EXPECT_EQ(TextOf(form, "lbBatch"), "Enable");
               EXPECT_FALSE(frame());
               // A switch, by keys: chosen, flipped, flipped back, flipped, given.
               The(form, "lbPID_loop").setFocus();
               Key(form, Qt::Key_Return);
               EXPECT_TRUE(frame());
-              EXPECT_EQ(Text(form, "lb_para"), "PID LOOP");
-              EXPECT_EQ(Text(form, "txt_value"), "Auto");
+              EXPECT_EQ(TextOf(form, "lb_para"), "PID LOOP");
+              EXPECT_EQ(TextOf(form, "txt_value"), "Auto");
               EXPECT_EQ(Focus(form), "cmd_toggle");
               for (const char* const word : {"Manual", "Auto", "Manual"}) {
                   Key(form, Qt::Key_Space);
-                  EXPECT_EQ(Text(form, "txt_value"), word);
+                  EXPECT_EQ(TextOf(form, "txt_value"), word);
               }
               Key(form, Qt::Key_Tab);
               EXPECT_EQ(Focus(form), "cmd_ok");
               Key(form, Qt::Key_Return);
               EXPECT_FALSE(frame());
               EXPECT_EQ(Focus(form), "lbPID_loop");
-              EXPECT_EQ(Text(form, "lblreq"), "Write Request Pending.....");
+              EXPECT_EQ(TextOf(form, "lblreq"), "Write Request Pending.....");
               for (const char* const label : {"lbBatch", "lbToday", "lbPID_loop"}) {
                   Click(form, label);
                   EXPECT_FALSE(frame()) << label;
@@ -105,8 +105,8 @@ TEST_F(SummaryScreenTest, FiguresAreChangedByKeysAndClicksWhileTheStationIsPolle
           },
           [&] {
               form.Fill();
-              EXPECT_EQ(Text(form, "lblreq"), "");
-              EXPECT_EQ(Text(form, "lbPID_loop"), "Manual");
+              EXPECT_EQ(TextOf(form, "lblreq"), "");
+              EXPECT_EQ(TextOf(form, "lbPID_loop"), "Manual");
               EXPECT_EQ(Station("PID Loop Mode"), 1);
               // A number, by clicks; a wrong one is mended.
               Click(form, "lbFR_SP");
@@ -115,12 +115,12 @@ TEST_F(SummaryScreenTest, FiguresAreChangedByKeysAndClicksWhileTheStationIsPolle
               Type(form, "txt_value", "abc");
               Click(form, "cmd_ok");
               EXPECT_TRUE(frame());
-              EXPECT_EQ(Text(form, "lblreq"), "Enter Proper Data");
+              EXPECT_EQ(TextOf(form, "lblreq"), "Enter Proper Data");
               EXPECT_EQ(Focus(form), "txt_value");
               QTest::keyClicks(form.focusWidget(), "1250.5");
               Key(form, Qt::Key_Return);
               EXPECT_FALSE(frame());
-              EXPECT_EQ(Text(form, "lblreq"), "Write Request Pending.....");
+              EXPECT_EQ(TextOf(form, "lblreq"), "Write Request Pending.....");
           },
           [&] {
               EXPECT_EQ(Station("PID Flow Set Point"), 1250.5);
@@ -136,11 +136,11 @@ TEST_F(SummaryScreenTest, FiguresAreChangedByKeysAndClicksWhileTheStationIsPolle
               desk.shared.currentuser = "nobody";
               Click(form, "lbBatch");
               Click(form, "cmd_ok");
-              EXPECT_EQ(Text(form, "lblreq"), "Could not set. Lower user level.");
+              EXPECT_EQ(TextOf(form, "lblreq"), "Could not set. Lower user level.");
               desk.shared.rights.rightSetup = false;
               Click(form, "lbBatch");
               EXPECT_FALSE(frame());
-              EXPECT_EQ(Text(form, "lblreq"), "User Not Granted Configuration Rights");
+              EXPECT_EQ(TextOf(form, "lblreq"), "User Not Granted Configuration Rights");
           }});
     EXPECT_EQ(Station("Batch Mode"), 1);
     QSignalSpy closed(&form, &desk::Page::Closed);
@@ -152,15 +152,15 @@ TEST_F(SummaryScreenTest, WithoutALineOnlyTheOperatorsOwnFiguresAreChanged) {
     auto& form = desk.Open<desk::frm_summary>(session);
     Click(form, "lb_con_Hr");
     EXPECT_FALSE(The(form, "fra_write").isVisible());
-    EXPECT_EQ(Text(form, "lblreq"), "Not connected");
+    EXPECT_EQ(TextOf(form, "lblreq"), "Not connected");
     Click(form, "lbAdd");
-    EXPECT_EQ(Text(form, "lb_para"), "Additional");
-    EXPECT_EQ(Text(form, "txt_value"), "0");
+    EXPECT_EQ(TextOf(form, "lb_para"), "Additional");
+    EXPECT_EQ(TextOf(form, "txt_value"), "0");
     QTest::keyClicks(form.focusWidget(), "12.5");
     Key(form, Qt::Key_Enter);
     EXPECT_FALSE(The(form, "fra_write").isVisible());
-    EXPECT_EQ(Text(form, "lbAdd"), "12.5");
-    EXPECT_EQ(Text(form, "lblreq"), "");
+    EXPECT_EQ(TextOf(form, "lbAdd"), "12.5");
+    EXPECT_EQ(TextOf(form, "lblreq"), "");
     EXPECT_EQ(desk.Count("SummaryPara where lastvalue = 12.5 and description = 'Additional'"), 1);
 }
 
@@ -170,7 +170,7 @@ TEST_F(SummaryScreenTest, AValueThatWasMeantForOneStreamIsNotWrittenToAnother) {
     desk.OpenField();
     session::Session other(desk.place, desk.scheduler, view, two);
     auto& form = desk.Open<desk::frm_summary>(other);
-    EXPECT_EQ(Text(form, "lblconsumer"), "Two, stream 1");
+    EXPECT_EQ(TextOf(form, "lblconsumer"), "Two, stream 1");
     other.Connect();
     desk.clock.After(20000, [&] {
         Click(form, "lb_N2");
@@ -180,12 +180,12 @@ TEST_F(SummaryScreenTest, AValueThatWasMeantForOneStreamIsNotWrittenToAnother) {
     desk.clock.After(40000, [&] {
         Type(form, "txt_value", "1.5");
         Click(form, "cmd_ok");
-        EXPECT_EQ(Text(form, "lblconsumer"), "Two, stream 2");
+        EXPECT_EQ(TextOf(form, "lblconsumer"), "Two, stream 2");
         EXPECT_FALSE(other.WritePending());
         other.Disconnect();
     });
     other.GetData();
-    EXPECT_EQ(Text(form, "lblreq"), "Not set: another stream is shown now");
+    EXPECT_EQ(TextOf(form, "lblreq"), "Not set: another stream is shown now");
 }
 
 TEST_F(SummaryScreenTest, TheListIsShownSavedAndPrinted) {

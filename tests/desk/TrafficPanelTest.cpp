@@ -39,8 +39,6 @@ class TrafficPanelTest : public testing::Test {
     TrafficView& rx = The<TrafficView>(panel, "gridRX");
 };
 
-}  // namespace
-
 TEST_F(TrafficPanelTest, ALineIsInThePanelOfItsDirection) {
     panel.Line("TX", Bytes(request));
     clock.WaitMs(1250);
@@ -121,3 +119,5 @@ TEST_F(TrafficPanelTest, AMarkLightsUpAndGoesBackToGreen) {
     EXPECT_EQ(sent.Colour().rgba(), green);
     EXPECT_EQ(received.Colour().rgba(), green);
 }
+
+}  // namespace

@@ -32,8 +32,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr std::int64_t twin = 1;
-constexpr std::int64_t dialled = 2;
+constexpr std::int64_t twinID = 1;
+constexpr std::int64_t dialledID = 2;
 constexpr core::DateTime start{2026, 3, 9, 23, 58, 0};
 constexpr int numbers = 20;  // in list 54, in two replies
 
@@ -52,7 +52,7 @@ struct VerificationScreens : testing::Test {
     // The far side, on which list 54 of both stations holds the numbers 1 to 20 and list 55 what there is else.
     void OpenField(const fieldsim::FieldOptions& options = {}) {
         field = &desk.OpenField(options);
-        for (const std::int64_t station : {twin, dialled}) {
+        for (const std::int64_t station : {twinID, dialledID}) {
             std::vector<Signal> analogs;
             for (int n = 1; n <= numbers; ++n) {
                 analogs.push_back({n, "S'" + std::to_string(n) + ".V", "bar", Kind::Float, static_cast<double>(n)});
@@ -70,12 +70,12 @@ struct VerificationScreens : testing::Test {
     }
     // What the engineer does to the program.
     void ChangeTheProgram() {
-        auto& analogs = List(twin, 54);
+        auto& analogs = List(twinID, 54);
         analogs.SetValue("S'2.V", 2.5);
         analogs.Replace("S'3.V", {3, "S'3.V", "", Kind::Text, 0, -1, "HIGH"});
         analogs.Insert(5, {5, "NEW", "", Kind::Float, 99});
         analogs.Remove("S'18.V");
-        auto& others = List(twin, 55);
+        auto& others = List(twinID, 55);
         others.SetValue("Tap Type", 0);
         others.Replace("Door Position", {2, "DOOR", "", Kind::Float, 1});
         others.Vacate("SITE.NAME.");
@@ -170,7 +170,7 @@ std::vector<std::string> Expected() {
 
 TEST_F(VerificationScreens, AChangedProgramIsComparedWithWhatItWas) {
     OpenField();
-    Launcher(twin, true);
+    Launcher(twinID, true);
     auto& before = Front<frmBeforeChange>("cmdBefore");
     EXPECT_EQ(before.windowTitle(), "Before Change - v10.3");
     EXPECT_EQ(The<QComboBox>(before, "cmbnodename").currentText(), "O'Neill");
@@ -195,7 +195,7 @@ TEST_F(VerificationScreens, AChangedProgramIsComparedWithWhatItWas) {
                           "or sr_no=20 order by list_no,sr_no"),
         (std::vector<std::string>{"S'20.V (Analog)=20 bar", "Tap Type (Logical Alarm)=PIPE ",
                                   "Door Position (Logical)=OPEN ", "SITE.NAME.=KOL ", "LAST (System Signal)=0.25 "}));
-    EXPECT_EQ(field->Station(twin)->bsap->SignOns(), 3);  // with the password, each time
+    EXPECT_EQ(field->Station(twinID)->bsap->SignOns(), 3);  // with the password, each time
     EXPECT_EQ(paralist->GetSession()->GetState(), session::State::Connected);
     Click(before, "cmdClose");
 
@@ -260,7 +260,7 @@ TEST_F(VerificationScreens, AChangedProgramIsComparedWithWhatItWas) {
 
 TEST_F(VerificationScreens, StoredListsAreShownWithTheirDates) {
     OpenField();
-    Launcher(dialled, false);
+    Launcher(dialledID, false);
     auto* before = &Front<frmBeforeChange>("cmdBefore");
     Click(*before, "cmdView");
     EXPECT_EQ(Answer(*before), "List is not collected");
@@ -306,7 +306,7 @@ TEST_F(VerificationScreens, StoredListsAreShownWithTheirDates) {
 // How a fetch ends otherwise: nothing is stored, and what was stays.
 TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
     OpenField();
-    Launcher(twin, false);
+    Launcher(twinID, false);
     auto& page = Front<frmBeforeChange>("cmdBefore");
     EXPECT_EQ(Fetch(page, "54"), "List Fetched");
     const auto before = desk.dbconn.Texts("select para_value from tblBeforeChange");
@@ -327,7 +327,7 @@ TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
     for (std::size_t step = 0; step < 5; ++step) {
         for (const Fault fault : {Fault::Silence, Fault::Cut}) {
             fieldsim::FieldOptions options;
-            auto& script = options.faults[twin].script;
+            auto& script = options.faults[twinID].script;
             script.resize(step, Fault::None);
             script.resize(step + 40, fault);
             OpenField(options);
@@ -370,32 +370,32 @@ TEST_F(VerificationScreens, AScheduledCollectionWaitsForAFetch) {
     desk.fieldLine.WhenReleased([this] { desk.clock.After(1, [this] { desk.scheduler.Serve(); }); });
     std::uint64_t tick = 0;
     for (const bool connected : {false, true}) {
-        Launcher(twin, connected);
+        Launcher(twinID, connected);
         auto& page = Front<frmBeforeChange>("cmdBefore");
         Answer(page);  // that it is collected, the second time
         tick = (desk.clock.Elapsed() / 60000 + 1) * 60000;
         const auto at = core::FromSeconds(core::ToSeconds(start) + static_cast<std::int64_t>(tick) / 1000);
         desk.dbconn.Execute("update configdata_master set contracthour=?,sampledtoday=0 where locationID=?",
-                            {core::TimeText(at).substr(0, 5), dialled});
+                            {core::TimeText(at).substr(0, 5), dialledID});
         desk.clock.Run(tick - desk.clock.Elapsed() - 400);
         EXPECT_EQ(Fetch(page, "54",
                         {{"due", [&] { return desk.clock.Elapsed() > tick + 100; },
                           [&] {
                               EXPECT_TRUE(desk.fieldLine.InUse());
                               EXPECT_FALSE(desk.scheduler.InHand());
-                              EXPECT_FALSE(desk.Master(dialled).Bool("sampledtoday"));
+                              EXPECT_FALSE(desk.Master(dialledID).Bool("sampledtoday"));
                           }}}),
                   "List Fetched");
         EXPECT_EQ(Rows(page).Rows(), numbers);
         desk.clock.Run(30000);  // no tick lies in these
-        EXPECT_TRUE(desk.Master(dialled).Bool("sampledtoday")) << connected << desk.RtuErr();
+        EXPECT_TRUE(desk.Master(dialledID).Bool("sampledtoday")) << connected << desk.RtuErr();
         Click(page, "cmdClose");
     }
 }
 
 TEST_F(VerificationScreens, FilesOfAComparison) {
     OpenField();
-    Launcher(twin, false);
+    Launcher(twinID, false);
     auto& verify = Front<frmVerify>("cmdDataVerification");
     EXPECT_EQ(Verify(verify), "Verification complete");
     EXPECT_EQ(Label(verify, "lblsummary"), "No list of this station is collected.");

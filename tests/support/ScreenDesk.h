@@ -5,6 +5,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -32,6 +33,16 @@ Control& The(const QWidget& page, const char* name) {
 inline void Click(const QWidget& page, const char* name) {
     QTest::mouseClick(&The(page, name), Qt::LeftButton);
     QCoreApplication::processEvents();
+}
+
+// The key of a command or a field, with Alt. A command is down for a moment before it runs.
+inline void AltKey(const QWidget& page, Qt::Key key) {
+    QTest::keyClick(page.window()->focusWidget(), key, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&page] {
+        const auto commands = page.findChildren<QAbstractButton*>();
+        return std::none_of(commands.begin(), commands.end(),
+                            [&page](const auto* one) { return one->isDown() && one->window() == page.window(); });
+    }));
 }
 
 // Types into a field, in place of what it holds.

@@ -6,6 +6,8 @@
 #include "core/Station.h"
 #include "desk/archive/GridFile.h"
 #include "desk/archive/HistoryDrawing.h"
+#include "desk/core/Dates.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/WholeFile.h"
 #include "ui_frmHistory.h"
@@ -18,18 +20,6 @@ namespace {
 constexpr std::size_t portion = 500;
 
 constexpr int barStep = 5;
-
-core::DateTime DayOf(const QDate& date) {
-    return {date.year(), date.month(), date.day(), 0, 0, 0};
-}
-
-QDate DateOf(const core::DateTime& at) {
-    return {at.year, at.month, at.day};
-}
-
-QString Count(std::size_t rows) {
-    return QLocale(QLocale::English).toString(static_cast<qulonglong>(rows));
-}
 
 }  // namespace
 

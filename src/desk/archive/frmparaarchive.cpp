@@ -1,19 +1,12 @@
 #include "desk/archive/frmparaarchive.h"
 
 #include "desk/archive/frmCW_archive.h"
+#include "desk/core/Dates.h"
 #include "desk/core/Navigator.h"
 #include "session/Session.h"
 #include "ui_frmparaarchive.h"
 
 namespace desk {
-
-namespace {
-
-core::DateTime DayOf(const QDate& date) {
-    return {date.year(), date.month(), date.day(), 0, 0, 0};
-}
-
-}  // namespace
 
 frmparaarchive::frmparaarchive(Desk& desk, session::Session& session)
     : ArchivePage(desk, archive::Screen::frmparaarchive, &session), ui_(std::make_unique<Ui::frmparaarchive>()) {

@@ -1,19 +1,15 @@
 #include "desk/collection/frmGCWrite.h"
 
 #include "core/Feedback.h"
-#include "core/Text.h"
 #include "desk/collection/frmvalue.h"
+#include "desk/core/EngineText.h"
 #include "ui_frmGCWrite.h"
 
 namespace desk {
 
 namespace {
 
-constexpr int valueColumn = 2;
-
-QString Number(double value) {
-    return QString::fromStdString(core::NumberText(value));
-}
+constexpr int gasColumn = 2;
 
 }  // namespace
 
@@ -89,7 +85,7 @@ void frmGCWrite::EditRow(int row) {
     auto* value = new frmvalue(this, QString::fromStdString(component.description), component.value);
     connect(value, &frmvalue::Given, this, [this, row](double given) {
         components_[static_cast<std::size_t>(row)].value = given;
-        ui_->gcgrid->TextMatrix(row, valueColumn, Number(given));
+        ui_->gcgrid->TextMatrix(row, gasColumn, Number(given));
         ShowSum();
     });
     value->open();

@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "collection/DailyReport.h"
-#include "core/Text.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/WholeFile.h"
 #include "ui_frmrpt.h"
 
@@ -15,7 +15,7 @@ namespace {
 // Two places, so that the points stand below each other.
 QString Figure(double value) {
     constexpr double widest = 1e12;
-    return std::fabs(value) < widest ? QString::number(value, 'f', 2) : QString::fromStdString(core::NumberText(value));
+    return std::fabs(value) < widest ? QString::number(value, 'f', 2) : Number(value);
 }
 
 QStringList Cells(const collection::DailyLine& line) {

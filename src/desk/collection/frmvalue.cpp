@@ -1,8 +1,8 @@
 #include "desk/collection/frmvalue.h"
 
-#include "collection/GasComposition.h"
 #include "core/Text.h"
 #include "desk/core/Boxes.h"
+#include "desk/core/EngineText.h"
 #include "ui_frmvalue.h"
 
 namespace desk {
@@ -12,7 +12,7 @@ frmvalue::frmvalue(QWidget* over, const QString& description, double value)
     ui_->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
     ui_->lbldescription->setText(description);
-    ui_->txtvalue->setText(QString::fromStdString(core::NumberText(value)));
+    ui_->txtvalue->setText(Number(value));
     ui_->txtvalue->selectAll();
     ui_->txtvalue->installEventFilter(this);
     connect(ui_->cmdOk, &QPushButton::clicked, this, &frmvalue::cmdOk);
@@ -31,7 +31,7 @@ bool frmvalue::eventFilter(QObject* watched, QEvent* event) {
 
 void frmvalue::cmdOk() {
     const QString text = ui_->txtvalue->text();
-    const auto value = collection::GasValue(text.toStdString());
+    const auto value = core::EnteredNumber(text.toStdString());
     if (!value) {
         constexpr int shown = 40;  // characters of a wrong input
         ui_->txtvalue->setFocus();

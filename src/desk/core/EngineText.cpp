@@ -1,6 +1,22 @@
 #include "desk/core/EngineText.h"
 
+#include <QLocale>
+
+#include "core/Text.h"
+
 namespace desk {
+
+QString Text(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString Number(double value) {
+    return Text(core::NumberText(value));
+}
+
+QString Count(std::size_t number) {
+    return QLocale(QLocale::English).toString(static_cast<qulonglong>(number));
+}
 
 QString OneLine(const std::string& text) {
     return QString::fromStdString(text).replace('\r', ' ').replace('\n', ' ');

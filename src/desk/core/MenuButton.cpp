@@ -9,8 +9,8 @@ namespace desk {
 
 namespace {
 
-constexpr int margin = 16;
-constexpr int gap = 6;
+constexpr int buttonMargin = 16;
+constexpr int captionGap = 6;
 constexpr double captionSize = 1.35;
 
 }  // namespace
@@ -27,8 +27,8 @@ void MenuButton::setDescription(const QString& text) {
 
 QSize MenuButton::sizeHint() const {
     const QFontMetrics caption(Larger(font(), captionSize, true));
-    const int width = caption.horizontalAdvance(text()) + 2 * margin;
-    return {std::max(220, width), caption.height() + gap + 2 * fontMetrics().height() + 2 * margin};
+    const int width = caption.horizontalAdvance(text()) + 2 * buttonMargin;
+    return {std::max(220, width), caption.height() + captionGap + 2 * fontMetrics().height() + 2 * buttonMargin};
 }
 
 void MenuButton::paintEvent(QPaintEvent*) {
@@ -40,14 +40,14 @@ void MenuButton::paintEvent(QPaintEvent*) {
 
     const QFont captionFont = Larger(font(), captionSize, true);
     const int captionHeight = QFontMetrics(captionFont).height();
-    QRect place = rect().adjusted(margin, margin, -margin, -margin);
-    const int used = captionHeight + gap + 2 * fontMetrics().height();
+    QRect place = rect().adjusted(buttonMargin, buttonMargin, -buttonMargin, -buttonMargin);
+    const int used = captionHeight + captionGap + 2 * fontMetrics().height();
     place.setTop(std::max(place.top(), rect().center().y() - used / 2));
     painter.setFont(captionFont);
     painter.drawItemText(place, Qt::AlignLeft | Qt::AlignTop | Qt::TextShowMnemonic, option.palette, isEnabled(),
                          text(), QPalette::ButtonText);
     painter.setFont(font());
-    place.setTop(place.top() + captionHeight + gap);
+    place.setTop(place.top() + captionHeight + captionGap);
     painter.drawItemText(place, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, option.palette, isEnabled(),
                          description_, isEnabled() ? QPalette::PlaceholderText : QPalette::ButtonText);
 }

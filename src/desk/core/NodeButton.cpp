@@ -9,10 +9,10 @@ namespace desk {
 namespace {
 
 // The operators know the states by these colours.
-const QColor noStation(255, 192, 192);
-const QColor collected(0, 255, 0);
-const QColor notCollected(192, 192, 255);
-const QColor collecting(255, 221, 87);
+const QColor noStationColour(255, 192, 192);
+const QColor collectedColour(0, 255, 0);
+const QColor notCollectedColour(192, 192, 255);
+const QColor collectingColour(255, 221, 87);
 
 constexpr double smallest = 0.7;  // of the font's size, before a name is cut
 
@@ -26,7 +26,7 @@ Sign SignOf(NodeState state) {
         case NodeState::Collected:
             return {QStringLiteral("\u2713"), "Collected today"};
         case NodeState::NotCollected:
-            return {QStringLiteral("\u25CB"), "Not collected today"};
+            return {QStringLiteral("\u25CB"), "Not collectedColour today"};
         case NodeState::Collecting:
             return {QStringLiteral("\u25B6"), "Collecting now"};
         case NodeState::NoStation:
@@ -58,15 +58,15 @@ void NodeButton::ShowNode(const QString& consumer, NodeState state) {
 QColor NodeButton::Colour() const {
     switch (state_) {
         case NodeState::Collected:
-            return collected;
+            return collectedColour;
         case NodeState::NotCollected:
-            return notCollected;
+            return notCollectedColour;
         case NodeState::Collecting:
-            return collecting;
+            return collectingColour;
         case NodeState::NoStation:
             break;
     }
-    return noStation;
+    return noStationColour;
 }
 
 QSize NodeButton::sizeHint() const {

@@ -2,6 +2,7 @@
 
 #include "collection/NodeOverview.h"
 #include "core/Text.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "ui_frmshowdata.h"
 
@@ -22,7 +23,7 @@ frmshowdata::frmshowdata(Desk& desk, int groupno)
                 QString::fromStdString(volume.consumer + "\t" + volume.lastvalue + "\t" + volume.unit));
             total += core::Val(volume.lastvalue);
         }
-        ui_->lbltotal->setText("Total: " + QString::fromStdString(core::NumberText(core::RoundTo(total, 4))));
+        ui_->lbltotal->setText("Total: " + Number(core::RoundTo(total, 4)));
     });
     ui_->floatgrid->SelectRow(0);
 }

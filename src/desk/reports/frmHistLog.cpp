@@ -1,5 +1,6 @@
 #include "desk/reports/frmHistLog.h"
 
+#include "desk/core/Dates.h"
 #include "desk/reports/FirstColumn.h"
 #include "reports/HistoryLog.h"
 #include "ui_frmHistLog.h"
@@ -13,14 +14,6 @@ const QDate firstDay(2000, 1, 1);
 
 const QString caption = "History Log -- ";
 const QString noStation = "No station";
-
-QDate DateOf(const core::DateTime& at) {
-    return {at.year, at.month, at.day};
-}
-
-core::DateTime DayOf(const QDate& date) {
-    return {date.year(), date.month(), date.day(), 0, 0, 0};
-}
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include "core/Text.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/WholeFile.h"
 #include "desk/reports/MonthDrawing.h"
 #include "stations/StationRegister.h"
@@ -17,7 +18,7 @@ QString MonthFlow(const reports::MonthFigures& figures) {
     for (auto day = figures.days.rbegin(); day != figures.days.rend(); ++day) {
         if (day->CurrentMonthFlow) {
             return "Volume This Month on day " + QString::number(day->day) + ": " +
-                   QString::fromStdString(core::NumberText(core::RoundTo(*day->CurrentMonthFlow, 4))) + " SCM";
+                   Number(core::RoundTo(*day->CurrentMonthFlow, 4)) + " SCM";
         }
     }
     return {};

@@ -1,6 +1,7 @@
 #include "desk/session/LiveGrids.h"
 
 #include "core/Station.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
 #include "desk/session/ParameterTabs.h"
 #include "session/Session.h"
@@ -13,10 +14,6 @@ namespace {
 constexpr int addressColumn = 0;
 constexpr int valueColumn = 2;
 constexpr int unitColumn = 3;
-
-QString Text(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 // Nothing for a signal that was never read, and for the values of a unit that has no addresses.
 QString AddressCell(const session::ParameterRow& row) {

@@ -37,10 +37,6 @@ collection::Workplace WorkplaceOf(Desk& desk) {
     return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.line, desk.counters};
 }
 
-QString Text(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 }  // namespace
 
 LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t locationID)

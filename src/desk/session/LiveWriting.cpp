@@ -3,6 +3,7 @@
 #include <QCheckBox>
 
 #include "core/MAIN_Module.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
 #include "desk/session/LiveGrids.h"
 #include "desk/session/MultipleWrite.h"
@@ -14,15 +15,7 @@
 
 namespace desk {
 
-namespace {
-
 using session::Speaks;
-
-QString Text(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-}  // namespace
 
 LiveWriting::LiveWriting(session::Session& session, session::SessionView& view, const core::MAIN_Module& shared,
                          core::Logs& logs, const LiveGrids& grids, const Controls& controls)

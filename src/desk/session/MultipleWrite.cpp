@@ -10,7 +10,7 @@ namespace desk {
 
 namespace {
 
-constexpr int valueColumn = 2;
+constexpr int writtenColumn = 2;
 
 }  // namespace
 
@@ -55,8 +55,8 @@ void MultipleWrite::Leave() {
 
 void MultipleWrite::Enter(int row, const QString& text) {
     if (text != Text(row)) {
-        gcMultiGrid_->TextMatrix(row, valueColumn, text);
-        gcMultiGrid_->Mark(row, valueColumn);
+        gcMultiGrid_->TextMatrix(row, writtenColumn, text);
+        gcMultiGrid_->Mark(row, writtenColumn);
         changed_.insert(row);
         cmdMulWrite_->setEnabled(true);
     }
@@ -64,7 +64,7 @@ void MultipleWrite::Enter(int row, const QString& text) {
 }
 
 QString MultipleWrite::Text(int row) const {
-    return gcMultiGrid_->TextMatrix(row, valueColumn);
+    return gcMultiGrid_->TextMatrix(row, writtenColumn);
 }
 
 int MultipleWrite::Rows() const {

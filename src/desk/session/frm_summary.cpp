@@ -4,6 +4,7 @@
 #include <QTimer>
 
 #include "core/MAIN_Module.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "session/Session.h"
 #include "ui_frm_summary.h"
@@ -14,10 +15,6 @@ namespace {
 
 constexpr int refreshMs = 1000;
 constexpr double figureSize = 2;  // of the font's
-
-QString Text(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace
 

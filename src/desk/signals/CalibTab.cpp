@@ -1,6 +1,7 @@
 #include "desk/signals/CalibTab.h"
 
 #include "core/Text.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "ui_CalibTab.h"
 
@@ -14,8 +15,8 @@ using signals::Transmitter;
 // Behind these places single precision shows what nobody measures.
 constexpr int shownPlaces = 4;
 
-QString Number(double value) {
-    return QString::fromStdString(core::NumberText(core::RoundTo(value, shownPlaces)));
+QString Shown(double value) {
+    return Number(core::RoundTo(value, shownPlaces));
 }
 
 // What stands at the input before a command is given.
@@ -99,17 +100,17 @@ void CalibTab::NameControls() {
 
 void CalibTab::Display(const signals::TransmitterReading& reading) {
     const QString unit = QString::fromStdString(reading.unit);
-    ui_->txtLive->setText(reading.live ? Number(*reading.live) : "");
+    ui_->txtLive->setText(reading.live ? Shown(*reading.live) : "");
     ui_->lblUnit->setText(unit);
     ui_->lblAppliedUnit->setText(unit);
     const QString at = QString::fromStdString(core::TimeText(reading.at));
     ui_->lblAge->setText(!reading.live ? "" : reading.old ? "\u26A0 Old: read at " + at : "Read at " + at);
     QString inStation;
     if (reading.spanValue) {
-        inStation = "In the station: " + (Number(*reading.spanValue) + " " + unit).trimmed();
+        inStation = "In the station: " + (Shown(*reading.spanValue) + " " + unit).trimmed();
     }
     if (reading.spanValue && reading.status) {
-        inStation += ", status " + Number(*reading.status);
+        inStation += ", status " + Shown(*reading.status);
     }
     ui_->lblInStation->setText(inStation);
     ui_->txtStatus->setText(Sign(reading.result) + QString::fromStdString(reading.result));
@@ -118,11 +119,11 @@ void CalibTab::Display(const signals::TransmitterReading& reading) {
 
 // So that a technician sees before the command whether it can pass.
 void CalibTab::ShowLimit() {
-    const auto applied = signals::AppliedValue(Applied());
+    const auto applied = core::EnteredNumber(Applied());
     QString text;
     if (applied && *applied >= 0) {
         const signals::SpanLimit limit = signals::LimitOf(*applied);
-        text = "For a span the live value is from " + Number(limit.low) + " to " + Number(limit.high);
+        text = "For a span the live value is from " + Shown(limit.low) + " to " + Shown(limit.high);
     }
     ui_->lblLimit->setText(text);
 }

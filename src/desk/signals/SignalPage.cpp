@@ -21,10 +21,6 @@ using signals::Signal;
 
 constexpr const char* connectFirst = "There is no line to the station. Connect to it in its own window first.";
 
-QString Text(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 Writable WritableOf(const Signal& signal) {
     Writable writable;
     writable.description = Text(signals::NameText(signal));

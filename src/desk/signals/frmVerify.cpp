@@ -36,10 +36,6 @@ QColor DifferenceColour(const QPalette& palette) {
     return palette.color(QPalette::Base).lightness() > 128 ? QColor(0xFF, 0xF1, 0x76) : QColor(0x6B, 0x5A, 0x00);
 }
 
-QString Count(std::size_t rows) {
-    return QLocale(QLocale::English).toString(static_cast<qulonglong>(rows));
-}
-
 }  // namespace
 
 frmVerify::frmVerify(Desk& desk, const core::Station& station)
