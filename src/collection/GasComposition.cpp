@@ -1,6 +1,6 @@
 #include "collection/GasComposition.h"
 
-#include <cmath>
+#include <charconv>
 
 #include "core/Text.h"
 #include "protocols/ModbusTransact.h"
@@ -9,11 +9,15 @@ namespace collection {
 
 namespace {
 
-// A register's number in the map, from 1. A list position, "54-94", is none.
+// A register's number in the map, from 1, in digits alone. A list position, "54-94", is none, and neither is "1e2": a
+// composition is written there.
 std::optional<int> RegisterOf(const std::string& startaddress) {
-    const auto number = core::EnteredNumber(startaddress);
-    const bool isRegister = number && *number >= 1 && *number <= 65536 && *number == std::floor(*number);
-    return isRegister ? std::optional(static_cast<int>(*number)) : std::nullopt;
+    const std::string digits = core::Trim(startaddress);
+    const char* const end = digits.data() + digits.size();
+    int number = 0;
+    const auto read = std::from_chars(digits.data(), end, number);
+    const bool isRegister = read.ec == std::errc() && read.ptr == end && number >= 1 && number <= 65536;
+    return isRegister ? std::optional(number) : std::nullopt;
 }
 
 }  // namespace

@@ -118,8 +118,8 @@ TEST_F(GasCompositionTest, TheFirstRowThatFailsEndsIt) {
         const char* address;
         bool nitrogen;  // written before it
         bool all;
-    } cases[] = {{"9999", true, false},   {"9", true, true},  {"-5", false, false},
-                 {"54-94", false, false}, {"", false, false}, {"0", false, false}};
+    } cases[] = {{"9999", true, false}, {"9", true, true},      {"-5", false, false}, {"54-94", false, false},
+                 {"1e2", false, false}, {"40.0", false, false}, {"", false, false},   {"0", false, false}};
     const auto components = collection::GasComposition(desk.dbconn, location);
     for (const auto& [address, nitrogen, all] : cases) {
         field = &desk.OpenField();
