@@ -1,6 +1,10 @@
 -- The station's one database. Keys exist by use: nothing relies on a declared key, and a station is deleted table by table.
 -- Texts compare without case, since statements spell one value in several ways. Dates are ISO text.
 -- Rows that are inserted by position depend on the order of the columns.
+--
+-- The schema has a version. A file of an earlier one is brought up at the start of the program (core/Schema.cpp); both
+-- ways must lead to the same tables.
+pragma user_version = 1;
 
 -- Stations ---------------------------------------------------------------------------------------------------------
 
@@ -45,7 +49,8 @@ create table configdata_master (
   emailsubject text collate nocase,
   MB_CONFIG boolean,
   sampledtoday boolean,
-  sampleddate integer                   -- day of the month
+  sampleddate integer,                  -- day of the month
+  framing text collate nocase default 'required' -- of Modbus ASCII: 'required' or 'standard'
 );
 create index configdata_master_location on configdata_master (locationID);
 create index configdata_master_consumer on configdata_master (consumer);
@@ -65,7 +70,9 @@ create table configdata_detail (
   CFP boolean,
   RS integer,
   WS integer,
-  StreamNo integer default 1
+  StreamNo integer default 1,
+  readat text,                          -- when lastvalue was read: local time; null: never
+  quality text                          -- of the last reading: 'good', 'not received', 'refused', 'out of range', 'not confirmed'
 );
 create index configdata_detail_address on configdata_detail (locationID, StreamNo, startaddress);
 create index configdata_detail_description on configdata_detail (locationID, StreamNo, description);
@@ -116,6 +123,34 @@ create table LogParam (
 );
 create index LogParam_location on LogParam (LocationId, date);
 create index LogParam_date on LogParam (date);
+
+-- A row a run: what was to be collected, when, and what came of it. Times are local.
+create table outcome (
+  locationID integer,
+  gasday text,                          -- "2026-03-09": the day of the contract hour
+  due text,                             -- the contract hour that the run serves; null: none
+  begun text,
+  ended text,
+  how text,                             -- 'schedule', 'late', 'retry', 'hand'
+  attempts integer,
+  line text,
+  asked integer,                        -- values
+  received integer,
+  result text,                          -- 'collected', 'partly', 'not reached', 'no answer', 'refused', 'broken off'
+  reason text                           -- a sentence
+);
+create index outcome_day on outcome (locationID, gasday);
+
+-- The figures of a station's gas day. A day is known by station and day and never moves; LogParam is kept beside it.
+create table gasday (
+  locationID integer,
+  gasday text,
+  readat text,
+  dayflow double,
+  monthflow double,
+  pressure double,
+  primary key (locationID, gasday)
+) without rowid;
 
 create table Scheduler (
   Sch_date text collate nocase,
@@ -279,6 +314,13 @@ create table product_model (
 create table calibSystemSignals (name text collate nocase);
 
 create table logGen (logGen boolean);
+
+-- What an owner may choose, by name. A missing row counts as delivered.
+create table settings (
+  name text primary key,
+  value text,
+  meaning text
+) without rowid;
 
 -- Users and the audit trail ----------------------------------------------------------------------------------------
 

@@ -21,6 +21,7 @@
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "core/Ports.h"
+#include "core/Schema.h"
 #include "desk/core/Boxes.h"
 #include "desk/core/Desk.h"
 #include "desk/core/EventLoopClock.h"
@@ -144,6 +145,7 @@ int Start(QApplication& application, const StartOptions& options) {
     desk::EventLoopClock clock;
     std::unique_ptr<core::Database> dbconn;
     try {
+        core::BringUp(shared.DatabasePath());
         dbconn = std::make_unique<core::Database>(shared.DatabasePath());
         const auto logGen = dbconn->First("select * from logGen");
         shared.logGenflag = logGen && (*logGen)[0].Bool();

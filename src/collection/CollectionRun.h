@@ -1,15 +1,31 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "collection/Workplace.h"
 
 namespace collection {
 
+// What came of a run, as it is known at its end.
+enum class Result {
+    Collected,   // all that was asked for
+    Partly,      // some of it is missing or refused
+    NotReached,  // the port, the modem or the station's
+    NoAnswer,
+    Refused,    // the station answered, and gave nothing
+    BrokenOff,  // its time was up, or the program ended
+};
+
 // What a station's attempts share: the scheduler's retries and the redials of one attempt use one counter.
 struct RunState {
     bool runfailed = false;
     int attemptcount = 0;
+    // Of the attempt in hand; each attempt sets them anew.
+    Result result = Result::NoAnswer;
+    int asked = 0;  // values
+    int received = 0;
+    std::string reason;  // a sentence, empty for a whole collection
 };
 
 // One attempt to fetch today's values from one station, from its record to the hang-up. A failed transaction, a port

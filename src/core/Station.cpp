@@ -82,6 +82,7 @@ std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID) {
     }
     station.protocol = station.isCW ? "BSAP" : TextOr(*row, "protocol", "Modbus");
     station.mode = SameText(station.protocol, "Modbus") ? Trim(row->Text("mode")) : std::string();
+    station.standardFraming = SameText(Trim(row->Text("framing")), "standard");
     station.slaveaddress = Whole(*row, "slaveaddress", 1);
     station.commtimeout = std::max(0, Whole(*row, "delaytime", 2000));
     station.No_Stream = station.isMultiStream ? std::clamp(Whole(*row, "No_Stream", 1), 1, 4) : 1;

@@ -213,7 +213,7 @@ void RegisterEditor::InsertAll() {
     for (const Line* line : lines) {
         const stations::RegisterRow& row = line->row;
         const EditedRow& text = line->text;
-        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,0,?,?,?,1)",
+        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,0,?,?,?,1,null,null)",
                         {station_.choices.locationID, row.description, text.address.empty() ? "0" : text.address,
                          text.type.empty() ? row.type : text.type, ++srno, station_.choices.groupno, row.unit, row.aga,
                          row.CFP, row.RS, row.WS});

@@ -37,7 +37,7 @@ class DetailWriter {
     }
 
     void Register(const RegisterRow& row) {
-        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,?,?,?,?,1)",
+        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,?,?,?,?,1,null,null)",
                         {choices_.locationID, row.description, row.address, row.type, ++srno_, choices_.groupno,
                          row.unit, row.aga, row.address, row.CFP, row.RS, row.WS});
     }
@@ -54,7 +54,7 @@ class DetailWriter {
   private:
     void Insert(const core::Value& description, const core::Value& address, const core::Value& type,
                 const core::Row& row, int streamno) {
-        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,0,?,?,?,?)",
+        dbconn_.Execute("insert into configdata_detail values(?,?,?,?,?,0,?,?,?,0,?,?,?,?,null,null)",
                         {choices_.locationID, description, address, type, ++srno_, choices_.groupno, row["unit"],
                          row["aga"], row["CFP"], row["RS"], row["WS"], streamno});
     }

@@ -152,7 +152,7 @@ TEST_F(ProgramTest, CollectsASlaveOfSomebodyElseFromRowsPutInByHand) {
                  {"Flowing Pressure", "87", "Float"},
                  {"Tap Type", "4", "Coil(Boolean)"},
                  {"Orifice Material", "5", "Coil(Boolean)"}}) {
-            dbconn.Execute("insert into configdata_detail values(?,?,?,?,1,-1,1,'SCM','TOTRND',0,0,1,6,1)",
+            dbconn.Execute("insert into configdata_detail values(?,?,?,?,1,-1,1,'SCM','TOTRND',0,0,1,6,1,null,null)",
                            {seconds, description, address, type});
         }
     }
