@@ -86,7 +86,8 @@ void Scheduler::ServeMinute(const std::vector<DueStation>& stations) {
 }
 
 void Scheduler::ServeStation(const DueStation& station) {
-    RunState state{true, 0};
+    RunState state;
+    state.runfailed = true;
     if (station.due) {
         inHand_ = station.locationID;
         Tell(&RunWatcher::Collecting, station);
