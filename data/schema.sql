@@ -148,9 +148,9 @@ create table gasday (
   readat text,
   dayflow double,
   monthflow double,
-  pressure double,
-  primary key (locationID, gasday)
-) without rowid;
+  pressure double
+);
+create unique index gasday_day on gasday (locationID, gasday);
 
 create table Scheduler (
   Sch_date text collate nocase,

@@ -23,7 +23,8 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "attempts integer, line text, asked integer, received integer, result text, reason text)",
     "create index outcome_day on outcome (locationID, gasday)",
     "create table gasday (locationID integer, gasday text, readat text, dayflow double, monthflow double, "
-    "pressure double, primary key (locationID, gasday)) without rowid",
+    "pressure double)",
+    "create unique index gasday_day on gasday (locationID, gasday)",
     "create table settings (name text primary key, value text, meaning text) without rowid",
     "insert into settings values"
     "('calibrationlevel', '5', 'write level that calibrating a transmitter needs'),"

@@ -13,7 +13,8 @@ constexpr std::array beforeSchedule = {
     "delete from LogParam where locationID= ?",
 };
 
-// write_gc goes too: a location is used again, and the next station there must not inherit a gas composition.
+// The last three go too: a location is used again, and the next station there must not inherit a gas composition, an
+// outcome or a day.
 constexpr std::array afterSchedule = {
     "delete from mdbus_table where locationID= ?",
     "delete from SummaryPara where LocationID= ?",
@@ -26,6 +27,8 @@ constexpr std::array afterSchedule = {
     "delete from tArchiveTimeStamp where NodeId = ?",
     "delete from tArchiveColumnHeader where NodeId = ?",
     "delete from write_gc where locationid = ?",
+    "delete from outcome where locationID = ?",
+    "delete from gasday where locationID = ?",
 };
 
 }  // namespace

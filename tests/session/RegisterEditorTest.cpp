@@ -204,7 +204,7 @@ TEST_F(RegisterEditorTest, AStoredMapChangesOnlyWhereItWasEdited) {
     desk.dbconn.Execute("update configdata_detail set startaddress='20000', lastvalue=7 where srno=5");
     desk.dbconn.Execute(
         "insert into configdata_detail select 2,description,startaddress,type,srno,lastvalue,groupno,"
-        "unit,aga,MSD,CFP,RS,WS,StreamNo from configdata_detail");
+        "unit,aga,MSD,CFP,RS,WS,StreamNo,readat,quality from configdata_detail");
     AddUser("chief", 6);
     const auto before = desk.dbconn.Query("select * from configdata_detail order by locationID,srno");
 
