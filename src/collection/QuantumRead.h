@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 
+#include "collection/ValueStore.h"
 #include "collection/Workplace.h"
 
 namespace collection {
@@ -15,7 +16,7 @@ struct QuantumOptions {
 // Asks a Quantum unit for its three messages. The values of each go to their rows by description as soon as it is in,
 // and `stored` is called; behind the last the day's LogParam row is written. False: the unit was silent, or the
 // conversation ended. Throws DatabaseError.
-bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options,
+bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options, ValueStore& store,
                  const std::function<void(int message, const std::array<double, 8>& values)>& stored);
 
 }  // namespace collection

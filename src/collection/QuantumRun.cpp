@@ -1,6 +1,7 @@
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
 #include "collection/QuantumRead.h"
+#include "collection/RunTally.h"
 #include "core/Text.h"
 #include "protocols/Quantum.h"
 
@@ -9,14 +10,15 @@ namespace collection {
 namespace {
 
 // The values of one message, each under its name in the station's map and in the day's text.
-std::array<double, 8> StoreMessage(Workplace& place, const core::Station& station, const std::string& reply, int message, DayRow& day) {
+std::array<double, 8> StoreMessage(Workplace& place, const std::string& reply, int message, ValueStore& store,
+                                   DayRow& day) {
     const auto values = protocols::DecodeQuantumReply(reply, message);
     const auto& names = protocols::QuantumNames(message);
+    const std::string now = core::IsoText(place.clock.Now());
     place.dbconn.InTransaction([&] {
         for (std::size_t i = 0; i < values.size(); ++i) {
             day.desc += "#" + std::string(names[i]) + "=" + core::NumberText(values[i]);
-            place.dbconn.Execute("update configdata_detail set lastvalue=? where description=? and locationid=?",
-                                 {core::RoundTo(values[i], 4), names[i], station.locationID});
+            store.PutNamed(names[i], {values[i], core::Quality::Good, now});
         }
     });
     if (message == 1) {
@@ -30,7 +32,7 @@ std::array<double, 8> StoreMessage(Workplace& place, const core::Station& statio
 
 }  // namespace
 
-bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options,
+bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options, ValueStore& store,
                  const std::function<void(int message, const std::array<double, 8>& values)>& stored) {
     DayRow day;
     for (int message = 1; message <= protocols::quantumMessages; ++message) {
@@ -52,7 +54,7 @@ bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumO
             return false;
         }
         talk.feedback.Status("Converting Data..");
-        stored(message, StoreMessage(place, talk.station, reply, message, day));
+        stored(message, StoreMessage(place, reply, message, store, day));
     }
     UpsertLogParam(place.dbconn, talk.station.locationID, place.clock.Now(), place.clock.Now(), day);
     return true;
@@ -60,7 +62,16 @@ bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumO
 
 void CollectQuantum(Workplace& place, protocols::Conversation& talk, RunState& state) {
     constexpr double scheduledAnswerMs = 2 * 2500;
-    if (!ReadQuantum(place, talk, {true, scheduledAnswerMs}, [](int, const auto&) {})) {
+    RunTally tally;
+    ValueStore store(place.dbconn, talk.station, talk.streamno);
+    place.dbconn.InTransaction([&] { store.AskNames(); });
+    const bool whole = ReadQuantum(place, talk, {true, scheduledAnswerMs}, store, [](int, const auto&) {});
+    if (!whole) {
+        tally.Failure("The unit does not answer");
+    }
+    tally.Add(store);
+    tally.Conclude(talk, state);
+    if (!whole) {
         state.runfailed = true;
         return;
     }

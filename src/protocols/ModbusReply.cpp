@@ -59,13 +59,20 @@ class Values {
 
     // Rounded to 6 decimals, ties to even. A run takes thousands of these, so value and text are made from one whole
     // number of millionths, which a float of this range (below 2^31) never lets overflow.
-    void AddFloat(double value) {
+    void AddFloat(std::uint32_t word) {
         constexpr double scale = 1e6;
-        const long long millionths = std::llrint(value * scale);
+        const long long millionths = std::llrint(BitsToFloat(word) * scale);
+        Judge(word);
         if (Store(static_cast<double>(millionths) / scale)) {
             AppendMillionths(text, millionths);
             text += ' ';
         }
+    }
+
+    // As it came, in a framing that has no text for it.
+    void AddUnrounded(std::uint32_t word) {
+        Judge(word);
+        Add(BitsToFloat(word));
     }
 
     // Eight coils, the lowest bit first.
@@ -81,8 +88,16 @@ class Values {
     std::size_t Count() const { return next_ - 1; }
 
     std::string text;
+    std::bitset<126> outOfRange;
 
   private:
+    // Of the number that is stored next.
+    void Judge(std::uint32_t word) {
+        if (next_ < outOfRange.size()) {
+            outOfRange[next_] = IsOutOfRange(word);
+        }
+    }
+
     bool Store(double value) {
         if (next_ == modbus_.mbvalues.size()) {
             return false;
@@ -100,7 +115,9 @@ ModbusReply Reply(std::string text, std::size_t count = 0) {
 }
 
 ModbusReply Reply(Values& values) {
-    return Reply(std::move(values.text), values.Count());
+    ModbusReply reply = Reply(std::move(values.text), values.Count());
+    reply.outOfRange = values.outOfRange;
+    return reply;
 }
 
 ModbusReply NoResponse(ModbusState& modbus) {
@@ -160,7 +177,7 @@ ModbusReply DecodeFloats(ModbusState& modbus, std::string_view reply) {
     const std::string_view data = CountedData(reply);
     Values values(modbus);
     for (std::size_t at = 0; at + 4 <= data.size(); at += 4) {
-        values.AddFloat(BitsToFloat(DoubleWordAt(data, at)));
+        values.AddFloat(DoubleWordAt(data, at));
     }
     return Reply(values);
 }
@@ -236,9 +253,9 @@ ModbusReply DecodeAsciiFloats(ModbusState& modbus, std::string_view pairs) {
     constexpr std::size_t digitsPerFloat = 8;
     Values values(modbus);
     for (std::size_t at = pairsFrom; at + digitsPerFloat <= pairs.size(); at += digitsPerFloat) {
-        values.Add(HexToFloat(pairs.substr(at, digitsPerFloat)));
+        values.AddUnrounded(HexToWord(pairs.substr(at, digitsPerFloat)));
     }
-    return {values.Count() > 0 ? Kind::Values : Kind::Empty, {}, values.Count()};
+    return {values.Count() > 0 ? Kind::Values : Kind::Empty, {}, values.Count(), values.outOfRange};
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bitset>
 #include <cstddef>
 #include <string>
 
@@ -24,6 +25,8 @@ struct ModbusReply {
     std::string text;
     // How many values stand in mbvalues from index 1 on.
     std::size_t count = 0;
+    // The values, by their index in mbvalues, that are 0 because what came is out of the range of a float.
+    std::bitset<126> outOfRange{};
 
     // The station sent something that counts as its answer; an exception is one.
     bool Answered() const { return kind == Kind::Values || kind == Kind::Exception; }

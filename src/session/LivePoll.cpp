@@ -5,7 +5,6 @@
 #include "collection/BsapList.h"
 #include "collection/QuantumRead.h"
 #include "collection/StreamLists.h"
-#include "core/Text.h"
 #include "protocols/Quantum.h"
 #include "session/Speaks.h"
 
@@ -40,17 +39,25 @@ bool LivePoll::Prepare() {
     if (!Speaks(talk_.station, "Modbus")) {
         return true;
     }
-    if (talk_.station.MB_CONFIG) {
-        blocks_ = collection::Collect_StartAddress(place_.dbconn, place_.logs, talk_.station, talk_.streamno);
-    } else {
-        const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
-        blocks_ = collection::Collect_StartAddress1(counts.value_or(core::ModelCounts{}), talk_.modbus.rtu32bit);
-    }
+    const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
+    blocks_ = collection::PlanBlocks(place_.dbconn, place_.logs, talk_.station, talk_.streamno,
+                                     counts.value_or(core::ModelCounts{}));
     return !blocks_.empty();
 }
 
+// A reading that was broken off for something more urgent is none that a row can have missed.
 ReadOutcome LivePoll::Read() {
     done_ = 0;
+    set_.ForEach([](ParameterRow& row) { ++row.missedPolls; });
+    const ReadOutcome outcome = ReadByProtocol();
+    whole_ = outcome == ReadOutcome::Whole;
+    if (outcome == ReadOutcome::BrokenOff) {
+        set_.ForEach([](ParameterRow& row) { row.missedPolls -= row.missedPolls > 0 ? 1 : 0; });
+    }
+    return outcome;
+}
+
+ReadOutcome LivePoll::ReadByProtocol() {
     if (Speaks(talk_.station, "BSAP")) {
         return ReadBsap();
     }
@@ -64,20 +71,22 @@ ReadOutcome LivePoll::ReadModbus() {
     }
     progress_(0, total_);
     return collection::ReadBlocks(talk_, blocks_, protocols::onlineTransact,
-                                  [this](const collection::Block& block, auto values) {
-                                      const int step = collection::RegistersPerValue(block.type, talk_.modbus.rtu32bit);
-                                      int address = block.start;
-                                      for (const double value : values) {
-                                          const auto rows = byRegister_.find({KindOf(block.type), address});
-                                          if (rows != byRegister_.end()) {
-                                              std::for_each(rows->second.begin(), rows->second.end(),
-                                                            [&](ParameterRow* row) { Take(*row, value); });
-                                          }
-                                          address += step;
-                                      }
-                                      done_ += static_cast<int>(values.size());
-                                      progress_(done_, total_);
-                                  });
+                                  [this](const collection::BlockReply& reply) { TakeBlock(reply); });
+}
+
+void LivePoll::TakeBlock(const collection::BlockReply& reply) {
+    const int step = collection::RegistersPerValue(reply.block.type, talk_.modbus.rtu32bit);
+    for (std::size_t k = 0; k < reply.values.size(); ++k) {
+        const auto rows = byRegister_.find({KindOf(reply.block.type), reply.block.start + static_cast<int>(k) * step});
+        if (rows == byRegister_.end()) {
+            continue;
+        }
+        for (ParameterRow* row : rows->second) {
+            Take(*row, reply.values[k], reply.QualityOf(k));
+        }
+    }
+    done_ += static_cast<int>(reply.values.size());
+    progress_(done_, total_);
 }
 
 ReadOutcome LivePoll::ReadBsap() {
@@ -108,7 +117,7 @@ bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
         for (ParameterRow* row : rows->second) {
             row->MSD = list.signals[n].MSD;
             row->unit = list.signals[n].unit.empty() ? row->unit : list.signals[n].unit;
-            Take(*row, list.signals[n].value);
+            Take(*row, list.signals[n].value, collection::QualityOf(list.signals[n]));
         }
     }
     done_ += static_cast<int>(list.signals.size()) - 1;
@@ -121,40 +130,37 @@ ReadOutcome LivePoll::ReadQuantumUnit() {
         const auto& names = protocols::QuantumNames(message);
         for (std::size_t i = 0; i < values.size(); ++i) {
             if (const auto place = set_.Find("Quantum", names[i])) {
-                TakeValue(set_.At(*place), values[i]);
+                TakeValue(set_.At(*place), values[i], place_.clock.Now());
             }
         }
         progress_(message, protocols::quantumMessages);
     };
     progress_(0, protocols::quantumMessages);
     const collection::QuantumOptions options{false, static_cast<double>(talk_.CommTimeout())};
-    return collection::ReadQuantum(place_, talk_, options, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;
+    collection::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
+    return collection::ReadQuantum(place_, talk_, options, store, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;
 }
 
-void LivePoll::Take(ParameterRow& row, double value) {
-    TakeValue(row, value);
+void LivePoll::Take(ParameterRow& row, double value, core::Quality quality) {
+    TakeValue(row, value, place_.clock.Now(), quality);
     unstored_.push_back(&row);
 }
 
 void LivePoll::Store() {
-    const core::Station& station = talk_.station;
-    const bool isBsap = Speaks(station, "BSAP");
+    collection::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
+    const bool isBsap = Speaks(talk_.station, "BSAP");
+    const auto typeOf = [&](const ParameterRow& row) { return isBsap ? std::string() : row.type; };
     place_.dbconn.InTransaction([&] {
         for (const ParameterRow* row : unstored_) {
-            const double value = core::RoundTo(row->lastvalue, 4);
-            if (isBsap) {
-                place_.dbconn.Execute(
-                    "update configData_detail set lastvalue=?, unit=?, MSD=? where startaddress=? and streamNo=? and "
-                    "locationid=?",
-                    {value, core::ReplaceAll(row->unit, " ", ""), row->MSD, row->startaddress, talk_.streamno,
-                     station.locationID});
-            } else {
-                place_.dbconn.Execute(
-                    "update configData_detail set lastvalue=? where startaddress=? and locationid=? and streamNo=? and "
-                    "type=?",
-                    {value, row->startaddress, station.locationID, talk_.streamno, row->type});
-            }
+            store.Put(row->startaddress, typeOf(*row),
+                      {row->lastvalue, row->quality.value_or(core::Quality::Good), core::IsoText(*row->readat),
+                       isBsap ? row->unit : std::string(), isBsap ? std::optional(row->MSD) : std::nullopt});
         }
+        set_.ForEach([&](const ParameterRow& row) {
+            if (whole_ && row.missedPolls == 1 && !row.startaddress.empty() && row.startaddress != "0") {
+                store.Miss(row.startaddress, typeOf(row));
+            }
+        });
     });
     unstored_.clear();
 }

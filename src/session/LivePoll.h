@@ -31,8 +31,8 @@ class LivePoll {
     // Reads the station once. Throws DatabaseError.
     collection::ReadOutcome Read();
 
-    // Puts what was read since the last time into the station's map, all or nothing: values rounded to 4 places, for
-    // BSAP the unit and the signal's address too. Throws DatabaseError; then it is tried again the next time.
+    // Puts what was read since the last time into the station's map, all or nothing, and marks what a whole reading
+    // did not bring. Throws DatabaseError; then it is tried again the next time.
     void Store();
 
   private:
@@ -42,7 +42,9 @@ class LivePoll {
     collection::ReadOutcome ReadBsap();
     collection::ReadOutcome ReadQuantumUnit();
     bool ReadList(int number, bool boolean, collection::ReadOutcome& outcome);
-    void Take(ParameterRow& row, double value);
+    collection::ReadOutcome ReadByProtocol();
+    void TakeBlock(const collection::BlockReply& reply);
+    void Take(ParameterRow& row, double value, core::Quality quality);
 
     collection::Workplace& place_;
     protocols::Conversation& talk_;
@@ -52,6 +54,7 @@ class LivePoll {
     std::map<Key, std::vector<ParameterRow*>> byRegister_;
     std::map<std::string, std::vector<ParameterRow*>> byPosition_;  // "54-83"
     std::vector<ParameterRow*> unstored_;
+    bool whole_ = false;  // the last reading
     int done_ = 0;
     int total_ = 0;
 };

@@ -38,6 +38,7 @@ struct StationRecord {
     int monthday = 1;                    // 1 to 31
     std::string contracthour = "00:00";  // "hh:mm"
     bool rtubits = false;                // one register holds a whole float
+    bool typeInteger = false;            // the form's "Type Integer"; not in the register
     std::string emailto;
     std::string emailcc;
     std::string emailbcc;

@@ -132,6 +132,7 @@ stations::StationRecord StationFields::Read() const {
     record.monthday = static_cast<int>(core::Val(ui_.cmbmonthy->Text()));
     record.contracthour = ui_.DT_time->time().toString("hh:mm").toStdString();
     record.rtubits = ui_.optf1->isChecked();
+    record.typeInteger = ui_.optint->isChecked();
     record.emailto = Get(ui_.txteto);
     record.emailcc = Get(ui_.txtecc);
     record.emailbcc = Get(ui_.txtebcc);
