@@ -83,6 +83,48 @@ TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
     }
 }
 
+TEST(SessionTest, APollLeavesEveryRowItsMomentAndHowItWasRead) {
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector, quantum}) {
+        SCOPED_TRACE(station.consumer);
+        const bool isBsap = station.protocol == "BSAP";
+        SessionDesk desk;
+        desk.Open(station);
+        const auto rows = [&](const std::string& where) {
+            return desk.Count("configdata_detail where locationID=" + std::to_string(desk.locationID) + " and " +
+                              where);
+        };
+        // A row that the station's list does not have, and a unit that it leaves blank.
+        desk.dbconn.Execute(
+            "insert into configdata_detail(locationID,description,startaddress,type,srno,lastvalue,aga,StreamNo,readat,"
+            "quality,unit) values(?,'Gone','54-300','Float',999,8.5,'KEYPAD',1,'2026-03-08 08:00:07','good','')",
+            {desk.locationID});
+        desk.dbconn.Execute("update configdata_detail set unit='bar' where locationID=? and unit=''",
+                            {desk.locationID});
+        if (!isBsap) {
+            desk.dbconn.Execute("delete from configdata_detail where description='Gone'");
+        }
+        const auto blank = rows("unit='bar'");
+        const bool floats = station.protocol != "Quantum";
+        if (floats) {
+            ASSERT_TRUE(desk.field->Values(desk.locationID, 1, "Keypad N2")->Fix("Keypad N2", 3e9));
+        }
+        desk.Reopen().Connect();
+        const std::string begun = core::IsoText(desk.clock.Now());
+        desk.Behind({{}, [&] {
+                         desk.session->Parameters();
+                         if (isBsap) {
+                             EXPECT_GE(desk.session->Parameters().At(desk.Place("KEYPAD", "Gone")).missedPolls, 2);
+                         }
+                     }});
+        desk.session->GetData();
+        EXPECT_EQ(rows("quality='good' and readat>='" + begun + "'"),
+                  rows("1=1") - (floats ? 1 : 0) - (isBsap ? 1 : 0));
+        EXPECT_EQ(rows("quality='out of range' and lastvalue=0 and description='Keypad N2'"), floats ? 1 : 0);
+        EXPECT_EQ(rows("quality='not received' and lastvalue=8.5 and readat='2026-03-08 08:00:07'"), isBsap ? 1 : 0);
+        EXPECT_EQ(rows("unit='bar'"), blank);
+    }
+}
+
 TEST(SessionTest, AWriteIsEnteredPendingSentOnceAndConfirmedByTheNextPoll) {
     for (const demo::DemoStation& station : {teleFlow, teleCorrector}) {
         SCOPED_TRACE(station.consumer);
