@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/Text.h"
+#include "stations/MapBuilder.h"
 
 namespace collection {
 
@@ -63,6 +64,18 @@ int LastAddress(core::Database& dbconn, const core::Station& station, int stream
     return addresses.empty() ? 0 : addresses.back();
 }
 
+core::ModelCounts MappedCounts(core::Database& dbconn, const core::Station& station, int streamno,
+                               core::ModelCounts counts) {
+    const int size = RegistersPerValue(BlockType::Float, station.rtuBitsMode);
+    const int floats = (LastAddress(dbconn, station, streamno, BlockType::Float) + size - 1) / size;
+    const int coils = LastAddress(dbconn, station, streamno, BlockType::Coil);
+    if (floats > 0 || coils > 0) {
+        counts.floatcount = std::min(counts.floatcount, floats);
+        counts.boolcount = std::min(counts.boolcount, coils);
+    }
+    return counts;
+}
+
 }  // namespace
 
 const char* TypeText(BlockType type) {
@@ -113,20 +126,18 @@ std::vector<Block> Collect_StartAddress1(const core::ModelCounts& counts, bool r
     return blocks;
 }
 
-std::vector<Block> PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
-                              const core::ModelCounts& counts) {
+BlockPlan PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
+                     const core::ModelCounts& counts) {
+    BlockPlan plan;
     if (station.MB_CONFIG) {
-        return Collect_StartAddress(dbconn, logs, station, streamno);
+        plan.blocks = Collect_StartAddress(dbconn, logs, station, streamno);
+    } else if (!station.rtuBitsMode && stations::IsIntegerMap(dbconn, station.locationID)) {
+        return {{}, "The register map is of Type Integer, which only Modbus Configurable reads"};
+    } else {
+        plan.blocks = Collect_StartAddress1(MappedCounts(dbconn, station, streamno, counts), station.rtuBitsMode);
     }
-    core::ModelCounts mapped = counts;
-    const int size = RegistersPerValue(BlockType::Float, station.rtuBitsMode);
-    const int floats = (LastAddress(dbconn, station, streamno, BlockType::Float) + size - 1) / size;
-    const int coils = LastAddress(dbconn, station, streamno, BlockType::Coil);
-    if (floats > 0 || coils > 0) {
-        mapped.floatcount = std::min(counts.floatcount, floats);
-        mapped.boolcount = std::min(counts.boolcount, coils);
-    }
-    return Collect_StartAddress1(mapped, station.rtuBitsMode);
+    plan.fault = plan.blocks.empty() ? "No Modbus Address Found" : "";
+    return plan;
 }
 
 }  // namespace collection

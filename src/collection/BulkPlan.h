@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "core/Database.h"
@@ -39,10 +40,15 @@ std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs
 // (62 where one register holds a float, which is as much on the wire).
 std::vector<Block> Collect_StartAddress1(const core::ModelCounts& counts, bool rtu32bit);
 
-// The blocks of a station by either of them. On a fixed map no more is asked for than the map has rows for: a station
-// may refuse a whole block for the registers behind its last one. A map without rows is read by the counts of its
-// model. Throws DatabaseError.
-std::vector<Block> PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
-                              const core::ModelCounts& counts);
+// The blocks of a station, or why nothing of it can be read.
+struct BlockPlan {
+    std::vector<Block> blocks;
+    std::string fault;  // empty unless there are no blocks
+};
+
+// By either of them. On a fixed map no more is asked for than the map has rows for: a station may refuse a whole block
+// for the registers behind its last one. A map without rows is read by the counts of its model. Throws DatabaseError.
+BlockPlan PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
+                     const core::ModelCounts& counts);
 
 }  // namespace collection

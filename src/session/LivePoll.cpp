@@ -40,9 +40,13 @@ bool LivePoll::Prepare() {
         return true;
     }
     const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
-    blocks_ = collection::PlanBlocks(place_.dbconn, place_.logs, talk_.station, talk_.streamno,
-                                     counts.value_or(core::ModelCounts{}));
-    return !blocks_.empty();
+    auto plan = collection::PlanBlocks(place_.dbconn, place_.logs, talk_.station, talk_.streamno,
+                                       counts.value_or(core::ModelCounts{}));
+    blocks_ = std::move(plan.blocks);
+    if (!plan.fault.empty()) {
+        place_.logs.WriteRtuErr(plan.fault + " [" + std::to_string(talk_.station.locationID) + "]");
+    }
+    return plan.fault.empty();
 }
 
 // A reading that was broken off for something more urgent is none that a row can have missed.

@@ -73,7 +73,9 @@ TEST_F(BulkPlanTest, AMapOfManyGapsIsPlannedWhole) {
 TEST_F(BulkPlanTest, AFixedMapIsReadUpToItsLastRow) {
     Map("Float", {1, 517});
     Map("Coil(Boolean)", {75});
-    const auto plan = [&](int floats) { return PlanBlocks(desk.dbconn, desk.logs, station, 1, {floats, 80, {}}); };
+    const auto plan = [&](int floats) {
+        return PlanBlocks(desk.dbconn, desk.logs, station, 1, {floats, 80, {}}).blocks;
+    };
     EXPECT_EQ(plan(265).back(), (Block{497, 22, real}));
     EXPECT_EQ(plan(240).back(), (Block{373, 108, real}));
     EXPECT_EQ(plan(265)[1], (Block{63, 13, coil}));
