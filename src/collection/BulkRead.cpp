@@ -64,7 +64,7 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
         talk.modbus.floatread = block.type == BlockType::Float;
         const int command = block.type == BlockType::Coil ? readCoils : readHoldingRegisters;
         const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, options);
-        if (!protocols::IsAnswer(reply, options)) {
+        if (!reply.Answered()) {
             if (why != nullptr) {
                 *why =
                     (reply.kind == Kind::CrcError ? "Bad check in the answer for " : "No answer for ") + Place(block);

@@ -43,7 +43,8 @@ struct BlockReply {
 
 using TakeReply = std::function<void(const BlockReply& reply)>;
 
-// Reads one block after the other, a commtimeout behind each. `why` is told of a failure.
+// Reads one block after the other, a commtimeout behind each; one that the station refuses ends nothing. `why` is given
+// the reason of a failure.
 ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& blocks,
                        const protocols::TransactOptions& options, const TakeReply& take, std::string* why = nullptr);
 

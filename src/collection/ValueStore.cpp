@@ -59,9 +59,11 @@ void ValueStore::PutNamed(std::string_view description, const StoredValue& store
                            CleanUnit(stored.unit), SignalAddress(stored), station_.locationID, description}));
 }
 
-void ValueStore::Miss(const std::string& address, std::string_view type) {
-    dbconn_.Execute(markAsked + " and startaddress=? and StreamNo=? and (?='' or type=?)",
-                    {station_.locationID, address, streamno_, type, type});
+void ValueStore::Miss(const std::string& address, std::string_view type, core::Quality quality) {
+    dbconn_.Execute(
+        "update configdata_detail set quality=? where locationid=? and startaddress=? and StreamNo=? and "
+        "(?='' or type=?)",
+        {core::QualityText(quality), station_.locationID, address, streamno_, type, type});
 }
 
 void ValueStore::Count(core::Quality quality, int rows) {

@@ -47,8 +47,9 @@ class ValueStore {
     // The same into the rows of a description, whatever their stream.
     void PutNamed(std::string_view description, const StoredValue& stored);
 
-    // Marks the rows of an address as not received. They keep value and moment.
-    void Miss(const std::string& address, std::string_view type);
+    // Marks the rows of an address whose reading brought no value: not received, or refused. They keep value and
+    // moment.
+    void Miss(const std::string& address, std::string_view type, core::Quality quality);
 
     // Rows: asked for so far, put with a value that the station gave, put as refused by it.
     int Asked() const { return asked_; }

@@ -32,6 +32,7 @@ bool LivePoll::Prepare() {
     byRegister_.clear();
     byPosition_.clear();
     unstored_.clear();
+    refused_.clear();
     set_.ForEach([this](ParameterRow& row) {
         byRegister_[{row.kind, static_cast<int>(row.MSD)}].push_back(&row);
         byPosition_[row.startaddress].push_back(&row);
@@ -54,11 +55,22 @@ ReadOutcome LivePoll::Read() {
     done_ = 0;
     set_.ForEach([](ParameterRow& row) { ++row.missedPolls; });
     const ReadOutcome outcome = ReadByProtocol();
-    whole_ = outcome == ReadOutcome::Whole;
-    if (outcome == ReadOutcome::BrokenOff) {
+    if (outcome == ReadOutcome::Whole && !Speaks(talk_.station, "Quantum")) {
+        MarkMissed();
+    } else if (outcome == ReadOutcome::BrokenOff) {
         set_.ForEach([](ParameterRow& row) { row.missedPolls -= row.missedPolls > 0 ? 1 : 0; });
     }
     return outcome;
+}
+
+// What a whole reading asked for and did not bring: a list without the signal, a block that the station refuses.
+void LivePoll::MarkMissed() {
+    set_.ForEach([this](ParameterRow& row) {
+        if (row.missedPolls > 0 && !row.startaddress.empty() && row.startaddress != "0") {
+            row.quality = row.quality == core::Quality::Refused ? row.quality : core::Quality::NotReceived;
+            unstored_.push_back(&row);
+        }
+    });
 }
 
 ReadOutcome LivePoll::ReadByProtocol() {
@@ -69,6 +81,12 @@ ReadOutcome LivePoll::ReadByProtocol() {
 }
 
 ReadOutcome LivePoll::ReadModbus() {
+    std::erase_if(blocks_, [this](const collection::Block& block) {
+        return refused_.contains({block.type, block.start});
+    });
+    if (blocks_.empty()) {
+        return ReadOutcome::Failed;
+    }
     total_ = 0;
     for (const collection::Block& block : blocks_) {
         total_ += block.count / collection::RegistersPerValue(block.type, talk_.modbus.rtu32bit);
@@ -86,8 +104,15 @@ void LivePoll::TakeBlock(const collection::BlockReply& reply) {
             continue;
         }
         for (ParameterRow* row : rows->second) {
-            Take(*row, reply.values[k], reply.QualityOf(k));
+            if (reply.exception != 0) {
+                row->quality = core::Quality::Refused;
+            } else {
+                Take(*row, reply.values[k], reply.QualityOf(k));
+            }
         }
+    }
+    if (reply.exception != 0) {
+        refused_.insert({reply.block.type, reply.block.start});
     }
     done_ += static_cast<int>(reply.values.size());
     progress_(done_, total_);
@@ -156,15 +181,14 @@ void LivePoll::Store() {
     const auto typeOf = [&](const ParameterRow& row) { return isBsap ? std::string() : row.type; };
     place_.dbconn.InTransaction([&] {
         for (const ParameterRow* row : unstored_) {
-            store.Put(row->startaddress, typeOf(*row),
-                      {row->lastvalue, row->quality.value_or(core::Quality::Good), core::IsoText(*row->readat),
-                       isBsap ? row->unit : std::string(), isBsap ? std::optional(row->MSD) : std::nullopt});
-        }
-        set_.ForEach([&](const ParameterRow& row) {
-            if (whole_ && row.missedPolls == 1 && !row.startaddress.empty() && row.startaddress != "0") {
-                store.Miss(row.startaddress, typeOf(row));
+            if (row->missedPolls > 0) {
+                store.Miss(row->startaddress, typeOf(*row), *row->quality);
+                continue;
             }
-        });
+            store.Put(row->startaddress, typeOf(*row),
+                      {row->lastvalue, *row->quality, core::IsoText(*row->readat), isBsap ? row->unit : std::string(),
+                       isBsap ? std::optional(row->MSD) : std::nullopt});
+        }
     });
     unstored_.clear();
 }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,6 +45,7 @@ class LivePoll {
     bool ReadList(int number, bool boolean, collection::ReadOutcome& outcome);
     collection::ReadOutcome ReadByProtocol();
     void TakeBlock(const collection::BlockReply& reply);
+    void MarkMissed();
     void Take(ParameterRow& row, double value, core::Quality quality);
 
     collection::Workplace& place_;
@@ -51,10 +53,11 @@ class LivePoll {
     ParameterSet& set_;
     Progress progress_;
     std::vector<collection::Block> blocks_;
+    std::set<std::pair<collection::BlockType, int>>
+        refused_;  // blocks, by type and start: they are not asked for again
     std::map<Key, std::vector<ParameterRow*>> byRegister_;
     std::map<std::string, std::vector<ParameterRow*>> byPosition_;  // "54-83"
     std::vector<ParameterRow*> unstored_;
-    bool whole_ = false;  // the last reading
     int done_ = 0;
     int total_ = 0;
 };

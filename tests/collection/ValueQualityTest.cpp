@@ -4,9 +4,12 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <map>
 
 #include "collection/Workbook.h"
+#include "core/Text.h"
 #include "support/CollectionDesk.h"
+#include "support/RefusingSlave.h"
 
 using collection::Result;
 using core::Row;
@@ -14,20 +17,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-// Answers some requests of an RTU master by an exception, as a slave does that has no such registers.
-struct RefusingSlave final : fieldsim::Device {
-    fieldsim::Device* slave = nullptr;
-    std::function<bool(int reg)> refuses;
-
-    std::vector<fieldsim::Answer> Receive(std::string_view bytes, const fieldsim::Moment& now) override {
-        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
-        if (bytes.size() == 8 && refuses(byte(2) * 256 + byte(3) + 1)) {
-            return {{fieldsim::ModbusException(bytes, 2), 50}};
-        }
-        return slave->Receive(bytes, now);
-    }
-};
 
 struct Mute final : fieldsim::Device {
     std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
@@ -141,9 +130,7 @@ TEST_F(ValueQuality, AWholeRunMakesEveryRowGoodAndASilentOneKeepsItsMoment) {
 TEST_F(ValueQuality, WhatAStationRefusesIsNoFigureAndTheDayIsPartly) {
     const auto location = locations[0];
     auto& field = desk.OpenField();
-    RefusingSlave refusing;
-    refusing.slave = field.Station(location)->device;
-    refusing.refuses = [](int reg) { return reg == 125; };
+    support::RefusingSlave refusing(*field.Station(location)->device, [](int reg) { return reg == 125; });
     desk.line.Attach(1, refusing);
     auto state = Run(location);
     EXPECT_EQ(state.result, Result::Partly);

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/RefusingSlave.h"
 #include "support/SessionDesk.h"
 
 namespace {
@@ -111,7 +112,6 @@ TEST(SessionTest, APollLeavesEveryRowItsMomentAndHowItWasRead) {
         desk.Reopen().Connect();
         const std::string begun = core::IsoText(desk.clock.Now());
         desk.Behind({{}, [&] {
-                         desk.session->Parameters();
                          if (isBsap) {
                              EXPECT_GE(desk.session->Parameters().At(desk.Place("KEYPAD", "Gone")).missedPolls, 2);
                          }
@@ -123,6 +123,30 @@ TEST(SessionTest, APollLeavesEveryRowItsMomentAndHowItWasRead) {
         EXPECT_EQ(rows("quality='not received' and lastvalue=8.5 and readat='2026-03-08 08:00:07'"), isBsap ? 1 : 0);
         EXPECT_EQ(rows("unit='bar'"), blank);
     }
+}
+
+// A block that the station does not have is told once; the rest goes on.
+TEST(SessionTest, ARefusedBlockIsMarkedAndThePollGoesOn) {
+    SessionDesk desk;
+    desk.Open(teleFlow);
+    support::RefusingSlave refusing(*desk.field->Station(desk.locationID)->device, [](int reg) { return reg == 497; });
+    desk.line.Attach(1, refusing);
+    desk.dbconn.Execute("update configdata_detail set lastvalue=7");
+    desk.session->Connect();
+    desk.Behind({{}, {}, {}});
+    desk.session->GetData();
+    EXPECT_THAT(desk.view.boxes, ElementsAre("Invalid Modbus Address Specified"));
+    EXPECT_THAT(desk.view.ends, ElementsAre(""));
+    const std::string inBlock = "type='Float' and cast(startaddress as integer) >= 497";
+    EXPECT_GT(desk.Count("configdata_detail where " + inBlock), 0);
+    EXPECT_EQ(desk.Count("configdata_detail where (quality='refused' and lastvalue=7) != (" + inBlock + ")"), 0);
+    EXPECT_EQ(desk.Count("configdata_detail where (quality='good') = (" + inBlock + ")"), 0);
+    // One that has nothing but refusals is no station to watch.
+    refusing.refuses = [](int) { return true; };
+    desk.view.onRefreshed = {};
+    desk.session->Connect();
+    desk.session->GetData();
+    EXPECT_THAT(desk.view.ends, ElementsAre("", "Remote Station not Responding"));
 }
 
 TEST(SessionTest, AWriteIsEnteredPendingSentOnceAndConfirmedByTheNextPoll) {
