@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <optional>
+
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
 #include "collection/QuantumRead.h"
@@ -8,9 +11,42 @@ namespace collection {
 
 namespace {
 
+constexpr int mostAsks = 3;
+
+// Asks for one message, again while a field of its reply is missing. The best reply counts. Nothing: the unit was
+// silent, or the conversation ended.
+std::optional<protocols::QuantumReply> Ask(protocols::Conversation& talk, int message, double answerMs) {
+    const std::string number = std::to_string(message);
+    const std::string request = protocols::BuildQuantumRequest(talk.station.slaveaddress, "A", message);
+    std::optional<protocols::QuantumReply> best;
+    for (int asked = 0; asked < mostAsks && (asked == 0 || (!talk.Ended() && !talk.Wanted())); ++asked) {
+        talk.feedback.Status("Sending Request Message " + number);
+        talk.feedback.Status("Waiting For Reply- Message " + number);
+        const std::string reply = protocols::CutQuantumEcho(protocols::Exchange(talk, request, answerMs), request);
+        if (talk.Ended()) {
+            return std::nullopt;
+        }
+        const protocols::QuantumReply decoded = protocols::DecodeQuantumReply(reply, message);
+        talk.requests.Note(decoded.Whole());
+        if (reply.empty() && !best) {
+            return std::nullopt;
+        }
+        if (!best || decoded.Received() > best->Received()) {
+            best = decoded;
+        }
+        if (best->Whole()) {
+            break;
+        }
+    }
+    return best;
+}
+
 // The values of one message, each under its name in the station's map and in the day's text.
-std::array<double, 8> StoreMessage(Workplace& place, const core::Station& station, const std::string& reply, int message, DayRow& day) {
-    const auto values = protocols::DecodeQuantumReply(reply, message);
+std::array<double, 8> StoreMessage(Workplace& place, const core::Station& station, const protocols::QuantumReply& reply,
+                                   int message, DayRow& day) {
+    std::array<double, 8> values{};
+    std::transform(reply.fields.begin(), reply.fields.end(), values.begin(),
+                   [](const auto& field) { return field.value_or(0); });
     const auto& names = protocols::QuantumNames(message);
     place.dbconn.InTransaction([&] {
         for (std::size_t i = 0; i < values.size(); ++i) {
@@ -34,25 +70,17 @@ bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumO
                  const std::function<void(int message, const std::array<double, 8>& values)>& stored) {
     DayRow day;
     for (int message = 1; message <= protocols::quantumMessages; ++message) {
-        const std::string number = std::to_string(message);
-        const std::string request = protocols::BuildQuantumRequest(talk.station.slaveaddress, "A", message);
-        talk.feedback.Status("Sending Request Message " + number);
-        talk.feedback.Status("Waiting For Reply- Message " + number);
-        const std::string reply =
-            protocols::CutQuantumEcho(protocols::Exchange(talk, request, options.answerMs), request);
-        if (!talk.Ended()) {
-            talk.requests.Note(!reply.empty());
-        }
-        if (reply.empty()) {
+        const auto reply = Ask(talk, message, options.answerMs);
+        if (!reply) {
             if (!talk.Ended() && options.unattended) {
-                place.logs.WriteRtuErr(number + "Quantum Not Responding");
+                place.logs.WriteRtuErr(std::to_string(message) + "Quantum Not Responding");
             } else if (!talk.Ended()) {
                 talk.feedback.Box("Quantum Not Responding");
             }
             return false;
         }
         talk.feedback.Status("Converting Data..");
-        stored(message, StoreMessage(place, talk.station, reply, message, day));
+        stored(message, StoreMessage(place, talk.station, *reply, message, day));
     }
     UpsertLogParam(place.dbconn, talk.station.locationID, place.clock.Now(), place.clock.Now(), day);
     return true;
