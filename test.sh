@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds and runs all tests. With a preset as argument (debug, sanitize) that one.
+# Installs what is missing, builds and runs all tests, under the sanitizers. With a preset as argument (debug, release)
+# that one.
 set -euo pipefail
 cd "$(dirname "$0")"
-preset=${1:-release}
+preset=${1:-sanitize}
 
 tools/install.sh
 tools/build.sh "$preset"

@@ -155,11 +155,15 @@ bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
 }
 
 ReadOutcome LivePoll::ReadQuantumUnit() {
-    const auto stored = [this](int message, const std::array<double, 8>& values) {
+    const auto stored = [this](int message, const protocols::QuantumReply& reply) {
         const auto& names = protocols::QuantumNames(message);
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            if (const auto place = set_.Find("Quantum", names[i])) {
-                TakeValue(set_.At(*place), values[i], place_.clock.Now());
+        for (std::size_t i = 0; i < reply.fields.size(); ++i) {
+            const auto place = set_.Find("Quantum", names[i]);
+            if (place && reply.fields[i]) {
+                TakeValue(set_.At(*place), *reply.fields[i], place_.clock.Now());
+            } else if (place) {
+                set_.At(*place).quality = core::Quality::NotReceived;
+                set_.At(*place).readat.reset();
             }
         }
         progress_(message, protocols::quantumMessages);

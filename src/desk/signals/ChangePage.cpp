@@ -38,6 +38,7 @@ ChangePage::ChangePage(Desk& desk, const QString& title, signals::Side side, ses
     connect(ui_->cmd_stop, &QPushButton::clicked, this, [this] {
         ui_->panel->Stop();
         ui_->cmd_stop->setEnabled(false);
+        desk_.line.StopConnecting();
     });
     connect(ui_->cmd_save, &QPushButton::clicked, ui_->panel, &FetchPanel::Save);
     connect(ui_->cmdfetch, &QPushButton::clicked, this, [this] { Guarded([this] { cmdfetch(); }); });
