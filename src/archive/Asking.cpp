@@ -18,7 +18,7 @@ void Log(protocols::Conversation& talk, const char* title, const std::string& by
 
 std::optional<std::string> Ask(protocols::Conversation& talk, const std::string& frame, const Asking& asking) {
     Log(talk, asking.titles.request, frame);
-    const protocols::BsapReply reply = protocols::AskStation(talk, frame);
+    const protocols::StationReply reply = protocols::AskStation(talk, frame);
     if (talk.Ended()) {
         return std::nullopt;
     }

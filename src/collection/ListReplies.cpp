@@ -27,7 +27,7 @@ std::optional<ListReply> ListReplies::Next() {
         if (reading_.paced && !talk_.Wait(talk_.CommTimeout())) {
             return std::nullopt;
         }
-        const protocols::BsapReply received =
+        const protocols::StationReply received =
             protocols::AskStation(talk_, reading_.request(asked_.empty()), reading_.log, protocols::mostSends - sends);
         sends += received.sends;
         if (talk_.Ended()) {

@@ -1,5 +1,9 @@
 #include "protocols/BsapLink.h"
 
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
 #include "core/Database.h"
 #include "core/Text.h"
 #include "protocols/Bsap.h"
@@ -57,7 +61,7 @@ class Question {
     bool IsToldToWait() const { return isToldToWait_; }
     bool MayStillCome() const { return isToldToWait_ || onlyAnothers_; }
 
-    BsapReply reply;
+    StationReply reply;
 
   private:
     void Sift(const std::string& received) {
@@ -110,6 +114,8 @@ class SignOnSteps {
             talk_.bsap.rtustatus = noStatus;
             const auto answers = AnswersIn(received, BsapAsked::By(frame, talk_.station.isCW, Address()));
             if (const BsapAnswer* reply = PollReply(answers)) {
+                givesSerialsBack_ = true;
+                NoteSerials(frame, received);
                 return Accept(*reply);
             }
             if (answers.empty()) {
@@ -121,37 +127,29 @@ class SignOnSteps {
         return false;
     }
 
-    // What the station says to it is not examined: whether it was accepted shows in the version.
+    // Whether it was accepted is not examined: that shows in the version.
     void SignIn() {
         Tell("Sign in RTU.....[", SignOnTexts::All);
-        Step("Sign On Message", Messages(talk_).SignOn_RTU(Address(), options_.password), "Sign On Reply",
-             SignOnLog::All);
+        const std::string frame = Messages(talk_).SignOn_RTU(Address(), options_.password);
+        NoteSerials(frame, Step("Sign On Message", frame, "Sign On Reply", SignOnLog::All));
     }
 
     bool ReadVersion() {
         BsapState& state = talk_.bsap;
-        const std::string frame =
-            state.usepoll ? Messages(talk_).POLL_RTU(Address()) : Messages(talk_).GetVersion_RTU(Address());
-        const bool logs = options_.logs >= SignOnLog::All;
-        if (logs) {
-            LogBytes(talk_, "GetVersion Message", frame);
-        }
         state.echoes = false;
         state.loadversion1 = 0;
         state.loadversion2 = 0;
-        const BsapReply reply = AskStation(talk_, frame, {logs ? "Vesrion response" : "", false});
-        if (!reply.answer) {
+        auto version = AskVersion();
+        // A station that gave back the serials so far, and now other numbers: that may be a late answer to somebody
+        // else. It counts when it comes again.
+        if (version && !state.echoes && givesSerialsBack_) {
+            const auto first = std::exchange(version, AskVersion());
+            version = state.echoes || version == first ? version : std::nullopt;
+        }
+        if (!version) {
             return false;
         }
-        const std::size_t position = state.usepoll ? shortReply.loadVersion : layout_.loadVersion;
-        const auto first = reply.answer->At(position);
-        const auto second = reply.answer->At(position + 1);
-        if (!first || !second) {
-            return false;
-        }
-        state.echoes = reply.givesBack;
-        state.loadversion1 = *first;
-        state.loadversion2 = *second;
+        std::tie(state.loadversion1, state.loadversion2) = *version;
         return state.loadversion1 != 0 || state.loadversion2 != 0;
     }
 
@@ -180,6 +178,30 @@ class SignOnSteps {
             }
         }
         return reply;
+    }
+
+    void NoteSerials(const std::string& frame, const std::string& received) {
+        const BsapAsked asked = BsapAsked::By(frame, talk_.station.isCW, Address());
+        const auto answers = AnswersIn(received, asked);
+        givesSerialsBack_ &= std::any_of(answers.begin(), answers.end(), [&](const BsapAnswer& answer) {
+            return asked.serials == std::string(1, static_cast<char>(answer.serial));
+        });
+    }
+
+    std::optional<std::pair<int, int>> AskVersion() {
+        BsapState& state = talk_.bsap;
+        const std::string frame =
+            state.usepoll ? Messages(talk_).POLL_RTU(Address()) : Messages(talk_).GetVersion_RTU(Address());
+        const bool logs = options_.logs >= SignOnLog::All;
+        if (logs) {
+            LogBytes(talk_, "GetVersion Message", frame);
+        }
+        const StationReply reply = AskStation(talk_, frame, {logs ? "Vesrion response" : "", false});
+        const std::size_t position = state.usepoll ? shortReply.loadVersion : layout_.loadVersion;
+        const auto first = reply.answer ? reply.answer->At(position) : std::nullopt;
+        const auto second = reply.answer ? reply.answer->At(position + 1) : std::nullopt;
+        state.echoes = reply.givesBack;
+        return first && second ? std::optional(std::pair(*first, *second)) : std::nullopt;
     }
 
     // The positions of a poll reply count without its first byte.
@@ -217,6 +239,7 @@ class SignOnSteps {
     Conversation& talk_;
     const SignOnOptions& options_;
     const BsapReplyLayout& layout_;
+    bool givesSerialsBack_ = false;
 };
 
 }  // namespace
@@ -262,7 +285,7 @@ void UP_ACK_Routing(Conversation& talk, bool logs) {
     }
 }
 
-BsapReply AskStation(Conversation& talk, const std::string& frame, const RequestLog& log, int most) {
+StationReply AskStation(Conversation& talk, const std::string& frame, const RequestLog& log, int most) {
     Question question(talk, frame);
     const std::string received = Exchange(talk, frame);
     if (!log.title.empty()) {

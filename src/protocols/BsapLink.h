@@ -52,7 +52,7 @@ struct RequestLog {
 inline constexpr int mostSends = 4;
 
 // What a request brought.
-struct BsapReply {
+struct StationReply {
     std::optional<BsapAnswer> answer{};
     // The answer gave back the serial and both sequence bytes of its request.
     bool givesBack = false;
@@ -65,6 +65,6 @@ struct BsapReply {
 // Sends a request and gives the station's answer, polled and acknowledged where it was not ready, and polled again as
 // long as it is still not, up to `most` sends. An answer to another request is passed over, and ours is waited for
 // behind it. An answer of 11 to 17 bytes holds no data; the station is polled once more for one that does.
-BsapReply AskStation(Conversation& talk, const std::string& frame, const RequestLog& log = {}, int most = mostSends);
+StationReply AskStation(Conversation& talk, const std::string& frame, const RequestLog& log = {}, int most = mostSends);
 
 }  // namespace protocols

@@ -35,7 +35,7 @@ using IsOf = std::function<bool(const Signal& signal, std::size_t index)>;
 ReadAnswer Read(protocols::Conversation& talk, const std::function<std::string()>& request, std::size_t count,
                 const IsOf& isOf, int most = mostSends) {
     for (int sends = 0; sends < most;) {
-        const protocols::BsapReply received = protocols::AskStation(talk, request(), {}, mostSends - sends);
+        const protocols::StationReply received = protocols::AskStation(talk, request(), {}, mostSends - sends);
         sends += received.sends;
         if (talk.Ended()) {
             return {Answer::Ended};
@@ -59,7 +59,7 @@ ReadAnswer Read(protocols::Conversation& talk, const std::function<std::string()
 }
 
 Answer Write(protocols::Conversation& talk, const std::string& frame) {
-    const protocols::BsapReply received = protocols::AskStation(talk, frame, {}, 1);
+    const protocols::StationReply received = protocols::AskStation(talk, frame, {}, 1);
     if (talk.Ended()) {
         return Answer::Ended;
     }

@@ -184,7 +184,7 @@ TEST_F(BsapLink, ARequestIsPolledForUntilItsAnswerIsThere) {
 
     line.sent.clear();
     line.replies = {Reply(signedIn), Reply(pollLong), answer, "ok"};
-    const BsapReply reply = AskStation(talk, request, {"Get List 54 Response", true});
+    const StationReply reply = AskStation(talk, request, {"Get List 54 Response", true});
     EXPECT_EQ(Hex(reply.answer.value().text), Hex(answer));
     EXPECT_EQ(reply.sends, 2);
     ASSERT_EQ(line.sent.size(), 4U);
@@ -198,7 +198,7 @@ TEST_F(BsapLink, ARequestIsPolledForUntilItsAnswerIsThere) {
     // Never ready: four sends, and the station has acknowledged.
     line.sent.clear();
     line.replies = {6, Reply(signedIn)};
-    const BsapReply never = AskStation(talk, request);
+    const StationReply never = AskStation(talk, request);
     EXPECT_FALSE(never.answer);
     EXPECT_TRUE(never.acknowledged);
     EXPECT_EQ(line.sent.size(), 6U);
@@ -216,23 +216,35 @@ TEST_F(BsapLink, AnAnswerLeftBehindByAnotherConversationIsFetchedOnce) {
     EXPECT_EQ(Hex(line.sent.at(1)).substr(0, 17), "10 02 01 02 8B 02");
 }
 
-// The version answer of the request before comes in front of this one's, or alone.
+// Another's answer comes in front of this one's or alone; the last has numbers of which nothing is known.
 TEST_F(BsapLink, NoVersionIsTakenFromAnothersAnswer) {
     const auto answer = [](const std::string& request, const char* version) {
         return "\xFF" + fieldsim::BsapFrame(std::string(1, '\0') + request[3] + "\x0B" + request.substr(5, 2) +
                                             Bytes("A0 00 00 00 00") + Bytes(version) + Bytes("23 4F 4E 2E 2E 00"));
     };
-    for (const bool alone : {false, true}) {
+    const auto link = [](const std::string& request) {
+        const std::string serial(1, request[3]);
+        return "\xFF" + fieldsim::BsapFrame(std::string(1, '\0') + serial + Bytes("86 01 00") + serial);
+    };
+    enum Comes { InFront, Alone, FromNowhere };
+    for (const Comes comes : {InFront, Alone, FromNowhere}) {
         const std::string early = Bsap(counters, talk.bsap, false).GetVersion_RTU(1);
-        int sent = 0;
+        line.sent.clear();
         line.answer = [&](const std::string& frame) {
-            ++sent;
-            return sent % 3 == 1   ? Reply(pollLong)
-                   : sent % 3 == 2 ? Reply(signedIn)
-                                   : answer(early, "55 66") + (alone ? "" : answer(frame, "12 34"));
+            switch (line.sent.size()) {
+                case 1:
+                case 2:
+                    return link(frame);
+                case 3:
+                    return comes == FromNowhere
+                               ? answer("xxx\x77xy", "55 66")
+                               : answer(early, "55 66") + (comes == Alone ? "" : answer(frame, "12 34"));
+                default:
+                    return answer(frame, "12 34");
+            }
         };
-        EXPECT_EQ(SignOn(talk), !alone);
-        EXPECT_EQ(talk.bsap.loadversion1, alone ? 0 : 0x12);
-        EXPECT_EQ(talk.bsap.echoes, !alone);
+        EXPECT_EQ(SignOn(talk), comes != Alone);
+        EXPECT_EQ(talk.bsap.loadversion1, comes == Alone ? 0 : 0x12);
+        EXPECT_EQ(talk.bsap.echoes, comes != Alone);
     }
 }
