@@ -29,7 +29,7 @@ std::optional<std::string> BsapStation::List(const Request& request, const Momen
     const std::string_view rest = Rest(fields, set);
     const std::size_t length = first && !options_.shortLayout ? 4 : 6;
     if (set == 0 || rest.size() != length || rest.substr(0, 3) != LoadVersion() + '\xFF' || !Open()) {
-        return Acknowledgement(request.sequence);
+        return Open() ? Refusal(request) : Acknowledgement(request.sequence);
     }
     const int list = ByteAt(rest, 3);
     const int from = length == 6 ? LowFirstAt(rest, 4) : 0;
@@ -39,7 +39,7 @@ std::optional<std::string> BsapStation::List(const Request& request, const Momen
     const auto known = lists_.find(list);
     if (known == lists_.end() || known->second->Signals().empty() || first != (from == 0) ||
         from >= known->second->Places()) {
-        return Acknowledgement(request.sequence);
+        return Refusal(request);
     }
     if (options_.silentLists.count(list) != 0) {
         return std::nullopt;

@@ -23,7 +23,7 @@ std::size_t FunctionStart(std::string_view body) {
 }  // namespace
 
 BsapStation::BsapStation(int address, SignalLists lists, BsapOptions options)
-    : address_(address), lists_(std::move(lists)), options_(std::move(options)) {
+    : address_(address), lists_(std::move(lists)), options_(std::move(options)), random_(options_.seed) {
     for (const auto& [number, list] : lists_) {
         RunClockOf(*list);
         for (const Signal& signal : list->Signals()) {
@@ -40,7 +40,7 @@ std::vector<Answer> BsapStation::Receive(std::string_view bytes, const Moment& n
             continue;
         }
         if (const auto reply = Reply(*body, now)) {
-            answers.push_back({BsapFrame(reply->bytes), reply->delayMs});
+            answers.push_back({OnLine(reply->bytes), reply->delayMs});
         }
     }
     return answers;
@@ -50,7 +50,7 @@ std::optional<Answer> BsapStation::Reply(std::string_view body, const Moment& no
     ownSequence_ = ownSequence_ % 15 + 1;
     switch (ByteAt(body, 2)) {
         case 0x85:  // poll
-            return InTime(waiting_.empty() ? Acknowledgement(ByteAt(body, 1)) : waiting_);
+            return InTime(WhatWaits(ByteAt(body, 1)));
         case 0x8B:  // the master has what waited
             waiting_.clear();
             return InTime(Acknowledgement(ByteAt(body, 1)));
@@ -88,7 +88,7 @@ std::optional<Answer> BsapStation::Application(std::string_view body, const Mome
             return InTime(AtOnceOrOnPoll(*answer, request));
         }
     }
-    return InTime(Acknowledgement(request.sequence));
+    return InTime(Open() ? Refusal(request) : Acknowledgement(request.sequence));
 }
 
 std::string BsapStation::SignOn(const Request& request) {
@@ -115,19 +115,37 @@ std::optional<std::string> BsapStation::FromHistory(const Request& request, cons
 
 std::string BsapStation::AtOnceOrOnPoll(std::string answer, const Request& request) {
     ++dataRequests_;
-    if (options_.answers == DataAnswer::AtOnce ||
-        (options_.answers == DataAnswer::Alternate && dataRequests_ % 2 == 0)) {
+    const bool takesLong = options_.notReadyOneIn > 0 && random_() % options_.notReadyOneIn == 0;
+    if (!takesLong && (options_.answers == DataAnswer::AtOnce ||
+                       (options_.answers == DataAnswer::Alternate && dataRequests_ % 2 == 0))) {
         return answer;
     }
     waiting_ = std::move(answer);
+    pollsInFront_ = takesLong ? 1 : 0;
     return Acknowledgement(request.sequence);
+}
+
+std::string BsapStation::WhatWaits(std::uint8_t sequence) {
+    const bool ready = !waiting_.empty() && pollsInFront_ == 0;
+    pollsInFront_ -= pollsInFront_ > 0 ? 1 : 0;
+    return ready ? waiting_ : Acknowledgement(sequence);
+}
+
+std::string BsapStation::OnLine(std::string_view body) {
+    const bool isLed = options_.leadingByte && !options_.shortLayout;
+    return (isLed ? std::string(1, random_() % 2 == 0 ? '\xFF' : '\0') : std::string()) + BsapFrame(body);
+}
+
+std::string BsapStation::HeadStart(std::uint8_t sequence) const {
+    std::string head = {'\0', Sequence(sequence)};
+    head.append(options_.shortLayout || options_.leadingByte ? 0 : 1, '\0');
+    return head;
 }
 
 // Address and status stand at bytes 6 and 7 of the frame, in the long layout at 7 and 8. With 12 or 13 bytes it is in
 // the range of 11 to 17 by which masters know it.
 std::string BsapStation::Acknowledgement(std::uint8_t sequence) {
-    std::string body = {'\0', Sequence(sequence)};
-    body += options_.shortLayout ? "\x86"sv : "\x00\x86"sv;
+    std::string body = HeadStart(sequence) + '\x86';
     body += static_cast<char>(address_);
     body += static_cast<char>(options_.status);
     return body + Sequence(sequence);
@@ -135,12 +153,19 @@ std::string BsapStation::Acknowledgement(std::uint8_t sequence) {
 
 // Twelve bytes of the frame in the short layout, thirteen in the long one.
 std::string BsapStation::AnswerHead(const Request& request) {
-    std::string head = {'\0', Sequence(request.sequence)};
-    head += options_.shortLayout ? "\x0B"sv : "\x00\x0B"sv;
+    std::string head = HeadStart(request.sequence) + '\x0B';
     head += options_.echoSequences ? request.applicationSequence : std::string(2, '\0');
     head += '\xA0';
     head += static_cast<char>(options_.status);
     return head + std::string(3, '\0');
+}
+
+std::string BsapStation::Refusal(const Request& request) {
+    if (!options_.echoSequences) {
+        return Acknowledgement(request.sequence);
+    }
+    const std::string head = AnswerHead(request);
+    return head.substr(0, head.size() - 3) + '\x04';
 }
 
 char BsapStation::Sequence(std::uint8_t requested) const {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 #include <string_view>
@@ -29,28 +30,45 @@ enum class DataAnswer {
 };
 
 struct BsapOptions {
-    // The reply layout of the CW models: one byte less in front of everything that follows the sequence number.
+    // The CW models. The others have one byte more in front of everything: see `leadingByte`.
     bool shortLayout = false;
+    // FF or 00 goes out ahead of DLE STX, now the one, now the other. Otherwise the byte stands inside the head, behind
+    // the link sequence number.
+    bool leadingByte = true;
     std::string password;  // with one, all data are open only after a sign-on with it; empty: any sign-on will do
     std::uint8_t loadVersion1 = 0x12;
     std::uint8_t loadVersion2 = 0x34;
     std::uint8_t status = 0;  // of every reply; above 1 the station is not fit
     DataAnswer answers = DataAnswer::AtOnce;
-    // The link sequence number of a reply and the number that it acknowledges are the request's. Otherwise they are the
-    // station's own count, which goes round below 10 hex, so that no doubled byte stands in front of the fixed places.
-    bool echoSequences = false;
+    // One answer in so many makes its request and the first poll wait with an acknowledgement; 0: none does.
+    int notReadyOneIn = 6;
+    std::uint32_t seed = 1;  // of what comes by chance
+    // The link and application sequence numbers of a reply, and the number that it acknowledges, are the request's.
+    // Otherwise they are 0 and the station's own count, which goes round below 10 hex, so that no doubled byte stands
+    // in front of the fixed places; and what the station does not have gets an acknowledgement, not an answer that says
+    // so.
+    bool echoSequences = true;
     std::set<int> silentLists;   // requests for these are never answered
     bool answersWrites = false;  // by a frame of their own instead of an acknowledgement
     std::uint32_t answerMs = 50;
     // Is done before each reply of a list or a search but its first: what may happen while a master reads on.
     std::function<void()> betweenReplies{};
+
+    // A station of the other kind in all this: it counts for itself, has its byte inside the head and is always ready.
+    static BsapOptions CountsForItself() {
+        BsapOptions options;
+        options.leadingByte = false;
+        options.notReadyOneIn = 0;
+        options.echoSequences = false;
+        return options;
+    }
 };
 
 // A BSAP station: poll, acknowledge, sign-on, load version, signal lists with and without names, single signals by MSD
 // address or by name, the search for names, archive files and the audit trail, and writes of values, on and off, and
 // texts by MSD address or by name. Requests for other addresses or with a bad check get silence, those that it cannot
-// serve (other load versions, unknown lists, addresses and names) an acknowledgement. A write is taken whole or not at
-// all: not with another load version, to an address or a name without a signal, or of a value that is not of the
+// serve (other load versions, unknown lists, addresses and names) an answer without data. A write is taken whole or not
+// at all: not with another load version, to an address or a name without a signal, or of a value that is not of the
 // signal's kind. Its answer does not tell.
 //
 // A name is the signal's description, in any case; the first of that name is meant. A signal keeps its MSD address as
@@ -121,7 +139,12 @@ class BsapStation final : public WritableStation {
     std::string SignOn(const Request& request);
     std::string Version(const Request& request);
 
+    // A body as it goes over the line.
+    std::string OnLine(std::string_view body);
+    std::string WhatWaits(std::uint8_t sequence);
     std::string Acknowledgement(std::uint8_t sequence);
+    // The answer to a request for what is not there: its head up to the error byte.
+    std::string Refusal(const Request& request);
     // The start of an answer, up to the two bytes that are the load version or the place where a list goes on.
     std::string AnswerHead(const Request& request);
     Answer InTime(std::string bytes) const { return {std::move(bytes), options_.answerMs}; }
@@ -131,6 +154,7 @@ class BsapStation final : public WritableStation {
         return {static_cast<char>(options_.loadVersion1), static_cast<char>(options_.loadVersion2)};
     }
     char Sequence(std::uint8_t requested) const;
+    std::string HeadStart(std::uint8_t sequence) const;
 
     int address_;
     SignalLists lists_;
@@ -140,7 +164,9 @@ class BsapStation final : public WritableStation {
     static constexpr int kHighestMsd = 0xFFFF;
     std::set<int> addresses_;    // the MSD addresses that were ever given
     int freeMsd_ = kHighestMsd;  // none above this one is free
-    std::string waiting_;        // the answer that the next poll will get
+    std::string waiting_;        // the answer that a poll will get
+    int pollsInFront_ = 0;       // that will find it not ready
+    std::minstd_rand random_;
     int ownSequence_ = 0;
     int dataRequests_ = 0;
     int signOns_ = 0;

@@ -44,6 +44,7 @@ struct FieldOptions {
     std::uint32_t seed = 1;
     int contractHour = 6;                     // at which the gas day begins, 0 to 23
     DataAnswer answers = DataAnswer::AtOnce;  // of the BSAP stations
+    bool bsapCountsForItself = false;         // see BsapOptions::CountsForItself
     std::set<std::int64_t> silent{};          // stations that never answer for one list, register or message
     std::map<std::int64_t, LineFaults::Options> faults{};  // by station
     std::optional<LineFaults::Options> faultsElsewhere{};  // at all other stations, each with a seed of its own

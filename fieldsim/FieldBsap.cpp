@@ -101,7 +101,8 @@ std::unique_ptr<BsapStation> MakeBsap(Field::Served& served, core::Database& dbc
     if (const auto other = options.histories.find(station.locationID); other != options.histories.end()) {
         other->second(history);
     }
-    BsapOptions bsap;
+    BsapOptions bsap = options.bsapCountsForItself ? BsapOptions::CountsForItself() : BsapOptions{};
+    bsap.seed = options.seed * 31U + static_cast<std::uint32_t>(station.locationID);
     bsap.shortLayout = station.isCW;
     bsap.answers = options.answers;
     bsap.answerMs = AnswerMs(station);

@@ -41,6 +41,7 @@ constexpr const char* kUsage =
     "Plays every station of DIR/Kolmar.mdb on the ports that its table comports names (column device).\n"
     "  --seed N               other values\n"
     "  --contract-hour H      the gas day begins at this hour (6)\n"
+    "  --bsap-counts-for-itself  BSAP stations do not give back the numbers of a request, and are always ready\n"
     "  --acknowledge-first    BSAP lists, archives and audits are answered on the poll after the request\n"
     "  --modem COM3=A,B,...   what the dials on a port give: CONNECT, NO CARRIER, NO ANSWER, BUSY, ERROR or SILENT\n"
     "  --no-carrier-first     the first dial on every port gives NO CARRIER\n"
@@ -209,6 +210,8 @@ bool Read(Arguments& arguments, const std::vector<std::string>& words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         if (words[i] == "--no-carrier-first") {
             arguments.noCarrierFirst = true;
+        } else if (words[i] == "--bsap-counts-for-itself") {
+            arguments.field.bsapCountsForItself = true;
         } else if (words[i] == "--acknowledge-first") {
             arguments.field.answers = fieldsim::DataAnswer::AcknowledgeFirst;
         } else if (i + 1 == words.size() || !Apply(arguments, words[i], words[i + 1])) {

@@ -1,11 +1,12 @@
 // A BSAP station that answers with any bytes, raw or as well-formed frames, to a sign-on and to a read of a list; and
-// the records of a list reply alone.
+// the answers in any bytes, and the records of a list reply, alone.
 #include <cmath>
 #include <vector>
 
 #include "AnyStation.h"
 #include "collection/BsapList.h"
 #include "protocols/BsapLink.h"
+#include "protocols/BsapReply.h"
 
 using namespace fuzz;
 
@@ -15,6 +16,20 @@ void CheckSignals(const std::vector<collection::ListSignal>& signals) {
     for (const collection::ListSignal& signal : signals) {
         Check(std::isfinite(signal.value) && signal.MSD >= 0 && signal.MSD <= 0xFFFF);
         Check(!signal.logical || signal.value == 0 || signal.value == 1);
+    }
+}
+
+// What the gate lets through has room for its head, and holds what was received.
+void CheckAnswers(std::string_view received, bool isCW) {
+    const std::string request = fieldsim::BsapFrame(received.substr(0, 20));
+    const protocols::BsapAsked asked = protocols::BsapAsked::By(request, isCW, 1);
+    for (const std::string& line : {std::string(received), "\xFF" + request + std::string(received)}) {
+        for (const protocols::BsapAnswer& answer : protocols::AnswersIn(line, asked)) {
+            Check((answer.leading == protocols::LeadingByte::None) == isCW);
+            Check(answer.text.size() <= line.size() + 1 && answer.sequence.size() <= 2);
+            Check(!answer.At(0) && !answer.At(answer.text.size()) && !answer.At(answer.text.size() - 3));
+            Check(answer.isLink || answer.text.size() > protocols::replyTrailer);
+        }
     }
 }
 
@@ -34,8 +49,9 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     const collection::BsapList list = collection::getdata_BSAP(talk, 54, kind, names);
     Check(!list.signals.empty() && list.signals.size() <= 401);
     CheckSignals(list.signals);
-    // At most 400 replies of 4 sends with their polls, and what late ones are waited for.
-    Check(any.clock.Elapsed() < 400ULL * 15 * 2000 + 3 * 2000 + 1);
+    // At most 400 replies of 4 sends, each with a poll and its acknowledgement and up to 4 waits for what is behind
+    // another's answer; and what late ones are waited for.
+    Check(any.clock.Elapsed() < 402ULL * 48 * 2000);
 }
 
 }  // namespace
@@ -45,6 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static core::Database dbconn(desk.shared.DatabasePath());
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     CheckSignals(collection::ReadRecords(text, {1 + size % 20, size % 2 == 0, size % 3 == 0}).signals);
+    CheckAnswers(text, size % 2 == 0);
     Bytes bytes(data, size);
     Converse(dbconn, desk.shared, bytes);
     return 0;

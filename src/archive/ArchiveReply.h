@@ -11,7 +11,7 @@
 // ArchiveRecords.
 namespace archive {
 
-// Where things stand in a reply as received, its doubled bytes undone. Positions count from 1; numbers of two bytes
+// Where things stand in the text of an answer (protocols::BsapAnswer). Positions count from 1; numbers of two bytes
 // have the low one first.
 struct ArchiveLayout {
     // File information: three numbers.

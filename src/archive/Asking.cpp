@@ -2,7 +2,6 @@
 
 #include "core/Text.h"
 #include "protocols/BsapLink.h"
-#include "protocols/BsapReply.h"
 
 namespace archive {
 
@@ -19,15 +18,14 @@ void Log(protocols::Conversation& talk, const char* title, const std::string& by
 
 std::optional<std::string> Ask(protocols::Conversation& talk, const std::string& frame, const Asking& asking) {
     Log(talk, asking.titles.request, frame);
-    const std::string reply = asking.polls ? protocols::ReadReply(talk, frame) : protocols::Exchange(talk, frame);
+    const protocols::StationReply reply = protocols::AskStation(talk, frame);
     if (talk.Ended()) {
         return std::nullopt;
     }
-    Log(talk, asking.titles.reply, reply);
-    std::string answer = protocols::UndoDoubling(reply);
-    const bool good = protocols::IsWholeFrame(reply) && protocols::HasRightCheck(reply) && answer.size() > asking.over;
+    Log(talk, asking.titles.reply, reply.received);
+    const bool good = reply.answer && reply.answer->text.size() > asking.over;
     talk.requests.Note(good);
-    return good ? std::optional(std::move(answer)) : std::nullopt;
+    return good ? std::optional(reply.answer->text) : std::nullopt;
 }
 
 }  // namespace archive

@@ -12,12 +12,13 @@ namespace archive {
 // How a reply is got and when it counts.
 struct Asking {
     std::size_t over;  // it must be longer than this, its doubled bytes undone
-    bool polls;
+    bool polls;        // what the screen did of old; a station that acknowledges is polled now in any case
     FrameTitles titles{};
 };
 
-// Sends a request and gives the answer with its doubled bytes undone. Nothing: silence, too short, or no whole frame
-// with a right check, since what a cut or spoilt reply holds would be values under other names.
+// Sends a request and gives the text of its answer, over which positions count. Nothing: silence, too short, only
+// acknowledgements, or no whole frame with a right check, since what a cut or spoilt reply holds would be values under
+// other names.
 std::optional<std::string> Ask(protocols::Conversation& talk, const std::string& frame, const Asking& asking);
 
 }  // namespace archive

@@ -8,15 +8,9 @@ namespace collection {
 
 namespace {
 
-constexpr int mostSends = 4;
-
 // The two bytes from which a list goes on, as one number.
 int Continuation(int first, int second) {
     return first + 256 * second;
-}
-
-bool IsIntact(const std::string& received) {
-    return protocols::IsWholeFrame(received) && protocols::HasRightCheck(received);
 }
 
 }  // namespace
@@ -28,19 +22,23 @@ ListReplies::ListReplies(protocols::Conversation& talk, ListReading reading)
 }
 
 std::optional<ListReply> ListReplies::Next() {
-    for (int sends = 1; sends <= mostSends; ++sends) {
+    int sends = 0;
+    for (int requests = 1; sends < protocols::mostSends; ++requests) {
         if (reading_.paced && !talk_.Wait(talk_.CommTimeout())) {
             return std::nullopt;
         }
-        const std::string received = protocols::ReadReply(talk_, reading_.request(asked_.empty()), reading_.log);
+        const protocols::StationReply received =
+            protocols::AskStation(talk_, reading_.request(asked_.empty()), reading_.log, protocols::mostSends - sends);
+        sends += received.sends;
         if (talk_.Ended()) {
             return std::nullopt;
         }
-        auto reply = Good(received);
-        none_ = !reply && reading_.mayBeNone && asked_.empty() && IsAnswerWithoutData(received);
+        auto reply = received.answer ? Good(received.answer->text) : std::nullopt;
+        none_ = reading_.mayBeNone && asked_.empty() && received.answer &&
+                received.answer->text.size() <= reading_.tooShort;
         talk_.requests.Note(reply.has_value() || none_);
         if (reply) {
-            LetLateRepliesPass(sends - 1);
+            LetLateRepliesPass(requests - 1);
             asked_.push_back(reply->next);
             return reply;
         }
@@ -51,11 +49,10 @@ std::optional<ListReply> ListReplies::Next() {
     return std::nullopt;
 }
 
-// A good reply is long enough to be one. It also has to be what it seems: a cut, doubled or repeated reply would move
-// every later signal to another's position, and so under another's name.
-std::optional<ListReply> ListReplies::Good(const std::string& received) {
-    const std::string reply = protocols::UndoDoubling(received);
-    if (reply.size() <= reading_.tooShort || !IsIntact(received)) {
+// A good reply is long enough to be one. It also has to be what it seems: a repeated reply would move every later
+// signal to another's position, and so under another's name.
+std::optional<ListReply> ListReplies::Good(const std::string& reply) {
+    if (reply.size() <= reading_.tooShort) {
         return std::nullopt;
     }
     const auto& layout = protocols::ReplyLayout(talk_.station.isCW);
@@ -71,19 +68,16 @@ std::optional<ListReply> ListReplies::Good(const std::string& received) {
     return ListReply{next, std::move(records.signals)};
 }
 
-bool ListReplies::IsAnswerWithoutData(const std::string& received) const {
-    return IsIntact(received) && protocols::UndoDoubling(received).size() <= reading_.tooShort;
-}
-
 // A reply that goes on where this list has already gone on is the late answer to an earlier request.
 bool ListReplies::AlreadyAsked(int next) const {
     return std::find(asked_.begin(), asked_.end(), next) != asked_.end();
 }
 
 // A good reply after `repeats` sends may be the answer to the first of them. The others' are then on their way, as late
-// as this one was, and must not be taken for those to the next requests.
+// as this one was, and must not be taken for those to the next requests. A station that gives back their numbers tells
+// them apart itself.
 void ListReplies::LetLateRepliesPass(int repeats) {
-    if (repeats > 0) {
+    if (repeats > 0 && !talk_.bsap.echoes) {
         talk_.Wait(static_cast<double>(repeats) * talk_.CommTimeout());
     }
 }

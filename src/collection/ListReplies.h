@@ -22,13 +22,14 @@ struct ListReading {
     std::function<std::string(bool first)> request;
     RecordForm form{};
     std::size_t tooShort = 18;  // a reply of so many bytes holds no data
-    // The station says by a reply without data that it has no such thing. Otherwise such a reply is a bad one.
+    // The station says by an answer without data that it has no such thing. Otherwise such an answer is a bad one.
     bool mayBeNone = false;
     bool paced = false;  // one commtimeout before each request as well
     protocols::RequestLog log{};
 };
 
-// Reads from a station reply by reply. A bad reply is asked for again, 4 times in all.
+// Reads from a station reply by reply. A bad reply is asked for again, one that is not ready polled for again, 4 sends
+// in all.
 class ListReplies {
   public:
     ListReplies(protocols::Conversation& talk, ListReading reading);
@@ -41,8 +42,7 @@ class ListReplies {
     bool None() const { return none_; }
 
   private:
-    std::optional<ListReply> Good(const std::string& received);
-    bool IsAnswerWithoutData(const std::string& received) const;
+    std::optional<ListReply> Good(const std::string& reply);
     bool AlreadyAsked(int next) const;
     void LetLateRepliesPass(int repeats);
 

@@ -9,8 +9,8 @@ namespace protocols {
 // over the line low byte first.
 //
 // `frame` is the frame as it is sent, from DLE STX to DLE ETX, its body escaped. The check covers the body with its
-// doubled bytes counted once, and the ETX. A frame that does not follow the escaping (an address of 10 hex in a local
-// message) gets the value at which the scanner stands when the frame ends.
+// doubled bytes counted once, and the ETX. A frame that does not follow the escaping gets the value at which the
+// scanner stands when the frame ends.
 std::uint16_t BsapCheck(std::string_view frame);
 
 }  // namespace protocols

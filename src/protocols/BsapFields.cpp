@@ -2,6 +2,7 @@
 #include <array>
 
 #include "core/Text.h"
+#include "protocols/BsapAnswer.h"
 #include "protocols/BsapCheck.h"
 #include "protocols/BsapFrame.h"
 #include "protocols/BsapReply.h"
@@ -16,7 +17,8 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr char dle = 0x10;
-constexpr std::size_t startLength = 2;
+constexpr auto frameStart = "\x10\x02"sv;
+constexpr std::size_t startLength = frameStart.size();
 constexpr std::size_t checkLength = 2;
 
 enum Message { Poll = 0x85, Acknowledge = 0x8B, Application = 0xA0 };
@@ -29,14 +31,11 @@ struct Unescaped {
     bool ended = false;
 };
 
-Unescaped Unescape(std::string_view line, std::size_t from, Direction direction) {
+Unescaped Unescape(std::string_view line, std::size_t from) {
     Unescaped frame;
     std::size_t at = from;
-    // An address of 10 hex is not doubled in the local messages of this master.
-    const bool loneAddress =
-        direction == Direction::TX && line.size() - at > 1 && line[at] == dle && line[at + 1] != dle;
     while (at < line.size()) {
-        const bool escape = line[at] == dle && at + 1 < line.size() && !(loneAddress && at == from);
+        const bool escape = line[at] == dle && at + 1 < line.size();
         if (escape && line[at + 1] == '\x03') {
             frame.ended = true;
             break;
@@ -271,12 +270,13 @@ Answer AnswerTo(std::string_view request) {
     if (request.size() < startLength) {
         return Answer::Data;
     }
-    const std::string body = Unescape(request, startLength, Direction::TX).body.bytes;
+    const std::string body = Unescape(request, startLength).body.bytes;
     const Function* function = FunctionOfApplication(std::string_view(body).substr(std::min(application, body.size())));
     return function == nullptr ? Answer::Data : function->answer;
 }
 
-// Positions of the layout count from 1 over the frame with its start, those of a poll reply behind its first byte.
+// Positions of the layout count from 1 over the frame with its start, those of a poll reply behind its first byte. A
+// frame behind a leading byte stands in the short layout.
 void TakeTo(BodyFields& body, std::size_t at, const char* name) {
     TakeFixed(body, at - std::min(at, body.Taken()), name);
 }
@@ -306,20 +306,32 @@ void TakeReply(BodyFields& body, const BsapReplyLayout& layout, bool isAcknowled
     }
 }
 
+// How the answer was sent whose start is `ahead` of the next byte.
+LeadingByte LeadingByteAt(const Naming& naming, std::size_t ahead, bool isCW, const Unescaped& frame) {
+    const BsapAsked asked = BsapAsked::By(naming.request, isCW);
+    return LeadingByteOf(frame.body.bytes, ahead > 0, asked).value_or(LeadingByte::InHead);
+}
+
 void NameFrame(Naming& naming, bool isCW) {
-    const std::size_t start = naming.next;
+    const std::size_t ahead = naming.Rest().find(frameStart);
+    const std::size_t start = naming.next + ahead;
+    const Unescaped frame = Unescape(naming.line, start + startLength);
+    const bool isSent = naming.direction == Direction::TX;
+    const LeadingByte leading = isSent ? LeadingByte::None : LeadingByteAt(naming, ahead, isCW, frame);
+    const std::size_t led = leading == LeadingByte::Ahead && ahead > 0 ? 1 : 0;
+    naming.TakeUnknown(ahead - led);
+    if (led > 0) {
+        naming.Take(led, "leading byte", ShortHex(naming.Rest().substr(0, led)));
+    }
     naming.Take(startLength, "start", "DLE STX");
-    const Unescaped frame = Unescape(naming.line, naming.next, naming.direction);
     BodyFields body(frame.body, naming.fields);
-    if (naming.direction == Direction::TX) {
+    if (isSent) {
         TakeRequest(body);
     } else {
-        // By its length alone, as the conversation tells it.
-        constexpr std::size_t shortest = 11;
-        constexpr std::size_t longest = 17;
-        const std::size_t length = frame.end + startLength + checkLength - start;
-        TakeReply(body, ReplyLayout(isCW), frame.ended && length >= shortest && length <= longest,
-                  AnswerTo(naming.request));
+        const std::size_t length =
+            frame.body.bytes.size() + startLength + replyTrailer + (leading == LeadingByte::Ahead ? 1 : 0);
+        TakeReply(body, ReplyLayout(leading != LeadingByte::InHead),
+                  frame.ended && IsLinkMessage(frame.body.bytes, leading, length), AnswerTo(naming.request));
     }
     naming.next = frame.end;
     if (!frame.ended) {
@@ -341,16 +353,13 @@ void NameFrame(Naming& naming, bool isCW) {
 }  // namespace
 
 void NameBsap(Naming& naming, bool isCW) {
-    constexpr std::string_view start = "\x10\x02"sv;
-    while (naming.Rest().find(start) != std::string_view::npos) {
-        naming.TakeUnknown(naming.Rest().find(start));
+    while (naming.Rest().find(frameStart) != std::string_view::npos) {
         NameFrame(naming, isCW);
     }
 }
 
 int BsapMessage(std::string_view sent) {
-    const std::string body =
-        sent.size() > startLength ? Unescape(sent, startLength, Direction::TX).body.bytes : std::string();
+    const std::string body = sent.size() > startLength ? Unescape(sent, startLength).body.bytes : std::string();
     return body.size() > 2 ? static_cast<unsigned char>(body[2]) : -1;
 }
 

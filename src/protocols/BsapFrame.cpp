@@ -19,6 +19,15 @@ int NextLinkSequence(BsapCounters& counters) {
     return ++counters.bsapseq;
 }
 
+// A late answer is told by the numbers of its request. What is later than so many requests is not waited for.
+void Remember(BsapCounters& counters, const std::string& sequence, char serial) {
+    constexpr std::size_t mostRemembered = 16;
+    counters.lately.push_back({sequence, std::string(1, serial)});
+    if (counters.lately.size() > mostRemembered) {
+        counters.lately.pop_front();
+    }
+}
+
 void AdvanceApplicationSequence(BsapCounters& counters) {
     int sequence = counters.appseqhigh * 256 + counters.appseqlow;
     if (sequence >= 65534) {
@@ -61,8 +70,18 @@ std::string Doubled(char byte) {
     return byte == dle ? dlePair : std::string(1, byte);
 }
 
+int NextLinkMessage(BsapCounters& counters) {
+    const int sequence = NextLinkSequence(counters);
+    // A poll's answer belongs to the request before it.
+    constexpr std::size_t mostSerials = 16;
+    if (!counters.lately.empty() && counters.lately.back().serials.size() < mostSerials) {
+        counters.lately.back().serials += LowByte(sequence);
+    }
+    return sequence;
+}
+
 std::string LocalFrame(int address, int sequence, char command, char argument) {
-    return Frame(LowByte(address) + Doubled(LowByte(sequence)) + command + Doubled(argument));
+    return Frame(Doubled(LowByte(address)) + Doubled(LowByte(sequence)) + command + Doubled(argument));
 }
 
 }  // namespace
@@ -75,17 +94,19 @@ std::string BuildApplicationFrame(BsapCounters& counters, int address, SequenceO
                                   const std::string& function) {
     AdvanceApplicationSequence(counters);
     const char sequence = LowByte(NextLinkSequence(counters));
+    const std::string applicationSequence = SequenceBytes(counters, order);
+    Remember(counters, applicationSequence, sequence);
     const std::string body =
-        std::string{LowByte(address), sequence} + "\xA0"s + SequenceBytes(counters, order) + "\x0B\x00"s + function;
+        std::string{LowByte(address), sequence} + "\xA0"s + applicationSequence + "\x0B\x00"s + function;
     return Frame(core::ReplaceAll(body, "\x10", dlePair));
 }
 
 std::string BuildPoll(BsapCounters& counters, int address) {
-    return LocalFrame(address, NextLinkSequence(counters), '\x85', dle);
+    return LocalFrame(address, NextLinkMessage(counters), '\x85', dle);
 }
 
 std::string BuildAcknowledgement(BsapCounters& counters, int address) {
-    const int sequence = NextLinkSequence(counters);
+    const int sequence = NextLinkMessage(counters);
     return LocalFrame(address, sequence, '\x8B', LowByte(sequence));
 }
 

@@ -37,9 +37,8 @@ int DigitsAsHex(int number);
 std::string BuildApplicationFrame(BsapCounters& counters, int address, SequenceOrder order,
                                   const std::string& function);
 
-// A local link message: address, link sequence (advanced first), command, argument. The argument is doubled where it
-// is 10 hex, and so is the sequence; an address of 10 hex is not: that is how the stations' master has always sent
-// these messages.
+// A local link message: address, link sequence (advanced first), command, argument. Each is doubled where it is 10 hex,
+// the address too: undoubled it would reach nobody.
 std::string BuildPoll(BsapCounters& counters, int address);             // command 85, argument 10 hex
 std::string BuildAcknowledgement(BsapCounters& counters, int address);  // command 8B, argument the sequence
 

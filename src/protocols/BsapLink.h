@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "protocols/BsapAnswer.h"
 #include "protocols/Conversation.h"
 
 // The BSAP conversation above its frames: how a station is found alive and signed on, how an acknowledgement is turned
@@ -33,8 +35,8 @@ bool SignOn(Conversation& talk, const SignOnOptions& options = {});
 // The same, up to so many times.
 bool SignOnInTries(Conversation& talk, const SignOnOptions& options = {}, int most = 3);
 
-// A reply of 11 to 17 bytes is no answer but the acknowledgement that it is not ready yet. Then the station is polled
-// and `pollReply` is what it gives; else nothing is sent. Tells whether it was polled.
+// A reply of 11 to 17 bytes, counted as BsapAnswer::text, is no answer but the acknowledgement that it is not ready
+// yet. Then the station is polled and `pollReply` is what it gives; else nothing is sent. Tells whether it was polled.
 bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply);
 
 // Tells the station that its answer has arrived. The reply to that is logged or dropped.
@@ -46,11 +48,23 @@ struct RequestLog {
     bool acknowledge = false;  // the answer to the acknowledgement is logged too
 };
 
-// Sends a request and gives the station's answer as it was received, polled and acknowledged where it was not ready.
-// Empty: no answer.
-std::string ReadReply(Conversation& talk, const std::string& frame, const RequestLog& log = {});
+// How often a request is sent, a poll behind the first that finds no answer yet counted as well.
+inline constexpr int mostSends = 4;
 
-// The same with the answer's doubled bytes undone, ready for its positions.
-std::string RequestCycle(Conversation& talk, const std::string& frame, const RequestLog& log = {});
+// What a request brought.
+struct StationReply {
+    std::optional<BsapAnswer> answer{};
+    // The answer gave back the serial and both sequence bytes of its request.
+    bool givesBack = false;
+    // The last that came was an acknowledgement.
+    bool acknowledged = false;
+    int sends = 1;
+    std::string received{};  // the bytes of the last reading, for the log
+};
+
+// Sends a request and gives the station's answer, polled and acknowledged where it was not ready, and polled again as
+// long as it is still not, up to `most` sends. An answer to another request is passed over, and ours is waited for
+// behind it. An answer of 11 to 17 bytes holds no data; the station is polled once more for one that does.
+StationReply AskStation(Conversation& talk, const std::string& frame, const RequestLog& log = {}, int most = mostSends);
 
 }  // namespace protocols

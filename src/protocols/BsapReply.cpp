@@ -1,8 +1,5 @@
 #include "protocols/BsapReply.h"
 
-#include <algorithm>
-
-#include "core/Text.h"
 #include "protocols/BsapCheck.h"
 
 namespace protocols {
@@ -12,23 +9,6 @@ std::optional<int> ByteAtPosition(std::string_view reply, std::size_t position) 
         return std::nullopt;
     }
     return static_cast<unsigned char>(reply[position - 1]);
-}
-
-std::string UndoDoubling(const std::string& reply) {
-    constexpr std::size_t check = 2;
-    const std::size_t checkAt = reply.size() - std::min(reply.size(), check);
-    return core::ReplaceAll(reply.substr(0, checkAt), "\x10\x10", "\x10") + reply.substr(checkAt);
-}
-
-bool IsWholeFrame(std::string_view reply) {
-    if (!reply.starts_with("\x10\x02")) {
-        return false;
-    }
-    std::size_t dle = reply.find('\x10', 2);
-    while (dle != std::string_view::npos && reply.substr(dle, 2) == "\x10\x10") {
-        dle = reply.find('\x10', dle + 2);
-    }
-    return dle != std::string_view::npos && reply.substr(dle, 2) == "\x10\x03" && dle + replyTrailer == reply.size();
 }
 
 bool HasRightCheck(std::string_view frame) {

@@ -5,17 +5,16 @@
 #include <string>
 #include <string_view>
 
-// Where things stand in the replies of a BSAP station. Positions count from 1 over the text as it was received, or with
-// its pairs undone where that is said. The check of a reply is looked at only where values are taken from it.
+// Where things stand in the replies of a BSAP station. Positions count from 1 over BsapAnswer::text.
 namespace protocols {
 
 struct BsapReplyLayout {
-    // Poll reply as received, its first byte cut off.
+    // Poll reply, its first byte cut off.
     std::size_t pollAddress;
     std::size_t pollStatus;
-    // Version reply as received, two bytes.
+    // Version reply, two bytes.
     std::size_t loadVersion;
-    // List reply, its pairs undone.
+    // List reply.
     std::size_t listNext;  // two bytes
     std::size_t firstRecord;
 };
@@ -33,13 +32,6 @@ constexpr std::size_t replyTrailer = 4;
 
 // The byte at a position from 1; nothing behind the end of the text.
 std::optional<int> ByteAtPosition(std::string_view reply, std::size_t position);
-
-// The reply with every pair 10 10 made one 10. The last two bytes are the check, which is not escaped: they stay.
-std::string UndoDoubling(const std::string& reply);
-
-// The reply as received is one frame from DLE STX to its check, nothing in front, nothing behind and no second one.
-// What a cut or noisy reply or two replies in one reading are not.
-bool IsWholeFrame(std::string_view reply);
 
 // The check of a whole frame is right. A bit that falls over on the line would otherwise be a value.
 bool HasRightCheck(std::string_view frame);

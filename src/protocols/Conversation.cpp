@@ -18,7 +18,11 @@ std::string Exchange(Conversation& talk, const std::string& frame, double answer
     }
     talk.line->Output(frame);
     talk.feedback.Lamp("TX", frame);
-    if (!talk.Wait(answerMs)) {
+    return Await(talk, answerMs);
+}
+
+std::string Await(Conversation& talk, double milliseconds) {
+    if (!talk.Wait(milliseconds)) {
         return {};
     }
     std::string reply;

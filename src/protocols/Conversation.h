@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/Clock.h"
@@ -14,12 +16,19 @@
 
 namespace protocols {
 
+// The numbers of a BSAP request as they went out, a byte each.
+struct BsapNumbers {
+    std::string sequence;  // of the application, in the order of the message
+    std::string serials;   // the link's, and those of the link messages that followed
+};
+
 // The sequence numbers of the BSAP side. They live for the run of the program: no sign-on and no new station resets
 // them, so a late answer to an earlier station never has the number of the present request.
 struct BsapCounters {
-    int bsapseq = 0;     // link sequence, 1 to 255
-    int appseqlow = 0;   // application sequence, low byte
-    int appseqhigh = 0;  // and high byte
+    int bsapseq = 0;                   // link sequence, 1 to 255
+    int appseqlow = 0;                 // application sequence, low byte
+    int appseqhigh = 0;                // and high byte
+    std::deque<BsapNumbers> lately{};  // the last requests, the newest last
 };
 
 // What the Modbus side keeps between building a request and reading its values.
@@ -28,6 +37,13 @@ struct ModbusState {
     std::array<double, 126> mbvalues{};
     bool rtu32bit = false;   // one register holds a whole float
     bool floatread = false;  // a function 3 reply is decoded as floats
+};
+
+// Where a BSAP answer has the byte that the positions of the long layout count in front of everything.
+enum class LeadingByte {
+    None,   // the short layout has none
+    Ahead,  // of DLE STX
+    InHead,
 };
 
 // What the BSAP side learned of the station it talks to.
@@ -41,6 +57,10 @@ struct BsapState {
     bool usepoll = false;
     int rtustatus = -1000;
     std::string lastpollreply;
+    // Learned at the sign-on. A station whose version answer gives back the serial and both sequence bytes of its
+    // request is held to it: an answer with other numbers is not for us.
+    bool echoes = false;
+    std::optional<LeadingByte> leading{};
 };
 
 // How many requests of a conversation were answered well, and how many were not. Each try counts.
@@ -86,5 +106,8 @@ inline constexpr const char* lateLamp = "RX late";
 // commtimeout if not given. Empty: no answer, the port is closed, or the conversation was told to end.
 std::string Exchange(Conversation& talk, const std::string& frame);
 std::string Exchange(Conversation& talk, const std::string& frame, double answerMs);
+
+// Waits and takes what came, without sending.
+std::string Await(Conversation& talk, double milliseconds);
 
 }  // namespace protocols

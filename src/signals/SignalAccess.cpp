@@ -3,7 +3,6 @@
 #include <functional>
 #include <optional>
 
-#include "protocols/BsapLink.h"
 #include "protocols/BsapReply.h"
 
 namespace signals {
@@ -16,16 +15,11 @@ protocols::Bsap Messages(protocols::Conversation& talk) {
     return {talk.counters, talk.bsap, talk.station.isCW};
 }
 
-bool IsIntact(const std::string& received) {
-    return protocols::IsWholeFrame(received) && protocols::HasRightCheck(received);
-}
-
 // The records of an answer stand where a list's do: where a list has the place to go on, there is the load version.
 // Nothing when it is no answer with that many signals.
-std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const std::string& received,
+std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const std::string& reply,
                                              std::size_t count) {
-    const std::string reply = protocols::UndoDoubling(received);
-    if (reply.size() <= tooShort || !IsIntact(received)) {
+    if (reply.size() <= tooShort) {
         return std::nullopt;
     }
     auto records = collection::ReadRecords(reply, {protocols::ReplyLayout(station.isCW).firstRecord, true,
@@ -40,18 +34,19 @@ using IsOf = std::function<bool(const Signal& signal, std::size_t index)>;
 
 ReadAnswer Read(protocols::Conversation& talk, const std::function<std::string()>& request, std::size_t count,
                 const IsOf& isOf, int most = mostSends) {
-    for (int sends = 1; sends <= most; ++sends) {
-        const std::string received = protocols::ReadReply(talk, request());
+    for (int sends = 0; sends < most;) {
+        const protocols::StationReply received = protocols::AskStation(talk, request(), {}, mostSends - sends);
+        sends += received.sends;
         if (talk.Ended()) {
             return {Answer::Ended};
         }
-        auto signals = SignalsOf(talk.station, received, count);
+        auto signals = received.answer ? SignalsOf(talk.station, received.answer->text, count) : std::nullopt;
         for (std::size_t index = 0; signals && index < count; ++index) {
             if (!isOf((*signals)[index], index)) {
                 signals.reset();
             }
         }
-        const bool none = !signals && IsIntact(received) && received.size() <= tooShort;
+        const bool none = received.answer && received.answer->text.size() <= tooShort;
         talk.requests.Note(signals.has_value() || none);
         if (signals) {
             return {Answer::Good, std::move(*signals)};
@@ -64,11 +59,11 @@ ReadAnswer Read(protocols::Conversation& talk, const std::function<std::string()
 }
 
 Answer Write(protocols::Conversation& talk, const std::string& frame) {
-    const std::string received = protocols::ReadReply(talk, frame);
+    const protocols::StationReply received = protocols::AskStation(talk, frame, {}, 1);
     if (talk.Ended()) {
         return Answer::Ended;
     }
-    const bool answered = IsIntact(received);
+    const bool answered = received.answer || received.acknowledged;
     talk.requests.Note(answered);
     return answered ? Answer::Good : Answer::None;
 }

@@ -6,14 +6,15 @@
 #include <vector>
 
 #include "protocols/Bsap.h"
+#include "protocols/BsapLink.h"
 #include "protocols/Conversation.h"
 #include "signals/SignalText.h"
 
 // Single signals of a station that is signed on, by their addresses or by their names.
 namespace signals {
 
-// How often a read is sent before its station counts as silent.
-inline constexpr int mostSends = 4;
+// How often a read is sent before its station counts as silent, repeated polls counted as well.
+inline constexpr int mostSends = protocols::mostSends;
 
 enum class Answer {
     Good,
@@ -37,8 +38,8 @@ struct NamedSignal {
     int address = 0;
 };
 
-// Reads up to 99 signals in one message. One that the station does not have makes all of them NoSignal. With `sends` 1 it
-// is tried once, for whoever has something to look at between two tries.
+// Reads up to 99 signals in one message. One that the station does not have makes all of them NoSignal. With `sends` 1
+// it is tried once, with its polls, for whoever has something to look at between two tries.
 ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal> named, int sends = mostSends);
 
 // Writes a signal by its name, once: a logical one is switched on, whatever the value. Good: the station has answered,

@@ -185,6 +185,7 @@ TEST(DownloadTest, FramesAreLoggedWhereTheScreenLogsThem) {
     }
     HistoryTalk history(true);
     history.desk.shared.logGenflag = true;
+    history.station.Options().notReadyOneIn = 0;
     history.station.Archives()[2] = HourlyFile(2);
     history.Collect(WishOf(selections[6]));
     const std::string log = FileText(history.desk.shared.logpath);
@@ -274,7 +275,7 @@ TEST(DownloadTest, StatusPairsEndTheRun) {
 // A fault at each exchange of a download, once and then for good. One bad reply of the definitions and of the records
 // is forgiven, and no record is lost or wrong by it; the one of the file's numbers is not.
 TEST(DownloadTest, EveryFaultAtEveryExchange) {
-    const Fault everyFault[] = {Fault::Silence, Fault::BadCheck, Fault::Cut, Fault::Echo};
+    const Fault everyFault[] = {Fault::Silence, Fault::BadCheck, Fault::Cut};
     for (const Selection& selection : selections) {
         const auto file = HourlyFile(11, 0, 8);
         const auto all = RowsOf(file, RunsNewestFirst(selection));

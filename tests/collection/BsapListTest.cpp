@@ -173,10 +173,7 @@ TEST_F(BsapListTest, OddRepliesAreAskedForAgain) {
         {"a repeat of the first", first},
         {"cut at a record", LongReply(4, Times(3, other)).substr(0, spoilt.size())},
         {"cut in a record", spoilt.substr(0, spoilt.size() - 7)},
-        {"with noise in front", "\xFF" + spoilt},
-        {"with noise behind", spoilt + "\xFF"},
         {"two in one", spoilt + spoilt},
-        {"the echo of the request in front", Bytes("10 02 01 05 A0 00 08 0B 00 0D 01 10 03 CC 77") + spoilt},
         {"without a byte of a record", lostByte},
         {"a whole frame that ends within a record", LongReply(4, other + other.substr(0, 9))},
     };
@@ -186,6 +183,15 @@ TEST_F(BsapListTest, OddRepliesAreAskedForAgain) {
         EXPECT_TRUE(list.collstatus);
         EXPECT_EQ(Values(list), (std::vector<double>{1.5, 1.5, 9, 9, 1.5}));
         EXPECT_EQ(line.sent.size(), 4U);
+    }
+}
+
+TEST_F(BsapListTest, WhatStandsAroundAReplyCostsNothing) {
+    const std::string reply = LongReply(0, Times(2, Analog(nine)));
+    for (const std::string& received :
+         {"\xFF" + reply, reply + "\xFF", Bytes("10 02 01 05 A0 00 08 0B 00 0D 01 10 03 CC 77") + reply}) {
+        EXPECT_EQ(Values(Read({received})), (std::vector<double>{9, 9}));
+        EXPECT_EQ(line.sent.size(), 1U);
     }
 }
 

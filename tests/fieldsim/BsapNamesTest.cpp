@@ -36,6 +36,7 @@ struct Asker {
     static BsapOptions Options(bool shortLayout, DataAnswer answers) {
         BsapOptions options;
         options.shortLayout = shortLayout;
+        options.notReadyOneIn = 0;
         options.answers = answers;
         return options;
     }

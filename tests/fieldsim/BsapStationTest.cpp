@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <set>
 
 #include "core/Text.h"
 #include "fieldsim/BsapStation.h"
@@ -41,7 +42,13 @@ struct Asker {
     BsapStation station;
     std::uint64_t at = 1000;
 
-    explicit Asker(BsapOptions options = {}) : station(1, Lists(), std::move(options)) {}
+    explicit Asker(BsapOptions options = AlwaysReady()) : station(1, Lists(), std::move(options)) {}
+
+    static BsapOptions AlwaysReady() {
+        BsapOptions options;
+        options.notReadyOneIn = 0;
+        return options;
+    }
 
     std::string Raw(const std::string& bytes) {
         at += 1000;
@@ -66,12 +73,12 @@ bool IsAcknowledgement(const std::string& reply) {
 
 TEST(BsapStation, PollReplyHasAddressAndStatusInTheirPlaces) {
     for (const bool shortLayout : {false, true}) {
-        BsapOptions options;
+        BsapOptions options = Asker::AlwaysReady();
         options.shortLayout = shortLayout;
         options.status = 2;
         Asker ask(options);
         for (const char* frame : {kPoll, kPoll16, kAcknowledge, kSignOn}) {
-            const std::string reply = ask.Raw(Bytes(frame));
+            const std::string reply = ask(frame);
             EXPECT_TRUE(IsAcknowledgement(reply)) << Hex(reply);
             EXPECT_EQ(At(reply, shortLayout ? 6 : 7), 1) << frame;
             EXPECT_EQ(At(reply, shortLayout ? 7 : 8), 2) << frame;
@@ -82,7 +89,7 @@ TEST(BsapStation, PollReplyHasAddressAndStatusInTheirPlaces) {
 
 TEST(BsapStation, VersionReplyHasTheLoadVersionInItsPlace) {
     for (const bool shortLayout : {false, true}) {
-        BsapOptions options;
+        BsapOptions options = Asker::AlwaysReady();
         options.shortLayout = shortLayout;
         Asker ask(options);
         const std::string reply = ask.Raw(Bytes(kVersion));
@@ -94,7 +101,7 @@ TEST(BsapStation, VersionReplyHasTheLoadVersionInItsPlace) {
 
 TEST(BsapStation, ListComesInPagesOfRecords) {
     for (const bool shortLayout : {false, true}) {
-        BsapOptions options;
+        BsapOptions options = Asker::AlwaysReady();
         options.shortLayout = shortLayout;
         Asker ask(options);
         const std::size_t back = shortLayout ? 1 : 0;
@@ -128,7 +135,7 @@ TEST(BsapStation, LogicalRecordsHaveOneByteOfValue) {
 }
 
 TEST(BsapStation, AcknowledgesFirstAndAnswersOnThePoll) {
-    BsapOptions options;
+    BsapOptions options = Asker::AlwaysReady();
     options.answers = DataAnswer::AcknowledgeFirst;
     Asker ask(options);
     EXPECT_TRUE(IsAcknowledgement(ask(kFirst)));
@@ -139,7 +146,7 @@ TEST(BsapStation, AcknowledgesFirstAndAnswersOnThePoll) {
 }
 
 TEST(BsapStation, ServesNothingThatIsNotAskedRightly) {
-    BsapOptions options;
+    BsapOptions options = Asker::AlwaysReady();
     options.password = "482913";
     Asker ask(options);
     EXPECT_EQ(At(ask(kVersion), 14), 0);
@@ -159,14 +166,43 @@ TEST(BsapStation, ServesNothingThatIsNotAskedRightly) {
     EXPECT_EQ(ask(kFirst), "");
 }
 
-// A station that sends the request's own numbers back doubles a 10 among them, and what follows it stands further on.
-TEST(BsapStation, EchoesTheSequenceNumbersIfItIsOfThatKind) {
-    BsapOptions options;
-    options.echoSequences = true;
+// Behind the leading byte there is the request's serial, and the application sequence as it came; a 10 among them is
+// doubled.
+TEST(BsapStation, GivesBackTheNumbersOfTheRequestBehindALeadingByte) {
+    BsapOptions options = Asker::AlwaysReady();
     Asker ask(options);
-    EXPECT_EQ(Hex(ask.Raw(Bytes(kPoll)).substr(0, 11)), "10 02 00 01 00 86 01 00 01 10 03");
-    EXPECT_EQ(Hex(ask.Raw(Bytes(kPoll16)).substr(0, 13)), "10 02 00 10 10 00 86 01 00 10 10 10 03");
-    EXPECT_EQ(Hex(ask(kFirst).substr(2, 6)), "00 04 00 0B 00 06");
+    std::set<int> leading;
+    for (int i = 0; i < 20; ++i) {
+        const std::string reply = ask.Raw(Bytes(kPoll16));
+        leading.insert(At(reply, 1));
+        EXPECT_EQ(Hex(reply.substr(1, 12)), "10 02 00 10 10 86 01 00 10 10 10 03");
+    }
+    EXPECT_EQ(leading, (std::set<int>{0x00, 0xFF}));
+    EXPECT_EQ(Hex(ask.Raw(Bytes(kFirst)).substr(1, 15)), "10 02 00 04 0B 00 06 A0 00 00 00 00 0F 00 06");
+    options.shortLayout = true;
+    Asker cw(options);
+    EXPECT_EQ(Hex(cw.Raw(Bytes(kFirstCw)).substr(0, 15)), "10 02 00 04 0B 00 06 A0 00 00 00 00 0F 00 06");
+}
+
+TEST(BsapStation, CountsForItselfIfItIsOfThatKind) {
+    Asker ask(BsapOptions::CountsForItself());
+    EXPECT_EQ(Hex(ask.Raw(Bytes(kPoll16)).substr(0, 11)), "10 02 00 01 00 86 01 00 01 10 03");
+    EXPECT_EQ(Hex(ask.Raw(Bytes(kFirst)).substr(0, 16)), "10 02 00 02 00 0B 00 00 A0 00 00 00 00 0F 00 06");
+}
+
+// An acknowledgement to the request and to the first poll, once in a while.
+TEST(BsapStation, IsNotReadyNowAndThen) {
+    Asker ask{BsapOptions{}};
+    int notReady = 0;
+    for (int i = 0; i < 60; ++i) {
+        if (IsAcknowledgement(ask.Raw(Bytes(kFirst)))) {
+            ++notReady;
+            EXPECT_TRUE(IsAcknowledgement(ask.Raw(Bytes(kPoll))));
+            EXPECT_EQ(At(ask(kPoll), 14), 15);
+        }
+    }
+    EXPECT_GT(notReady, 3);
+    EXPECT_LT(notReady, 30);
 }
 
 TEST(BsapStation, SignsOnWithoutTheSequenceBytesThatDidNotFit) {

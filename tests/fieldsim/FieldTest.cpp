@@ -185,6 +185,7 @@ TEST_F(FieldTest, StationsKeepWhatTheirValuesWere) {
     AddStation(3, "TeleCorrector", "COM1", "", "BSAP", 3);
     AddStation(4, "TeleFlow", "COM1", "", "BSAP", 4);
     FieldOptions options;
+    options.bsapCountsForItself = true;  // and is always ready
     options.histories[4] = [](StationHistory& history) { MakeHistory(history, "wrapped"); };
     Field field(desk.dbconn, options);
     field.AttachTo(line);

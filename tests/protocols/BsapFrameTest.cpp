@@ -97,9 +97,9 @@ TEST(BsapFrame, LocalMessages) {
         {1, [](Bsap& bsap) { return bsap.POLL_RTU(300); }, "10 02 2C 01 85 10 10 10 03 C9 A9"},
         {5, Acknowledge, "10 02 01 05 8B 05 10 03 F2 3C"},
         {16, Acknowledge, "10 02 01 10 10 8B 10 10 10 03 2D 7A"},
-        // An address of 10 is not doubled, so the scanner of the check sees no body: it ends with its start value.
-        {5, [](Bsap& bsap) { return bsap.POLL_RTU(16); }, "10 02 10 05 85 10 10 10 03 FF FF"},
-        {3, [](Bsap& bsap) { return bsap.POLL_RTU_1(16); }, "10 02 10 03 8B 03 10 03 FF FF"},
+        // An address of 10 is doubled too; the check counts it once.
+        {5, [](Bsap& bsap) { return bsap.POLL_RTU(16); }, "10 02 10 10 05 85 10 10 10 03 C4 78"},
+        {3, [](Bsap& bsap) { return bsap.POLL_RTU_1(16); }, "10 02 10 10 03 8B 03 10 03 BC 9C"},
     };
     for (const auto& [bsapseq, build, frame] : cases) {
         EXPECT_EQ(Frame(bsapseq, 0, build), frame);

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fieldsim/BsapFrame.h"
+#include "protocols/Bsap.h"
 #include "protocols/BsapLink.h"
-#include "protocols/BsapReply.h"
 #include "protocols/FieldTalk.h"
 #include "support/Hex.h"
 
@@ -63,7 +63,8 @@ TEST_F(BsapLink, SignOnOutcomes) {
         {"good CW", "", Reply(pollShort), Reply(versionShort), 3, 0, true, true},
         {"silent", "", "", "", 1, -1000, false, false},
         {"one byte", "", "\x10", "", 1, -1000, false, false},
-        {"ends before the status", "", poll.substr(0, 7), "", 1, -1000, false, false},
+        {"cut", "", poll.substr(0, 7), "", 1, -1000, false, false},
+        {"ends before the status", "", Reply("00 01 00 86 01"), "", 1, -1000, false, false},
         {"another address", "", Reply("00 01 00 86 02 00 01"), "", 1, 0, false, false},
         {"another address behind a modem", "0265", Reply("00 01 00 86 02 00 01"), "", 1, 0, false, false},
         {"another address of a CW", "", Reply("00 01 86 02 00 01"), "", 1, 0, true, false},
@@ -72,13 +73,18 @@ TEST_F(BsapLink, SignOnOutcomes) {
         {"status 1", "", Reply("00 01 00 86 01 01 01"), version, 3, 1, false, true},
         {"status 2", "", Reply("00 01 00 86 01 02 01"), "", 1, 2, false, false},
         {"status 2 of a CW behind a modem", "0265", Reply("00 01 86 02 02 01"), "", 1, 2, true, false},
-        // The poll reply is read as received: a doubled byte in front moves the address.
-        {"doubled sequence", "", Reply("00 10 00 86 01 00 10"), "", 1, 1, false, false},
+        {"doubled sequence", "", Reply("00 10 00 86 01 00 10"), version, 3, 0, false, true},
+        {"padded", "", "\xFF" + Reply(pollShort), "\xFF" + Reply(versionShort), 3, 0, false, true},
+        {"noise around", "", "\x10" + poll + "\x10\x02", "x" + version, 3, 0, false, true},
+        {"a wrong check", "", poll.substr(0, poll.size() - 1) + "x", "", 1, -1000, false, false},
+        {"a poll reply of another station in front", "", Reply("00 01 00 86 02 00 01") + poll, version, 3, 0, false,
+         true},
         {"no version", "", poll, "", 3, 0, false, false},
         {"version 0 0", "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 00 23"), 3, 0, false, false},
         {"version 0 5", "", poll, Reply("00 02 00 0B 00 00 A0 00 00 00 00 00 05 23"), 3, 0, false, true},
-        {"only acknowledged", "", poll, Reply(signedIn), 3, 0, false, false},
-        {"acknowledged at length", "", poll, Reply("00 02 00 86 01 00 01 02 03 04 05"), 3, 0, false, false},
+        {"only acknowledged", "", poll, Reply(signedIn), 5, 0, false, false},
+        {"version on the poll", "", poll, Reply(signedIn), 5, 0, false, true},
+        {"acknowledged at length", "", poll, Reply("00 02 00 86 01 00 01 02 03 04 05"), 5, 0, false, false},
     };
     for (const Outcome& c : cases) {
         SCOPED_TRACE(c.name);
@@ -86,6 +92,9 @@ TEST_F(BsapLink, SignOnOutcomes) {
         talk.station.phoneno = c.phoneno;
         line.sent.clear();
         line.replies = {c.poll, Reply(signedIn), c.version};
+        if (std::string(c.name) == "version on the poll") {
+            line.replies.push_back(version);
+        }
         EXPECT_EQ(SignOn(talk), c.expected);
         EXPECT_EQ(talk.bsap.rtustatus, c.rtustatus);
         EXPECT_EQ(Hex(talk.bsap.lastpollreply), Hex(c.poll));
@@ -165,57 +174,77 @@ TEST_F(BsapLink, PollIsNeededForElevenToSeventeenBytes) {
     }
 }
 
-TEST_F(BsapLink, RequestCycle) {
-    const std::string answer(20, 'a');
+TEST_F(BsapLink, ARequestIsPolledForUntilItsAnswerIsThere) {
+    const std::string answer = Reply("00 77 00 0B 00 00 A0 00 00 00 00 0F 00 41 42 43");
     desk.shared.logGenflag = true;
     line.replies = {answer};
-    EXPECT_EQ(RequestCycle(talk, "F", {"Get List 54 Response", true}), answer);
-    EXPECT_EQ(line.sent, std::vector<std::string>{"F"});
+    const std::string request = Bsap(counters, talk.bsap, false).GetVersion_RTU(1);
+    EXPECT_EQ(Hex(AskStation(talk, request).answer.value().text), Hex(answer));
+    EXPECT_EQ(line.sent, std::vector<std::string>{request});
 
     line.sent.clear();
-    line.replies = {Reply(signedIn), answer, "ok"};
-    EXPECT_EQ(RequestCycle(talk, "F", {"Get List 54 Response", true}), answer);
-    ASSERT_EQ(line.sent.size(), 3U);
-    EXPECT_EQ(Hex(line.sent[1]), "10 02 01 01 85 10 10 10 03 2C B5");
-    EXPECT_EQ(Hex(line.sent[2]).substr(0, 17), "10 02 01 02 8B 02");
+    line.replies = {Reply(signedIn), Reply(pollLong), answer, "ok"};
+    const StationReply reply = AskStation(talk, request, {"Get List 54 Response", true});
+    EXPECT_EQ(Hex(reply.answer.value().text), Hex(answer));
+    EXPECT_EQ(reply.sends, 2);
+    ASSERT_EQ(line.sent.size(), 4U);
+    EXPECT_EQ(Hex(line.sent[1]).substr(0, 23), "10 02 01 02 85 10 10 10");
+    EXPECT_EQ(Hex(line.sent[2]).substr(0, 23), "10 02 01 03 85 10 10 10");
+    EXPECT_EQ(Hex(line.sent[3]).substr(0, 17), "10 02 01 04 8B 04");  // not before the answer is there
     const std::string log = Log();
     EXPECT_EQ(log.substr(log.size() - 34), "\rGet List UP_ACK Response\n\r6F 6B \n");
     EXPECT_NE(log.find("\rGet List 54 Response\n\r10 2 0 1 "), std::string::npos);
 
+    // Never ready: four sends, and the station has acknowledged.
+    line.sent.clear();
+    line.replies = {6, Reply(signedIn)};
+    const StationReply never = AskStation(talk, request);
+    EXPECT_FALSE(never.answer);
+    EXPECT_TRUE(never.acknowledged);
+    EXPECT_EQ(line.sent.size(), 6U);
+
     // Acknowledged, then nothing; what the poll brings late does not go to the next request.
-    line.replies = {Reply(signedIn), "", answer, "next"};
-    EXPECT_EQ(RequestCycle(talk, "F"), "");
-    EXPECT_EQ(RequestCycle(talk, "G"), "next");
+    line.replies = {Reply(signedIn), "", answer, ""};
+    EXPECT_FALSE(AskStation(talk, request).answer);
+    EXPECT_FALSE(AskStation(talk, request).answer);
 }
 
-TEST(BsapReply, PairsAreUndoneButNotInTheCheck) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"10 02 10 10 41 10 10 10 10 10 03 C1 C2", "10 02 10 41 10 10 10 03 C1 C2"},
-        {"10 02 41 10 10 10 03 C1 C2", "10 02 41 10 10 03 C1 C2"},
-        {"10 02 41 10 03 10 10", "10 02 41 10 03 10 10"},
-        {"10", "10"},
-        {"", ""},
-    };
-    for (const auto& [received, undone] : cases) {
-        EXPECT_EQ(Hex(UndoDoubling(Bytes(received))), undone);
-    }
+TEST_F(BsapLink, AnAnswerLeftBehindByAnotherConversationIsFetchedOnce) {
+    const std::string left = Reply("00 09 0B 12 00 A0 00 00 00 00 0F 00 41 42 43 44");
+    line.replies = {left, "", Reply(pollLong), Reply(signedIn), Reply(versionLong)};
+    EXPECT_TRUE(SignOn(talk));
+    EXPECT_EQ(Hex(line.sent.at(1)).substr(0, 17), "10 02 01 02 8B 02");
 }
 
-TEST(BsapReply, WholeFrames) {
-    const std::pair<const char*, bool> cases[] = {
-        {"10 02 41 10 03 C1 C2", true},
-        {"10 02 10 10 03 10 10 10 03 10 10", true},
-        {"10 02 41 10 03 C1", false},        // cut
-        {"10 02 41 10 10 03 C1 C2", false},  // that was a 10 and a 03 of the body
-        {"10 02 41 10", false},
-        {"10 02", false},
-        {"", false},
-        {"00 10 02 41 10 03 C1 C2", false},                    // noise in front
-        {"10 02 41 10 03 C1 C2 00", false},                    // and behind
-        {"10 02 41 10 03 C1 C2 10 02 41 10 03 C1 C2", false},  // two
-        {"10 02 41 10 41 10 03 C1 C2", false},                 // a broken escape
+// Another's answer comes in front of this one's or alone; the last has numbers of which nothing is known.
+TEST_F(BsapLink, NoVersionIsTakenFromAnothersAnswer) {
+    const auto answer = [](const std::string& request, const char* version) {
+        return "\xFF" + fieldsim::BsapFrame(std::string(1, '\0') + request[3] + "\x0B" + request.substr(5, 2) +
+                                            Bytes("A0 00 00 00 00") + Bytes(version) + Bytes("23 4F 4E 2E 2E 00"));
     };
-    for (const auto& [received, whole] : cases) {
-        EXPECT_EQ(IsWholeFrame(Bytes(received)), whole) << received;
+    const auto link = [](const std::string& request) {
+        const std::string serial(1, request[3]);
+        return "\xFF" + fieldsim::BsapFrame(std::string(1, '\0') + serial + Bytes("86 01 00") + serial);
+    };
+    enum Comes { InFront, Alone, FromNowhere };
+    for (const Comes comes : {InFront, Alone, FromNowhere}) {
+        const std::string early = Bsap(counters, talk.bsap, false).GetVersion_RTU(1);
+        line.sent.clear();
+        line.answer = [&](const std::string& frame) {
+            switch (line.sent.size()) {
+                case 1:
+                case 2:
+                    return link(frame);
+                case 3:
+                    return comes == FromNowhere
+                               ? answer("xxx\x77xy", "55 66")
+                               : answer(early, "55 66") + (comes == Alone ? "" : answer(frame, "12 34"));
+                default:
+                    return answer(frame, "12 34");
+            }
+        };
+        EXPECT_EQ(SignOn(talk), comes != Alone);
+        EXPECT_EQ(talk.bsap.loadversion1, comes == Alone ? 0 : 0x12);
+        EXPECT_EQ(talk.bsap.echoes, comes != Alone);
     }
 }

@@ -155,12 +155,10 @@ TEST(FrameFields, BsapLocalMessages) {
               "5+1 acknowledged sequence=5\n"
               "6+2 end=DLE ETX\n"
               "8+2 check=wrong, F2 3C would be right");
-    // An address of 10 hex is not doubled; with a 3 behind it that is no end of a frame.
-    ExpectFields(Sent("10 02 10 03 85 10 10 10 03 00 00", bsap),
-                 "0+2 start=DLE STX\n"
-                 "2+1 address=16\n"
-                 "3+1 link sequence=3\n"
-                 "4+1 message=poll");
+    ExpectFields(Sent("10 02 10 10 03 85 10 10 10 03 AA AA", bsap),
+                 "2+2 address=16\n"
+                 "4+1 link sequence=3\n"
+                 "5+1 message=poll");
 }
 
 TEST(FrameFields, BsapRequests) {
@@ -254,7 +252,30 @@ TEST(FrameFields, BsapReplies) {
     ExpectFields(Received(list, bsap), "13+16 data=10 00 02 00 00 C8 42 42 ... (15 bytes)");
     ExpectFields(Received("10 02 00 01 0B 00 06 A0 00 00 00 00 00 00 02 00 00 C8 42 10 03 00 00", cw, listRequest),
                  "12+2 list goes on=0, this was the last\n14+5 first record=type 2, 5 bytes of records");
-    EXPECT_EQ(Received("FF FF 10 02 00 01 00", bsap),
+    // A leading byte, behind noise; then the short head.
+    ExpectFields(Received("10 FF 10 02 00 01 86 10 10 02 01 10 03 00 00", bsap),
+                 "0+1 not recognised=10\n"
+                 "1+1 leading byte=FF\n"
+                 "2+2 start=DLE STX\n"
+                 "4+1 address=0\n"
+                 "5+1 link sequence=1\n"
+                 "6+1 acknowledgement=86\n"
+                 "7+2 station=16\n"
+                 "9+1 status=2\n"
+                 "10+1 rest=01");
+    ExpectFields(
+        Received("00 10 02 00 04 0B 00 06 A0 00 00 00 00 10 10 00 02 00 00 C8 42 10 03 00 00", bsap, listRequest),
+        "0+1 leading byte=00\n"
+        "1+2 start=DLE STX\n"
+        "3+1 address=0\n"
+        "4+1 link sequence=4\n"
+        "5+8 head of the answer=0B 00 06 A0 00 00 00 00\n"
+        "13+3 list goes on=behind 16");
+    // Noise ahead of a byte inside the head.
+    ExpectFields(Received(("FF " + std::string(list)).c_str(), bsap, listRequest),
+                 "0+1 not recognised=FF\n"
+                 "1+2 start=DLE STX");
+    EXPECT_EQ(Received("FF FF 10 02 00 01 00", cw),
               "0+2 not recognised=FF FF\n"
               "2+2 start=DLE STX\n"
               "4+1 address=0\n"

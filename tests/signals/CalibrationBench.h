@@ -145,6 +145,7 @@ class CalibrationBench : public CalibrationView {
     static fieldsim::BsapOptions Options(bool isCW) {
         fieldsim::BsapOptions options;
         options.shortLayout = isCW;
+        options.notReadyOneIn = 0;  // the exchanges are counted
         return options;
     }
 };

@@ -236,6 +236,14 @@ TEST(Calibration, AStationThatDiesLeavesAClearStateAndALine) {
     }
 }
 
+TEST(Calibration, AStationThatIsNeverReadyAtTheFirstPollIsCalibrated) {
+    CalibrationBench bench;
+    bench.station.Options().notReadyOneIn = 1;
+    bench.Give(DP, Span, "100");
+    EXPECT_EQ(bench.calibration->Of(DP).result, "Success");
+    EXPECT_THAT(bench.Writes(), SizeIs(2));
+}
+
 TEST(Calibration, AStopOrATakeoverAtEachExchange) {
     struct Case {
         Exchange at;

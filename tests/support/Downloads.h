@@ -47,7 +47,7 @@ class HistoryTalk {
   public:
     explicit HistoryTalk(bool isCW, fieldsim::DataAnswer answers = fieldsim::DataAnswer::AtOnce,
                          fieldsim::LineFaults::Options faults = {})
-        : station(1, {}, Options(isCW, answers)), faults(station, std::move(faults)) {
+        : station(1, {}, Options(isCW, answers, !faults.script.empty())), faults(station, std::move(faults)) {
         line.Attach(1, this->faults);
         talk.station.locationID = 7;
         talk.station.consumer = "O'Brien's Works";
@@ -71,8 +71,10 @@ class HistoryTalk {
     RecordingRun view;
 
   private:
-    static fieldsim::BsapOptions Options(bool isCW, fieldsim::DataAnswer answers) {
+    // A script counts exchanges: there none is added by chance.
+    static fieldsim::BsapOptions Options(bool isCW, fieldsim::DataAnswer answers, bool isScripted) {
         fieldsim::BsapOptions options;
+        options.notReadyOneIn = isScripted ? 0 : options.notReadyOneIn;
         options.shortLayout = isCW;
         options.answers = answers;
         return options;
