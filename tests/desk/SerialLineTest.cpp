@@ -209,7 +209,8 @@ TEST(SerialLine, AConversationEndsWithTheReasonThatItsDeviceIsGone) {
         PseudoTerminal terminal;
         desk.path = terminal.device;
         gone = terminal.device.substr(std::string("/dev/").size()) + ": the device is gone";
-        QTimer::singleShot(150, [&terminal] { terminal.Pull(); });
+        QObject here;
+        QTimer::singleShot(150, &here, [&terminal] { terminal.Pull(); });
         converse();
         EXPECT_FALSE(desk.line.InUse());
     }

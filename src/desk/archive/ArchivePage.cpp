@@ -77,12 +77,15 @@ void ArchivePage::Go() {
 }
 
 void ArchivePage::Over() {
+    const bool stopped = panel_->Stopped();
     panel_->Running(false);
     choices_->setEnabled(true);
     panel_->cmdGo().setFocus();
     if (collected_) {
         Show(Lines(collected_->message),
              collected_->end == archive::RunEnd::Whole ? QMessageBox::Information : QMessageBox::Warning);
+    } else if (stopped) {
+        Show("Stopped before the station was reached");
     }
 }
 

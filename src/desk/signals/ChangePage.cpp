@@ -126,6 +126,9 @@ void ChangePage::Collect(protocols::Conversation& talk, int list) {
 
 void ChangePage::Over(int list) {
     using signals::FetchEnd;
+    if (!end_ && ui_->panel->Stopped()) {
+        end_ = FetchEnd::Stopped;  // before the station was reached
+    }
     ui_->panel->Running(false);
     ShowButtons();
     ui_->txtListNo->setFocus();
