@@ -33,16 +33,22 @@ bool StoringAStream() {
         }
     });
     for (std::size_t n = 1; n <= 400; ++n) {
-        values.floats[n] = {true, static_cast<double>(n) / 7, "kg/cm2", static_cast<int>(n)};
+        values.floats[n] = {static_cast<double>(n) / 7, core::Quality::Good, core::IsoText(desk.clock.Now()), "kg/cm2",
+                            static_cast<std::int64_t>(n)};
     }
     for (std::size_t n = 1; n <= 80; ++n) {
-        values.booleans[n] = {true, 1, "", static_cast<int>(n)};
+        values.booleans[n] = {1, core::Quality::Good, core::IsoText(desk.clock.Now()), "",
+                              static_cast<std::int64_t>(n)};
     }
     constexpr int rounds = 20;
     const auto start = std::chrono::steady_clock::now();
     for (int round = 0; round < rounds; ++round) {
-        values.floats[1].value = round;
-        collection::StoreValues(desk.dbconn, station, 1, values);
+        values.floats[1]->value = round;
+        desk.dbconn.InTransaction([&] {
+            collection::ValueStore store(desk.dbconn, station, 1);
+            store.AskLists();
+            collection::StoreValues(store, station, values);
+        });
     }
     return bench::Report("store 400 floats, 80 logicals", Seconds(start) / rounds * 1000, "ms", Goal::AtMost, 60);
 }

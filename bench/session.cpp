@@ -117,7 +117,8 @@ bool RefreshOfAllGrids() {
     std::vector<double> times;
     for (int round = 0; round < 50; ++round) {
         set.ForEach([&](session::ParameterRow& row) {
-            session::TakeValue(row, row.kind == session::DataKind::Logical ? round % 2 : row.lastvalue + 1.5);
+            session::TakeValue(row, row.kind == session::DataKind::Logical ? round % 2 : row.lastvalue + 1.5,
+                               desk.clock.Now());
         });
         const auto start = Time::now();
         live.Refreshed();

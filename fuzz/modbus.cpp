@@ -25,6 +25,7 @@ void Parse(std::string reply, bool floatread) {
     ModbusState modbus;
     modbus.floatread = floatread;
     ParseAsciiReply(modbus, reply);
+    ParseAsciiReply(modbus, reply, AsciiCheck::Standard);
     ParseRtuReply(modbus, reply);
     // Past the check, which random bytes do not meet.
     const int crc = ModbusCrc(reply);

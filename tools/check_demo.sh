@@ -14,13 +14,8 @@ need() {
   fi
 }
 
-# Values that the collection did not touch keep the mark of demo_register. On a Modbus map the rows behind the counted
-# part of the lists are not read.
-untouched="
-  select count(*) from configdata_detail d join configdata_master m using (locationID) where lastvalue = -999999 and not
-    (m.protocol = 'Modbus' and cast(startaddress as integer) > (
-      select case when d.type = 'Float' then 2 * floatcount else boolcount end from modbus_para
-      where model = case when m.modelno like 'TeleCorrector%' then 'TeleCorrector' else 'TeleFlow' end))"
+# Values that the collection did not touch keep the mark of demo_register.
+untouched="select count(*) from configdata_detail d where lastvalue = -999999"
 figure="select group_concat(f, '; ') from (select description || ' ' || round(lastvalue, 2) || ' ' || unit f
   from configdata_detail where description in ('Volume Yesterday', 'Flowing Pressure', 'Cumulative Standard Volume', 'Pressure')"
 

@@ -44,12 +44,12 @@ unsigned ByteAt(std::string_view record, std::size_t at) {
 }
 
 // Low byte first.
-double AnalogValue(std::string_view record) {
+std::uint32_t AnalogWord(std::string_view record) {
     std::uint32_t word = 0;
     for (std::size_t at = analogRecord.valueLength; at >= 1; --at) {
         word = word << 8U | ByteAt(record, at);
     }
-    return core::RoundTo(protocols::BitsToFloat(word), 6);
+    return word;
 }
 
 std::string UnitText(std::string_view characters) {
@@ -64,7 +64,13 @@ ListSignal ReadNumber(std::string_view record, const RecordLayout& layout, bool 
     ListSignal signal;
     signal.typecode = static_cast<int>(ByteAt(record, 0));
     signal.logical = &layout == &logicalRecord;
-    signal.value = signal.logical ? (ByteAt(record, 1) != 0 ? 1 : 0) : AnalogValue(record);
+    if (signal.logical) {
+        signal.value = ByteAt(record, 1) != 0 ? 1 : 0;
+    } else {
+        const std::uint32_t word = AnalogWord(record);
+        signal.value = core::RoundTo(protocols::BitsToFloat(word), 6);
+        signal.outOfRange = protocols::IsOutOfRange(word);
+    }
     if (units) {
         signal.unit = UnitText(record.substr(layout.UnitAt(), unitLength));
     }
@@ -137,6 +143,10 @@ class RecordReader {
 };
 
 }  // namespace
+
+core::Quality QualityOf(const ListSignal& signal) {
+    return signal.outOfRange ? core::Quality::OutOfRange : core::Quality::Good;
+}
 
 std::string SignalTypeName(const ListSignal& signal) {
     if (signal.text) {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/Quality.h"
+
 namespace collection {
 
 // A signal of a station's list as the station sends it.
@@ -17,7 +19,10 @@ struct ListSignal {
     int MSD = 0;                        // the signal's address, for writes
     std::optional<std::string> text{};  // what a text signal holds; it has no value and no unit
     std::string name{};                 // where names were asked for; empty: the station has no such signal
+    bool outOfRange = false;            // the value is 0 because what came is out of the range of a float
 };
+
+core::Quality QualityOf(const ListSignal& signal);
 
 // "Analog Alarm": what a type code stands for; empty for a text.
 std::string SignalTypeName(const ListSignal& signal);

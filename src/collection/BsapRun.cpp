@@ -4,6 +4,7 @@
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
 #include "collection/RunFigures.h"
+#include "collection/RunTally.h"
 #include "collection/StoreValues.h"
 #include "collection/StreamLists.h"
 #include "protocols/BsapLink.h"
@@ -14,35 +15,58 @@ namespace {
 
 // Takes a list into the values of the stream, by position.
 template <std::size_t size>
-void Take(const BsapList& list, const std::array<ListEntry, size>& names, std::array<ListValue, size>& values,
-          RunFigures& figures) {
+void Take(const BsapList& list, const std::array<ListEntry, size>& names, const std::string& readat,
+          std::array<std::optional<StoredValue>, size>& values, RunFigures& figures) {
     for (std::size_t n = 1; n < list.signals.size() && n < size; ++n) {
         const ListSignal& signal = list.signals[n];
-        values[n] = {true, signal.value, signal.unit, signal.MSD};
-        figures.Note(names[n].description, signal.value);
+        values[n] = StoredValue{signal.value, QualityOf(signal), readat, signal.unit, signal.MSD};
+        if (!signal.outOfRange) {
+            figures.Note(names[n].description, signal.value);
+        }
     }
 }
 
 // Both lists of a stream, and what follows a good collection. False: a list could not be read, and nothing of the
 // stream is stored.
-bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& figures) {
+bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& figures, RunTally& tally) {
     const core::Station& station = talk.station;
+    const core::DateTime begun = place.clock.Now();
     const ListInfo names = ReadListInfo(place.dbconn, station, talk.streamno);
     const ListNumbers numbers = ListsOf(station, talk.streamno);
+    ValueStore store(place.dbconn, station, talk.streamno);
+    ListValues values;
     const BsapList booleans = getdata_BSAP(talk, numbers.boolean, ListKind::Boolean, names.booleans);
+    Take(booleans, names.booleans, core::IsoText(place.clock.Now()), values.booleans, figures);
     const BsapList floats = getdata_BSAP(talk, numbers.real, ListKind::Float, names.floats);
-    if (!booleans.collstatus || !floats.collstatus) {
-        place.feedback.Status("Error in Communication!!!");
+    Take(floats, names.floats, core::IsoText(place.clock.Now()), values.floats, figures);
+    const bool whole = booleans.collstatus && floats.collstatus;
+    place.feedback.Status(whole ? "Data logging......" : "Error in Communication!!!");
+    place.dbconn.InTransaction([&] {
+        store.AskLists();
+        if (whole) {
+            StoreValues(store, station, values);
+        }
+    });
+    tally.Add(store);
+    if (!whole) {
+        tally.Failure("List " + std::to_string(booleans.collstatus ? numbers.real : numbers.boolean) +
+                      " could not be read");
         return false;
     }
-    place.feedback.Status("Data logging......");
-    ListValues values;
-    Take(booleans, names.booleans, values.booleans, figures);
-    Take(floats, names.floats, values.floats, figures);
-    StoreValues(place.dbconn, station, talk.streamno, values);
     RecordCollection(place, station, talk.streamno,
-                     station.isMultiStream ? station.ModelText(talk.streamno) : station.modelno);
+                     station.isMultiStream ? station.ModelText(talk.streamno) : station.modelno, begun);
     return true;
+}
+
+// The rows of all streams, of a station that does not sign on.
+void MarkNotReceived(Workplace& place, const core::Station& station, RunTally& tally) {
+    place.dbconn.InTransaction([&] {
+        for (int streamno = 1; streamno <= station.No_Stream; ++streamno) {
+            ValueStore store(place.dbconn, station, streamno);
+            store.AskLists();
+            tally.Add(store);
+        }
+    });
 }
 
 }  // namespace
@@ -50,16 +74,20 @@ bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& 
 void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& state) {
     const core::Station& station = talk.station;
     const std::string location = "[" + std::to_string(station.locationID) + "]";
+    RunTally tally;
     if (!protocols::SignOnInTries(talk)) {
         if (!talk.Ended()) {
             place.logs.WriteRtuErr("RTU Dead" + location);
         }
         state.runfailed = true;
+        tally.Failure("The station does not sign on");
+        MarkNotReceived(place, station, tally);
+        tally.Conclude(talk, state);
         return;
     }
     RunFigures figures;
     for (talk.streamno = 1; talk.streamno <= station.No_Stream && !talk.Ended(); ++talk.streamno) {
-        if (!CollectStream(place, talk, figures)) {
+        if (!CollectStream(place, talk, figures, tally)) {
             state.runfailed = true;
             if (!talk.Ended()) {
                 place.logs.WriteRtuErr("Error Occured in Communication, stream " + std::to_string(talk.streamno) + " " +
@@ -67,6 +95,7 @@ void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& stat
             }
         }
     }
+    tally.Conclude(talk, state);
     // The day's row of a BSAP station says that it was collected; its flows and their text are not kept there.
     UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
                    place.clock.Now(), {});

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/Text.h"
+#include "stations/MapBuilder.h"
 
 namespace collection {
 
@@ -57,7 +58,37 @@ std::vector<Block> Contiguous(const std::vector<int>& addresses, BlockType type,
     return blocks;
 }
 
+// 0: the map has no row of the type.
+int LastAddress(core::Database& dbconn, const core::Station& station, int streamno, BlockType type) {
+    const auto addresses = Addresses(dbconn, station, streamno, TypeText(type));
+    return addresses.empty() ? 0 : addresses.back();
+}
+
+core::ModelCounts MappedCounts(core::Database& dbconn, const core::Station& station, int streamno,
+                               core::ModelCounts counts) {
+    const int size = RegistersPerValue(BlockType::Float, station.rtuBitsMode);
+    const int floats = (LastAddress(dbconn, station, streamno, BlockType::Float) + size - 1) / size;
+    const int coils = LastAddress(dbconn, station, streamno, BlockType::Coil);
+    if (floats > 0 || coils > 0) {
+        counts.floatcount = std::min(counts.floatcount, floats);
+        counts.boolcount = std::min(counts.boolcount, coils);
+    }
+    return counts;
+}
+
 }  // namespace
+
+const char* TypeText(BlockType type) {
+    switch (type) {
+        case BlockType::Coil:
+            return "Coil(Boolean)";
+        case BlockType::Integer:
+            return "Integer";
+        case BlockType::Float:
+            break;
+    }
+    return "Float";
+}
 
 int RegistersPerValue(BlockType type, bool rtu32bit) {
     return type == BlockType::Float && !rtu32bit ? 2 : 1;
@@ -66,7 +97,6 @@ int RegistersPerValue(BlockType type, bool rtu32bit) {
 std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs, const core::Station& station,
                                         int streamno) {
     std::vector<Block> blocks;
-    const std::string location = "[" + std::to_string(station.locationID) + "]";
     for (const core::Row& row :
          dbconn.Query("select distinct(type) from configdata_detail where StreamNo=? and locationid=? "
                       "order by type",
@@ -76,19 +106,9 @@ std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs
             logs.WriteRtuErr("DATA TYPE MISMATCH");
             continue;
         }
-        auto addresses = Addresses(dbconn, station, streamno, row[0].Text());
-        if (addresses.size() > maxRowsOfType) {
-            logs.WriteRtuErr("More than " + std::to_string(maxRowsOfType) + " addresses of type " + row[0].Text() +
-                             ", the rest is not read " + location);
-            addresses.resize(maxRowsOfType);
-        }
-        const auto ofType = Contiguous(addresses, *type, RegistersPerValue(*type, station.rtuBitsMode));
+        const auto ofType = Contiguous(Addresses(dbconn, station, streamno, row[0].Text()), *type,
+                                       RegistersPerValue(*type, station.rtuBitsMode));
         blocks.insert(blocks.end(), ofType.begin(), ofType.end());
-    }
-    if (blocks.size() > maxBlocks) {
-        logs.WriteRtuErr("More than " + std::to_string(maxBlocks) + " blocks of addresses, the rest is not read " +
-                         location);
-        blocks.resize(maxBlocks);
     }
     return blocks;
 }
@@ -104,6 +124,20 @@ std::vector<Block> Collect_StartAddress1(const core::ModelCounts& counts, bool r
     divide(counts.boolcount, coilsPerBlock, BlockType::Coil);
     divide(counts.floatcount, floatsPerBlock, BlockType::Float);
     return blocks;
+}
+
+BlockPlan PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
+                     const core::ModelCounts& counts) {
+    BlockPlan plan;
+    if (station.MB_CONFIG) {
+        plan.blocks = Collect_StartAddress(dbconn, logs, station, streamno);
+    } else if (!station.rtuBitsMode && stations::IsIntegerMap(dbconn, station.locationID)) {
+        return {{}, "The register map is of Type Integer, which only Modbus Configurable reads"};
+    } else {
+        plan.blocks = Collect_StartAddress1(MappedCounts(dbconn, station, streamno, counts), station.rtuBitsMode);
+    }
+    plan.fault = plan.blocks.empty() ? "No Modbus Address Found" : "";
+    return plan;
 }
 
 }  // namespace collection

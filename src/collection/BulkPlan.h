@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "core/Database.h"
@@ -19,21 +20,35 @@ struct Block {
     bool operator==(const Block&) const = default;
 };
 
-// The most blocks of one run, and the most rows of one type in them.
+// The most blocks of a station with a fixed map.
 constexpr std::size_t maxBlocks = 10;
-constexpr int maxRowsOfType = 100;
+
+// The type of a row whose values such a block holds: "Float".
+const char* TypeText(BlockType type);
 
 // The registers that one value of the type takes: 2 for a float, unless one register holds it; else 1.
 int RegistersPerValue(BlockType type, bool rtu32bit);
 
 // The blocks of a station whose register map stands in configdata_detail: strictly contiguous addresses of one type,
-// ended at 30 registers. What exceeds the table of blocks is left out with a line in RTU_Err.log, as is a type that
-// Modbus does not know. Throws DatabaseError.
+// ended at 30 registers. All of them, however many: a map that is laid out by hand has gaps, and a row that no block
+// reads would never have a value. A type that Modbus does not know is left out with a line in RTU_Err.log. Throws
+// DatabaseError.
 std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs, const core::Station& station,
                                         int streamno);
 
 // The blocks of a station with the fixed map of its model: coils in requests of 62, floats in requests of 124 registers
 // (62 where one register holds a float, which is as much on the wire).
 std::vector<Block> Collect_StartAddress1(const core::ModelCounts& counts, bool rtu32bit);
+
+// The blocks of a station, or why nothing of it can be read.
+struct BlockPlan {
+    std::vector<Block> blocks;
+    std::string fault;  // empty unless there are no blocks
+};
+
+// By either of them. On a fixed map no more is asked for than the map has rows for: a station may refuse a whole block
+// for the registers behind its last one. A map without rows is read by the counts of its model. Throws DatabaseError.
+BlockPlan PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
+                     const core::ModelCounts& counts);
 
 }  // namespace collection

@@ -13,46 +13,50 @@ namespace {
 constexpr int readCoils = 1;
 constexpr int readHoldingRegisters = 3;
 
-const char* TypeText(BlockType type) {
-    switch (type) {
-        case BlockType::Coil:
-            return "Coil(Boolean)";
-        case BlockType::Integer:
-            return "Integer";
-        case BlockType::Float:
-            break;
-    }
-    return "Float";
-}
-
 void MarkNotSampled(Workplace& place, const core::Station& station) {
     place.dbconn.Execute("update configdata_master set sampledtoday = false, sampleddate=? where locationid=?",
                          {place.clock.Now().day, station.locationID});
 }
 
-using Take = std::function<void(const Block& block, int address, double value)>;
+std::string Place(const Block& block) {
+    return (block.type == BlockType::Coil ? "coil " : "register ") + std::to_string(block.start);
+}
+
+using Take = std::function<void(const BlockReply& reply, std::size_t k)>;
 
 // The scheduled run's reading. `take` is given every value of a good reply, inside one transaction a reply.
-bool ReadStation(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks, const Take& take) {
-    const auto takeReply = [&](const Block& block, std::span<const double> values) {
-        const int step = RegistersPerValue(block.type, talk.modbus.rtu32bit);
+bool ReadStation(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks, RunTally& tally,
+                 const Take& take) {
+    const auto takeReply = [&](const BlockReply& reply) {
+        if (reply.exception != 0) {
+            tally.Refusal("exception " + std::to_string(reply.exception) + " at " + Place(reply.block));
+        }
         place.dbconn.InTransaction([&] {
-            for (std::size_t k = 0; k < values.size(); ++k) {
-                take(block, block.start + static_cast<int>(k) * step, values[k]);
+            for (std::size_t k = 0; k < reply.values.size(); ++k) {
+                take(reply, k);
             }
         });
     };
-    const ReadOutcome outcome = ReadBlocks(talk, blocks, protocols::scheduledTransact, takeReply);
-    if (outcome != ReadOutcome::Whole && !talk.Ended()) {
-        MarkNotSampled(place, talk.station);
+    std::string why;
+    const ReadOutcome outcome = ReadBlocks(talk, blocks, protocols::scheduledTransact, takeReply, &why);
+    if (outcome != ReadOutcome::Whole) {
+        tally.Failure(why);
+        if (!talk.Ended()) {
+            MarkNotSampled(place, talk.station);
+        }
     }
     return outcome == ReadOutcome::Whole;
 }
 
 }  // namespace
 
+core::Quality BlockReply::QualityOf(std::size_t k) const {
+    return exception != 0 ? core::Quality::Refused : outOfRange[k] ? core::Quality::OutOfRange : core::Quality::Good;
+}
+
 ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& blocks,
-                       const protocols::TransactOptions& options, const TakeReply& take) {
+                       const protocols::TransactOptions& options, const TakeReply& take, std::string* why) {
+    using Kind = protocols::ModbusReply::Kind;
     for (const Block& block : blocks) {
         if (talk.Wanted()) {
             return ReadOutcome::BrokenOff;
@@ -60,17 +64,23 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
         talk.modbus.floatread = block.type == BlockType::Float;
         const int command = block.type == BlockType::Coil ? readCoils : readHoldingRegisters;
         const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, options);
-        if (!protocols::IsAnswer(reply, options)) {
+        if (!reply.Answered()) {
+            if (why != nullptr) {
+                *why =
+                    (reply.kind == Kind::CrcError ? "Bad check in the answer for " : "No answer for ") + Place(block);
+            }
             return talk.Wanted() && !talk.Ended() ? ReadOutcome::BrokenOff : ReadOutcome::Failed;
         }
+        const auto count = static_cast<std::size_t>(block.count / RegistersPerValue(block.type, talk.modbus.rtu32bit));
+        BlockReply answer{block, std::span(talk.modbus.mbvalues).subspan(1, count), reply.outOfRange >> 1};
         // An exception passes as a block of zeros with its code as the first value: operators know a block that the
-        // station does not have by that sight. The log says so.
-        if (reply.kind == protocols::ModbusReply::Kind::Exception) {
-            talk.logs.WriteRtuErr("Modbus exception " + core::NumberText(talk.modbus.mbvalues[1]) + " to register " +
+        // station does not have by that sight. The log says so, and its rows are marked.
+        if (reply.kind == Kind::Exception) {
+            answer.exception = static_cast<int>(talk.modbus.mbvalues[1]);
+            talk.logs.WriteRtuErr("Modbus exception " + std::to_string(answer.exception) + " to register " +
                                   std::to_string(block.start) + " [" + std::to_string(talk.station.locationID) + "]");
         }
-        const int values = block.count / RegistersPerValue(block.type, talk.modbus.rtu32bit);
-        take(block, std::span(talk.modbus.mbvalues).subspan(1, static_cast<std::size_t>(values)));
+        take(answer);
         if (!talk.Wanted() && !talk.Wait(talk.CommTimeout())) {
             return ReadOutcome::Failed;
         }
@@ -79,18 +89,22 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
 }
 
 bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks,
-                      RunFigures& figures) {
+                      ValueStore& store, RunFigures& figures, RunTally& tally) {
     const core::Station& station = talk.station;
-    return ReadStation(place, talk, blocks, [&](const Block& block, int address, double value) {
-        const std::string text = std::to_string(address);
-        place.dbconn.Execute(
-            "update configData_detail set lastvalue=? where startaddress=? and type=? and StreamNo=? "
-            "and locationid=?",
-            {core::RoundTo(value, 4), text, TypeText(block.type), talk.streamno, station.locationID});
+    return ReadStation(place, talk, blocks, tally, [&](const BlockReply& reply, std::size_t k) {
+        const char* const type = TypeText(reply.block.type);
+        const int step = RegistersPerValue(reply.block.type, talk.modbus.rtu32bit);
+        const std::string address = std::to_string(reply.block.start + static_cast<int>(k) * step);
+        const double value = reply.values[k];
+        const core::Quality quality = reply.QualityOf(k);
+        store.Put(address, type, {value, quality, core::IsoText(place.clock.Now())});
+        if (quality != core::Quality::Good) {
+            return;
+        }
         const auto row = place.dbconn.First(
             "select description from configdata_detail where startaddress=? and "
             "type=? and StreamNo=? and locationid=?",
-            {text, TypeText(block.type), talk.streamno, station.locationID});
+            {address, type, talk.streamno, station.locationID});
         const std::string description = row ? core::Trim((*row)[0].Text()) : std::string();
         figures.Note(description, value);
         figures.resultline += "#" + description + "=" + core::NumberText(value);
@@ -98,26 +112,27 @@ bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std
 }
 
 bool GetDataInBunches1(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks,
-                       const ListInfo& names, ListValues& values, RunFigures& figures) {
-    int floats = 0;
-    int booleans = 0;
-    return ReadStation(place, talk, blocks, [&](const Block& block, int, double value) {
-        if (block.type == BlockType::Coil) {
-            if (booleans == maxBooleans) {
-                return;
-            }
-            const auto n = static_cast<std::size_t>(++booleans);
-            values.booleans[n] = {true, value, {}, 0};
-            const std::string& name = names.booleans[n].description;
-            figures.resultline += "#" + name + "=" + LogicalText(name, value);
+                       const ListInfo& names, ListValues& values, RunFigures& figures, RunTally& tally) {
+    std::size_t floats = 0;
+    std::size_t booleans = 0;
+    return ReadStation(place, talk, blocks, tally, [&](const BlockReply& reply, std::size_t k) {
+        const bool coil = reply.block.type == BlockType::Coil;
+        std::size_t& n = coil ? booleans : floats;
+        if (n == static_cast<std::size_t>(coil ? maxBooleans : maxFloats)) {
             return;
         }
-        if (floats == maxFloats) {
+        ++n;
+        const double value = reply.values[k];
+        const core::Quality quality = reply.QualityOf(k);
+        (coil ? values.booleans[n] : values.floats[n]) = StoredValue{value, quality, core::IsoText(place.clock.Now())};
+        const ListEntry& entry = coil ? names.booleans[n] : names.floats[n];
+        if (quality != core::Quality::Good) {
             return;
         }
-        const auto n = static_cast<std::size_t>(++floats);
-        values.floats[n] = {true, value, {}, 0};
-        const ListEntry& entry = names.floats[n];
+        if (coil) {
+            figures.resultline += "#" + entry.description + "=" + LogicalText(entry.description, value);
+            return;
+        }
         figures.Note(entry.description, value);
         if (!entry.description.empty()) {
             figures.resultline += "#" + entry.description + "=" + core::NumberText(value) + "?" + entry.unit;

@@ -1,12 +1,18 @@
 #pragma once
 
+#include <array>
+#include <bitset>
 #include <functional>
+#include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "collection/BulkPlan.h"
 #include "collection/ListInfo.h"
 #include "collection/RunFigures.h"
+#include "collection/RunTally.h"
+#include "collection/ValueStore.h"
 #include "collection/Workplace.h"
 #include "protocols/ModbusTransact.h"
 
@@ -14,16 +20,9 @@ namespace collection {
 
 // What a stream's collection has read, by position of its lists from 1. Positions that were not read are empty, so
 // that no value is ever stored where none was received.
-struct ListValue {
-    bool read = false;
-    double value = 0;
-    std::string unit;  // BSAP only, as the station sends it
-    int MSD = 0;       // BSAP only: the station's descriptor of the signal
-};
-
 struct ListValues {
-    std::array<ListValue, maxFloats + 1> floats;
-    std::array<ListValue, maxBooleans + 1> booleans;
+    std::array<std::optional<StoredValue>, maxFloats + 1> floats;
+    std::array<std::optional<StoredValue>, maxBooleans + 1> booleans;
 };
 
 enum class ReadOutcome {
@@ -32,21 +31,31 @@ enum class ReadOutcome {
     Failed,     // a read failed or the conversation ended; the rest was not asked for
 };
 
-// Given the values of a good reply: value k of the block is values[k].
-using TakeReply = std::function<void(const Block& block, std::span<const double> values)>;
+// The answer to one block.
+struct BlockReply {
+    const Block& block;
+    std::span<const double> values;  // value k of the block is values[k]
+    std::bitset<126> outOfRange{};   // by k
+    int exception = 0;               // the code of a refusal: then the values are zeros behind it
 
-// Reads one block after the other, a commtimeout behind each.
+    core::Quality QualityOf(std::size_t k) const;
+};
+
+using TakeReply = std::function<void(const BlockReply& reply)>;
+
+// Reads one block after the other, a commtimeout behind each; one that the station refuses ends nothing. `why` is given
+// the reason of a failure.
 ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& blocks,
-                       const protocols::TransactOptions& options, const TakeReply& take);
+                       const protocols::TransactOptions& options, const TakeReply& take, std::string* why = nullptr);
 
-// Reads a station by its configured register map. Each value goes to its row's lastvalue as soon as its reply is in,
-// the values of one reply in one transaction. False: a read failed; the rest was not asked for, and the station's
-// sampledtoday is false. Throws DatabaseError.
+// Reads a station by its configured register map. Each value goes to its row as soon as its reply is in, the values of
+// one reply in one transaction. False: a read failed; the rest was not asked for, and the station's sampledtoday is
+// false. Refusals and the failure are in the tally. Throws DatabaseError.
 bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks,
-                      RunFigures& figures);
+                      ValueStore& store, RunFigures& figures, RunTally& tally);
 
 // Reads a station by the fixed map of its model, floats and coils in their order into `values`. The same failure.
 bool GetDataInBunches1(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks,
-                       const ListInfo& names, ListValues& values, RunFigures& figures);
+                       const ListInfo& names, ListValues& values, RunFigures& figures, RunTally& tally);
 
 }  // namespace collection

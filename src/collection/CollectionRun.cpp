@@ -113,7 +113,12 @@ void Run(Workplace& place, std::int64_t locationID, RunState& state) {
     if (LineUp(talk, state)) {
         Collect(place, talk, counts, state);
     }
+    state.runfailed = state.runfailed || talk.line->Lost();
     HangUp(place, talk);
+    if (talk.line->Lost()) {
+        place.logs.WriteRtuErr(talk.line->Reason() + " [" + std::to_string(locationID) + "]");
+        place.feedback.Status(talk.line->Reason());
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "collection/ClosingSteps.h"
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
+#include "collection/RunTally.h"
 #include "collection/StoreValues.h"
 
 namespace collection {
@@ -16,32 +17,45 @@ DayRow DayRowOf(const RunFigures& figures) {
 
 void CollectModbus(Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts, RunState& state) {
     const core::Station& station = talk.station;
-    const auto blocks = station.MB_CONFIG ? Collect_StartAddress(place.dbconn, place.logs, station, talk.streamno)
-                                          : Collect_StartAddress1(counts, station.rtuBitsMode);
-    if (blocks.empty()) {
-        place.logs.WriteRtuErr("No Modbus Address Found [" + std::to_string(station.locationID) + "]");
+    const core::DateTime begun = place.clock.Now();
+    const BlockPlan plan = PlanBlocks(place.dbconn, place.logs, station, talk.streamno, counts);
+    if (!plan.fault.empty()) {
+        place.logs.WriteRtuErr(plan.fault + " [" + std::to_string(station.locationID) + "]");
         state.runfailed = true;
+        state.result = Result::NotReached;
+        state.reason = plan.fault;
         return;
     }
     RunFigures figures;
+    RunTally tally;
+    ValueStore store(place.dbconn, station, talk.streamno);
     ListValues values;
-    const bool read = station.MB_CONFIG
-                          ? GetDataInBunches(place, talk, blocks, figures)
-                          : GetDataInBunches1(place, talk, blocks, ReadListInfo(place.dbconn, station, talk.streamno),
-                                              values, figures);
-    if (!read) {
-        state.runfailed = true;
-        place.feedback.Status("Error in Communication!!!");
-        return;
+    bool whole = false;
+    if (station.MB_CONFIG) {
+        place.dbconn.InTransaction([&] { store.Ask(plan.blocks); });
+        whole = GetDataInBunches(place, talk, plan.blocks, store, figures, tally);
+    } else {
+        const ListInfo names = ReadListInfo(place.dbconn, station, talk.streamno);
+        whole = GetDataInBunches1(place, talk, plan.blocks, names, values, figures, tally);
     }
-    place.feedback.Status("Data logging......");
+    place.feedback.Status(whole ? "Data logging......" : "Error in Communication!!!");
     place.dbconn.InTransaction([&] {
-        // On a configured map nothing stands in `values`: its rows have their values already.
-        StoreValues(place.dbconn, station, talk.streamno, values);
-        UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
-                       place.clock.Now(), DayRowOf(figures));
+        if (!station.MB_CONFIG) {
+            store.Ask(plan.blocks);
+            StoreValues(store, station, whole ? values : ListValues{});
+        }
+        if (whole) {
+            UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
+                           place.clock.Now(), DayRowOf(figures));
+        }
     });
-    RecordCollection(place, station, talk.streamno, station.modelno);
+    tally.Add(store);
+    tally.Conclude(talk, state);
+    if (whole) {
+        RecordCollection(place, station, talk.streamno, station.modelno, begun);
+    } else {
+        state.runfailed = true;
+    }
 }
 
 }  // namespace collection

@@ -1,6 +1,9 @@
+#include <optional>
+
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
 #include "collection/QuantumRead.h"
+#include "collection/RunTally.h"
 #include "core/Text.h"
 #include "protocols/Quantum.h"
 
@@ -8,59 +11,96 @@ namespace collection {
 
 namespace {
 
-// The values of one message, each under its name in the station's map and in the day's text.
-std::array<double, 8> StoreMessage(Workplace& place, const core::Station& station, const std::string& reply, int message, DayRow& day) {
-    const auto values = protocols::DecodeQuantumReply(reply, message);
+constexpr int mostAsks = 3;
+
+// Asks for one message, again while a field of its reply is missing. The best reply counts. Nothing: the unit was
+// silent, or the conversation ended.
+std::optional<protocols::QuantumReply> Ask(protocols::Conversation& talk, int message, double answerMs) {
+    const std::string number = std::to_string(message);
+    const std::string request = protocols::BuildQuantumRequest(talk.station.slaveaddress, "A", message);
+    std::optional<protocols::QuantumReply> best;
+    for (int asked = 0; asked < mostAsks && (asked == 0 || (!talk.Ended() && !talk.Wanted())); ++asked) {
+        talk.feedback.Status("Sending Request Message " + number);
+        talk.feedback.Status("Waiting For Reply- Message " + number);
+        const std::string reply = protocols::CutQuantumEcho(protocols::Exchange(talk, request, answerMs), request);
+        if (talk.Ended()) {
+            return std::nullopt;
+        }
+        const protocols::QuantumReply decoded = protocols::DecodeQuantumReply(reply, message);
+        talk.requests.Note(decoded.Whole());
+        if (reply.empty() && !best) {
+            return std::nullopt;
+        }
+        if (!best || decoded.Received() > best->Received()) {
+            best = decoded;
+        }
+        if (best->Whole()) {
+            break;
+        }
+    }
+    return best;
+}
+
+// The values of one message, each under its name in the station's map and in the day's text. A missing field is stored
+// as 0, as the readers of these units' values expect it, and no figure is made of it.
+void StoreMessage(Workplace& place, const protocols::QuantumReply& reply, int message, ValueStore& store, DayRow& day) {
     const auto& names = protocols::QuantumNames(message);
+    const std::string now = core::IsoText(place.clock.Now());
     place.dbconn.InTransaction([&] {
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            day.desc += "#" + std::string(names[i]) + "=" + core::NumberText(values[i]);
-            place.dbconn.Execute("update configdata_detail set lastvalue=? where description=? and locationid=?",
-                                 {core::RoundTo(values[i], 4), names[i], station.locationID});
+        for (std::size_t i = 0; i < reply.fields.size(); ++i) {
+            const auto& field = reply.fields[i];
+            store.PutNamed(names[i],
+                           {field.value_or(0), field ? core::Quality::Good : core::Quality::NotReceived, now});
+            if (field) {
+                day.desc += "#" + std::string(names[i]) + "=" + core::NumberText(*field);
+            }
         }
     });
     if (message == 1) {
-        day.CurrentMonthFlow = values[1];
-        day.CurrentDayFlow = values[2];
+        day.CurrentMonthFlow = reply.fields[1];
+        day.CurrentDayFlow = reply.fields[2];
     } else if (message == 3) {
-        day.currentprs = values[2];
+        day.currentprs = reply.fields[2];
     }
-    return values;
 }
 
 }  // namespace
 
-bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options,
-                 const std::function<void(int message, const std::array<double, 8>& values)>& stored) {
+bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options, ValueStore& store,
+                 const std::function<void(int message, const protocols::QuantumReply& reply)>& stored) {
     DayRow day;
     for (int message = 1; message <= protocols::quantumMessages; ++message) {
-        const std::string number = std::to_string(message);
-        const std::string request = protocols::BuildQuantumRequest(talk.station.slaveaddress, "A", message);
-        talk.feedback.Status("Sending Request Message " + number);
-        talk.feedback.Status("Waiting For Reply- Message " + number);
-        const std::string reply =
-            protocols::CutQuantumEcho(protocols::Exchange(talk, request, options.answerMs), request);
-        if (!talk.Ended()) {
-            talk.requests.Note(!reply.empty());
-        }
-        if (reply.empty()) {
+        const auto reply = Ask(talk, message, options.answerMs);
+        if (!reply) {
             if (!talk.Ended() && options.unattended) {
-                place.logs.WriteRtuErr(number + "Quantum Not Responding");
+                place.logs.WriteRtuErr(std::to_string(message) + "Quantum Not Responding");
             } else if (!talk.Ended()) {
                 talk.feedback.Box("Quantum Not Responding");
             }
             return false;
         }
         talk.feedback.Status("Converting Data..");
-        stored(message, StoreMessage(place, talk.station, reply, message, day));
+        StoreMessage(place, *reply, message, store, day);
+        stored(message, *reply);
     }
-    UpsertLogParam(place.dbconn, talk.station.locationID, place.clock.Now(), place.clock.Now(), day);
+    if (!day.desc.empty()) {
+        UpsertLogParam(place.dbconn, talk.station.locationID, place.clock.Now(), place.clock.Now(), day);
+    }
     return true;
 }
 
 void CollectQuantum(Workplace& place, protocols::Conversation& talk, RunState& state) {
     constexpr double scheduledAnswerMs = 2 * 2500;
-    if (!ReadQuantum(place, talk, {true, scheduledAnswerMs}, [](int, const auto&) {})) {
+    RunTally tally;
+    ValueStore store(place.dbconn, talk.station, talk.streamno);
+    place.dbconn.InTransaction([&] { store.AskNames(); });
+    if (!ReadQuantum(place, talk, {true, scheduledAnswerMs}, store, [](int, const auto&) {})) {
+        tally.Failure("The unit does not answer");
+        state.runfailed = true;
+    }
+    tally.Add(store);
+    tally.Conclude(talk, state);
+    if (state.runfailed || store.Received() == 0) {
         state.runfailed = true;
         return;
     }

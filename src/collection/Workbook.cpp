@@ -68,7 +68,7 @@ std::string Cell(const std::string& text) {
 }
 
 std::string Block(core::Database& dbconn, const core::DateTime& now, const std::string& consumer, int streamno,
-                  const std::string& model) {
+                  const std::string& model, std::span<const Claim> claims) {
     const auto rows = dbconn.Query("select * from sched_temp");
     std::string block;
     if (!rows.empty()) {
@@ -78,10 +78,12 @@ std::string Block(core::Database& dbconn, const core::DateTime& now, const std::
         block += Line("Model Name:- " + Cell(model));
     }
     block += Line("Sr. No\tDescription\tValue  \tUnit");
-    int number = 0;
-    for (const core::Row& row : rows) {
-        block += Line(std::to_string(++number) + "\t" + Cell(row[0].Text()) + "\t" + row[1].Text() + "\t" +
-                      Cell(row[2].Text()));
+    for (std::size_t n = 0; n < rows.size(); ++n) {
+        const core::Row& row = rows[n];
+        const std::string mark = n < claims.size() ? claims[n].mark : std::string();
+        const bool figure = n >= claims.size() || claims[n].value;
+        block += Line(std::to_string(n + 1) + "\t" + Cell(row[0].Text()) + "\t" + (figure ? row[1].Text() : "") + "\t" +
+                      Cell(row[2].Text()) + (mark.empty() ? "" : "\t" + mark));
     }
     return block;
 }
@@ -137,10 +139,10 @@ std::filesystem::path WorkbookPath(const core::MAIN_Module& shared, const std::s
 
 void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared, const core::Clock& clock,
                         core::Feedback& feedback, core::Logs& logs, const std::string& consumer, int streamno,
-                        const std::string& model) {
+                        const std::string& model, std::span<const Claim> claims) {
     try {
         const core::DateTime now = clock.Now();
-        AppendedFile(WorkbookPath(shared, consumer, now)).Append(Block(dbconn, now, consumer, streamno, model));
+        AppendedFile(WorkbookPath(shared, consumer, now)).Append(Block(dbconn, now, consumer, streamno, model, claims));
     } catch (const std::exception& failure) {
         feedback.Status("Error in creating Excel");
         logs.WriteRtuErr(std::string("Error in creating Excel: ") + failure.what());

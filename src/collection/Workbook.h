@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
 #include <string>
 
+#include "collection/Claim.h"
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/Feedback.h"
@@ -18,9 +20,12 @@ std::filesystem::path WorkbookPath(const core::MAIN_Module& shared, const std::s
                                    const core::DateTime& date);
 
 // Appends the block of a run to the workbook of today: the values of sched_temp behind their heading, tab-separated.
-// It is on the disk when this returns. A failure is told in the status bar and RTU_Err.log, and the run goes on.
+// `claims` are for the rows of sched_temp in their order. A value that this run did not bring has its mark in one more
+// column, which the heading does not name and no other line has; where there is no figure to claim, the value's cell is
+// empty. It is on the disk when this returns. A failure is reported in the status bar and RTU_Err.log, and the run goes
+// on.
 void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared, const core::Clock& clock,
                         core::Feedback& feedback, core::Logs& logs, const std::string& consumer, int streamno,
-                        const std::string& model);
+                        const std::string& model, std::span<const Claim> claims = {});
 
 }  // namespace collection

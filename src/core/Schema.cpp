@@ -19,6 +19,8 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "alter table configdata_master add column framing text collate nocase default 'required'",
     "alter table configdata_detail add column readat text",
     "alter table configdata_detail add column quality text",
+    "update modbus_para set floatcount = 265 where (model = 'TeleFlow' and floatcount = 236) or "
+    "(model = 'TeleCorrector' and floatcount = 256)",
     "create table outcome (locationID integer, gasday text, due text, begun text, ended text, how text, "
     "attempts integer, line text, asked integer, received integer, result text, reason text)",
     "create index outcome_day on outcome (locationID, gasday)",

@@ -10,7 +10,12 @@ std::string Exchange(Conversation& talk, const std::string& frame, double answer
     if (talk.Ended()) {
         return {};
     }
-    talk.line->Input();
+    if (const std::string late = talk.line->Input(); !late.empty()) {
+        talk.feedback.Lamp(lateLamp, late);
+    }
+    if (talk.Ended()) {  // the device was found to be gone
+        return {};
+    }
     talk.line->Output(frame);
     talk.feedback.Lamp("TX", frame);
     return Await(talk, answerMs);

@@ -98,9 +98,12 @@ struct Conversation {
     bool Ended() const { return line->Ended(); }
 };
 
-// One exchange with a station: clears what is waiting, sends the frame, waits and takes what came. The only place that
-// sends a request and reads its answer. `answerMs` is the pacing that the device expects, one commtimeout if not given.
-// Empty: no answer, the port is closed, or the conversation was told to end.
+// The lamp of bytes that came behind the wait for their answer.
+inline constexpr const char* lateLamp = "RX late";
+
+// One exchange with a station: clears what is waiting, which is shown as late, sends the frame, waits and takes what
+// came. The only place that sends a request and reads its answer. `answerMs` is the pacing that the device expects, one
+// commtimeout if not given. Empty: no answer, the port is closed, or the conversation was told to end.
 std::string Exchange(Conversation& talk, const std::string& frame);
 std::string Exchange(Conversation& talk, const std::string& frame, double answerMs);
 

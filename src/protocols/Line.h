@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <utility>
 
 // The one serial line to the field, in the operations of its control (`maincomm`).
 namespace protocols {
@@ -20,7 +22,8 @@ class Line {
     virtual void CommPort(int number) = 0;
     virtual void Settings(const std::string& settings) = 0;
 
-    // Bytes waiting to be read, and to be sent. All operations below do nothing on a closed port.
+    // Bytes waiting to be read, and those sent that are not yet on the wire. All operations below do nothing on a
+    // closed port.
     virtual std::size_t InBufferCount() = 0;
     virtual std::size_t OutBufferCount() = 0;
     virtual void ClearInBuffer() = 0;
@@ -30,6 +33,19 @@ class Line {
     virtual void Output(const std::string& bytes) = 0;
     // Takes everything that is waiting.
     virtual std::string Input() = 0;
+
+    // Called when the device disappears under an open port, which is closed by then. `reason` is for the operator.
+    void WhenLost(std::function<void(const std::string& reason)> tell) { lost_ = std::move(tell); }
+
+  protected:
+    void Lost(const std::string& reason) {
+        if (lost_) {
+            lost_(reason);
+        }
+    }
+
+  private:
+    std::function<void(const std::string& reason)> lost_;
 };
 
 }  // namespace protocols

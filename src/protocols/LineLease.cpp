@@ -59,6 +59,19 @@ KeptLine::~KeptLine() {
     }
 }
 
+ConnectingLine::ConnectingLine(std::shared_ptr<LineLease> lease) : lease_(std::move(lease)) {
+    lease_->connecting_ = true;
+}
+
+FieldLine::FieldLine(Line& line, core::Clock& clock) : line_(line), clock_(clock) {
+    line_.WhenLost([this](const std::string& reason) {
+        if (const auto holder = holder_.lock()) {
+            holder->deviceLost_ = !holder->Ended();
+        }
+        EndConversation(reason);
+    });
+}
+
 std::shared_ptr<LineLease> FieldLine::TakeOver(const std::string& reason) {
     if (const auto holder = holder_.lock()) {
         holder->End(reason, true);
@@ -85,6 +98,13 @@ void FieldLine::EndConversation(const std::string& reason) {
     if (const auto holder = holder_.lock()) {
         holder->End(reason, false);
         clock_.Wake();
+    }
+}
+
+void FieldLine::StopConnecting() {
+    const auto holder = holder_.lock();
+    if (holder != nullptr && holder->connecting_) {
+        EndConversation("Stopped by the operator");
     }
 }
 

@@ -20,6 +20,9 @@ class LineLease final : public Line {
     // Why, as the operator reads it; empty while the conversation may go on.
     const std::string& Reason() const { return reason_; }
 
+    // It ended because the device of the port disappeared.
+    bool Lost() const { return deviceLost_; }
+
     // Called once at the end, before whoever takes the line goes on. It must not wait.
     void WhenEnded(std::function<void()> tell) { tell_ = std::move(tell); }
 
@@ -45,12 +48,15 @@ class LineLease final : public Line {
   private:
     friend class FieldLine;
     friend class KeptLine;
+    friend class ConnectingLine;
     void End(const std::string& reason, bool takeLine);
 
     Line* line_;
     std::function<void()> released_;
     bool kept_ = false;
+    bool connecting_ = false;
     bool ended_ = false;
+    bool deviceLost_ = false;
     std::string reason_;
     std::function<void()> tell_;
 };
@@ -68,10 +74,26 @@ class KeptLine {
     std::shared_ptr<LineLease> lease_;
 };
 
-// The one line of the station and who holds it.
+// For as long as it lives, the conversation is on its way to its station: it dials or signs on. An operator's Stop ends
+// it then; see FieldLine::StopConnecting.
+class ConnectingLine {
+  public:
+    explicit ConnectingLine(std::shared_ptr<LineLease> lease);
+    ~ConnectingLine() { lease_->connecting_ = false; }
+    ConnectingLine(const ConnectingLine&) = delete;
+    ConnectingLine& operator=(const ConnectingLine&) = delete;
+
+  private:
+    std::shared_ptr<LineLease> lease_;
+};
+
+// The one line of the station and who holds it. A conversation whose device disappears ends with that reason.
 class FieldLine {
   public:
-    FieldLine(Line& line, core::Clock& clock) : line_(line), clock_(clock) {}
+    FieldLine(Line& line, core::Clock& clock);
+    ~FieldLine() { line_.WhenLost({}); }
+    FieldLine(const FieldLine&) = delete;
+    FieldLine& operator=(const FieldLine&) = delete;
 
     // The line for a scheduled run, taken at once from whoever holds it; that conversation ends with `reason`.
     std::shared_ptr<LineLease> TakeOver(const std::string& reason);
@@ -89,6 +111,10 @@ class FieldLine {
 
     // Tells the conversation in hand to end, because the program does. It keeps the line for its hang-up.
     void EndConversation(const std::string& reason);
+
+    // The same for an operator's Stop, while the conversation in hand is on its way to its station. One that is at work
+    // goes on: it has a stop of its own, which keeps what has come.
+    void StopConnecting();
 
   private:
     std::shared_ptr<LineLease> Lease();

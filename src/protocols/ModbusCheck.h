@@ -5,6 +5,12 @@
 
 namespace protocols {
 
+// How a frame in ASCII framing is checked.
+enum class AsciiCheck {
+    Required,  // the LRC of a request has one digit to three, as the stations of this system have always been sent it
+    Standard,  // it has two, and those of replies are looked at
+};
+
 // CRC-16 of the Modbus serial line: start FFFF, polynomial A001. Its low byte goes over the line first.
 std::uint16_t ModbusCrc(std::string_view bytes);
 

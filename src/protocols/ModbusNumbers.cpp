@@ -21,6 +21,10 @@ std::uint32_t HexDigit(char digit) {
     return letter >= 0 && letter < 6 ? static_cast<std::uint32_t>(letter + 10) : 0;
 }
 
+int ExponentField(std::uint32_t word) {
+    return static_cast<int>(word >> fractionBits & 0xFF);
+}
+
 }  // namespace
 
 std::string ByteToBits(unsigned char byte) {
@@ -49,7 +53,7 @@ double BitsToFloat(std::uint32_t word) {
     if (word == 0) {
         return 0;
     }
-    const int exponentField = static_cast<int>(word >> fractionBits & 0xFF);
+    const int exponentField = ExponentField(word);
     if (exponentField == 0) {
         word |= std::uint32_t{exponentBias} << fractionBits;
     } else if (std::abs(exponentField - exponentBias) >= exponentLimit) {
@@ -67,12 +71,20 @@ double BitsToFloat(std::string_view bits) {
     return BitsToFloat(word);
 }
 
-double HexToFloat(std::string_view digits) {
+bool IsOutOfRange(std::uint32_t word) {
+    return ExponentField(word) - exponentBias >= exponentLimit;
+}
+
+std::uint32_t HexToWord(std::string_view digits) {
     std::uint32_t word = 0;
     for (std::size_t i = 0; i < wordBits / 4; ++i) {
         word = word << 4 | (i < digits.size() ? HexDigit(digits[i]) : 0U);
     }
-    return BitsToFloat(word);
+    return word;
+}
+
+double HexToFloat(std::string_view digits) {
+    return BitsToFloat(HexToWord(digits));
 }
 
 std::array<unsigned char, 4> FloatToBytes(double value) {

@@ -24,12 +24,16 @@ std::int32_t PowerOfTwo(int exponent);
 //    only the word without any bit set is 0.
 double BitsToFloat(std::uint32_t word);
 
+// Whether that 0 stands for a number which is too large for it: from 2^31 on, infinities and NaN.
+bool IsOutOfRange(std::uint32_t word);
+
 // The same from a text of "0" and "1", the sign first. Missing characters count as "0"; those behind 32 are ignored.
 double BitsToFloat(std::string_view bits);
 
 // The same from hexadecimal digits, the highest first. Other characters and missing ones count as "0"; those behind
 // the eighth are ignored.
 double HexToFloat(std::string_view digits);
+std::uint32_t HexToWord(std::string_view digits);
 
 // Single precision with the fraction truncated, the byte with sign and exponent first. What single precision cannot
 // hold: magnitudes below its smallest normal number and NaN give four zeros, those from 2^128 on its largest number.

@@ -1,10 +1,7 @@
 #include "protocols/ModbusReply.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <string_view>
 
 #include "protocols/ModbusCheck.h"
@@ -25,97 +22,75 @@ constexpr int exceptionBit = 0x80;
 
 constexpr double lengthError = -32100;
 
-// The decimal text of a number of millionths, without trailing zeros.
-void AppendMillionths(std::string& text, long long millionths) {
-    constexpr long long one = 1000000;
-    std::array<char, 24> digits{};
-    // With one more in front, the decimals keep their leading zeros.
-    char* end = std::to_chars(digits.data(), digits.data() + digits.size(), one + std::abs(millionths) % one).ptr;
-    while (end > digits.data() + 1 && end[-1] == '0') {
-        --end;
-    }
-    text += millionths < 0 ? "-" : "";
-    std::array<char, 24> whole{};
-    text.append(whole.data(), std::to_chars(whole.data(), whole.data() + whole.size(), std::abs(millionths) / one).ptr);
-    if (end > digits.data() + 1) {
-        text += '.';
-        text.append(digits.data() + 1, end);
-    }
-}
-
-// Puts values into mbvalues from index 1 on, and their text beside them, until there is no more room.
+// Puts values into mbvalues from index 1 on until there is no more room.
 class Values {
   public:
     explicit Values(ModbusState& modbus) : modbus_(modbus) {}
 
-    void Add(double value) { static_cast<void>(Store(value)); }
-
-    void AddInteger(int value) {
-        if (Store(value)) {
-            text += std::to_string(value);
-            text += ' ';
+    void Add(double value) {
+        if (next_ < modbus_.mbvalues.size()) {
+            modbus_.mbvalues[next_++] = value;
         }
     }
 
-    // Rounded to 6 decimals, ties to even. A run takes thousands of these, so value and text are made from one whole
-    // number of millionths, which a float of this range (below 2^31) never lets overflow.
-    void AddFloat(double value) {
+    // Rounded to 6 decimals, ties to even. A float of this range (below 2^31) does not overflow the millionths.
+    void AddFloat(std::uint32_t word) {
         constexpr double scale = 1e6;
-        const long long millionths = std::llrint(value * scale);
-        if (Store(static_cast<double>(millionths) / scale)) {
-            AppendMillionths(text, millionths);
-            text += ' ';
-        }
+        Judge(word);
+        Add(static_cast<double>(std::llrint(BitsToFloat(word) * scale)) / scale);
+    }
+
+    // As it came.
+    void AddUnrounded(std::uint32_t word) {
+        Judge(word);
+        Add(BitsToFloat(word));
     }
 
     // Eight coils, the lowest bit first.
     void AddCoils(int byte) {
         for (int bit = 0; bit < 8; ++bit) {
-            const bool on = (byte >> bit & 1) != 0;
-            if (Store(on ? 1 : 0)) {
-                text += on ? "1 " : "0 ";
-            }
+            Add((byte >> bit & 1) != 0 ? 1 : 0);
         }
     }
 
     std::size_t Count() const { return next_ - 1; }
 
-    std::string text;
+    std::bitset<126> outOfRange;
 
   private:
-    bool Store(double value) {
-        if (next_ == modbus_.mbvalues.size()) {
-            return false;
+    // Of the number that is added next.
+    void Judge(std::uint32_t word) {
+        if (next_ < outOfRange.size()) {
+            outOfRange[next_] = IsOutOfRange(word);
         }
-        modbus_.mbvalues[next_++] = value;
-        return true;
     }
 
     ModbusState& modbus_;
     std::size_t next_ = 1;
 };
 
-ModbusReply Reply(std::string text, std::size_t count = 0) {
-    return {text.empty() ? Kind::Empty : Kind::Values, std::move(text), count};
-}
-
-ModbusReply Reply(Values& values) {
-    return Reply(std::move(values.text), values.Count());
+ModbusReply Reply(const Values& values) {
+    return {values.Count() > 0 ? Kind::Values : Kind::Empty, values.Count(), values.outOfRange};
 }
 
 ModbusReply NoResponse(ModbusState& modbus) {
     modbus.mbvalues[1] = lengthError;
-    return {Kind::NoResponse, "No Response", 0};
+    return {Kind::NoResponse, 0};
 }
 
 ModbusReply LengthMismatch(ModbusState& modbus) {
     modbus.mbvalues[1] = lengthError;
-    return Reply({});
+    return {Kind::Empty, 0};
 }
 
 ModbusReply Exception(ModbusState& modbus, int code) {
     modbus.mbvalues[1] = code;
-    return {Kind::Exception, "Ex.Error", 0};
+    return {Kind::Exception, 0};
+}
+
+ModbusReply CheckError(ModbusState& modbus, int thirdByte) {
+    modbus.mbvalues[1] = thirdByte;
+    return {Kind::CrcError, 0};
 }
 
 int ByteAt(std::string_view bytes, std::size_t index) {
@@ -160,7 +135,7 @@ ModbusReply DecodeFloats(ModbusState& modbus, std::string_view reply) {
     const std::string_view data = CountedData(reply);
     Values values(modbus);
     for (std::size_t at = 0; at + 4 <= data.size(); at += 4) {
-        values.AddFloat(BitsToFloat(DoubleWordAt(data, at)));
+        values.AddFloat(DoubleWordAt(data, at));
     }
     return Reply(values);
 }
@@ -173,7 +148,7 @@ ModbusReply DecodeIntegers(ModbusState& modbus, std::string_view reply) {
     Values values(modbus);
     std::size_t at = dataAt;
     for (; at + 2 <= dataAt + count; at += 2) {
-        values.AddInteger(SignedWordAt(reply, at));
+        values.Add(SignedWordAt(reply, at));
     }
     // Readers of the stations' pointers expect the check word behind the data.
     if (at + 2 <= reply.size()) {
@@ -187,14 +162,7 @@ ModbusReply DecodeWritten(ModbusState& modbus, std::string_view reply) {
     if (reply.size() != length) {
         return LengthMismatch(modbus);
     }
-    if (ByteAt(reply, 1) == writeRegister) {
-        return Reply(std::to_string(SignedWordAt(reply, 4)) + " ");
-    }
-    std::string text;
-    for (const int part : {ByteAt(reply, 0), ByteAt(reply, 1), WordAt(reply, 2), WordAt(reply, 4), WordAt(reply, 6)}) {
-        text += std::to_string(part) + " ";
-    }
-    return Reply(std::move(text));
+    return {Kind::Values, 0};
 }
 
 ModbusReply DecodeRtu(ModbusState& modbus, std::string_view reply) {
@@ -204,12 +172,12 @@ ModbusReply DecodeRtu(ModbusState& modbus, std::string_view reply) {
         case readHoldingRegisters:
             return modbus.floatread ? DecodeFloats(modbus, reply) : DecodeIntegers(modbus, reply);
         case readInputRegisters:
-            return modbus.floatread ? Reply({}) : DecodeIntegers(modbus, reply);
+            return modbus.floatread ? ModbusReply{Kind::Empty, 0} : DecodeIntegers(modbus, reply);
         case writeRegister:
         case writeRegisters:
             return DecodeWritten(modbus, reply);
         default:
-            return Reply({});
+            return {Kind::Empty, 0};
     }
 }
 
@@ -218,6 +186,14 @@ constexpr std::size_t pairsFrom = 6;
 
 int PairAt(std::string_view pairs, std::size_t index) {
     return HexNumber(pairs.substr(index, 2));
+}
+
+// Whether a frame ends in a check of two digits over all pairs before it, and in CR and LF.
+bool HasRightLrc(std::string_view pairs, std::string_view frame) {
+    constexpr std::size_t checkDigits = 2;
+    const std::size_t checkAt = pairs.size() - checkDigits;
+    return pairs.size() % 2 == 0 && frame.substr(1 + pairs.size(), 2) == "\r\n" &&
+           PairAt(pairs, checkAt) == ModbusLrc(pairs.substr(0, checkAt)) % 256;
 }
 
 ModbusReply DecodeAsciiCoils(ModbusState& modbus, std::string_view pairs) {
@@ -236,9 +212,9 @@ ModbusReply DecodeAsciiFloats(ModbusState& modbus, std::string_view pairs) {
     constexpr std::size_t digitsPerFloat = 8;
     Values values(modbus);
     for (std::size_t at = pairsFrom; at + digitsPerFloat <= pairs.size(); at += digitsPerFloat) {
-        values.Add(HexToFloat(pairs.substr(at, digitsPerFloat)));
+        values.AddUnrounded(HexToWord(pairs.substr(at, digitsPerFloat)));
     }
-    return {values.Count() > 0 ? Kind::Values : Kind::Empty, {}, values.Count()};
+    return Reply(values);
 }
 
 }  // namespace
@@ -252,8 +228,7 @@ ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply) {
     const std::size_t crcAt = reply.size() - crcLength;
     const int crc = ModbusCrc(std::string_view(reply).substr(0, crcAt));
     if (ByteAt(reply, crcAt) != crc % 256 || ByteAt(reply, crcAt + 1) != crc / 256) {
-        modbus.mbvalues[1] = ByteAt(reply, byteCountAt);
-        return {Kind::CrcError, "CRC ERROR", 0};
+        return CheckError(modbus, ByteAt(reply, byteCountAt));
     }
     if ((ByteAt(reply, 1) & exceptionBit) != 0) {
         return Exception(modbus, ByteAt(reply, byteCountAt));
@@ -261,7 +236,7 @@ ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply) {
     return DecodeRtu(modbus, reply);
 }
 
-ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply) {
+ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply, AsciiCheck check) {
     constexpr std::size_t shortest = 10;
     constexpr std::size_t functionAt = 2;
     const std::size_t colon = reply.find(':');
@@ -275,7 +250,10 @@ ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply) {
     const std::string_view pairs =
         frame.substr(1, std::min(frame.find_first_not_of("0123456789ABCDEFabcdef", 1), frame.size()) - 1);
     if (pairs.size() < pairsFrom || frame.find(':', 1) != std::string_view::npos) {
-        return Reply({});
+        return {Kind::Empty, 0};
+    }
+    if (check == AsciiCheck::Standard && !HasRightLrc(pairs, frame)) {
+        return CheckError(modbus, PairAt(pairs, functionAt + 2));
     }
     const int function = PairAt(pairs, functionAt);
     if ((function & exceptionBit) != 0) {
@@ -287,7 +265,7 @@ ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply) {
     if (function == readHoldingRegisters && modbus.floatread) {
         return DecodeAsciiFloats(modbus, pairs);
     }
-    return Reply({});
+    return {Kind::Empty, 0};
 }
 
 }  // namespace protocols

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <bitset>
 #include <cstddef>
 #include <string>
 
 #include "protocols/Conversation.h"
+#include "protocols/ModbusCheck.h"
 
 namespace protocols {
 
@@ -17,13 +19,10 @@ struct ModbusReply {
     };
 
     Kind kind = Kind::NoResponse;
-    // "No Response", "CRC ERROR", "Ex.Error", or decimal values, each followed by one blank.
-    //
-    // Floats in ASCII framing reach mbvalues only and leave this empty, which elsewhere means that there was no
-    // response. So whoever judges a reply goes by its kind, never by its text: such a reply is one of values.
-    std::string text;
     // How many values stand in mbvalues from index 1 on.
     std::size_t count = 0;
+    // The values, by their index in mbvalues, that are 0 because what came is out of the range of a float.
+    std::bitset<126> outOfRange{};
 
     // The station sent something that counts as its answer; an exception is one.
     bool Answered() const { return kind == Kind::Values || kind == Kind::Exception; }
@@ -37,8 +36,10 @@ struct ModbusReply {
 ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply);
 
 // From the colon to CR and LF; what stands in front of it is noise. With a second colon there is another reply, or an
-// echo, and which of them is the answer cannot be told: nothing is decoded. A wrong check passes: it has never been
-// looked at in this framing. Only coils and floats are decoded.
-ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply);
+// echo, and which of them is the answer cannot be told: nothing is decoded. Only coils and floats are decoded.
+//
+// By the required check a wrong LRC passes: it has never been looked at in this framing. By the standard one it is a
+// CrcError.
+ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply, AsciiCheck check = AsciiCheck::Required);
 
 }  // namespace protocols

@@ -143,14 +143,16 @@ ModbusRequest BuildRtuRequest(int command, int slave, double reg, std::vector<fl
     return RtuFrame(command, slave, reg, rest);
 }
 
-ModbusRequest BuildAsciiRequest(int command, int slave, double reg, std::vector<float>& data) {
+ModbusRequest BuildAsciiRequest(int command, int slave, double reg, std::vector<float>& data, AsciiCheck check) {
     std::string problem = RequestProblem(command, slave, reg, data);
     if (!problem.empty()) {
         return {{}, std::move(problem)};
     }
     const std::string text = HexText(slave, 2) + HexText(command, 2) + HexText(reg, 4) + AsciiData(data);
-    // The check goes out without padding, one digit to three: the stations of this framing take it so.
-    return {":" + text + HexText(ModbusLrc(text), 1) + "\r\n", {}};
+    // The required check goes out without padding: "5" for 05, and "100" for 00. Slaves of other makes refuse that.
+    const int lrc = ModbusLrc(text);
+    const std::string digits = check == AsciiCheck::Standard ? HexText(lrc % 256, 2) : HexText(lrc, 1);
+    return {":" + text + digits + "\r\n", {}};
 }
 
 ModbusRequest BuildWriteFrame(const ModbusState& modbus, double value, int reg, int command, int slave) {

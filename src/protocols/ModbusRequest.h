@@ -5,6 +5,7 @@
 
 #include "core/Clock.h"
 #include "protocols/Conversation.h"
+#include "protocols/ModbusCheck.h"
 
 // The requests of a Modbus master, as the bytes that go over the line.
 namespace protocols {
@@ -25,7 +26,8 @@ ModbusRequest BuildRtuRequest(int command, int slave, double reg, std::vector<fl
 
 // The same in ASCII framing, which carries one datum and no more: it has no quantity and byte count for the functions
 // 15 and 16, and sends the datum of function 5 as it is.
-ModbusRequest BuildAsciiRequest(int command, int slave, double reg, std::vector<float>& data);
+ModbusRequest BuildAsciiRequest(int command, int slave, double reg, std::vector<float>& data,
+                                AsciiCheck check = AsciiCheck::Required);
 
 // Writes one value, in RTU framing. Function 16 writes a float of single precision into two registers, or into one when
 // the station holds a whole float in it (`rtu32bit`); function 5 switches on for exactly 1, else off; the others send a

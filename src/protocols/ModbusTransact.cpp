@@ -15,13 +15,20 @@ using Kind = ModbusReply::Kind;
 
 // What is different between RTU and ASCII, chosen once a transaction.
 struct Framing {
-    ModbusRequest (*build)(int command, int slave, double reg, std::vector<float>& data);
-    ModbusReply (*parse)(ModbusState& modbus, const std::string& reply);
+    bool ascii;
+    AsciiCheck check;  // of ASCII
+
+    ModbusRequest Build(int command, int slave, double reg, std::vector<float>& data) const {
+        return ascii ? BuildAsciiRequest(command, slave, reg, data, check) : BuildRtuRequest(command, slave, reg, data);
+    }
+    ModbusReply Parse(ModbusState& modbus, const std::string& reply) const {
+        return ascii ? ParseAsciiReply(modbus, reply, check) : ParseRtuReply(modbus, reply);
+    }
 };
 
 Framing FramingOf(const core::Station& station) {
-    return core::SameText(station.mode, "ASCII") ? Framing{BuildAsciiRequest, ParseAsciiReply}
-                                                 : Framing{BuildRtuRequest, ParseRtuReply};
+    return {core::SameText(station.mode, "ASCII"),
+            station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required};
 }
 
 // The numbers of values that the reply to a read may have: registers give just what was asked for, and perhaps the
@@ -52,7 +59,7 @@ ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& f
     if (talk.Wait(options.waitsAfterAnswer * timeout)) {
         talk.feedback.Status(options.converting);
     }
-    ModbusReply reply = judge(framing.parse(talk.modbus, bytes), bytes);
+    ModbusReply reply = judge(framing.Parse(talk.modbus, bytes), bytes);
     if (!talk.Ended()) {
         talk.requests.Note(IsAnswer(reply, options));
     }
@@ -99,14 +106,14 @@ ModbusRequest RtuWrite(const Conversation& talk, ModbusDatum datum, int reg, dou
     return BuildWriteFrame(talk.modbus, value, reg, writeRegisters, slave);
 }
 
-ModbusRequest AsciiWrite(ModbusDatum datum, int slave, int reg, double value) {
+ModbusRequest AsciiWrite(const Framing& framing, ModbusDatum datum, int slave, int reg, double value) {
     constexpr float on = 0xFF00;
     std::vector<float> data = {datum != ModbusDatum::Coil ? static_cast<float>(value) : value == 1 ? on : 0};
     switch (datum) {
         case ModbusDatum::Coil:
-            return BuildAsciiRequest(writeCoil, slave, reg, data);
+            return framing.Build(writeCoil, slave, reg, data);
         case ModbusDatum::Integer:
-            return BuildAsciiRequest(writeRegister, slave, reg, data);
+            return framing.Build(writeRegister, slave, reg, data);
         case ModbusDatum::Float:
             break;
     }
@@ -121,8 +128,8 @@ bool IsOwn(const std::string& bytes, const std::string& frame, bool ascii) {
 }
 
 // Whether a reply acknowledges just this write. That to a single coil or register repeats its request, that to several
-// registers the head: slave, function, register, quantity. In ASCII framing the check is not looked at, and its length
-// is the device's affair.
+// registers the head: slave, function, register, quantity. In ASCII framing the required check is not
+// looked at, and its length is the device's affair.
 bool Acknowledges(const std::string& bytes, const std::string& frame, ModbusDatum datum, bool ascii) {
     constexpr std::size_t rtuHead = 6;
     constexpr std::size_t asciiHead = 13;
@@ -155,7 +162,6 @@ ModbusReply Transact(Conversation& talk, const Framing& framing, const ModbusReq
     if (!talk.Ended() && !talk.Wanted()) {
         Report(talk, reply.kind, options);
     }
-    reply.text.clear();
     return reply;
 }
 
@@ -179,31 +185,30 @@ bool IsAnswer(const ModbusReply& reply, const TransactOptions& options) {
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, const TransactOptions& options) {
     const Framing framing = FramingOf(talk.station);
     std::vector<float> data = {static_cast<float>(count)};
-    const ModbusRequest request = framing.build(command, talk.station.slaveaddress, reg, data);
+    const ModbusRequest request = framing.Build(command, talk.station.slaveaddress, reg, data);
     const Expected expected = ExpectedValues(talk.modbus, count, command);
     // A reply with fewer values than were asked for was cut, and what it lacks must not be taken for zeros; one with
     // more belongs to another request.
     const auto judge = [&](ModbusReply reply, const std::string& bytes) {
-        const bool own = !options.onlyItsOwn || (IsOwn(bytes, request.frame, framing.build == BuildAsciiRequest) &&
-                                                 reply.count == expected.least);
+        const bool own =
+            !options.onlyItsOwn || (IsOwn(bytes, request.frame, framing.ascii) && reply.count == expected.least);
         const bool belongs = own && reply.count >= expected.least && reply.count <= expected.most;
-        return reply.kind == Kind::Values && !belongs ? ModbusReply{Kind::Empty, {}, 0} : reply;
+        return reply.kind == Kind::Values && !belongs ? ModbusReply{Kind::Empty, 0} : reply;
     };
     return Transact(talk, framing, request, judge, options);
 }
 
 WriteOutcome ModbusWrite(Conversation& talk, ModbusDatum datum, int reg, double value, const TransactOptions& options) {
     const Framing framing = FramingOf(talk.station);
-    const ModbusRequest request = framing.build == BuildAsciiRequest
-                                      ? AsciiWrite(datum, talk.station.slaveaddress, reg, value)
-                                      : RtuWrite(talk, datum, reg, value);
+    const ModbusRequest request = framing.ascii ? AsciiWrite(framing, datum, talk.station.slaveaddress, reg, value)
+                                                : RtuWrite(talk, datum, reg, value);
     const auto judge = [&](ModbusReply reply, const std::string& bytes) {
         if (reply.kind == Kind::Exception) {
             return reply;
         }
-        const bool done = Acknowledges(bytes, request.frame, datum, framing.build == BuildAsciiRequest);
-        return done && reply.kind != Kind::CrcError ? ModbusReply{Kind::Values, {}, 1}
-               : reply.kind == Kind::Values         ? ModbusReply{Kind::Empty, {}, 0}
+        const bool done = Acknowledges(bytes, request.frame, datum, framing.ascii);
+        return done && reply.kind != Kind::CrcError ? ModbusReply{Kind::Values, 1}
+               : reply.kind == Kind::Values         ? ModbusReply{Kind::Empty, 0}
                                                     : reply;
     };
     const ModbusReply reply = Transact(talk, framing, request, judge, options);

@@ -50,10 +50,9 @@ inline constexpr TransactOptions onlineWrite = {
 // Asks the station for `count` registers or coils from `reg` on, as numbered on the line, in the framing of its mode,
 // and decodes the reply into talk.modbus. The station's slave address and talk.modbus decide the rest.
 //
-// The reply is matched to its request only by being what arrived during the wait. The text of a failed one is empty;
-// online, the text of an exception too. A request that cannot be built is not sent: a box, and no response. A
-// conversation that is told to end returns at once, and what is missing then is reported nowhere; one whose line is
-// wanted sends nothing more.
+// The reply is matched to its request only by being what arrived during the wait. A request that cannot be built is not
+// sent: a box, and no response. A conversation that is told to end returns at once, and what is missing then is
+// reported nowhere; one whose line is wanted sends nothing more.
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command,
                            const TransactOptions& options = scheduledTransact);
 

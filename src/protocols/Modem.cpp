@@ -1,5 +1,7 @@
 #include "protocols/Modem.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -12,12 +14,18 @@ constexpr double stepMs = 1000;  // after each step of the dialogue
 constexpr double pollMs = 50;    // while a result is awaited
 constexpr const char* notReached = "No Dialtone/Line Engaged/Remote Modem not Responding";
 
+// Results of a dial that failed.
+constexpr std::array<const char*, 6> failures = {"NO CARRIER", "NO ANSWER",   "ERROR",
+                                                 "BUSY",       "NO DIALTONE", "NO DIAL TONE"};
+
+enum class DialResult { Connected, Failed, Silent };
+
 bool Holds(const std::string& text, const char* word) {
     return text.find(word) != std::string::npos;
 }
 
 bool SaysFailed(const std::string& received) {
-    return Holds(received, "NO CARRIER") || Holds(received, "NO ANSWER") || Holds(received, "ERROR");
+    return std::any_of(failures.begin(), failures.end(), [&](const char* result) { return Holds(received, result); });
 }
 
 bool HasResult(const std::string& received) {
@@ -27,6 +35,7 @@ bool HasResult(const std::string& received) {
 void Report(Conversation& talk, const std::string& failure, const DialOptions& options) {
     if (options.unattended) {
         talk.logs.WriteRtuErr(failure + "[" + std::to_string(talk.station.locationID) + "]");
+        talk.feedback.Status(failure);
     } else {
         talk.feedback.Box(failure);
     }
@@ -59,7 +68,7 @@ bool SendDialCommand(Conversation& talk, int attemptcount) {
 std::string AwaitResult(Conversation& talk, double timeoutMs) {
     std::string received;
     const std::uint32_t start = talk.clock.Milliseconds();
-    const auto timedOut = [&] { return timeoutMs > 0 && talk.clock.Milliseconds() - start >= timeoutMs; };
+    const auto timedOut = [&] { return talk.clock.Milliseconds() - start >= timeoutMs; };
     while (!HasResult(received) && !timedOut() && talk.Wait(pollMs)) {
         const std::string bytes = talk.line->Input();
         if (!bytes.empty()) {
@@ -70,17 +79,17 @@ std::string AwaitResult(Conversation& talk, double timeoutMs) {
     return received;
 }
 
-// One dial, from the open port to the modem's result. True: connected, or taken for it.
-bool DialOnce(Conversation& talk, int attemptcount, const DialOptions& options) {
+// One dial, from the open port to the modem's result.
+DialResult DialOnce(Conversation& talk, int attemptcount, const DialOptions& options) {
     if (!SendDialCommand(talk, attemptcount)) {
-        return false;
+        return DialResult::Silent;
     }
     const std::string received = AwaitResult(talk, options.resultTimeoutMs);
     if (talk.Wait(stepMs)) {
         talk.feedback.Status(HasResult(received) ? "Response From Modem:" + received : "TimeOut!!!! ");
     }
     talk.Wait(stepMs);
-    return !SaysFailed(received);
+    return SaysFailed(received) ? DialResult::Failed : HasResult(received) ? DialResult::Connected : DialResult::Silent;
 }
 
 }  // namespace
@@ -98,17 +107,21 @@ DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& optio
         return Fail(talk, DialOutcome::NoModem, answer.empty() ? noModemText : options.wrongAnswer, options);
     }
     for (;;) {
-        const bool connected = DialOnce(talk, attemptcount, options);
+        const DialResult result = DialOnce(talk, attemptcount, options);
         if (talk.Ended()) {
             return DialOutcome::Ended;
         }
         ++attemptcount;
-        if (connected) {
+        if (result == DialResult::Connected || (result == DialResult::Silent && options.silenceConnects)) {
             talk.feedback.Status(options.connected);
             return DialOutcome::Connected;
         }
         HangUp(*talk.line, talk.clock, talk.feedback, redialGuardMs);
         talk.line->PortOpen(false);
+        if (result == DialResult::Silent) {
+            const std::string seconds = std::to_string(static_cast<int>(options.resultTimeoutMs / 1000));
+            return Fail(talk, DialOutcome::NotReached, "The modem gave no result within " + seconds + " s", options);
+        }
         if (attemptcount >= mostDials) {
             return Fail(talk, DialOutcome::NotReached, notReached, options);
         }
@@ -119,6 +132,14 @@ DialOutcome Dial(Conversation& talk, int& attemptcount, const DialOptions& optio
         if (!talk.line->PortOpen(true)) {
             return Fail(talk, DialOutcome::NoPort, talk.line->LastError(), options);
         }
+    }
+}
+
+void Drain(Line& line, core::Clock& clock) {
+    constexpr double atMostMs = 3000;
+    constexpr double stepMs = 10;
+    for (double waited = 0; line.OutBufferCount() > 0 && waited < atMostMs; waited += stepMs) {
+        clock.WaitMs(stepMs, [&line] { return !line.PortOpen(); });
     }
 }
 
@@ -134,6 +155,7 @@ void HangUp(Line& line, core::Clock& clock, core::Feedback& feedback, double gua
     clock.WaitMs(guardMs, [&line] { return !line.PortOpen(); });
     if (line.PortOpen()) {
         send("ath\r");
+        Drain(line, clock);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "protocols/Quantum.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 
 #include "core/Text.h"
@@ -10,7 +11,9 @@ namespace protocols {
 namespace {
 
 constexpr std::size_t fieldWidth = 13;
-constexpr std::size_t replyLength = 137;
+constexpr std::size_t trailer = 2;  // check and end
+constexpr char end = '\x03';
+constexpr std::string_view blanks(" \t\r\n\0", 5);
 constexpr std::size_t exponentSignAt = 10;
 
 // What stands in front of the fields.
@@ -35,6 +38,57 @@ double FieldNumber(std::string_view field) {
     const std::size_t exponentAt = field.find('E');
     const double number = exponentAt == std::string_view::npos ? core::Val(field) : ExponentNumber(field, exponentAt);
     return std::isfinite(number) ? number : 0;
+}
+
+std::size_t DigitsFrom(std::string_view text, std::size_t at) {
+    const std::size_t from = at;
+    while (at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0) {
+        ++at;
+    }
+    return at - from;
+}
+
+std::size_t SignAt(std::string_view text, std::size_t at) {
+    return at < text.size() && (text[at] == '+' || text[at] == '-') ? 1 : 0;
+}
+
+// "-12.5", "1.2345678E-03": all of the text, with an exponent of no more than two digits.
+bool IsNumber(std::string_view text) {
+    std::size_t at = SignAt(text, 0);
+    std::size_t digits = DigitsFrom(text, at);
+    at += digits;
+    if (at < text.size() && text[at] == '.') {
+        const std::size_t decimals = DigitsFrom(text, ++at);
+        digits += decimals;
+        at += decimals;
+    }
+    if (digits > 0 && at < text.size() && (text[at] == 'E' || text[at] == 'e')) {
+        at += 1 + SignAt(text, at + 1);
+        const std::size_t exponent = DigitsFrom(text, at);
+        return exponent >= 1 && exponent <= 2 && at + exponent == text.size();
+    }
+    return digits > 0 && at == text.size();
+}
+
+// "251126080500": day, month, year, hour, minute, second; a leading zero may be missing. With other characters between
+// them, or a clock that was never set, it is as the unit has it.
+bool IsDate(std::string_view text) {
+    constexpr std::size_t length = 12;
+    constexpr std::array<int, length / 2> highest = {31, 12, 99, 23, 59, 59};
+    const std::size_t digits = DigitsFrom(text, 0);
+    if (digits != text.size()) {
+        return digits > 0 && text.find_first_not_of("0123456789 ./:-") == std::string_view::npos;
+    }
+    if (digits != length && digits != length - 1) {
+        return false;
+    }
+    const std::string padded = std::string(length - digits, '0') + std::string(text);
+    for (std::size_t part = 0; part < highest.size(); ++part) {
+        if (core::Val(padded.substr(2 * part, 2)) > highest[part]) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace
@@ -76,20 +130,33 @@ const std::array<std::string_view, 8>& QuantumNames(int message) {
     return names[static_cast<std::size_t>(std::clamp(message, 1, quantumMessages) - 1)];
 }
 
-std::array<double, 8> DecodeQuantumReply(const std::string& reply, int message) {
-    std::string rest = core::ReplaceAll(reply.substr(std::min(HeadLength(message), reply.size())), ",", ".");
-    std::array<double, 8> values{};
-    for (double& value : values) {
-        value = FieldNumber(core::Trim(std::string_view(rest).substr(0, fieldWidth)));
+int QuantumReply::Received() const {
+    return static_cast<int>(
+        std::count_if(fields.begin(), fields.end(), [](const auto& field) { return field.has_value(); }));
+}
+
+QuantumReply DecodeQuantumReply(const std::string& reply, int message) {
+    // With its end the last field is whole, however short.
+    const bool ended = reply.size() >= HeadLength(message) + trailer && reply.back() == end;
+    const std::string text = core::ReplaceAll(reply.substr(0, reply.size() - (ended ? trailer : 0)), ",", ".");
+    std::string_view rest = std::string_view(text).substr(std::min(HeadLength(message), text.size()));
+    QuantumReply decoded;
+    for (std::size_t i = 0; i < decoded.fields.size(); ++i) {
+        const std::string field = core::Trim(rest.substr(0, fieldWidth));
+        const bool isDate = message == quantumMessages && i == 0;
+        if ((ended || rest.size() >= fieldWidth) && (isDate ? IsDate(field) : IsNumber(field))) {
+            decoded.fields[i] = FieldNumber(field);
+        }
         // The blanks in front of the next field go too, so the fields stand close together.
-        rest = core::Trim(std::string_view(rest).substr(std::min(fieldWidth, rest.size())));
+        rest.remove_prefix(std::min(fieldWidth, rest.size()));
+        rest.remove_prefix(std::min(rest.find_first_not_of(blanks), rest.size()));
     }
-    return values;
+    return decoded;
 }
 
 std::string CutQuantumEcho(const std::string& reply, const std::string& request) {
-    const bool echoed = !request.empty() && reply.find(request) != std::string::npos;
-    return echoed ? reply.substr(reply.size() - std::min(replyLength, reply.size())) : reply;
+    const std::size_t echo = request.empty() ? std::string::npos : reply.rfind(request);
+    return echo == std::string::npos ? reply : reply.substr(echo + request.size());
 }
 
 }  // namespace protocols

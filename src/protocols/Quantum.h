@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,11 +21,22 @@ int QuantumChecksum(std::string_view frame);
 // parameters, with a doubled blank and a joined word as they stand there.
 const std::array<std::string_view, 8>& QuantumNames(int message);
 
-// The eight values of a reply to `message`. There is no check of the reply: a field that is missing or no number is 0.
-// A comma is as good a decimal mark as a point.
-std::array<double, 8> DecodeQuantumReply(const std::string& reply, int message);
+// A decoded reply: the value of each field in order, none where the field was not received. A reply has no check that
+// could be tested: a digit that was spoilt into another digit cannot be seen.
+struct QuantumReply {
+    std::array<std::optional<double>, 8> fields;
 
-// On a line with echo the request stands in front of the reply: then only the reply, its last 137 characters.
+    int Received() const;
+    bool Whole() const { return Received() == static_cast<int>(fields.size()); }
+};
+
+// Takes a reply to `message` apart: its head, whose contents are not known, and eight fields of 13 characters. A field
+// is received if all of it is there and reads as a number, or, as the first of message 3, as a date. A comma is as good
+// a decimal mark as a point.
+QuantumReply DecodeQuantumReply(const std::string& reply, int message);
+
+// On a line with echo the request stands in front of the reply: then what is behind it, which is empty for an echo
+// alone.
 std::string CutQuantumEcho(const std::string& reply, const std::string& request);
 
 }  // namespace protocols

@@ -76,8 +76,8 @@ void NameReply(Naming& naming) {
     naming.Take(head, "head", Readable(reply.substr(0, head)));
     const bool closed = reply.back() == end && reply.size() >= head + trailer;
     const std::size_t last = from + reply.size() - (closed ? trailer : 0);
-    const std::array<double, 8> values = DecodeQuantumReply(std::string(reply), message == 0 ? 1 : message);
-    for (std::size_t i = 0; i < values.size(); ++i) {
+    const QuantumReply decoded = DecodeQuantumReply(std::string(reply), message == 0 ? 1 : message);
+    for (std::size_t i = 0; i < decoded.fields.size(); ++i) {
         const std::string name =
             message == 0 ? "value " + std::to_string(i + 1) : std::string(QuantumNames(message)[i]);
         const std::string_view rest = naming.line.substr(naming.next, last - naming.next);
@@ -87,8 +87,9 @@ void NameReply(Naming& naming) {
         }
         const std::string_view text = rest.substr(0, fieldWidth);
         // The blanks in front of the next field are taken with this one, as the values are read.
-        naming.Take(fieldWidth + (i + 1 < values.size() ? Blanks(rest.substr(fieldWidth)) : 0), name,
-                    Readable(core::Trim(text)) + " = " + core::NumberText(values[i]));
+        naming.Take(fieldWidth + (i + 1 < decoded.fields.size() ? Blanks(rest.substr(fieldWidth)) : 0), name,
+                    Readable(core::Trim(text)) +
+                        (decoded.fields[i] ? " = " + core::NumberText(*decoded.fields[i]) : ", not a number"));
     }
     if (closed) {
         if (last > naming.next) {

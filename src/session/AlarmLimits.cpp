@@ -65,6 +65,9 @@ std::vector<AlarmWatch::Live> AlarmWatch::Judge(const ParameterSet& set) {
             continue;
         }
         const std::size_t live = last - (blockRows - 1);
+        if (!std::all_of(&rows[live], &rows[last] + 1, HasFigure)) {
+            continue;
+        }
         const auto value = [&](std::size_t n) { return rows[live + n].lastvalue; };
         const AlarmBlock block{value(0), value(1), value(2), value(3), value(4), value(5), value(6)};
         states.push_back({{group, live}, check_alarm(block, latches_[live])});

@@ -11,9 +11,10 @@ namespace session {
 namespace {
 
 constexpr int voltPlaces = 2;
+constexpr const char* noFigure = "-";
 
 std::string Shown(const ParameterRow* row) {
-    return row == nullptr ? "N/A" : core::FixedText(row->lastvalue, voltPlaces);
+    return row == nullptr ? "N/A" : HasFigure(*row) ? core::FixedText(row->lastvalue, voltPlaces) : noFigure;
 }
 
 std::string ClockText(const std::string& date, const std::string& time) {
@@ -36,7 +37,8 @@ std::string PackedClock(const ParameterSet& set) {
             return std::nullopt;
         }
         const double value = set.At(*place).lastvalue;
-        return value >= 0 && value < most ? std::optional(static_cast<std::int64_t>(value)) : std::nullopt;
+        return HasFigure(set.At(*place)) && value >= 0 && value < most ? std::optional(static_cast<std::int64_t>(value))
+                                                                       : std::nullopt;
     };
     if (const auto both = number("DD MM YY HH MM SS")) {
         return ClockText(PairsOf(*both / 1000000, "/"), PairsOf(*both % 1000000, ":"));
@@ -54,20 +56,21 @@ std::string DateTimeText(const ParameterSet& set, bool isCW) {
     }
     const auto element = [&](Figure figure) {
         const ParameterRow* row = RowOf(set, figure, isCW);
-        return row == nullptr ? std::string("N/A") : core::NumberText(row->lastvalue);
+        return row == nullptr ? std::string("N/A") : HasFigure(*row) ? core::NumberText(row->lastvalue) : noFigure;
     };
     return ClockText(element(Figure::Day) + "/" + element(Figure::Month) + "/" + element(Figure::Year),
                      element(Figure::Hour) + ":" + element(Figure::Minute) + ":" + element(Figure::Second));
 }
 
 std::optional<double> SystemVoltage(const ParameterSet& set, bool isCW) {
-    const ParameterRow* main = RowOf(set, Figure::MainBattery, isCW);
-    const ParameterRow* backup = RowOf(set, Figure::BackupBattery, isCW);
-    if (main == nullptr || backup == nullptr) {
-        const ParameterRow* only = main != nullptr ? main : backup;
-        return only == nullptr ? std::nullopt : std::optional(only->lastvalue);
+    std::optional<double> voltage;
+    for (const Figure battery : {Figure::MainBattery, Figure::BackupBattery}) {
+        const ParameterRow* row = RowOf(set, battery, isCW);
+        if (row != nullptr && HasFigure(*row)) {
+            voltage = std::max(voltage.value_or(row->lastvalue), row->lastvalue);
+        }
     }
-    return std::max(main->lastvalue, backup->lastvalue);
+    return voltage;
 }
 
 std::string VoltageText(const ParameterSet& set, bool isCW) {

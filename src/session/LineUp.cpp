@@ -43,6 +43,7 @@ void Call(protocols::Conversation& talk, LineUpOutcome& outcome) {
             // There is no call yet; this ends whatever the modem is at.
             talk.line->Output("ATH\r");
             talk.feedback.Lamp("TX", "ATH\r");
+            protocols::Drain(*talk.line, talk.clock);
             outcome.called = false;
             break;
         case protocols::DialOutcome::NoModem:
@@ -56,6 +57,7 @@ void Call(protocols::Conversation& talk, LineUpOutcome& outcome) {
 }  // namespace
 
 LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& options) {
+    const protocols::ConnectingLine connecting(talk.line);
     LineUpOutcome outcome;
     outcome.failure = OpenPort(talk);
     if (outcome.failure.empty() && !talk.Ended() && !talk.station.phoneno.empty()) {
@@ -65,6 +67,9 @@ LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& op
     const bool signsOn = answers && Speaks(talk.station, "BSAP");
     if (signsOn && !protocols::SignOnInTries(talk, options.signOn, options.signOnTries) && !talk.Ended()) {
         outcome.failure = Told(talk, options.dead);
+    }
+    if (talk.line->Lost()) {
+        outcome.failure = Told(talk, talk.line->Reason());
     }
     outcome.up = outcome.failure.empty() && !talk.Ended();
     return outcome;

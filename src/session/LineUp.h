@@ -25,7 +25,8 @@ struct LineUpOptions {
     bool keepsLine = false;  // from the first moment of a call of its own to its last; see KeptLine
 };
 
-// Opens the port, dials a station that has a number, and signs on to one that speaks BSAP.
+// Opens the port, dials a station that has a number, and signs on to one that speaks BSAP. FieldLine::StopConnecting
+// ends it at once.
 LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& options = {});
 
 // Hangs up a call with that guard time, and closes the port. Nothing is sent on a line that was taken away.

@@ -5,7 +5,6 @@
 #include "collection/BsapList.h"
 #include "collection/QuantumRead.h"
 #include "collection/StreamLists.h"
-#include "core/Text.h"
 #include "protocols/Quantum.h"
 #include "session/Speaks.h"
 
@@ -33,6 +32,7 @@ bool LivePoll::Prepare() {
     byRegister_.clear();
     byPosition_.clear();
     unstored_.clear();
+    refused_.clear();
     set_.ForEach([this](ParameterRow& row) {
         byRegister_[{row.kind, static_cast<int>(row.MSD)}].push_back(&row);
         byPosition_[row.startaddress].push_back(&row);
@@ -40,17 +40,40 @@ bool LivePoll::Prepare() {
     if (!Speaks(talk_.station, "Modbus")) {
         return true;
     }
-    if (talk_.station.MB_CONFIG) {
-        blocks_ = collection::Collect_StartAddress(place_.dbconn, place_.logs, talk_.station, talk_.streamno);
-    } else {
-        const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
-        blocks_ = collection::Collect_StartAddress1(counts.value_or(core::ModelCounts{}), talk_.modbus.rtu32bit);
+    const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
+    auto plan = collection::PlanBlocks(place_.dbconn, place_.logs, talk_.station, talk_.streamno,
+                                       counts.value_or(core::ModelCounts{}));
+    blocks_ = std::move(plan.blocks);
+    if (!plan.fault.empty()) {
+        place_.logs.WriteRtuErr(plan.fault + " [" + std::to_string(talk_.station.locationID) + "]");
     }
-    return !blocks_.empty();
+    return plan.fault.empty();
 }
 
+// A reading that was broken off for something more urgent is none that a row can have missed.
 ReadOutcome LivePoll::Read() {
     done_ = 0;
+    set_.ForEach([](ParameterRow& row) { ++row.missedPolls; });
+    const ReadOutcome outcome = ReadByProtocol();
+    if (outcome == ReadOutcome::Whole && !Speaks(talk_.station, "Quantum")) {
+        MarkMissed();
+    } else if (outcome == ReadOutcome::BrokenOff) {
+        set_.ForEach([](ParameterRow& row) { row.missedPolls -= row.missedPolls > 0 ? 1 : 0; });
+    }
+    return outcome;
+}
+
+// What a whole reading asked for and did not bring: a list without the signal, a block that the station refuses.
+void LivePoll::MarkMissed() {
+    set_.ForEach([this](ParameterRow& row) {
+        if (row.missedPolls > 0 && !row.startaddress.empty() && row.startaddress != "0") {
+            row.quality = row.quality == core::Quality::Refused ? row.quality : core::Quality::NotReceived;
+            unstored_.push_back(&row);
+        }
+    });
+}
+
+ReadOutcome LivePoll::ReadByProtocol() {
     if (Speaks(talk_.station, "BSAP")) {
         return ReadBsap();
     }
@@ -58,26 +81,41 @@ ReadOutcome LivePoll::Read() {
 }
 
 ReadOutcome LivePoll::ReadModbus() {
+    std::erase_if(blocks_, [this](const collection::Block& block) {
+        return refused_.contains({block.type, block.start});
+    });
+    if (blocks_.empty()) {
+        return ReadOutcome::Failed;
+    }
     total_ = 0;
     for (const collection::Block& block : blocks_) {
         total_ += block.count / collection::RegistersPerValue(block.type, talk_.modbus.rtu32bit);
     }
     progress_(0, total_);
     return collection::ReadBlocks(talk_, blocks_, protocols::onlineTransact,
-                                  [this](const collection::Block& block, auto values) {
-                                      const int step = collection::RegistersPerValue(block.type, talk_.modbus.rtu32bit);
-                                      int address = block.start;
-                                      for (const double value : values) {
-                                          const auto rows = byRegister_.find({KindOf(block.type), address});
-                                          if (rows != byRegister_.end()) {
-                                              std::for_each(rows->second.begin(), rows->second.end(),
-                                                            [&](ParameterRow* row) { Take(*row, value); });
-                                          }
-                                          address += step;
-                                      }
-                                      done_ += static_cast<int>(values.size());
-                                      progress_(done_, total_);
-                                  });
+                                  [this](const collection::BlockReply& reply) { TakeBlock(reply); });
+}
+
+void LivePoll::TakeBlock(const collection::BlockReply& reply) {
+    const int step = collection::RegistersPerValue(reply.block.type, talk_.modbus.rtu32bit);
+    for (std::size_t k = 0; k < reply.values.size(); ++k) {
+        const auto rows = byRegister_.find({KindOf(reply.block.type), reply.block.start + static_cast<int>(k) * step});
+        if (rows == byRegister_.end()) {
+            continue;
+        }
+        for (ParameterRow* row : rows->second) {
+            if (reply.exception != 0) {
+                row->quality = core::Quality::Refused;
+            } else {
+                Take(*row, reply.values[k], reply.QualityOf(k));
+            }
+        }
+    }
+    if (reply.exception != 0) {
+        refused_.insert({reply.block.type, reply.block.start});
+    }
+    done_ += static_cast<int>(reply.values.size());
+    progress_(done_, total_);
 }
 
 ReadOutcome LivePoll::ReadBsap() {
@@ -108,7 +146,7 @@ bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
         for (ParameterRow* row : rows->second) {
             row->MSD = list.signals[n].MSD;
             row->unit = list.signals[n].unit.empty() ? row->unit : list.signals[n].unit;
-            Take(*row, list.signals[n].value);
+            Take(*row, list.signals[n].value, collection::QualityOf(list.signals[n]));
         }
     }
     done_ += static_cast<int>(list.signals.size()) - 1;
@@ -117,43 +155,43 @@ bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
 }
 
 ReadOutcome LivePoll::ReadQuantumUnit() {
-    const auto stored = [this](int message, const std::array<double, 8>& values) {
+    const auto stored = [this](int message, const protocols::QuantumReply& reply) {
         const auto& names = protocols::QuantumNames(message);
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            if (const auto place = set_.Find("Quantum", names[i])) {
-                TakeValue(set_.At(*place), values[i]);
+        for (std::size_t i = 0; i < reply.fields.size(); ++i) {
+            const auto place = set_.Find("Quantum", names[i]);
+            if (place && reply.fields[i]) {
+                TakeValue(set_.At(*place), *reply.fields[i], place_.clock.Now());
+            } else if (place) {
+                set_.At(*place).quality = core::Quality::NotReceived;
+                set_.At(*place).readat.reset();
             }
         }
         progress_(message, protocols::quantumMessages);
     };
     progress_(0, protocols::quantumMessages);
     const collection::QuantumOptions options{false, static_cast<double>(talk_.CommTimeout())};
-    return collection::ReadQuantum(place_, talk_, options, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;
+    collection::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
+    return collection::ReadQuantum(place_, talk_, options, store, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;
 }
 
-void LivePoll::Take(ParameterRow& row, double value) {
-    TakeValue(row, value);
+void LivePoll::Take(ParameterRow& row, double value, core::Quality quality) {
+    TakeValue(row, value, place_.clock.Now(), quality);
     unstored_.push_back(&row);
 }
 
 void LivePoll::Store() {
-    const core::Station& station = talk_.station;
-    const bool isBsap = Speaks(station, "BSAP");
+    collection::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
+    const bool isBsap = Speaks(talk_.station, "BSAP");
+    const auto typeOf = [&](const ParameterRow& row) { return isBsap ? std::string() : row.type; };
     place_.dbconn.InTransaction([&] {
         for (const ParameterRow* row : unstored_) {
-            const double value = core::RoundTo(row->lastvalue, 4);
-            if (isBsap) {
-                place_.dbconn.Execute(
-                    "update configData_detail set lastvalue=?, unit=?, MSD=? where startaddress=? and streamNo=? and "
-                    "locationid=?",
-                    {value, core::ReplaceAll(row->unit, " ", ""), row->MSD, row->startaddress, talk_.streamno,
-                     station.locationID});
-            } else {
-                place_.dbconn.Execute(
-                    "update configData_detail set lastvalue=? where startaddress=? and locationid=? and streamNo=? and "
-                    "type=?",
-                    {value, row->startaddress, station.locationID, talk_.streamno, row->type});
+            if (row->missedPolls > 0) {
+                store.Miss(row->startaddress, typeOf(*row), *row->quality);
+                continue;
             }
+            store.Put(row->startaddress, typeOf(*row),
+                      {row->lastvalue, *row->quality, core::IsoText(*row->readat), isBsap ? row->unit : std::string(),
+                       isBsap ? std::optional(row->MSD) : std::nullopt});
         }
     });
     unstored_.clear();

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,8 +32,8 @@ class LivePoll {
     // Reads the station once. Throws DatabaseError.
     collection::ReadOutcome Read();
 
-    // Puts what was read since the last time into the station's map, all or nothing: values rounded to 4 places, for
-    // BSAP the unit and the signal's address too. Throws DatabaseError; then it is tried again the next time.
+    // Puts what was read since the last time into the station's map, all or nothing, and marks what a whole reading
+    // did not bring. Throws DatabaseError; then it is tried again the next time.
     void Store();
 
   private:
@@ -42,13 +43,18 @@ class LivePoll {
     collection::ReadOutcome ReadBsap();
     collection::ReadOutcome ReadQuantumUnit();
     bool ReadList(int number, bool boolean, collection::ReadOutcome& outcome);
-    void Take(ParameterRow& row, double value);
+    collection::ReadOutcome ReadByProtocol();
+    void TakeBlock(const collection::BlockReply& reply);
+    void MarkMissed();
+    void Take(ParameterRow& row, double value, core::Quality quality);
 
     collection::Workplace& place_;
     protocols::Conversation& talk_;
     ParameterSet& set_;
     Progress progress_;
     std::vector<collection::Block> blocks_;
+    std::set<std::pair<collection::BlockType, int>>
+        refused_;  // blocks, by type and start: they are not asked for again
     std::map<Key, std::vector<ParameterRow*>> byRegister_;
     std::map<std::string, std::vector<ParameterRow*>> byPosition_;  // "54-83"
     std::vector<ParameterRow*> unstored_;

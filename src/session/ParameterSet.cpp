@@ -1,5 +1,6 @@
 #include "session/ParameterSet.h"
 
+#include <cstdio>
 #include <stdexcept>
 
 #include "core/Database.h"
@@ -10,6 +11,14 @@ namespace session {
 
 namespace {
 
+// A moment as it is stored: "2026-03-09 08:00:07".
+std::optional<core::DateTime> MomentOf(const std::string& iso) {
+    core::DateTime at;
+    const int read = std::sscanf(iso.c_str(), "%4d-%2d-%2d %2d:%2d:%2d", &at.year, &at.month, &at.day, &at.hour,
+                                 &at.minute, &at.second);
+    return read == 6 && at.Valid() ? std::optional(at) : std::nullopt;
+}
+
 ParameterRow RowOf(const core::Row& row, bool isModbus) {
     ParameterRow out;
     out.Description = core::Trim(row.Text("description"));
@@ -17,6 +26,8 @@ ParameterRow RowOf(const core::Row& row, bool isModbus) {
     out.type = core::Trim(row.Text("type"));
     out.unit = core::Trim(row.Text("unit"));
     out.lastvalue = row.Number("lastvalue");
+    out.readat = MomentOf(row.Text("readat"));
+    out.quality = core::QualityOf(row.Text("quality"));
     out.MSD = isModbus ? static_cast<std::int64_t>(core::Val(out.startaddress)) : row.Long("MSD");
     out.kind = KindOf(out.type);
     return out;
@@ -68,14 +79,25 @@ std::optional<RowPlace> ParameterSet::Find(std::string_view description) const {
     return std::nullopt;
 }
 
-void TakeValue(ParameterRow& row, double value) {
+void TakeValue(ParameterRow& row, double value, const core::DateTime& at, core::Quality quality) {
     row.changed = row.read && row.lastvalue != value;
     row.lastvalue = value;
+    row.readat = at;
+    row.quality = quality;
     row.read = true;
+    row.missedPolls = 0;
     row.pending = false;
 }
 
+bool HasFigure(const ParameterRow& row) {
+    const bool noNumber = row.quality == core::Quality::Refused || row.quality == core::Quality::OutOfRange;
+    return row.pending || (row.readat && !noNumber);
+}
+
 std::string ValueCell(const ParameterRow& row, bool isCW) {
+    if (!HasFigure(row)) {
+        return "-";
+    }
     if (row.kind == DataKind::Logical) {
         return valueText(isCW, row.Description, row.lastvalue);
     }

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/Clock.h"
+#include "core/Quality.h"
 #include "session/ParameterGroups.h"
 
 namespace core {
@@ -31,9 +33,12 @@ struct ParameterRow {
     std::int64_t MSD = 0;  // BSAP: the station's address of the signal; Modbus: the number of startaddress
     DataKind kind = DataKind::Float;
 
-    bool read = false;     // a value of this session stands in lastvalue
-    bool pending = false;  // a value was entered that the station has not yet been seen to have
-    bool changed = false;  // the last poll brought another value than the one before
+    std::optional<core::DateTime> readat;  // when lastvalue was read; nothing: never
+    std::optional<core::Quality> quality;  // how its last reading ended; nothing: never read
+    bool read = false;                     // it was read in this session
+    int missedPolls = 0;                   // polls of this session since then that did not bring it
+    bool pending = false;                  // a value was entered that the station has not yet been seen to have
+    bool changed = false;                  // the last poll brought another value than the one before
 };
 
 // Where a row stands in a set: its group of parameterGroups and its place there, from 0.
@@ -80,9 +85,12 @@ class ParameterSet {
 };
 
 // A value that the station gave: the row has it, and no longer shows an entered one.
-void TakeValue(ParameterRow& row, double value);
+void TakeValue(ParameterRow& row, double value, const core::DateTime& at, core::Quality quality = core::Quality::Good);
 
-// What the Value column shows of a row: the word of a switch, or the number with six decimals.
+// Whether a figure may be shown of a row: not of one that was never read, was refused, or has no number of the wire.
+bool HasFigure(const ParameterRow& row);
+
+// What the Value column shows of a row: the word of a switch, the number with six decimals, or a dash.
 std::string ValueCell(const ParameterRow& row, bool isCW);
 
 }  // namespace session

@@ -78,8 +78,8 @@ std::array<SummaryFigure, summaryItems.size()> ReadSummary(core::Database& dbcon
             }
         } else if (const auto* row = RowOf(session.Parameters(), item.figure, session.GetStation().isCW)) {
             figures[i].unit = item.form == SummaryForm::Hour ? "" : row->unit;
-            figures[i].known = row->read;
-            if (row->read) {
+            figures[i].known = row->read && HasFigure(*row);
+            if (figures[i].known) {
                 figures[i].text = Shown(item.form, row->lastvalue);
             }
         }

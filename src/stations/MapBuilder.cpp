@@ -176,6 +176,15 @@ void BuildRegisterMap(core::Database& dbconn, const MapChoices& choices) {
     });
 }
 
+bool IsIntegerMap(core::Database& dbconn, std::int64_t locationID) {
+    return dbconn
+        .First(
+            "select 1 from configdata_detail where locationID=? and type='Float' and startaddress not like '%-%' and "
+            "cast(startaddress as integer) > 0 and cast(startaddress as integer) % 2 = 0 limit 1",
+            {locationID})
+        .has_value();
+}
+
 void BuildRegisterTable(core::Database& dbconn, const MapChoices& choices, RegisterTableUse use) {
     dbconn.InTransaction([&] {
         dbconn.Execute("delete from mdbus_table where locationID = ?", {choices.locationID});

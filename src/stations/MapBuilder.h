@@ -43,4 +43,8 @@ struct RegisterRow {
 // table of its family without the clock's set elements.
 std::vector<RegisterRow> RegisterRows(core::Database& dbconn, const MapChoices& choices);
 
+// Whether the station has a fixed register map of "Type Integer": a value at every register, where a float takes two.
+// No run can read it so. For a Modbus station without rtubits and without MB_CONFIG. Throws DatabaseError.
+bool IsIntegerMap(core::Database& dbconn, std::int64_t locationID);
+
 }  // namespace stations

@@ -3,6 +3,7 @@
 
 #include "core/Station.h"
 #include "core/Text.h"
+#include "stations/MapBuilder.h"
 #include "stations/StationRegister.h"
 #include "stations/StationRules.h"
 
@@ -65,6 +66,16 @@ bool IsGroupFull(const Candidate& candidate) {
     return (*rows)[0].Long() >= mostInGroup;
 }
 
+// A fixed map of one register a value is read by nobody: only a map that is laid out by hand knows integers.
+bool IsIntegerWithoutConfig(const Candidate& candidate) {
+    const StationRecord& record = candidate.record;
+    if (!core::SameText(core::Trim(record.protocol), "Modbus") || record.MB_CONFIG || record.rtubits ||
+        core::IsCwModel(core::Trim(record.modelno))) {
+        return false;
+    }
+    return record.typeInteger || IsIntegerMap(candidate.dbconn, record.locationId);
+}
+
 struct Check {
     bool (*fails)(const Candidate& candidate);
     const char* message;
@@ -73,7 +84,7 @@ struct Check {
 
 // A blank Mode is not among the checks: its message is tied to a blank protocol too, which is refused before. So a
 // Modbus station may be saved without a Mode. "Group No. Should not be blank" cannot be reached behind the first check.
-constexpr std::array<Check, 16> checks = {{
+constexpr std::array<Check, 17> checks = {{
     {[](const Candidate& c) { return !IsGroup(c.record.groupno); }, "Select proper group", "cmbgroupno"},
     {[](const Candidate& c) { return IsBlank(c.record.consumer); }, "Consumer Should not be blank", "txtconsumer"},
     {[](const Candidate& c) { return IsBlank(c.record.rtumake); }, "RTU Make Should not be blank", "cmbrtumake"},
@@ -101,6 +112,7 @@ constexpr std::array<Check, 16> checks = {{
          return IsBlank(c.record.No_Stream) && core::IsMultiStreamModel(core::Trim(c.record.modelno));
      },
      "Multistream count Should not be blank", "cmb_MultiNO"},
+    {IsIntegerWithoutConfig, "Type Integer should be Modbus Configurable", "chk_MBConfig"},
 }};
 
 }  // namespace

@@ -33,11 +33,13 @@ struct StationRecord {
     std::string No_Stream = "1";
     std::array<std::string, 4> stream;   // "AGA3", "AGA7", "AGA9", "AGA11"
     std::string Mode;                    // "RTU" or "ASCII"; empty but for Modbus
+    bool standardFraming = false;        // of Mode "ASCII": two-digit LRC, checked on replies
     std::string duration = "None";       // as the form offers it: "None", "Daily", "Weekly", "Monthly"
     int weekday = 2;                     // 1 Sunday to 7 Saturday
     int monthday = 1;                    // 1 to 31
     std::string contracthour = "00:00";  // "hh:mm"
     bool rtubits = false;                // one register holds a whole float
+    bool typeInteger = false;            // the form's "Type Integer"; not in the register
     std::string emailto;
     std::string emailcc;
     std::string emailbcc;

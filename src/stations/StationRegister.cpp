@@ -62,6 +62,7 @@ Columns FixedColumns(const StationRecord& record) {
 
 Columns LineColumns(const StationRecord& record) {
     const bool isIp = core::SameText(Trim(record.comtype), "IP");
+    const bool isAscii = IsModbus(record) && core::SameText(Trim(record.Mode), "ASCII");
     const auto onLine = [&](const std::string& text) { return isIp ? std::string() : Trim(text); };
     return {{"comtype", Trim(record.comtype)},
             {"ip", isIp ? Trim(record.ip) : std::string()},
@@ -71,6 +72,7 @@ Columns LineColumns(const StationRecord& record) {
             {"delaytime", Val(record.delaytime)},
             {"slaveaddress", Val(record.slaveaddress)},
             {"mode", IsModbus(record) ? Trim(record.Mode) : std::string()},
+            {"framing", isAscii && record.standardFraming ? "standard" : "required"},
             {"MB_CONFIG", record.MB_CONFIG}};
 }
 
@@ -252,6 +254,7 @@ std::optional<StationRecord> ReadRecord(core::Database& dbconn, std::int64_t loc
         record.stream[i] = row->Text("stream" + std::to_string(i + 1));
     }
     record.Mode = row->Text("mode");
+    record.standardFraming = core::SameText(Trim(row->Text("framing")), "standard");
     ReadSchedule(*row, record);
     record.rtubits = row->Bool("rtubits");
     record.emailto = row->Text("emailto");

@@ -61,13 +61,29 @@ TEST_F(BulkPlanTest, OtherStreamsAndUnsetAddressesAreNoAddresses) {
     EXPECT_EQ(Plan(), (std::vector<Block>{{7, 1, integer}}));
 }
 
-TEST_F(BulkPlanTest, WhatExceedsTheTablesIsReportedAndTheRestIsRead) {
-    Map("Integer", Range(1, 201, 2));  // 101 rows, each a block of its own
+TEST_F(BulkPlanTest, AMapOfManyGapsIsPlannedWhole) {
+    Map("Integer", Range(1, 241, 2));  // 121 rows, each a block of its own
     Map("Text", {1});
-    EXPECT_EQ(Plan().size(), maxBlocks);
+    EXPECT_EQ(Plan().size(), 121U);
+    EXPECT_EQ(Plan().back(), (Block{241, 1, integer}));
     EXPECT_NE(desk.RtuErr().find("DATA TYPE MISMATCH"), std::string::npos);
-    EXPECT_NE(desk.RtuErr().find("More than 100 addresses of type Integer"), std::string::npos);
-    EXPECT_NE(desk.RtuErr().find("More than 10 blocks"), std::string::npos);
+}
+
+// A station may refuse a block for one register behind its last.
+TEST_F(BulkPlanTest, AFixedMapIsReadUpToItsLastRow) {
+    Map("Float", {1, 517});
+    Map("Coil(Boolean)", {75});
+    const auto plan = [&](int floats) {
+        return PlanBlocks(desk.dbconn, desk.logs, station, 1, {floats, 80, {}}).blocks;
+    };
+    EXPECT_EQ(plan(265).back(), (Block{497, 22, real}));
+    EXPECT_EQ(plan(240).back(), (Block{373, 108, real}));
+    EXPECT_EQ(plan(265)[1], (Block{63, 13, coil}));
+    desk.dbconn.Execute("delete from configdata_detail");
+    EXPECT_EQ(plan(265).back(), (Block{497, 34, real}));
+    station.rtuBitsMode = true;
+    Map("Float", {1, 259});
+    EXPECT_EQ(plan(265).back(), (Block{249, 11, real}));
 }
 
 TEST(Collect_StartAddress1, DividesTheTotalsOfTheModel) {

@@ -89,7 +89,7 @@ TEST_F(ArchiveScreens, TheOldScreenFromTheMenu) {
     EXPECT_EQ(page.windowTitle(), "Historical Data - v10.3");
     EXPECT_TRUE(Ticked(page, "optaudit"));
     EXPECT_FALSE(The(page, "frmarc").isVisible());
-    EXPECT_FALSE(The(page, "cmd_stop").isVisible());
+    EXPECT_FALSE(Enabled(page, "cmd_stop"));
     Click(page, "cmdGo");
     EXPECT_EQ(Answer(page), "Invalid Location");
     auto& nodes = The<QComboBox>(page, "cmbNode");

@@ -110,6 +110,33 @@ TEST_F(ConfigStationTest, SaysWhatIsMissingAndPutsTheCursorThere) {
     EXPECT_EQ(desk.Count("configdata_master where consumer='Mill' and groupno=0 and delaytime=100"), 1);
 }
 
+TEST_F(ConfigStationTest, StandardFramingBelongsToModbusAscii) {
+    OpenForm();
+    AddTyped(dialledMill);
+    EXPECT_FALSE(Shown("chkframing"));
+    Enter("cmbMode", "ASCII");
+    EXPECT_TRUE(Shown("chkframing"));
+    EXPECT_FALSE(The<QCheckBox>(*form, "chkframing").isChecked());
+    Click(*form, "cmdsave");
+    const auto id = desk.Count("configdata_master");
+    EXPECT_EQ(desk.Master(id).Text("framing"), "required");
+    EXPECT_FALSE(core::ReadStation(desk.dbconn, id)->standardFraming);
+
+    Click(*form, "cmdedit");
+    The<QCheckBox>(*form, "chkframing").click();
+    Click(*form, "cmdsave");
+    EXPECT_EQ(desk.Master(id).Text("framing"), "standard");
+    EXPECT_TRUE(core::ReadStation(desk.dbconn, id)->standardFraming);
+    EXPECT_TRUE(Shown("chkframing") && The<QCheckBox>(*form, "chkframing").isChecked()) << "shown again";
+
+    Click(*form, "cmdedit");
+    Enter("cmbMode", "RTU");
+    EXPECT_FALSE(Shown("chkframing"));
+    Click(*form, "cmdsave");
+    EXPECT_EQ(desk.Master(id).Text("framing"), "required");
+    EXPECT_FALSE(Shown("chkframing"));
+}
+
 TEST_F(ConfigStationTest, AStoredIpStationNeedsItsAddressAndNoPort) {
     const auto id = demo::AddStation(desk.dbconn, {"River", "TeleFlow", "Modbus", "RTU"});
     desk.dbconn.Execute(

@@ -103,7 +103,7 @@ TEST(LibmodbusSession, EveryTypeInEveryRegisterModeIsWrittenWhereItIsRead) {
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, [&] { script.Turn(); });
         timer.start(5);
-        QTimer::singleShot(60000, [&] { session.Disconnect(); });
+        QTimer::singleShot(60000, &timer, [&] { session.Disconnect(); });
         Held expected(slave, map);
         session.GetData();
         EXPECT_EQ(script.Missing(), "");

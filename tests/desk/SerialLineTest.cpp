@@ -6,32 +6,50 @@
 
 #include <QTimer>
 #include <array>
+#include <functional>
 
+#include "collection/CollectionRun.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/SerialLine.h"
+#include "protocols/Modem.h"
+#include "session/OwnCall.h"
+#include "support/PortDesk.h"
+#include "support/SessionDesk.h"
 
 namespace {
 
 // A pseudo-terminal: the line opens one end, the test holds the other.
-struct SerialLineTest : testing::Test {
+struct PseudoTerminal {
     int far = -1;
     int near = -1;
     std::string device;
-    desk::EventLoopClock clock;
-    desk::SerialLine line{[this](int port) { return port == 3 ? device : std::string(); }};
 
-    SerialLineTest() {
+    PseudoTerminal() {
         std::array<char, 128> name{};
         termios raw{};
         cfmakeraw(&raw);
         EXPECT_EQ(openpty(&far, &near, name.data(), &raw, nullptr), 0);
         device = name.data();
-        line.CommPort(3);
     }
-    ~SerialLineTest() override {
-        close(near);
-        close(far);
+    ~PseudoTerminal() { Pull(); }
+    PseudoTerminal(const PseudoTerminal&) = delete;
+    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+
+    void Pull() {
+        for (int* end : {&near, &far}) {
+            if (*end >= 0) {
+                close(*end);
+            }
+            *end = -1;
+        }
     }
+};
+
+struct SerialLineTest : testing::Test, PseudoTerminal {
+    desk::EventLoopClock clock;
+    desk::SerialLine line{[this](int port) { return port == 3 ? device : std::string(); }};
+
+    SerialLineTest() { line.CommPort(3); }
     std::string FarReads() const {
         std::array<char, 512> buffer{};
         const ssize_t count = read(far, buffer.data(), buffer.size());
@@ -108,20 +126,37 @@ TEST_F(SerialLineTest, APortThatCannotBeOpenedSaysWhy) {
     line.Settings("fast");
     EXPECT_FALSE(line.PortOpen(true));
     EXPECT_EQ(line.LastError(), "Comport settings \"fast\" are not valid");
+    line.Settings("9600,N,8,1.5");
+    EXPECT_FALSE(line.PortOpen(true));
+    EXPECT_EQ(line.LastError(), "1.5 stop bits cannot be set on this system; choose 1 or 2");
     line.Settings("9600,n,8,1");
     device = "/dev/no-such-port";
     EXPECT_FALSE(line.PortOpen(true));
     EXPECT_NE(line.LastError().find("/dev/no-such-port"), std::string::npos);
 }
 
-TEST_F(SerialLineTest, APulledPlugClosesThePort) {
+// The driver takes the bytes at once; the chip sends them one after the other.
+TEST_F(SerialLineTest, BytesCountAsSentWhenTheyAreOnTheWire) {
+    line.Settings("300,N,8,1");
     ASSERT_TRUE(line.PortOpen(true));
-    close(near);
-    close(far);
-    near = far = -1;
+    line.Output("ath\r");
+    EXPECT_GT(line.OutBufferCount(), 0U);
+    const auto before = clock.Milliseconds();
+    protocols::Drain(line, clock);
+    EXPECT_GE(clock.Milliseconds() - before, 4U * 10 * 1000 / 300);
+    EXPECT_EQ(line.OutBufferCount(), 0U);
+    EXPECT_EQ(FarReads(), "ath\r");
+}
+
+TEST_F(SerialLineTest, APulledPlugClosesThePort) {
+    std::string lost;
+    line.WhenLost([&](const std::string& reason) { lost = reason; });
+    ASSERT_TRUE(line.PortOpen(true));
+    Pull();
     clock.WaitMs(50);
     EXPECT_FALSE(line.PortOpen());
     EXPECT_NE(line.LastError().find("the device is gone"), std::string::npos);
+    EXPECT_EQ(lost, line.LastError());
     line.Output("x");
     clock.WaitMs(20);
     EXPECT_EQ(line.OutBufferCount(), 0U);
@@ -129,12 +164,56 @@ TEST_F(SerialLineTest, APulledPlugClosesThePort) {
 
 TEST_F(SerialLineTest, APulledPlugIsNoticedByAReadToo) {
     ASSERT_TRUE(line.PortOpen(true));
-    close(near);
-    close(far);
-    near = far = -1;
+    Pull();
     EXPECT_EQ(line.Input(), "");
     EXPECT_FALSE(line.PortOpen());
     EXPECT_EQ(line.InBufferCount(), 0U);
+}
+
+// A device that disappears shortly after a conversation began.
+TEST(SerialLine, AConversationEndsWithTheReasonThatItsDeviceIsGone) {
+    support::PortDesk desk("");
+    const auto locationID = desk.AddStation();
+    std::string gone;
+    support::RecordingView view;
+    const std::pair<const char*, std::function<void()>> conversations[] = {
+        {"a session",
+         [&] {
+             session::Session session(desk.place, desk.scheduler, view, locationID);
+             session.Connect();
+             ASSERT_EQ(session.GetState(), session::State::Connected);
+             session.GetData();
+             EXPECT_EQ(view.ends, std::vector<std::string>{gone});
+             EXPECT_TRUE(view.boxes.empty());
+         }},
+        {"a collection",
+         [&] {
+             collection::RunState state;
+             collection::collectiong_Data(desk.place, locationID, state);
+             EXPECT_TRUE(state.runfailed);
+             EXPECT_NE(desk.scratch.RtuErr().find(gone + " [" + std::to_string(locationID) + "]"), std::string::npos)
+                 << desk.scratch.RtuErr();
+             EXPECT_EQ(desk.scratch.RtuErr().find("No Response"), std::string::npos);
+             EXPECT_EQ(desk.feedback.status.back(), gone);
+         }},
+        {"a call before it is through",
+         [&] {
+             desk.dbconn.Execute("update configdata_master set phoneno='5550142'");
+             const auto station = core::ReadStation(desk.dbconn, locationID).value();
+             EXPECT_FALSE(session::OwnCall(desk.place, desk.scheduler, station, {}, [](auto&) { FAIL(); }));
+             EXPECT_EQ(desk.feedback.boxes, std::vector<std::string>{gone});
+         }},
+    };
+    for (const auto& [what, converse] : conversations) {
+        SCOPED_TRACE(what);
+        PseudoTerminal terminal;
+        desk.path = terminal.device;
+        gone = terminal.device.substr(std::string("/dev/").size()) + ": the device is gone";
+        QObject here;
+        QTimer::singleShot(150, &here, [&terminal] { terminal.Pull(); });
+        converse();
+        EXPECT_FALSE(desk.line.InUse());
+    }
 }
 
 TEST(ParsePortSettings, TakesWhatStationsHaveAndNothingElse) {

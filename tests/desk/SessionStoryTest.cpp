@@ -302,6 +302,52 @@ TEST_F(SessionStory, ARunThatTakesTheLineIsToldAndTheLineOfferedAgain) {
     EXPECT_EQ(support::Focus(*page), "cmdConnect");
 }
 
+// A dash where nothing was read; a date, an age and a muted row where it was read before.
+TEST_F(SessionStory, NoValueLooksNewerThanItIs) {
+    locationID = demo::AddStation(desk.dbconn, {"O'Neill", "TeleCorrector", "BSAP", "", 1, 5});
+    field = &desk.OpenField();
+    desk.dbconn.Execute(
+        "update configdata_detail set lastvalue=1.5, readat='2026-03-08 08:00:07', quality='good' where "
+        "description='Keypad CO2'");
+    desk.dbconn.Execute(
+        "insert into configdata_detail(locationID,description,startaddress,type,srno,lastvalue,aga,StreamNo) "
+        "values(?,'Gone','54-300','Float',999,0,'KEYPAD',1)",
+        {locationID});
+    ASSERT_TRUE(field->Values(locationID, 1, "Keypad N2")->Fix("Keypad N2", 3e9));
+    page = &desk.Open<desk::frmparalist>(locationID);
+    session = page->GetSession();
+    const auto shown = [this](const char* description) {
+        const auto place = Place("KEYPAD", description);
+        const auto& tabs = The<desk::ParameterTabs>(*page, "gridtab");
+        const desk::Grid& grid = tabs.GridOf(place.group);
+        const bool muted = grid.model()
+                               ->data(grid.model()->index(tabs.GridRow(place.group, place.row), 2), Qt::ForegroundRole)
+                               .isValid();
+        return Cell("KEYPAD", description, 2) + "|" + Cell("KEYPAD", description, 3) + (muted ? "|muted" : "");
+    };
+    EXPECT_EQ(shown("Gone"), "-||muted");
+    EXPECT_THAT(shown("Keypad CO2"), testing::MatchesRegex("1.500000\\|.*   of 08/03/2026 08:00:07\\|muted"));
+    EXPECT_EQ(Label("lbldatetime"), "RTU Date : -/-/-\nRTU Time :-:-:-");
+    EXPECT_THAT(Label("lblbatvolts"), HasSubstr("Main Bat.Voltage      :- Vdc"));
+    Run({{"what was read", [this] { return Polled(); },
+          [&] {
+              EXPECT_EQ(shown("Gone"), "-|   not received|muted");
+              EXPECT_THAT(shown("Keypad CO2"), testing::MatchesRegex("[0-9.]+\\|[^ ]*"));
+              EXPECT_THAT(shown("Keypad N2"), testing::MatchesRegex("-\\|.*   out of range"));
+              auto& set = const_cast<session::ParameterSet&>(session->Parameters());
+              TakeValue(set.At(Place("KEYPAD", "Gone")), 3, desk.clock.Now());  // and never again
+          }},
+         {"its age", [&] { return shown("Gone").find("old|muted") != std::string::npos; },
+          [&] {
+              EXPECT_THAT(shown("Gone"), testing::MatchesRegex("3.000000\\|   not received   [0-9]+ s old\\|muted"));
+              Click(*page, "cmddisconnect");
+          }}});
+    for (const char* description : {"Gone", "Keypad CO2"}) {
+        EXPECT_THAT(shown(description), testing::MatchesRegex("[0-9.]+\\|.*   of 09/03/2026 09:0.:..\\|muted"));
+    }
+    Answer(*page, QMessageBox::No);
+}
+
 TEST_F(SessionStory, WithoutTheRightsNothingIsReadOrWritten) {
     Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5});
     desk.shared.rights.rightSetup = false;

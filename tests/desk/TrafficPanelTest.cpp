@@ -52,6 +52,11 @@ TEST_F(TrafficPanelTest, ALineIsInThePanelOfItsDirection) {
     EXPECT_EQ(Cell(tx, 0, 3), request);
     EXPECT_EQ(Cell(rx, 0, 0), "10:31:08.250");
     EXPECT_EQ(Cell(rx, 0, 1), "RX");
+
+    panel.Line("RX late", Bytes(refusal));
+    EXPECT_EQ(Cell(rx, 1, 1), "late");
+    EXPECT_EQ(Cell(rx, 1, 3), refusal);
+    EXPECT_EQ(rx.lines.CopyText(1).toStdString(), std::string("10:31:08.250\tRX late\t") + refusal);
 }
 
 TEST_F(TrafficPanelTest, OneLineIsReadAndCopiedByKeys) {

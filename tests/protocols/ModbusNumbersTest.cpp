@@ -32,6 +32,15 @@ TEST(BitsToFloat, KeepsToTheRangeThatReadersExpect) {
     }
 }
 
+TEST(IsOutOfRange, TellsAZeroThatStandsForTooMuch) {
+    for (const std::uint32_t word : {0x4F000000U, 0xCF000000U, 0x7F800000U, 0xFF800000U, 0x7FC00000U}) {
+        EXPECT_TRUE(IsOutOfRange(word) && BitsToFloat(word) == 0) << std::hex << word;
+    }
+    for (const std::uint32_t word : {0U, 0x4EFFFFFFU, 0xCEFFFFFFU, 0x00000001U, 0x80000000U, 0x2B8CBCCCU}) {
+        EXPECT_FALSE(IsOutOfRange(word)) << std::hex << word;
+    }
+}
+
 TEST(BitsToFloat, ReadsTextOfBitsAndOfDigits) {
     EXPECT_EQ(BitsToFloat("01000010110010000000000000000000"), 100);
     EXPECT_EQ(BitsToFloat("0100001011001"), 100);  // cut short

@@ -79,8 +79,8 @@ TEST(ModbusRequest, WhatCannotBeAskedSaysWhy) {
     };
     for (const auto& [command, slave, reg, datum, problem] : cases) {
         std::vector<float> data = {datum};
-        for (const auto build : {BuildRtuRequest, BuildAsciiRequest}) {
-            const ModbusRequest request = build(command, slave, reg, data);
+        for (const ModbusRequest& request :
+             {BuildRtuRequest(command, slave, reg, data), BuildAsciiRequest(command, slave, reg, data)}) {
             EXPECT_EQ(request.problem, problem);
             EXPECT_EQ(request.frame.empty(), !request.Built());
         }
@@ -123,6 +123,15 @@ TEST(ModbusAsciiRequest, Frames) {
     };
     for (auto [command, slave, reg, data, frame] : cases) {
         EXPECT_EQ(BuildAsciiRequest(command, slave, reg, data).frame, frame);
+    }
+}
+
+TEST(ModbusAsciiRequest, AStandardCheckHasTwoDigits) {
+    const std::tuple<int, float, const char*> cases[] = {
+        {1, 10, ":01030000000AF2\r\n"}, {247, 1, ":F7030000000105\r\n"}, {247, 6, ":F7030000000600\r\n"}};
+    for (const auto& [slave, count, frame] : cases) {
+        std::vector<float> data = {count};
+        EXPECT_EQ(BuildAsciiRequest(3, slave, 0, data, AsciiCheck::Standard).frame, frame);
     }
 }
 

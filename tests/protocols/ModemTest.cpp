@@ -86,8 +86,39 @@ TEST_F(ModemTest, TheThirdFailureEndsItWhoeverCounted) {
     }
 }
 
+TEST_F(ModemTest, EachResultOfAModem) {
+    const std::pair<const char*, DialOutcome> results[] = {
+        {"CONNECT", DialOutcome::Connected},       {"CONNECT 9600/V34", DialOutcome::Connected},
+        {"NO CARRIER", DialOutcome::NotReached},   {"NO ANSWER", DialOutcome::NotReached},
+        {"BUSY", DialOutcome::NotReached},         {"NO DIALTONE", DialOutcome::NotReached},
+        {"NO DIAL TONE", DialOutcome::NotReached}, {"ERROR", DialOutcome::NotReached},
+    };
+    for (const DialOptions& options : {scheduledDial, onlineDial}) {
+        for (const auto& [result, outcome] : results) {
+            SCOPED_TRACE(result);
+            support::ScriptedTalk other;
+            other.line.PortOpen(true);
+            other.line.answer = [&result = result](const std::string& sent) {
+                return sent == "at\r"        ? std::string(ok)
+                       : sent == dialCommand ? "\r\n" + std::string(result) + "\r\n"
+                                             : "";
+            };
+            int dials = 0;
+            EXPECT_EQ(Dial(other.talk, dials, options), outcome);
+            EXPECT_EQ(dials, outcome == DialOutcome::Connected ? 1 : 3);
+            EXPECT_LT(other.desk.clock.Elapsed(), 30000U);
+            // An operator is told in a box; a scheduled run in its log and its status.
+            const std::string told = "No Dialtone/Line Engaged/Remote Modem not Responding";
+            const bool fails = outcome != DialOutcome::Connected;
+            EXPECT_EQ(other.desk.feedback.boxes, std::vector<std::string>(fails && !options.unattended ? 1 : 0, told));
+            EXPECT_EQ(other.Errors(), std::vector<std::string>(fails && options.unattended ? 1 : 0, told + "[7]"));
+            EXPECT_EQ(other.desk.feedback.status.back() == told, fails && options.unattended);
+        }
+    }
+}
+
 TEST_F(ModemTest, ADialWithoutAResultCountsAsConnectedAfterThirtySeconds) {
-    line.replies = {ok, "BUSY"};
+    line.replies = {ok, "RINGING"};
     EXPECT_EQ(Dial(talk, attemptcount), DialOutcome::Connected);
     EXPECT_EQ(desk.clock.Elapsed(), 1000U + 1000 + 30000 + 2000);
     EXPECT_THAT(desk.feedback.status,
@@ -103,13 +134,22 @@ TEST_F(ModemTest, APortThatCannotBeOpenedAgainIsAFailure) {
     EXPECT_THAT(Errors(), ElementsAre("No such device[7]"));
 }
 
-TEST_F(ModemTest, OnlineWaitsAsLongAsItTakesAndTellsInBoxes) {
+TEST_F(ModemTest, AnOperatorsDialTakesTwoMinutesAtMostAndTellsInBoxes) {
     line.replies = {ok, ""};
     desk.clock.After(95000, [this] { line.Output("x"); });
     line.replies.emplace_back("CONNECT");
     EXPECT_EQ(Dial(talk, attemptcount, onlineDial), DialOutcome::Connected);
     EXPECT_EQ(desk.feedback.status.back(), "Connected to Location ");
 
+    line.sent.clear();
+    line.replies = {ok, "\r\nRINGING\r\n"};
+    EXPECT_EQ(Dial(talk, attemptcount = 0, onlineDial), DialOutcome::NotReached);
+    EXPECT_THAT(line.sent, ElementsAre("at\r", dialCommand, "+++", "ath\r"));
+    EXPECT_THAT(desk.feedback.boxes, ElementsAre("The modem gave no result within 120 s"));
+    EXPECT_FALSE(line.PortOpen());
+
+    line.PortOpen(true);
+    desk.feedback = {};
     line.replies = {""};
     EXPECT_EQ(Dial(talk, attemptcount, onlineDial), DialOutcome::NoModem);
     EXPECT_THAT(desk.feedback.boxes, ElementsAre("Check if Modem is plugged-in and power is on"));
@@ -155,6 +195,86 @@ TEST_F(ModemTest, NothingIsHungUpOnALineThatWasTakenAway) {
     HangUp(*run, desk.clock, desk.feedback, disconnectGuardMs);
     EXPECT_THAT(line.sent, ElementsAre("+++"));
     EXPECT_EQ(desk.clock.Elapsed(), 500U);
+}
+
+// A line of so many milliseconds a byte. What is still being sent is lost when the port is closed.
+class SlowLine final : public Line {
+  public:
+    explicit SlowLine(fieldsim::VirtualClock& clock) : clock_(clock) {}
+
+    std::string onTheWire;
+
+    bool PortOpen() const override { return open_; }
+    bool PortOpen(bool open) override {
+        Send();
+        queued_.clear();
+        open_ = open;
+        return true;
+    }
+    void CommPort(int) override {}
+    void Settings(const std::string&) override {}
+    std::size_t InBufferCount() override {
+        Send();
+        return received_.size();
+    }
+    std::size_t OutBufferCount() override {
+        Send();
+        return queued_.size();
+    }
+    void ClearInBuffer() override { received_.clear(); }
+    void ClearOutBuffer() override { queued_.clear(); }
+    void Output(const std::string& bytes) override {
+        Send();
+        queued_ += bytes;
+    }
+    std::string Input() override {
+        Send();
+        return std::exchange(received_, {});
+    }
+
+  private:
+    void Send() {
+        constexpr std::uint64_t msPerByte = 33;  // 300 baud
+        const auto ready = static_cast<std::size_t>((clock_.Elapsed() - sentAt_) / msPerByte);
+        for (const char byte : queued_.substr(0, ready)) {
+            onTheWire += byte;
+            received_ += onTheWire.ends_with("at\r") ? ok : onTheWire.ends_with(dialCommand) ? "BUSY" : "";
+        }
+        queued_.erase(0, ready);
+        sentAt_ = queued_.empty() ? clock_.Elapsed() : sentAt_ + ready * msPerByte;
+    }
+
+    fieldsim::VirtualClock& clock_;
+    std::string queued_;
+    std::string received_;
+    std::uint64_t sentAt_ = 0;
+    bool open_ = false;
+};
+
+TEST(Modem, TheHangUpIsOnTheLineBeforeItsPortIsClosed) {
+    support::FieldTalk<SlowLine> slow;
+    slow.line.PortOpen(true);
+    int attemptcount = 0;
+    EXPECT_EQ(Dial(slow.talk, attemptcount), DialOutcome::NotReached);
+    const std::string dial = std::string(dialCommand) + "+++ath\r";
+    EXPECT_EQ(slow.line.onTheWire, "at\r" + dial + dial + dial);
+
+    // One that takes nothing more, as when its modem stops it, is waited for only for a while.
+    struct StuckLine final : protocols::Line {
+        bool PortOpen() const override { return true; }
+        bool PortOpen(bool) override { return true; }
+        void CommPort(int) override {}
+        void Settings(const std::string&) override {}
+        std::size_t InBufferCount() override { return 0; }
+        std::size_t OutBufferCount() override { return 4; }
+        void ClearInBuffer() override {}
+        void ClearOutBuffer() override {}
+        void Output(const std::string&) override {}
+        std::string Input() override { return {}; }
+    } stuck;
+    const auto before = slow.desk.clock.Elapsed();
+    HangUp(stuck, slow.desk.clock, slow.desk.feedback, disconnectGuardMs);
+    EXPECT_EQ(slow.desk.clock.Elapsed() - before, 2500U + 3000);
 }
 
 // With a modem that keeps guard times, and forgets the call when its port closes.

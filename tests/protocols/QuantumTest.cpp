@@ -45,10 +45,11 @@ TEST(QuantumChecksum, IsZeroForAFullSumAndHasSevenBitsForHighMessages) {
 }
 
 TEST(QuantumReply, FieldsAsNumbers) {
-    const std::pair<const char*, double> cases[] = {
+    const std::pair<const char*, std::optional<double>> cases[] = {
         {"1234.5", 1234.5},
         {"1234,5", 1234.5},
         {"-0.25", -0.25},
+        {"0.00000", 0},
         {"1.2345678E+03", 1234.5678},
         {"1.2345678E-03", 0.0012345678},
         {"-1.234568E-03", 0.001234568 * -1},
@@ -56,41 +57,76 @@ TEST(QuantumReply, FieldsAsNumbers) {
         {"1.5E+02", 150},
         {"1.5E-02", 150},  // the sign is not at its place, the eleventh
         {"1.5E-2", 1.5},   // and "-2" is no exponent
-        {"E", 0},
-        {"E5", 0},
-        {"junk", 0},
-        {"9e307E+99", 0},  // no number can hold it
+        {"", {}},
+        {"-", {}},
+        {"E", {}},
+        {"E5", {}},
+        {"1.5E", {}},
+        {"1.5E+123", {}},
+        {"12.5.3", {}},
+        {"12 5", {}},
+        {"12.5\x01", {}},
+        {"junk", {}},
     };
     for (const auto& [field, value] : cases) {
-        EXPECT_DOUBLE_EQ(DecodeQuantumReply(Reply(1, {field}), 1)[0], value) << field;
+        const QuantumReply decoded = DecodeQuantumReply(Reply(1, {field}), 1);
+        EXPECT_EQ(decoded.fields[0].has_value(), value.has_value()) << field;
+        EXPECT_DOUBLE_EQ(decoded.fields[0].value_or(0), value.value_or(0)) << field;
+        EXPECT_FALSE(decoded.Whole());
+    }
+    for (const char* date : {"251126080500", "51126080500", "000000000000", "25.11.26 8:05"}) {
+        EXPECT_TRUE(DecodeQuantumReply(Reply(3, {date}), 3).fields[0]) << date;
+    }
+    for (const char* noDate : {"", "1126080500", "321126080500", "251126240500", "2.5112608E+11", "-51126080500"}) {
+        EXPECT_FALSE(DecodeQuantumReply(Reply(3, {noDate}), 3).fields[0]) << noDate;
     }
 }
 
 TEST(QuantumReply, EightFieldsBehindTheHeadOfTheirMessage) {
-    const std::array<double, 8> expected = {1, 2, 3, 4, 5, 6, 7, 8};
     for (const int message : {1, 2, 3}) {
-        const std::string reply = Reply(message, {"1", "2,0", "3.0", "4", "5", "0.6E+01", "7", "8"});
-        EXPECT_EQ(DecodeQuantumReply(reply, message), expected) << message;
+        const bool dated = message == 3;
+        const std::string reply =
+            Reply(message, {dated ? "251126080500" : "1", "2,0", "3.0", "4", "5", "0.6E+01", "7", "8"});
+        const QuantumReply decoded = DecodeQuantumReply(reply, message);
+        EXPECT_TRUE(decoded.Whole());
+        EXPECT_EQ(decoded.fields[0], dated ? 251126080500 : 1);
+        for (std::size_t i = 1; i < 8; ++i) {
+            EXPECT_EQ(decoded.fields[i], static_cast<double>(i + 1));
+        }
     }
 }
 
-TEST(QuantumReply, ShortRepliesCountAsZero) {
-    const std::string reply = Reply(2, {"1.5", "2.5"});
-    const std::array<double, 8> both = {1.5, 2.5};
-    const std::array<double, 8> one = {1.5};
-    EXPECT_EQ(DecodeQuantumReply(reply.substr(0, 23 + 16), 2), both);
-    EXPECT_EQ(DecodeQuantumReply(reply.substr(0, 23 + 13), 2), one);
-    EXPECT_EQ(DecodeQuantumReply(reply.substr(0, 10), 2), (std::array<double, 8>{}));
-    EXPECT_EQ(DecodeQuantumReply("", 3), (std::array<double, 8>{}));
+// Whatever the line loses of a reply: what counts as received is what the unit sent.
+TEST(QuantumReply, WhatWasCutOffWasNotReceived) {
+    const std::vector<std::string> fields = {"1.2345678E+03", "1234.5", "-1.234568E-03", "0.00000", "2",
+                                             "9.9999999E+09", "12.25",  "4.5678901E+02"};
+    const std::string reply = Reply(1, fields);
+    const QuantumReply whole = DecodeQuantumReply(reply, 1);
+    ASSERT_TRUE(whole.Whole());
+    for (std::size_t length = 0; length < reply.size(); ++length) {
+        const QuantumReply cut = DecodeQuantumReply(reply.substr(0, length), 1);
+        EXPECT_EQ(cut.Received(), length < 23 ? 0 : std::min<int>(8, (static_cast<int>(length) - 23) / 13)) << length;
+        for (std::size_t i = 0; i < 8; ++i) {
+            EXPECT_TRUE(!cut.fields[i] || cut.fields[i] == whole.fields[i]) << length << " " << i;
+        }
+    }
 }
 
-TEST(QuantumReply, AnEchoIsCutOff) {
+TEST(QuantumReply, AnEchoIsCutOffWhereItStands) {
     const std::string request = BuildQuantumRequest(7, "A", 1);
     const std::string reply = Reply(1, {"1.5"});
-    EXPECT_EQ(CutQuantumEcho(request + reply, request), reply);
-    EXPECT_EQ(CutQuantumEcho(reply, request), reply);
-    EXPECT_EQ(CutQuantumEcho(request, request), request);
-    EXPECT_EQ(CutQuantumEcho("", request), "");
+    const std::string cut = reply.substr(0, 60);
+    const std::tuple<std::string, std::string> cases[] = {{request + reply, reply},
+                                                          {reply, reply},
+                                                          {request + cut, cut},
+                                                          {"\x81" + request + reply, reply},
+                                                          {request + request + reply, reply},
+                                                          {request + reply + "\r\n", reply + "\r\n"},
+                                                          {request, ""},
+                                                          {"", ""}};
+    for (const auto& [received, rest] : cases) {
+        EXPECT_EQ(CutQuantumEcho(received, request), rest);
+    }
 }
 
 TEST(QuantumReply, NamesAreThoseOfTheParameters) {
@@ -107,7 +143,7 @@ TEST(QuantumReply, NamesAreThoseOfTheParameters) {
 // What a unit sends for numbers of all sizes comes back as they are.
 TEST(QuantumReply, OfASimulatedUnit) {
     std::vector<fieldsim::Signal> signals;
-    const std::array<double, 8> numbers = {0, 18.25, -3.5, 123456789, 0.0012345, 2.5e20, -4.5e-9, 99999};
+    const std::array<double, 8> numbers = {251126080500, 18.25, -3.5, 123456789, 0.0012345, 2.5e20, -4.5e-9, 99999};
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         signals.push_back(
             {static_cast<int>(i) + 1, std::string(QuantumNames(3)[i]), "", fieldsim::Kind::Decimal, numbers[i]});
@@ -117,9 +153,10 @@ TEST(QuantumReply, OfASimulatedUnit) {
         const std::string request = BuildQuantumRequest(7, "A", 3);
         const auto answers = unit.Receive(request, {});
         ASSERT_EQ(answers.size(), 1U);
-        const auto values = DecodeQuantumReply(CutQuantumEcho(answers[0].bytes, request), 3);
+        const QuantumReply decoded = DecodeQuantumReply(CutQuantumEcho(answers[0].bytes, request), 3);
         for (std::size_t i = 0; i < numbers.size(); ++i) {
-            EXPECT_DOUBLE_EQ(values[i], numbers[i]) << i;
+            ASSERT_TRUE(decoded.fields[i]) << i;
+            EXPECT_DOUBLE_EQ(*decoded.fields[i], numbers[i]) << i;
         }
     }
 }

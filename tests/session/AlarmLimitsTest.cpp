@@ -55,7 +55,7 @@ TEST(AlarmWatch, JudgesTheBlocksThatEndWithAKnownLimitEachWithItsOwnLatches) {
         const AlarmBlock b = Live(value);
         for (const double v : {b.value, b.lo, b.loDeadband, b.loLo, b.hi, b.hiDeadband, b.hiHi}) {
             rows.push_back({});
-            rows.back().lastvalue = v;
+            TakeValue(rows.back(), v, {2026, 3, 9, 8, 0, 0});
         }
         rows.back().Description = name;
     };
@@ -77,6 +77,8 @@ TEST(AlarmWatch, JudgesTheBlocksThatEndWithAKnownLimitEachWithItsOwnLatches) {
     EXPECT_EQ(states(), (States{{1, 4}, {15, 2}}));
     watch.Forget();
     EXPECT_EQ(states(), (States{{1, 3}, {15, 2}}));
+    rows[4].quality = core::Quality::OutOfRange;  // without one of its limits a value is not judged
+    EXPECT_EQ(states(), (States{{15, 2}}));
     // A limit that stands too high up closes no block.
     rows.erase(rows.begin(), rows.begin() + 2);
     rows.resize(6);

@@ -16,7 +16,7 @@ ParameterSet Set(const char* aga, const std::vector<std::pair<const char*, doubl
     for (const auto& [description, value] : values) {
         ParameterRow row;
         row.Description = description;
-        TakeValue(row, value);
+        TakeValue(row, value, {2026, 3, 9, 8, 0, 0});
         set.Of(*GroupOf(aga)).push_back(row);
     }
     return set;
@@ -61,6 +61,11 @@ TEST(HealthTexts, TheSystemRunsOnTheMainBatteryUnlessTheBackupIsHigher) {
               "Board Temp.            :N/A C");
     EXPECT_EQ(VoltageText(set, true), "System Bat. Voltage :13.20 Vdc\nBoard Temp.            :N/A C");
     EXPECT_EQ(VoltageAlarm(ParameterSet(), false, 11.5), "");
+    auto unread = Set("HEALTH", {{"Main Battery Volt", 13.2}, {"RTU Time - Year", 26}, {"RTU Time - Month", 3}});
+    unread.ForEach([](ParameterRow& row) { row.readat.reset(); });
+    EXPECT_EQ(VoltageText(unread, true), "System Bat. Voltage :N/A Vdc\nBoard Temp.            :N/A C");
+    EXPECT_EQ(VoltageText(unread, false).substr(0, 30), "Main Bat.Voltage      :- Vdc\nB");
+    EXPECT_EQ(DateTimeText(unread, false), "RTU Date : N/A/-/-\nRTU Time :N/A:N/A:N/A");
 }
 
 }  // namespace

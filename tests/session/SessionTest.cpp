@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/RefusingSlave.h"
 #include "support/SessionDesk.h"
 
 namespace {
@@ -81,6 +82,71 @@ TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
         EXPECT_EQ(desk.session->Requests().failed, 0);
         EXPECT_GT(desk.session->Requests().good, 2);
     }
+}
+
+TEST(SessionTest, APollLeavesEveryRowItsMomentAndHowItWasRead) {
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector, quantum}) {
+        SCOPED_TRACE(station.consumer);
+        const bool isBsap = station.protocol == "BSAP";
+        SessionDesk desk;
+        desk.Open(station);
+        const auto rows = [&](const std::string& where) {
+            return desk.Count("configdata_detail where locationID=" + std::to_string(desk.locationID) + " and " +
+                              where);
+        };
+        // A row that the station's list does not have, and a unit that it leaves blank.
+        desk.dbconn.Execute(
+            "insert into configdata_detail(locationID,description,startaddress,type,srno,lastvalue,aga,StreamNo,readat,"
+            "quality,unit) values(?,'Gone','54-300','Float',999,8.5,'KEYPAD',1,'2026-03-08 08:00:07','good','')",
+            {desk.locationID});
+        desk.dbconn.Execute("update configdata_detail set unit='bar' where locationID=? and unit=''",
+                            {desk.locationID});
+        if (!isBsap) {
+            desk.dbconn.Execute("delete from configdata_detail where description='Gone'");
+        }
+        const auto blank = rows("unit='bar'");
+        const bool floats = station.protocol != "Quantum";
+        if (floats) {
+            ASSERT_TRUE(desk.field->Values(desk.locationID, 1, "Keypad N2")->Fix("Keypad N2", 3e9));
+        }
+        desk.Reopen().Connect();
+        const std::string begun = core::IsoText(desk.clock.Now());
+        desk.Behind({{}, [&] {
+                         if (isBsap) {
+                             EXPECT_GE(desk.session->Parameters().At(desk.Place("KEYPAD", "Gone")).missedPolls, 2);
+                         }
+                     }});
+        desk.session->GetData();
+        EXPECT_EQ(rows("quality='good' and readat>='" + begun + "'"),
+                  rows("1=1") - (floats ? 1 : 0) - (isBsap ? 1 : 0));
+        EXPECT_EQ(rows("quality='out of range' and lastvalue=0 and description='Keypad N2'"), floats ? 1 : 0);
+        EXPECT_EQ(rows("quality='not received' and lastvalue=8.5 and readat='2026-03-08 08:00:07'"), isBsap ? 1 : 0);
+        EXPECT_EQ(rows("unit='bar'"), blank);
+    }
+}
+
+// A block that the station does not have is told once; the rest goes on.
+TEST(SessionTest, ARefusedBlockIsMarkedAndThePollGoesOn) {
+    SessionDesk desk;
+    desk.Open(teleFlow);
+    support::RefusingSlave refusing(*desk.field->Station(desk.locationID)->device, [](int reg) { return reg == 497; });
+    desk.line.Attach(1, refusing);
+    desk.dbconn.Execute("update configdata_detail set lastvalue=7");
+    desk.session->Connect();
+    desk.Behind({{}, {}, {}});
+    desk.session->GetData();
+    EXPECT_THAT(desk.view.boxes, ElementsAre("Invalid Modbus Address Specified"));
+    EXPECT_THAT(desk.view.ends, ElementsAre(""));
+    const std::string inBlock = "type='Float' and cast(startaddress as integer) >= 497";
+    EXPECT_GT(desk.Count("configdata_detail where " + inBlock), 0);
+    EXPECT_EQ(desk.Count("configdata_detail where (quality='refused' and lastvalue=7) != (" + inBlock + ")"), 0);
+    EXPECT_EQ(desk.Count("configdata_detail where (quality='good') = (" + inBlock + ")"), 0);
+    // One that has nothing but refusals is no station to watch.
+    refusing.refuses = [](int) { return true; };
+    desk.view.onRefreshed = {};
+    desk.session->Connect();
+    desk.session->GetData();
+    EXPECT_THAT(desk.view.ends, ElementsAre("", "Remote Station not Responding"));
 }
 
 TEST(SessionTest, AWriteIsEnteredPendingSentOnceAndConfirmedByTheNextPoll) {

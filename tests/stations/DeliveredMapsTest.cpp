@@ -122,7 +122,7 @@ struct DeliveredMapsTest : testing::Test {
     }
 };
 
-TEST_F(DeliveredMapsTest, EveryPlaceOfAListHasOneRowAndEveryCountedPlaceHasIts) {
+TEST_F(DeliveredMapsTest, EveryPlaceOfAListHasOneRowAndTheCountsCoverThemAll) {
     ForEachStream([&](const Map& map, int streamno, const std::vector<Row>& rows) {
         std::set<int> floats;
         std::set<int> coils;
@@ -132,11 +132,8 @@ TEST_F(DeliveredMapsTest, EveryPlaceOfAListHasOneRowAndEveryCountedPlaceHasIts) 
             EXPECT_TRUE((place.coil ? coils : floats).insert(place.position).second) << row.Text("description");
         }
         const auto counts = Counts(map.choices, streamno);
-        const auto dense = [](const std::set<int>& places, int count) {
-            return std::distance(places.begin(), places.upper_bound(count)) == count;
-        };
-        EXPECT_TRUE(dense(floats, counts.floatcount));
-        EXPECT_TRUE(dense(coils, counts.boolcount));
+        EXPECT_LE(*floats.rbegin(), counts.floatcount);
+        EXPECT_LE(*coils.rbegin(), counts.boolcount);
         EXPECT_LE(*coils.rbegin(), 80);
         EXPECT_LE(*floats.rbegin(), 300) << "the windows of the Modbus archive begin there";
     });

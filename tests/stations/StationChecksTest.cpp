@@ -54,6 +54,19 @@ TEST_F(StationChecksTest, EachFieldHasItsMessageAndControl) {
          },
          ""},
         {"protocol", [](StationRecord& r) { r.protocol = r.Mode = ""; }, "Protocol Should not be blank / cmbprotocol"},
+        {"integers that no run reads",
+         [](StationRecord& r) {
+             r.protocol = "Modbus";
+             r.typeInteger = true;
+         },
+         "Type Integer should be Modbus Configurable / chk_MBConfig"},
+        {"integers of a map laid out by hand",
+         [](StationRecord& r) {
+             r.protocol = "Modbus";
+             r.typeInteger = r.MB_CONFIG = true;
+         },
+         ""},
+        {"integers of BSAP, which has no registers", [](StationRecord& r) { r.typeInteger = true; }, ""},
         {"Modbus without a mode", [](StationRecord& r) { r.protocol = "Modbus"; }, ""},
         {"slave", [](StationRecord& r) { r.slaveaddress = ""; }, "SlaveAddress Should not be blank / txtslaveaddres"},
         {"settings", [](StationRecord& r) { r.baudrate = ""; }, "Comport Setting Should not be blank / cmdportsetting"},

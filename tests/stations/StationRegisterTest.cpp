@@ -54,6 +54,7 @@ StationRecord Full() {
     record.No_Stream = "3";
     record.stream = {"AGA7", "AGA3", "AGA9", "AGA11"};
     record.Mode = "ASCII";
+    record.standardFraming = true;
     record.duration = "Weekly";
     record.weekday = 7;
     record.contracthour = "17:05";
@@ -150,6 +151,15 @@ TEST_F(StationRegisterTest, ColumnsThatFollowOtherChoices) {
          "ip||'|'||comport||'|'||baudrate||'|'||phoneno", "10.0.0.1|||"},
         {"a line", [](StationRecord& r) { r.ip = "10.0.0.1"; }, "ip||'|'||comport||'|'||baudrate", "|COM1|9600,N,8,1"},
         {"mode of BSAP", [](StationRecord& r) { r.Mode = "RTU"; }, "mode", ""},
+        {"framing of BSAP", [](StationRecord& r) { r.Mode = "ASCII", r.standardFraming = true; }, "framing",
+         "required"},
+        {"framing of RTU",
+         [](StationRecord& r) {
+             r.protocol = "Modbus";
+             r.Mode = "RTU";
+             r.standardFraming = true;
+         },
+         "framing", "required"},
         {"NX-19",
          [](StationRecord& r) {
              r.aga8_fpv = false;

@@ -36,8 +36,14 @@ class ScratchDirectory {
 struct RecordingFeedback final : core::Feedback {
     std::vector<std::string> status;
     std::vector<std::string> boxes;
+    std::vector<std::string> late;  // bytes that came behind the wait for them
     void Status(const std::string& text) override { status.push_back(text); }
     void Box(const std::string& text) override { boxes.push_back(text); }
+    void Lamp(const std::string& lamp, const std::string& bytes) override {
+        if (lamp == "RX late") {
+            late.push_back(bytes);
+        }
+    }
 };
 
 inline std::string FileText(const std::filesystem::path& file) {

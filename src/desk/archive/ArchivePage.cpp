@@ -25,8 +25,8 @@ void ArchivePage::Build(DownloadPanel& panel, QComboBox& cmbNode, QWidget& choic
     panel.Files(screen_ == archive::Screen::frmarchive
                     ? DownloadPanel::FileForm{';', {"Save To File", "Text Files (*.txt)", "txt"}}
                     : DownloadPanel::FileForm{'\t', ExcelFile()});
-    panel.cmd_stop().setVisible(screen_ != archive::Screen::frmarchive);
     CloseCommand(&panel.cmdClose());
+    connect(&panel.cmd_stop(), &QPushButton::clicked, this, [this] { desk_.line.StopConnecting(); });
     connect(&panel.cmdClose(), &QPushButton::clicked, this, &Page::Closed);
     connect(&panel.cmdGo(), &QPushButton::clicked, this, [this] { Guarded([this] { Go(); }); });
     connect(&panel.cmd_email(), &QPushButton::clicked, this,
@@ -77,12 +77,15 @@ void ArchivePage::Go() {
 }
 
 void ArchivePage::Over() {
+    const bool stopped = panel_->Stopped();
     panel_->Running(false);
     choices_->setEnabled(true);
     panel_->cmdGo().setFocus();
     if (collected_) {
         Show(Lines(collected_->message),
              collected_->end == archive::RunEnd::Whole ? QMessageBox::Information : QMessageBox::Warning);
+    } else if (stopped) {
+        Show("Stopped before the station was reached");
     }
 }
 

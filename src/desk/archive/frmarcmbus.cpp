@@ -125,7 +125,8 @@ void frmarcmbus::make_connection() {
     const bool up = session::OwnCall(place, desk_.scheduler, *station, {},
                                      [&](protocols::Conversation& talk) { message = Collect(&talk); });
     if (!up && !told_) {
-        message = "The connection ended before the archive was read";
+        message =
+            stopflag_ ? "Stopped before the station was reached" : "The connection ended before the archive was read";
     }
     EndRun(message);
 }
@@ -155,6 +156,7 @@ void frmarcmbus::cmd_stop() {
     stopflag_ = true;
     ShowButtons();
     Status("Stopping behind the block in hand");
+    desk_.line.StopConnecting();
 }
 
 // What the run tells -----------------------------------------------------------------------------------------------

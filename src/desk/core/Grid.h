@@ -48,6 +48,9 @@ class Grid : public QTableView {
     const QString& Filter() const { return filter_; }
     void Filter(const QString& text);
 
+    // Shows a row in a muted shade, or as the others again. A cell's own colour stays.
+    void Fade(int row, bool faded) { model_.Fade(row, faded); }
+
     // The selected row from 0; -1 when there is none. One that is selected by program is shown, whatever the filter.
     int Row() const { return currentIndex().row(); }
     void SelectRow(int row);

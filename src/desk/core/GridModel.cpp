@@ -103,6 +103,13 @@ void GridModel::Mark(int row, int column) {
     }
 }
 
+void GridModel::Fade(int row, bool faded) {
+    const bool changed = faded ? faded_.insert(row).second : faded_.erase(row) > 0;
+    if (changed && row >= 0 && row < rowCount()) {
+        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1), {Qt::ForegroundRole});
+    }
+}
+
 void GridModel::AgeMarks() {
     for (auto mark = marks_.begin(); mark != marks_.end();) {
         if (--mark->second > 0) {
@@ -120,6 +127,7 @@ void GridModel::AgeMarks() {
 
 void GridModel::ForgetCells() {
     colours_.clear();
+    faded_.clear();
     marks_.clear();
     markTimer_.stop();
 }
@@ -159,7 +167,8 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             if (const auto colour = colours_.find(cell); colour != colours_.end()) {
                 return QColor(colour->second.lightness() > 128 ? Qt::black : Qt::white);
             }
-            return {};
+            return faded_.contains(index.row()) ? QVariant(QGuiApplication::palette().color(QPalette::PlaceholderText))
+                                                : QVariant();
         case Qt::FontRole:
             if (marks_.contains(cell)) {
                 QFont bold;

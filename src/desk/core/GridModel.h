@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QTimer>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,9 @@ class GridModel : public QAbstractTableModel {
     // Marks a cell for 1 to 1.5 s: bold, and tinted unless it has a colour.
     void Mark(int row, int column);
 
+    // Shows a row in a muted shade, or as the others again.
+    void Fade(int row, bool faded);
+
     // A text of the row holds this one, in any case.
     bool RowHolds(int row, const QString& text) const;
 
@@ -50,6 +54,7 @@ class GridModel : public QAbstractTableModel {
     std::vector<Qt::Alignment> alignments_;
     std::vector<QStringList> rows_;
     std::map<Cell, QColor> colours_;
+    std::set<int> faded_;        // rows
     std::map<Cell, int> marks_;  // with the turns of the timer that are left
     QTimer markTimer_;           // runs while there are marks
 };

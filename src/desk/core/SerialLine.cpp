@@ -1,6 +1,7 @@
 #include "desk/core/SerialLine.h"
 
 #include <poll.h>
+#include <sys/ioctl.h>
 
 #include <QStringList>
 
@@ -53,6 +54,11 @@ bool SerialLine::Open() {
         lastError_ = "Comport settings \"" + settings_ + "\" are not valid";
         return false;
     }
+    // The serial ports of this platform have a setting for one stop bit and one for two; the port would open with one.
+    if (settings->stopBits == QSerialPort::OneAndHalfStop) {
+        lastError_ = "1.5 stop bits cannot be set on this system; choose 1 or 2";
+        return false;
+    }
     lastError_.clear();
     port_.setPortName(QString::fromStdString(device));
     port_.setBaudRate(settings->baudRate);
@@ -73,6 +79,7 @@ void SerialLine::Failed(QSerialPort::SerialPortError error) {
     if (port_.isOpen() && (error == QSerialPort::ResourceError || (isTransfer && HungUp()))) {
         lastError_ = port_.portName().toStdString() + ": the device is gone";
         port_.close();
+        Lost(lastError_);
     }
 }
 
@@ -96,7 +103,15 @@ bool SerialLine::HungUp() const {
 }
 
 std::size_t SerialLine::OutBufferCount() {
-    return port_.isOpen() ? static_cast<std::size_t>(port_.bytesToWrite()) : 0;
+    if (!port_.isOpen()) {
+        return 0;
+    }
+    int inDriver = 0;
+    if (ioctl(port_.handle(), TIOCOUTQ, &inDriver) != 0) {
+        inDriver = 0;
+    }
+    const std::size_t inChip = std::chrono::steady_clock::now() < sentUntil_ ? 1 : 0;
+    return static_cast<std::size_t>(port_.bytesToWrite()) + static_cast<std::size_t>(inDriver) + inChip;
 }
 
 void SerialLine::ClearInBuffer() {
@@ -108,6 +123,7 @@ void SerialLine::ClearInBuffer() {
 void SerialLine::ClearOutBuffer() {
     if (port_.isOpen()) {
         port_.clear(QSerialPort::Output);
+        sentUntil_ = {};
     }
 }
 
@@ -115,6 +131,10 @@ void SerialLine::Output(const std::string& bytes) {
     if (port_.isOpen()) {
         port_.write(bytes.data(), static_cast<qint64>(bytes.size()));
         port_.flush();
+        constexpr int bitsPerByte = 12;  // the most: start, 8 data, parity, 2 stop
+        const std::chrono::duration<double> sending(static_cast<double>(bytes.size()) * bitsPerByte / port_.baudRate());
+        const auto now = std::chrono::steady_clock::now();
+        sentUntil_ = std::max(now, sentUntil_) + std::chrono::duration_cast<std::chrono::nanoseconds>(sending);
     }
 }
 

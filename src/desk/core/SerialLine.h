@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QSerialPort>
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -51,6 +52,8 @@ class SerialLine final : public protocols::Line {
     int number_ = 1;
     std::string settings_ = "9600,N,8,1";
     std::string lastError_;
+    // When the last byte sent will have left the chip, which has a buffer that few drivers count.
+    std::chrono::steady_clock::time_point sentUntil_;
 };
 
 }  // namespace desk

@@ -73,7 +73,7 @@ void FrmPNI::Show(const session::ParameterSet& set, bool isCW) {
     level_ = 0;
     for (std::size_t part = 0; part < parts; ++part) {
         const auto place = set.Find("DRS", names[part]);
-        const bool known = place && set.At(*place).read;
+        const bool known = place && set.At(*place).read && session::HasFigure(set.At(*place));
         texts_[part] = known ? TextOf(set.At(*place), isCW) : notAvailable;
         words << QString(names[part]) + ": " + texts_[part];
         if (known && part == OdorantLevel) {

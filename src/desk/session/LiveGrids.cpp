@@ -4,6 +4,7 @@
 #include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
 #include "desk/session/ParameterTabs.h"
+#include "desk/session/SessionStatus.h"
 #include "session/Session.h"
 #include "session/Speaks.h"
 
@@ -14,6 +15,7 @@ namespace {
 constexpr int addressColumn = 0;
 constexpr int valueColumn = 2;
 constexpr int unitColumn = 3;
+constexpr int oldAfterPolls = 2;
 
 // Nothing for a signal that was never read, and for the values of a unit that has no addresses.
 QString AddressCell(const session::ParameterRow& row) {
@@ -39,6 +41,13 @@ void LiveGrids::Arrange() {
     for (std::size_t group = 0; group < session::groupCount; ++group) {
         tabs_.Show(group, RowsOf(group));
     }
+    Refresh();
+}
+
+void LiveGrids::StateChanged() {
+    if (polling_ != session_.PollingActive()) {
+        Refresh();
+    }
 }
 
 std::vector<QStringList> LiveGrids::RowsOf(std::size_t group) const {
@@ -50,6 +59,28 @@ std::vector<QStringList> LiveGrids::RowsOf(std::size_t group) const {
     return rows;
 }
 
+// It was read in this session, no more than two polls ago, and the polls go on.
+bool LiveGrids::IsLive(const session::ParameterRow& row) const {
+    return session_.PollingActive() && row.read && row.missedPolls < oldAfterPolls;
+}
+
+// When a value that is not live was read; how it was, if there is no figure of it.
+QString LiveGrids::MomentWord(const session::ParameterRow& row) const {
+    QString word;
+    if (row.quality && *row.quality != core::Quality::Good) {
+        const std::string_view text = core::QualityText(*row.quality);
+        word = "   " + QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    }
+    if (!row.readat || IsLive(row)) {
+        return word;
+    }
+    const auto now = session_.ValuesAt();
+    if (session_.PollingActive() && row.read && now) {
+        return word + "   " + AgeText(core::ToSeconds(*now) - core::ToSeconds(*row.readat));
+    }
+    return word + "   of " + Text(core::DateText(*row.readat) + " " + core::TimeText(*row.readat));
+}
+
 // A state is told by a word beside the unit as well as by the colour of the value.
 QString LiveGrids::UnitCell(const session::RowPlace& place) const {
     const session::ParameterRow& row = session_.Parameters().At(place);
@@ -58,7 +89,7 @@ QString LiveGrids::UnitCell(const session::RowPlace& place) const {
     if (alarm != alarms_.end() && alarm->second != session::AlarmState::Normal) {
         text += QString("   ") + session::AlarmWord(alarm->second);
     }
-    return row.pending ? text + "   pending" : text;
+    return text + (row.pending ? QString("   pending") : MomentWord(row));
 }
 
 void LiveGrids::ShowRow(const session::RowPlace& place) {
@@ -66,12 +97,14 @@ void LiveGrids::ShowRow(const session::RowPlace& place) {
     tabs_.Cell(place.group, place.row, valueColumn, Text(session::ValueCell(row, session_.GetStation().isCW)));
     tabs_.Cell(place.group, place.row, addressColumn, AddressCell(row));
     tabs_.Cell(place.group, place.row, unitColumn, UnitCell(place));
-    if (row.changed) {
+    tabs_.GridOf(place.group).Fade(tabs_.GridRow(place.group, place.row), !row.pending && !IsLive(row));
+    if (row.changed && IsLive(row)) {
         tabs_.GridOf(place.group).Mark(tabs_.GridRow(place.group, place.row), valueColumn);
     }
 }
 
 void LiveGrids::Refresh() {
+    polling_ = session_.PollingActive();
     const std::size_t alarmGroup = *session::GroupOf("ALARM");
     for (const auto& live : session_.Alarms()) {
         alarms_[live.place.row] = live.state;

@@ -32,16 +32,22 @@ class LiveGrids {
     // What stands in the cells after a poll, with the marks of what it changed.
     void Refresh();
 
+    // The values become old when the session's polling ends.
+    void StateChanged();
+
     // The rows of a group as its grid shows them.
     std::vector<QStringList> RowsOf(std::size_t group) const;
 
   private:
+    bool IsLive(const session::ParameterRow& row) const;
+    QString MomentWord(const session::ParameterRow& row) const;
     QString UnitCell(const session::RowPlace& place) const;
     void ShowRow(const session::RowPlace& place);
 
     ParameterTabs& tabs_;
     const session::Session& session_;
     bool superUser_;
+    bool polling_ = false;                               // as shown
     std::map<std::size_t, session::AlarmState> alarms_;  // by the row of the live value
 };
 

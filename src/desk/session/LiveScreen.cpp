@@ -228,6 +228,7 @@ void LiveScreen::Lamp(const std::string& lamp, const std::string& bytes) {
 void LiveScreen::StateChanged() {
     const bool connected = session_.GetState() == session::State::Connected;
     wasConnected_ = wasConnected_ || connected;
+    grids_.StateChanged();
     if (!session_.PollingActive()) {
         writing_.Leave();
     }

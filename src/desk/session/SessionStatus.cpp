@@ -12,11 +12,11 @@ namespace {
 
 constexpr unsigned alarmColour = 0xc00000;
 
+}  // namespace
+
 QString AgeText(std::int64_t seconds) {
     return seconds < 120 ? QString::number(seconds) + " s old" : QString::number(seconds / 60) + " min old";
 }
-
-}  // namespace
 
 SessionStatus::SessionStatus(QWidget* parent)
     : QWidget(parent),

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QLabel>
+#include <QString>
 #include <QTimer>
 #include <QWidget>
+#include <cstdint>
 #include <optional>
 
 #include "core/Clock.h"
@@ -12,6 +14,9 @@ class Session;
 }
 
 namespace desk {
+
+// "42 s old", "3 min old".
+QString AgeText(std::int64_t seconds);
 
 // The status area over the grids: the station's clock and voltages, its methods, how old the values are, how the
 // requests fared, and the alarm bar.

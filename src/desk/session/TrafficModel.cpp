@@ -17,8 +17,8 @@ QString HexText(std::string_view bytes) {
     return QString::fromLatin1(raw.toHex(' ')).toUpper();
 }
 
-QString DirectionText(protocols::Direction direction) {
-    return direction == protocols::Direction::TX ? "TX" : "RX";
+QString DirectionText(const TrafficLine& line) {
+    return line.direction == protocols::Direction::TX ? "TX" : line.late ? "RX late" : "RX";
 }
 
 // Sixteen a line, each line led by the position of its first byte.
@@ -56,7 +56,7 @@ void TrafficModel::Clear() {
 
 QString TrafficModel::CopyText(int row) const {
     const TrafficLine& line = At(row);
-    return line.time + '\t' + DirectionText(line.direction) + '\t' + HexText(line.bytes) +
+    return line.time + '\t' + DirectionText(line) + '\t' + HexText(line.bytes) +
            (line.count > line.bytes.size() ? " ..." : "");
 }
 
@@ -71,7 +71,7 @@ QString TrafficModel::Whole(int row) const {
     const TrafficLine& line = At(row);
     const QString kept =
         line.count > line.bytes.size() ? QString(", the first %1 of them here").arg(line.bytes.size()) : QString();
-    return QString("%1  %2  %3 bytes").arg(line.time, DirectionText(line.direction)).arg(line.count) + kept + "\n\n" +
+    return QString("%1  %2  %3 bytes").arg(line.time, DirectionText(line)).arg(line.count) + kept + "\n\n" +
            Fields(row) + "\n" + HexLines(line.bytes);
 }
 
@@ -99,7 +99,7 @@ QVariant TrafficModel::data(const QModelIndex& index, int role) const {
         case Time:
             return line.time;
         case Direction:
-            return DirectionText(line.direction);
+            return line.late ? "late" : DirectionText(line);
         case Count:
             return QString::number(line.count) + ' ';  // the bytes begin close behind
         default:

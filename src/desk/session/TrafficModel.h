@@ -18,6 +18,7 @@ struct TrafficLine {
     std::size_t count = 0;
     std::string bytes;                           // the first of them, of a line that is longer than any frame
     std::shared_ptr<const std::string> request;  // what a received line answers; null when nothing was asked
+    bool late = false;                           // received behind the wait for the answer
 };
 
 // The last lines of one direction. Texts are made when they are seen.

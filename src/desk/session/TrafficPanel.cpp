@@ -9,6 +9,8 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "protocols/Conversation.h"
+
 namespace desk {
 
 namespace {
@@ -44,7 +46,7 @@ TrafficView::TrafficView(QWidget* parent) : QTableView(parent), lines(this) {
     constexpr int margins = 14;
     const auto width = [this](const QString& text) { return fontMetrics().horizontalAdvance(text) + margins; };
     setColumnWidth(TrafficModel::Time, width("00:00:00.000"));
-    setColumnWidth(TrafficModel::Direction, width("TX"));
+    setColumnWidth(TrafficModel::Direction, width("late"));
     setColumnWidth(TrafficModel::Count, width("Bytes "));
 }
 
@@ -148,9 +150,9 @@ void TrafficPanel::Line(const QString& direction, const std::string& bytes) {
     }
     leds_.Light(direction);
     if (sent) {
-        tx_.Add({Time(), protocols::Direction::TX, 0, bytes, nullptr});
+        tx_.Add({Time(), protocols::Direction::TX, 0, bytes, nullptr, false});
     } else {
-        rx_.Add({Time(), protocols::Direction::RX, 0, bytes, request_});
+        rx_.Add({Time(), protocols::Direction::RX, 0, bytes, request_, direction == protocols::lateLamp});
     }
 }
 

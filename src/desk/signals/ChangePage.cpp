@@ -38,6 +38,7 @@ ChangePage::ChangePage(Desk& desk, const QString& title, signals::Side side, ses
     connect(ui_->cmd_stop, &QPushButton::clicked, this, [this] {
         ui_->panel->Stop();
         ui_->cmd_stop->setEnabled(false);
+        desk_.line.StopConnecting();
     });
     connect(ui_->cmd_save, &QPushButton::clicked, ui_->panel, &FetchPanel::Save);
     connect(ui_->cmdfetch, &QPushButton::clicked, this, [this] { Guarded([this] { cmdfetch(); }); });
@@ -125,6 +126,9 @@ void ChangePage::Collect(protocols::Conversation& talk, int list) {
 
 void ChangePage::Over(int list) {
     using signals::FetchEnd;
+    if (!end_ && ui_->panel->Stopped()) {
+        end_ = FetchEnd::Stopped;  // before the station was reached
+    }
     ui_->panel->Running(false);
     ShowButtons();
     ui_->txtListNo->setFocus();

@@ -23,7 +23,10 @@ ListPage::ListPage(Desk& desk, session::Session* session)
     TakesDigits(*ui_->txtListNo);
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
-    connect(ui_->cmd_stop, &QPushButton::clicked, ui_->panel, &FetchPanel::Stop);
+    connect(ui_->cmd_stop, &QPushButton::clicked, this, [this] {
+        ui_->panel->Stop();
+        desk_.line.StopConnecting();
+    });
     connect(ui_->cmd_save, &QPushButton::clicked, ui_->panel, &FetchPanel::Save);
     connect(ui_->cmdfetch, &QPushButton::clicked, this, [this] { Guarded([this] { cmdfetch(); }); });
     // Queued, so that the key does not also press the command in focus when the fetch is over.

@@ -89,6 +89,9 @@ void SignalPage::Fetch(Reading reading) {
         },
         [this, result] {
             fetching_ = false;
+            if (!result->end && panel_->Stopped()) {
+                result->end = signals::FetchEnd::Stopped;  // before the station was reached
+            }
             panel_->Running(false);
             WriteOver();
             ShowButtons();

@@ -71,6 +71,7 @@ void frmCalib::Start() {
 void frmCalib::Stop() {
     stopping_ = true;
     calibration_->Stop();
+    desk_.line.StopConnecting();
     ShowCommands();
     ShowState();
 }

@@ -26,6 +26,7 @@ void ShowMetering(const stations::ModelRule& rule, Ui::frmconfigstation& ui) {
 void ShowMode(bool visible, Ui::frmconfigstation& ui) {
     ui.lblMode->setVisible(visible);
     ui.cmbMode->setVisible(visible);
+    ShowFraming(ui);
 }
 
 void ShowLine(const stations::CommunicationRule& rule, bool baudVisible, Ui::frmconfigstation& ui) {
@@ -132,6 +133,12 @@ void ShowStreams(Ui::frmconfigstation& ui) {
     for (QWidget* stream : {ui.fr_Stm1, ui.fr_Stm2, ui.fr_Stm3, ui.fr_Stm4}) {
         stream->setVisible(++number <= count);
     }
+}
+
+void ShowFraming(Ui::frmconfigstation& ui) {
+    const bool isAscii =
+        core::SameText(ui.cmbprotocol->Text(), "Modbus") && core::SameText(core::Trim(ui.cmbMode->Text()), "ASCII");
+    ui.chkframing->setVisible(isAscii && !ui.cmbMode->isHidden());
 }
 
 void ShowSchedule(Ui::frmconfigstation& ui) {

@@ -21,6 +21,9 @@ void ShowWhatBelongs(const stations::StationRecord& record, Ui::frmconfigstation
 // The streams up to the number in cmb_MultiNO.
 void ShowStreams(Ui::frmconfigstation& ui);
 
+// Standard framing belongs to Modbus ASCII.
+void ShowFraming(Ui::frmconfigstation& ui);
+
 // The day and the hour that belong to the choice in cmb_sel.
 void ShowSchedule(Ui::frmconfigstation& ui);
 

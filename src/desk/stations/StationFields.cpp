@@ -81,6 +81,7 @@ void StationFields::Show(const stations::StationRecord& record) {
         Streams(ui_)[i]->Text(record.stream[i]);
     }
     ui_.cmbMode->Text(record.Mode);
+    ui_.chkframing->setChecked(record.standardFraming);
     ShowSchedule(record);
     (record.rtubits ? ui_.optf1 : ui_.optf2)->setChecked(true);
     ui_.chkrtubits->setChecked(record.rtubits);
@@ -127,11 +128,13 @@ stations::StationRecord StationFields::Read() const {
         record.stream[i] = Streams(ui_)[i]->Text();
     }
     record.Mode = ui_.cmbMode->Text();
+    record.standardFraming = ui_.chkframing->isChecked();
     record.duration = ui_.cmb_sel->Text();
     record.weekday = ui_.cmbweekly->findText(ui_.cmbweekly->currentText()) + 1;
     record.monthday = static_cast<int>(core::Val(ui_.cmbmonthy->Text()));
     record.contracthour = ui_.DT_time->time().toString("hh:mm").toStdString();
     record.rtubits = ui_.optf1->isChecked();
+    record.typeInteger = ui_.optint->isChecked();
     record.emailto = Get(ui_.txteto);
     record.emailcc = Get(ui_.txtecc);
     record.emailbcc = Get(ui_.txtebcc);

@@ -128,6 +128,7 @@ void frmconfigstation::ConnectRules() {
         Apply(stations::RuleOfProtocol(ui.cmbprotocol->Text()), ui);
         EnableSave();
     });
+    OnChange(ui.cmbMode, &QComboBox::currentTextChanged, [&ui] { ShowFraming(ui); });
     OnChange(ui.cmb_MultiNO, &QComboBox::currentTextChanged, [&ui] { ShowStreams(ui); });
     OnChange(ui.cmb_sel, &QComboBox::currentTextChanged, [&ui] { ShowSchedule(ui); });
     OnChange(ui.chk_MBConfig, &QCheckBox::toggled, [this, &ui] {

@@ -1,0 +1,95 @@
+// Replies of a Quantum unit that the line cuts, on a line with echo.
+
+#include <gtest/gtest.h>
+
+#include "collection/CollectionRun.h"
+#include "fieldsim/QuantumUnit.h"
+#include "support/CollectionDesk.h"
+
+namespace {
+
+constexpr std::size_t whole = std::string::npos;
+constexpr std::size_t echo = 9;
+constexpr std::size_t head = 23;
+constexpr std::size_t field = 13;
+
+// Value n of all is n + 0.5; the first of message 3 is a date.
+std::shared_ptr<fieldsim::SignalList> Values() {
+    std::vector<fieldsim::Signal> signals;
+    for (int message = 1; message <= 3; ++message) {
+        for (const char* name : fieldsim::QuantumNames(message)) {
+            const int number = static_cast<int>(signals.size()) + 1;
+            signals.push_back({number, name, "", fieldsim::Kind::Decimal, number == 17 ? 90326080007 : number + 0.5});
+        }
+    }
+    return std::make_shared<fieldsim::SignalList>(signals);
+}
+
+// Each answer keeps so many of its bytes; those behind the last are whole.
+struct CutUnit final : fieldsim::Device {
+    fieldsim::QuantumUnit unit{5, Values(), {.echo = true}};
+    std::vector<std::size_t> kept;
+    std::size_t asked = 0;
+
+    std::vector<fieldsim::Answer> Receive(std::string_view bytes, const fieldsim::Moment& now) override {
+        auto answers = unit.Receive(bytes, now);
+        for (fieldsim::Answer& answer : answers) {
+            answer.bytes = answer.bytes.substr(0, asked < kept.size() ? kept[asked] : whole);
+            ++asked;
+        }
+        return answers;
+    }
+};
+
+struct QuantumReadTest : testing::Test {
+    support::CollectionDesk desk;
+    std::int64_t locationID = demo::AddStation(desk.dbconn, {"Quay", "TeleFlow", "Quantum", "", 1, 5});
+    CutUnit unit;
+
+    bool Collect(const std::vector<std::size_t>& kept) {
+        desk.line.Attach(1, unit);
+        unit.kept = kept;
+        collection::RunState state;
+        collection::collectiong_Data(desk.place, locationID, state);
+        return !state.runfailed;
+    }
+    // The numbers, from 1, of the values that are stored as the unit has them; the others are to be 0.
+    std::string Stored() {
+        std::string numbers;
+        int number = 0;
+        for (int message = 1; message <= 3; ++message) {
+            for (const char* name : fieldsim::QuantumNames(message)) {
+                const double stored =
+                    desk.dbconn.First("select lastvalue from configdata_detail where description=?", {name})
+                        .value()[0]
+                        .Number();
+                ++number;
+                const bool right = stored == (number == 17 ? 90326080007 : number + 0.5);
+                EXPECT_TRUE(right || stored == 0) << name << " " << stored;
+                numbers += right ? std::to_string(number) + " " : "";
+            }
+        }
+        return numbers;
+    }
+};
+
+TEST_F(QuantumReadTest, AReplyThatWasCutIsAskedForAgain) {
+    const std::string all = "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 ";
+    EXPECT_TRUE(Collect({echo + head + 30, echo + head + 5 * field, whole, whole, echo + 4}));
+    EXPECT_EQ(Stored(), all);
+    EXPECT_EQ(unit.asked, 6U);
+}
+
+TEST_F(QuantumReadTest, WhatStaysMissingIsZeroAndTheBestReplyCounts) {
+    EXPECT_TRUE(Collect({whole, echo + head + 2 * field, echo + head + 3 * field, echo}));
+    EXPECT_EQ(unit.asked, 5U);
+    EXPECT_EQ(Stored(), "1 2 3 4 5 6 7 8 9 10 11 17 18 19 20 21 22 23 24 ");
+}
+
+TEST_F(QuantumReadTest, AnEchoAloneIsSilence) {
+    EXPECT_FALSE(Collect({whole, echo}));
+    EXPECT_EQ(unit.asked, 2U);
+    EXPECT_NE(desk.RtuErr().find("2Quantum Not Responding"), std::string::npos);
+}
+
+}  // namespace
