@@ -4,6 +4,7 @@
 #include <string>
 
 #include "protocols/Conversation.h"
+#include "session/WriteLevels.h"
 #include "signals/SignalText.h"
 
 namespace core {
@@ -13,10 +14,14 @@ class Database;
 // A signal of a station written by its address, and read back.
 namespace signals {
 
-// The signals of a station's own lists carry no level as its parameters do. Whoever may write no parameter at all
-// writes no signal either. Throws DatabaseError.
+// The signals of a station's own lists carry no level as its parameters do: the settings say which level writes them,
+// and which one calibrates. All throw DatabaseError.
 bool MayWriteSignals(core::Database& dbconn, const std::string& currentuser);
-inline constexpr const char* lowerLevel = "Could not set. Lower user level.";
+bool MayCalibrate(core::Database& dbconn, const std::string& currentuser);
+// The same for one signal: what the station's map knows as measured or counted is the super-user's alone.
+bool MayWriteSignal(core::Database& dbconn, const core::Station& station, const Signal& signal,
+                    const std::string& currentuser);
+inline constexpr const char* lowerLevel = session::lowerLevel;
 
 // What an operator wants a signal to be.
 struct SignalWrite {
