@@ -35,12 +35,12 @@ struct WriteManners {
     std::deque<WriteFault> script{};          // what meets the coming writes, one each
     WriteFault otherwise = WriteFault::None;  // and all that come after them
     std::uint32_t lateMs = 8000;
-    int exceptionCode = 4;         // of a refusal
-    double highest = 1;            // of a limited number
+    int exceptionCode = 4;  // of a refusal
+    bool lineDown = false;  // with a lost write the line is dead until the master closes its port
+    int diesAt = 0;         // the station dies of the n-th request that writes from now on, without taking it; 0: never
+    bool dead = false;      // nothing is answered
+    double highest = 1;     // of a limited number
     std::uint32_t slowMs = 20000;  // until a slow write is taken
-    bool lineDown = false;         // with a lost write the line is dead until the master closes its port
-    int diesAt = 0;     // the station dies of the n-th request that writes from now on, without taking it; 0: never
-    bool dead = false;  // nothing is answered
 };
 
 // One signal that a master asked to change, or a place where it thought that there was one.

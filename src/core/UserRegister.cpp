@@ -32,6 +32,9 @@ bool IsTaken(Database& dbconn, const std::string& userid, const std::string& edi
 // gives that one these levels, and a user id that is another's first name takes that one's.
 std::optional<UserFault> LevelsFault(Database& dbconn, const UserRecord& user, const std::string& editedId) {
     const auto edited = editedId.empty() ? std::nullopt : ReadUser(dbconn, editedId);
+    if (!editedId.empty() && !edited) {
+        return std::nullopt;
+    }
     const auto others = [&](const char* column, const std::string& name) {
         return dbconn.First(std::string("select userid from users where userid <> ? and ") + column + " = ?",
                             {editedId, name});

@@ -10,4 +10,7 @@ namespace protocols {
 // value.
 std::optional<double> ModbusReadBack(Conversation& talk, ModbusDatum datum, int reg, const TransactOptions& options);
 
+// The same number in the single precision of a register pair, however small it is.
+bool IsSameFloat(double a, double b);
+
 }  // namespace protocols

@@ -5,6 +5,7 @@
 
 #include "core/Database.h"
 #include "core/Text.h"
+#include "protocols/ModbusReadBack.h"
 #include "session/Figures.h"
 #include "session/ServeWrite.h"
 #include "session/Session.h"
@@ -195,11 +196,13 @@ bool Session::JudgeWrite(SentWrite& sent, bool counts) {
         }
         return last;
     }
-    if (core::SameSingle(row.lastvalue, sent.request.writeValue)) {
+    // The values of a BSAP list are read to six places.
+    const auto same = Speaks(station_, "Modbus") ? protocols::IsSameFloat : core::SameSingle;
+    if (same(row.lastvalue, sent.request.writeValue)) {
         Answer(sent.request, {WriteResult::Confirmed, row.lastvalue, {}});
         return true;
     }
-    if (last || !core::SameSingle(row.lastvalue, sent.request.oldValue)) {
+    if (last || !same(row.lastvalue, sent.request.oldValue)) {
         Answer(sent.request, {WriteResult::NotConfirmed, row.lastvalue, sent.reason});
         return true;
     }

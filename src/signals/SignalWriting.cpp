@@ -111,8 +111,8 @@ WriteResult pending_request(protocols::Conversation& talk, const SignalWrite& wr
                      : back.answer == Answer::Ended
                          ? "The line is gone: whether the station has the value is not known"
                          : "Error Occured in Communication: whether the station has the value is not known";
-    session::LeaveAudit(talk.logs, talk.currentuser,
-                        "asked for " + write.shown + " in " + signal + ": " + result.message + ".");
+    session::LeaveAudit(talk.logs, talk.currentuser + ":",
+                        "value " + write.shown + " of " + signal + ": " + result.message + ".");
     return result;
 }
 

@@ -170,7 +170,7 @@ TEST(WriteOutcomeTest, AnUnchangedTextKeepsItsDigits) {
     desk.Run({{"write what is shown", [&] { return desk.Idle(); },
                [&] { EXPECT_EQ(desk.session->AskWrite(desk.Place("GC", "Methane"), "0.000012"), ""); }},
               desk.Leave()});
-    EXPECT_TRUE(core::SameSingle(desk.AtStation("Methane"), 0.00001234));
+    EXPECT_NEAR(desk.AtStation("Methane"), 0.00001234, 1e-10);
     EXPECT_THAT(desk.Lines("changed value"), IsEmpty());
 }
 
