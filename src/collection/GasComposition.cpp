@@ -36,7 +36,7 @@ std::string Put(protocols::Conversation& talk, int number, double value) {
             break;
     }
     const auto shown = protocols::ModbusReadBack(talk, ModbusDatum::Float, number - 1, protocols::scheduledTransact);
-    if (shown && protocols::IsSameFloat(*shown, value)) {
+    if (shown && protocols::IsShown(*shown, value)) {
         return confirmed;
     }
     return shown ? "not confirmed, the station has " + core::NumberText(*shown) : "not confirmed";

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/Text.h"
+
 namespace protocols {
 
 std::optional<double> ModbusReadBack(Conversation& talk, ModbusDatum datum, int reg, const TransactOptions& options) {
@@ -18,9 +20,11 @@ std::optional<double> ModbusReadBack(Conversation& talk, ModbusDatum datum, int 
     return reply.kind == ModbusReply::Kind::Values ? std::optional(talk.modbus.mbvalues[1]) : std::nullopt;
 }
 
-bool IsSameFloat(double a, double b) {
+bool IsShown(double read, double written) {
+    constexpr int places = 6;
     constexpr double lastDigits = 1e-6;
-    return std::fabs(a - b) <= lastDigits * std::max(std::fabs(a), std::fabs(b));
+    const double wanted = core::RoundTo(static_cast<double>(static_cast<float>(written)), places);
+    return std::fabs(read - wanted) <= lastDigits * std::max(std::fabs(read), std::fabs(wanted));
 }
 
 }  // namespace protocols

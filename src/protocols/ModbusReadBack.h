@@ -10,7 +10,7 @@ namespace protocols {
 // value.
 std::optional<double> ModbusReadBack(Conversation& talk, ModbusDatum datum, int reg, const TransactOptions& options);
 
-// The same number in the single precision of a register pair, however small it is.
-bool IsSameFloat(double a, double b);
+// What was read is what was written, as far as single precision and the six places of a reading go.
+bool IsShown(double read, double written);
 
 }  // namespace protocols

@@ -134,11 +134,11 @@ WriteSent pending_write_request_mbus(protocols::Conversation& talk, const WriteR
     }
     WriteSent sent;
     sent.answer.has = ReadBack(talk, request);
-    if (sent.answer.has && protocols::IsSameFloat(*sent.answer.has, request.writeValue)) {
+    if (sent.answer.has && protocols::IsShown(*sent.answer.has, request.writeValue)) {
         sent.answer.result = WriteResult::Confirmed;
         return sent;
     }
-    sent.mayFollow = !sent.answer.has || protocols::IsSameFloat(*sent.answer.has, request.oldValue);
+    sent.mayFollow = !sent.answer.has || protocols::IsShown(*sent.answer.has, request.oldValue);
     if (outcome == protocols::WriteOutcome::Failed) {
         sent.answer.reason = "no answer to the write";
         if (!talk.Ended()) {

@@ -114,6 +114,8 @@ class Session {
     bool PollingActive() const { return state_ == State::Polling; }
     // A write that was asked for has no answer yet.
     bool WritePending() const { return !pending_.empty() || writing_ || !sent_.empty(); }
+    // What came of the last write, for the operator.
+    const std::string& LastAnswer() const { return lastAnswer_; }
     bool TimePending() const { return timeRequest_ || timeSent_; }
     const core::Station& GetStation() const { return station_; }
     const StationLook& Look() const { return look_; }
@@ -193,7 +195,8 @@ class Session {
     std::vector<WriteRequest> pending_;
     bool writing_ = false;  // they are on the line
     std::vector<SentWrite> sent_;
-    std::vector<AnsweredWrite> answered_;     // not told yet
+    std::vector<AnsweredWrite> answered_;  // not told yet
+    std::string lastAnswer_;
     bool boxed_ = false;                      // a box has told of one of them
     std::optional<std::string> timeRequest_;  // by whom
     struct SentTime {

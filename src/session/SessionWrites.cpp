@@ -158,7 +158,7 @@ void Session::TellAnswers(bool inBox) {
     if (answered.empty()) {
         return;
     }
-    const std::string text = AnswerText(answered, station_.isCW);
+    const std::string text = lastAnswer_ = AnswerText(answered, station_.isCW);
     view_.Request(text);
     const bool confirmed = std::all_of(answered.begin(), answered.end(), [](const AnsweredWrite& write) {
         return write.answer.result == WriteResult::Confirmed;
@@ -196,8 +196,8 @@ bool Session::JudgeWrite(SentWrite& sent, bool counts) {
         }
         return last;
     }
-    // The values of a BSAP list are read to six places.
-    const auto same = Speaks(station_, "Modbus") ? protocols::IsSameFloat : core::SameSingle;
+    // Over BSAP the last digits of a value are cut off, not rounded.
+    const auto same = Speaks(station_, "Modbus") ? protocols::IsShown : core::SameSingle;
     if (same(row.lastvalue, sent.request.writeValue)) {
         Answer(sent.request, {WriteResult::Confirmed, row.lastvalue, {}});
         return true;

@@ -83,6 +83,10 @@ void EnterInMap(const WriteContext& context, const core::DateTime& now, const An
             std::string("update configdata_detail set lastvalue=?, quality=?") + ofRow + " and quality=?",
             {core::RoundTo(request.oldValue, 4), request.oldQuality, request.Description, request.aga, context.streamno,
              context.station.locationID, std::string(core::QualityText(core::Quality::NotConfirmed))});
+    } else {
+        context.dbconn.Execute(std::string("update configdata_detail set lastvalue=?, quality=?") + ofRow,
+                               {request.writeValue, std::string(core::QualityText(core::Quality::NotConfirmed)),
+                                request.Description, request.aga, context.streamno, context.station.locationID});
     }
 }
 

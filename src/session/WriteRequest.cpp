@@ -39,9 +39,7 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
                       const std::string& text) {
     const ParameterRow& row = set.At(place);
     const std::string shown = ValueCell(row, context.station.isCW);
-    // A text that was not changed stands for all digits of its value, of which the screen shows six.
-    const bool same = row.kind != DataKind::Logical && core::Trim(text) == shown;
-    const auto number = same ? std::optional(row.lastvalue) : core::EnteredNumber(text);
+    const auto number = core::EnteredNumber(text);
     const auto value = number || row.kind != DataKind::Logical
                            ? number
                            : ValueOfText(context.station.isCW, row.Description, core::Trim(text));

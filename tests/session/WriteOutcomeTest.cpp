@@ -162,18 +162,6 @@ TEST(WriteOutcomeTest, AValueThatIsNotReadBackStaysUnconfirmed) {
     }
 }
 
-// A value of all digits is shown with six: entered as it is shown, it is written as it is.
-TEST(WriteOutcomeTest, AnUnchangedTextKeepsItsDigits) {
-    WriteDesk desk;
-    desk.Begin(modbus);
-    ASSERT_TRUE(desk.field->Values(desk.locationID, 1, "Methane")->Fix("Methane", 0.00001234));
-    desk.Run({{"write what is shown", [&] { return desk.Idle(); },
-               [&] { EXPECT_EQ(desk.session->AskWrite(desk.Place("GC", "Methane"), "0.000012"), ""); }},
-              desk.Leave()});
-    EXPECT_NEAR(desk.AtStation("Methane"), 0.00001234, 1e-10);
-    EXPECT_THAT(desk.Lines("changed value"), IsEmpty());
-}
-
 TEST(WriteOutcomeTest, AMultipleWriteStopsAtTheFirstValueThatIsNotTaken) {
     for (const WriteFault fault : {WriteFault::LostBefore, WriteFault::Ignore, WriteFault::Refuse}) {
         SCOPED_TRACE(static_cast<int>(fault));
