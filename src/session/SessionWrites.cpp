@@ -222,8 +222,13 @@ void Session::ServeTime() {
         AnswerTime(user, sent.result, sent.reason);
         return;
     }
+    const auto clock = ClockRows();
+    if (clock.empty()) {
+        AnswerTime(user, WriteResult::NotConfirmed, "its map has no clock");
+        return;
+    }
     timeSent_ = SentTime{user, sent.time, 0};
-    for (ParameterRow* row : ClockRows()) {
+    for (ParameterRow* row : clock) {
         row->pending = true;
     }
     view_.Request("Waiting for the station's clock to show the time");
@@ -235,7 +240,7 @@ std::vector<ParameterRow*> Session::ClockRows() {
     for (const Figure figure :
          {Figure::Year, Figure::Month, Figure::Day, Figure::Hour, Figure::Minute, Figure::Second}) {
         const auto place = PlaceOf(set_, figure, station_.isCW);
-        if (!place) {
+        if (!place || (Speaks(station_, "Modbus") && set_.At(*place).MSD <= 0)) {
             return {};
         }
         rows.push_back(&set_.At(*place));
@@ -246,7 +251,7 @@ std::vector<ParameterRow*> Session::ClockRows() {
 // The clock was read somewhere between the begin of the poll and now.
 void Session::JudgeTime(bool counts, const core::DateTime& begun) {
     const auto rows = ClockRows();
-    const bool read = !rows.empty() && std::none_of(rows.begin(), rows.end(), [](auto* row) { return row->pending; });
+    const bool read = std::none_of(rows.begin(), rows.end(), [](auto* row) { return row->pending; });
     timeSent_->polls += counts || read ? 1 : 0;
     const bool last = timeSent_->polls >= pollsToShow && IsLate(timeSent_->time);
     std::string shows;
@@ -264,8 +269,8 @@ void Session::JudgeTime(bool counts, const core::DateTime& begun) {
         std::for_each(rows.begin(), rows.end(), [&](auto* row) { row->pending = !last; });
     }
     if (last) {
-        const std::string reason = !shows.empty() ? shows : rows.empty() ? "its map has no clock" : noAnswer;
-        AnswerTime(std::exchange(timeSent_, std::nullopt)->user, WriteResult::NotConfirmed, reason);
+        AnswerTime(std::exchange(timeSent_, std::nullopt)->user, WriteResult::NotConfirmed,
+                   shows.empty() ? noAnswer : shows);
     }
 }
 

@@ -86,6 +86,13 @@ WriteResult pending_request(protocols::Conversation& talk, const SignalWrite& wr
     const std::string change = "value of " + signal + " from " + ValueText(write.signal) + " to " + write.shown + ".";
     talk.logs.WriteAudit(talk.logs.Stamp() + ": User " + talk.currentuser + " asked to change " + change);
     WriteResult result{WriteEnd::Unknown, write.signal, {}};
+    if (write.program && *write.program != ProgramOf(talk)) {
+        result.end = WriteEnd::NotSent;
+        result.message = "Not sent: the station's program has changed. Fetch the signal again";
+        session::LeaveAudit(talk.logs, talk.currentuser + ":",
+                            "value " + write.shown + " of " + signal + ": " + result.message + ".");
+        return result;
+    }
     Send(talk, write);
     const ReadAnswer back = ReadBack(talk, write);
     switch (back.answer) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "protocols/Conversation.h"
 #include "session/WriteLevels.h"
@@ -23,12 +24,19 @@ bool MayWriteSignal(core::Database& dbconn, const core::Station& station, const 
                     const std::string& currentuser);
 inline constexpr const char* lowerLevel = session::lowerLevel;
 
+// By which a station's program is known: both bytes of its load version. Another program has other addresses.
+using Program = std::pair<int, int>;
+inline Program ProgramOf(const protocols::Conversation& talk) {
+    return {talk.bsap.loadversion1, talk.bsap.loadversion2};
+}
+
 // What an operator wants a signal to be.
 struct SignalWrite {
     Signal signal;
     double value = 0;
     std::optional<std::string> text{};  // instead of the value, in the station's code page
     std::string shown;                  // either, as it was entered
+    std::optional<Program> program{};   // that gave the signal its address
 };
 
 // Takes an entered text for a signal: for a switch one of its words, for every other one a number, or else a text.
@@ -40,6 +48,7 @@ enum class WriteEnd {
     NotTaken,  // it shows another one
     Gone,      // it no longer has the signal
     Unknown,   // it does not say, or the line was taken away
+    NotSent,   // another program is in the station by now
 };
 
 struct WriteResult {

@@ -100,13 +100,15 @@ TEST(WriteOutcomeTest, EveryWriteHasAnAnswer) {
                       {WriteFault::Late, Told::Confirmed, Told::Confirmed},
                       {WriteFault::LostBefore, Told::NotConfirmed, Told::NotConfirmed},
                       {WriteFault::LostAfter, Told::Confirmed, Told::Confirmed}};
-    for (const demo::DemoStation& station : {modbus, bsap}) {
+    const demo::DemoStation ascii{"Lane", "TeleFlow", "Modbus", "ASCII", 1, 5};
+    for (const demo::DemoStation& station : {modbus, ascii, bsap}) {
         for (const auto& behaviour : behaviours) {
             for (const bool isSwitch : {false, true}) {
-                if (isSwitch && behaviour.fault == WriteFault::Limit) {
+                const bool noFloats = station.mode == "ASCII";
+                if (isSwitch ? behaviour.fault == WriteFault::Limit : noFloats) {
                     continue;
                 }
-                SCOPED_TRACE(station.protocol + " " + std::to_string(static_cast<int>(behaviour.fault)) +
+                SCOPED_TRACE(station.consumer + " " + std::to_string(static_cast<int>(behaviour.fault)) +
                              (isSwitch ? " switch" : " number"));
                 const char* aga = isSwitch ? "HEALTH" : "KEYPAD";
                 const char* name = isSwitch ? "Time Sync" : "Keypad N2";
@@ -160,6 +162,17 @@ TEST(WriteOutcomeTest, AValueThatIsNotReadBackStaysUnconfirmed) {
         EXPECT_THAT(desk.Lines("Keypad N2 was not confirmed by RTU "), testing::SizeIs(1));
         EXPECT_THAT(desk.view.ends, ElementsAre("Remote Station not Responding"));
     }
+}
+
+TEST(WriteOutcomeTest, WhatNoFrameCarriesIsNotSent) {
+    WriteDesk desk;
+    desk.Begin({"Lane", "TeleFlow", "Modbus", "ASCII", 1, 5});
+    const double before = desk.AtStation("Keypad N2");
+    desk.Run({desk.Ask("KEYPAD", "Keypad N2", "1.25"), desk.Leave()});
+    EXPECT_THAT(desk.view.requests.back(), HasSubstr("Keypad N2: not sent, "));
+    EXPECT_THAT(desk.Lines("value 1.25 of parameter Keypad N2 was not sent to RTU Lane"), testing::SizeIs(1));
+    EXPECT_THAT(desk.Writes(), IsEmpty());
+    EXPECT_EQ(desk.Stored("Keypad N2"), core::RoundTo(before, 4));
 }
 
 TEST(WriteOutcomeTest, AMultipleWriteStopsAtTheFirstValueThatIsNotTaken) {

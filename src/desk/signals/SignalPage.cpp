@@ -84,6 +84,7 @@ void SignalPage::Fetch(Reading reading) {
     const auto result = std::make_shared<Result>();
     OnLine(
         [this, reading = std::move(reading), result](protocols::Conversation& talk) {
+            program_ = signals::ProgramOf(talk);
             result->end = reading(talk);
             result->reason = talk.line->Reason();
             ServeWrite(talk);
@@ -123,6 +124,7 @@ void SignalPage::Write() {
         return;
     }
     pending_ = Pending{*chosen_, *wanted};
+    pending_->write.program = program_;
     write_->Sending(true);
     lblWrite_->setText(session::requestPending);
     lblWrite_->show();
