@@ -1,5 +1,7 @@
 // How a BSAP station gives out its lists.
 
+#include <algorithm>
+
 #include "fieldsim/BsapBytes.h"
 #include "fieldsim/BsapStation.h"
 
@@ -102,6 +104,21 @@ int BsapStation::MsdOf(int list, const Signal& signal) {
     }
     addresses_.insert(msd);
     return msd;
+}
+
+void BsapStation::LoadProgram() {
+    for (const auto& [number, list] : lists_) {
+        std::vector<int> addresses;
+        for (const Signal& signal : list->Signals()) {
+            addresses.push_back(MsdOf(number, signal));
+        }
+        std::rotate(addresses.begin(), addresses.begin() + (addresses.empty() ? 0 : 1), addresses.end());
+        for (std::size_t i = 0; i < addresses.size(); ++i) {
+            list->GiveMsd(list->Signals()[i], addresses[i]);
+        }
+    }
+    ++options_.loadVersion2;
+    signedOn_ = false;
 }
 
 BsapStation::Place BsapStation::ByMsd(int msd) const {

@@ -33,6 +33,7 @@ BsapStation::BsapStation(int address, SignalLists lists, BsapOptions options)
 }
 
 std::vector<Answer> BsapStation::Receive(std::string_view bytes, const Moment& now) {
+    MakeDue(now);
     reader_.Add(bytes, now.milliseconds);
     std::vector<Answer> answers;
     while (const auto body = reader_.Next()) {

@@ -81,6 +81,9 @@ class BsapStation final : public WritableStation {
 
     const SignalLists& Lists() const { return lists_; }
     BsapOptions& Options() { return options_; }
+    // Another program is loaded: each signal gets the address that another one of its list had, the load version is a
+    // new one, and whoever was signed on is so no longer.
+    void LoadProgram();
     // Its archive files and its audit trail, which may be changed at any time; what comes of it on the line stands in
     // BsapArchive.h. A station has none of its own.
     StationHistory& History() { return history_; }

@@ -96,6 +96,7 @@ ModbusSlave::ModbusSlave(int address, Framing framing, ModbusMap map, std::uint3
 }
 
 std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& now) {
+    MakeDue(now);
     if (now.milliseconds > lastByteAt_ + kFrameGapMs) {
         buffer_.clear();
     }

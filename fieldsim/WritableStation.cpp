@@ -8,12 +8,15 @@
 namespace fieldsim {
 
 std::optional<WriteFault> WriteFaultByName(std::string_view name) {
-    static constexpr std::array<std::pair<std::string_view, WriteFault>, 5> names = {{
+    static constexpr std::array<std::pair<std::string_view, WriteFault>, 8> names = {{
         {"None", WriteFault::None},
         {"Refuse", WriteFault::Refuse},
         {"Late", WriteFault::Late},
         {"LostBefore", WriteFault::LostBefore},
         {"LostAfter", WriteFault::LostAfter},
+        {"Ignore", WriteFault::Ignore},
+        {"Limit", WriteFault::Limit},
+        {"Slow", WriteFault::Slow},
     }};
     const auto* const known =
         std::find_if(names.begin(), names.end(), [&](const auto& entry) { return entry.first == name; });
@@ -58,10 +61,17 @@ WriteFault WritableStation::NextFault() {
 
 WriteFault WritableStation::Take(const std::vector<Change>& changes, bool sound, const Moment& now) {
     const WriteFault fault = NextFault();
-    const bool accepted = sound && fault != WriteFault::Refuse && fault != WriteFault::LostBefore;
+    const bool accepted =
+        sound && fault != WriteFault::Refuse && fault != WriteFault::LostBefore && fault != WriteFault::Ignore;
     for (const Change& change : changes) {
-        if (accepted) {
-            Make(change, now);
+        if (accepted && fault == WriteFault::Slow) {
+            slow_.emplace_back(now.milliseconds + manners_.slowMs, change);
+        } else if (accepted) {
+            Change made = change;
+            if (fault == WriteFault::Limit) {
+                made.wanted.value = std::min(made.wanted.value, manners_.highest);
+            }
+            Make(made, now);
         }
         writes_.push_back(change.wanted);
         writes_.back().accepted = accepted;
@@ -72,6 +82,15 @@ WriteFault WritableStation::Take(const std::vector<Change>& changes, bool sound,
     }
     lineIsDown_ = manners_.lineDown && (fault == WriteFault::LostBefore || fault == WriteFault::LostAfter);
     return fault;
+}
+
+void WritableStation::MakeDue(const Moment& now) {
+    for (const auto& [at, change] : slow_) {
+        if (at <= now.milliseconds) {
+            Make(change, now);
+        }
+    }
+    std::erase_if(slow_, [&](const auto& slow) { return slow.first <= now.milliseconds; });
 }
 
 void WritableStation::Make(const Change& change, const Moment& now) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "fieldsim/Device.h"
@@ -22,9 +23,12 @@ enum class WriteFault {
     Late,        // taken, and answered when the master has given up
     LostBefore,  // never taken and never answered
     LostAfter,   // taken, and never answered
+    Ignore,      // answered as if it were taken; nothing is changed
+    Limit,       // numbers are taken up to the highest that the device allows, and answered as asked
+    Slow,        // answered at once, and taken later
 };
 
-// "None", "Refuse", "Late", "LostBefore", "LostAfter" as a fault; nothing for any other name.
+// The name of a fault, such as "LostBefore", as that fault; nothing for any other text.
 std::optional<WriteFault> WriteFaultByName(std::string_view name);
 
 struct WriteManners {
@@ -35,6 +39,8 @@ struct WriteManners {
     bool lineDown = false;  // with a lost write the line is dead until the master closes its port
     int diesAt = 0;         // the station dies of the n-th request that writes from now on, without taking it; 0: never
     bool dead = false;      // nothing is answered
+    double highest = 1;     // of a limited number
+    std::uint32_t slowMs = 20000;  // until a slow write is taken
 };
 
 // One signal that a master asked to change, or a place where it thought that there was one.
@@ -85,6 +91,8 @@ class WritableStation : public Device {
     // The clock signals of this list follow the station's clock.
     void RunClockOf(SignalList& list) { list.UseClock(clock_); }
     bool LineIsDown() const { return lineIsDown_ || manners_.dead; }
+    // Makes the slow changes whose time has come.
+    void MakeDue(const Moment& now);
     // All changes of one request. They are made when the request is `sound` and its fault lets them; and they are
     // noted. Returns the fault that the request met.
     WriteFault Take(const std::vector<Change>& changes, bool sound, const Moment& now);
@@ -98,6 +106,7 @@ class WritableStation : public Device {
     std::shared_ptr<StationClock> clock_;
     WriteManners manners_;
     std::vector<Write> writes_;
+    std::vector<std::pair<std::uint64_t, Change>> slow_;  // when, and what
     std::function<void(const Write&)> told_;
     bool lineIsDown_ = false;
 };

@@ -51,7 +51,7 @@ constexpr const char* kUsage =
     "  --silent LOCATION      a station that never answers for one of its lists, registers or messages\n"
     "  --write LOCATION=A,..  what becomes of the writes to a station, the last for all that follow: None, Refuse, "
     "Late,\n"
-    "                         LostBefore, LostAfter\n"
+    "                         LostBefore, LostAfter, Ignore, Limit, Slow\n"
     "  --history LOCATION=A   what a BSAP station keeps of its past: none, empty, one (record), wrapped, long "
     "(10,000)\n"
     "  --alarm-cycle SECONDS  live values of alarm blocks pass through all their limits and back in that time\n"

@@ -188,6 +188,15 @@ class Run {
     int data_ = 0;
 };
 
+// The line of a download in the audit trail. It keeps nobody from the records that came.
+void LeaveDownload(Conversation& talk, ArchiveKind kind) {
+    core::Guarded(talk.logs, [&] {
+        talk.logs.WriteAudit(talk.logs.Stamp() + ": User " + talk.currentuser + " collected " +
+                             (kind == ArchiveKind::Hourly ? "Hourly Archive" : "Daily Archive") + " from RTU " +
+                             talk.station.consumer + ".");
+    });
+}
+
 }  // namespace
 
 std::string RecordText(int records, int newest) {
@@ -210,6 +219,9 @@ ModbusArchiveOutcome CollectModbusArchive(Conversation& talk, core::Database& db
     } catch (const core::DatabaseError& failure) {
         talk.logs.WriteRtuErr(failure.what());
         outcome.failure = failure.what();
+    }
+    if (outcome.records > 0 || outcome.failure.empty()) {
+        LeaveDownload(talk, kind);
     }
     return outcome;
 }

@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "core/Text.h"
-#include "protocols/ModbusTransact.h"
+#include "protocols/ModbusReadBack.h"
 
 namespace collection {
 
@@ -18,6 +18,28 @@ std::optional<int> RegisterOf(const std::string& startaddress) {
     const auto read = std::from_chars(digits.data(), end, number);
     const bool isRegister = read.ec == std::errc() && read.ptr == end && number >= 1 && number <= 65536;
     return isRegister ? std::optional(number) : std::nullopt;
+}
+
+constexpr const char* confirmed = "confirmed";
+
+// What came of a value for a register: it counts when the station shows it.
+std::string Put(protocols::Conversation& talk, int number, double value) {
+    using protocols::ModbusDatum;
+    switch (protocols::ModbusWrite(talk, ModbusDatum::Float, number - 1, value)) {
+        case protocols::WriteOutcome::Refused:
+            return "refused";
+        case protocols::WriteOutcome::NotBuilt:
+            return "not sent";
+        case protocols::WriteOutcome::Failed:
+            return "not confirmed, no answer to the write";
+        case protocols::WriteOutcome::Done:
+            break;
+    }
+    const auto shown = protocols::ModbusReadBack(talk, ModbusDatum::Float, number - 1, protocols::scheduledTransact);
+    if (shown && protocols::IsShown(*shown, value)) {
+        return confirmed;
+    }
+    return shown ? "not confirmed, the station has " + core::NumberText(*shown) : "not confirmed";
 }
 
 }  // namespace
@@ -68,8 +90,15 @@ bool write_gascomposition(Workplace& place, protocols::Conversation& talk) {
          place.dbconn.Query("select * from write_gc where locationid=? order by cast(startaddress as integer)",
                             {talk.station.locationID})) {
         const auto number = RegisterOf(row.Text("startaddress"));
-        if (!number || protocols::ModbusWrite(talk, protocols::ModbusDatum::Float, *number - 1,
-                                              row.Number("lastvalue")) != protocols::WriteOutcome::Done) {
+        const std::string answer =
+            number ? Put(talk, *number, row.Number("lastvalue")) : "not sent, it has no register";
+        core::Guarded(place.logs, [&] {
+            place.logs.WriteAudit(place.logs.Stamp() + ": User " + talk.currentuser + " asked for " +
+                                  core::NumberText(row.Number("lastvalue")) + " in " +
+                                  core::Trim(row.Text("description")) + " of the gas composition of RTU " +
+                                  talk.station.consumer + ": " + answer + ".");
+        });
+        if (answer != confirmed) {
             place.logs.WriteRtuErr("Gas composition write not complete / RTU not available");
             return false;
         }

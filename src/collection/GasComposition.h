@@ -37,8 +37,9 @@ void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const s
 double GasSum(const std::vector<GasComponent>& components);
 
 // Writes the wanted composition into the station of a conversation whose line is up, register by register. The first
-// row that the station does not acknowledge ends it, with a line in RTU_Err.log: the station then calculates with a
-// part of the new values. So does a row without a register. Tells whether all were written. Throws DatabaseError.
+// row that the station does not show afterwards ends it, with a line in RTU_Err.log: the station then calculates with a
+// part of the new values. So does a row without a register. Tells whether all were written; what came of each is in the
+// audit trail. Throws DatabaseError.
 //
 // It stands ready: no run starts it, whatever `gasauto` says.
 bool write_gascomposition(Workplace& place, protocols::Conversation& talk);

@@ -1,14 +1,20 @@
 #include "core/Logs.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/MAIN_Module.h"
+#include "core/Text.h"
 
 namespace core {
 
@@ -54,6 +60,50 @@ std::string WithLineEnds(const std::string& text) {
     return out;
 }
 
+// A name that no file has yet: "TTS_2026-11-25_080509.txt", with a number behind it where there is one of that second.
+std::filesystem::path FreeName(const std::filesystem::path& directory, const std::string& stem, const char* extension,
+                               const DateTime& now) {
+    const std::string dated = stem + "_" + ReplaceAll(ReplaceAll(IsoText(now), " ", "_"), ":", "");
+    auto path = directory / (dated + extension);
+    for (int number = 2; std::filesystem::exists(path); ++number) {
+        path = directory / (dated + "_" + std::to_string(number) + extension);
+    }
+    return path;
+}
+
+// A new file of lines that is on the disk when it is closed, and not there when it was not. Throws std::system_error.
+class KeptFile {
+  public:
+    explicit KeptFile(std::filesystem::path path) : path_(std::move(path)), file_(std::fopen(path_.c_str(), "wx")) {
+        Check(file_ != nullptr);
+    }
+    ~KeptFile() {
+        if (file_ != nullptr) {
+            std::fclose(file_);
+            std::error_code ignored;
+            std::filesystem::remove(path_, ignored);
+        }
+    }
+    KeptFile(const KeptFile&) = delete;
+    KeptFile& operator=(const KeptFile&) = delete;
+
+    void Line(const std::string& text) { Check(std::fputs((text + "\r\n").c_str(), file_) >= 0); }
+    void Close() {
+        Check(std::fflush(file_) == 0 && fsync(fileno(file_)) == 0);
+        Check(std::fclose(std::exchange(file_, nullptr)) == 0);
+    }
+
+  private:
+    void Check(bool good) const {
+        if (!good) {
+            throw std::system_error(errno, std::generic_category(), path_.filename().string());
+        }
+    }
+
+    std::filesystem::path path_;
+    std::FILE* file_;
+};
+
 }  // namespace
 
 bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text) {
@@ -93,8 +143,20 @@ LogText Logs::ReadAudit(std::size_t limit) const {
     return {LastPart(text, limit), size <= limit};
 }
 
-void Logs::ClearAudit() {
-    dbconn_.Execute("delete from TTS_table");
+std::string Logs::ClearAudit() {
+    const auto last = dbconn_.First("select max(rowid) as place from TTS_table");
+    if (!last || last->IsNull("place")) {
+        return {};
+    }
+    const auto file = FreeName(shared_.directory, "TTS", ".txt", clock_.Now());
+    {
+        KeptFile kept(file);
+        dbconn_.Each("select LOG from TTS_table where rowid <= ? order by rowid", {last->Long("place")},
+                     [&](const RowInHand& row) { kept.Line(row.Text(0)); });
+        kept.Close();
+    }
+    dbconn_.Execute("delete from TTS_table where rowid <= ?", {last->Long("place")});
+    return file.filename().string();
 }
 
 bool Logs::WriteRtuErr(const std::string& text) {
@@ -123,9 +185,7 @@ LogText Logs::ReadRtuErr(std::size_t limit) const {
 
 std::error_code Logs::ClearRtuErr() {
     std::error_code failure;
-    if (!std::filesystem::remove(shared_.rtuErrPath, failure) && !failure) {
-        return std::make_error_code(std::errc::no_such_file_or_directory);
-    }
+    std::filesystem::rename(shared_.rtuErrPath, FreeName(shared_.directory, "RTU_Err", ".log", clock_.Now()), failure);
     return failure;
 }
 

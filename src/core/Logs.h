@@ -36,8 +36,10 @@ class Logs {
     // The audit trail in table order, or as many of its last lines as the limit holds. Throws DatabaseError.
     LogText ReadAudit(std::size_t limit = logTextLimit) const;
 
-    // Takes all lines away. Throws DatabaseError.
-    void ClearAudit();
+    // Takes all lines away, once they are on the disk in a file of their own beside the database,
+    // "TTS_2026-11-25_080509.txt": its name, empty when there was no line. Throws DatabaseError, or std::system_error
+    // when that file cannot be written; then nothing is taken away.
+    std::string ClearAudit();
 
     // The same, of this desk.
     bool WriteRtuErr(const std::string& text);
@@ -46,7 +48,7 @@ class Logs {
     // Throws std::system_error when there is one that cannot be read.
     LogText ReadRtuErr(std::size_t limit = logTextLimit) const;
 
-    // Deletes RTU_Err.log. Tells why not; a file that is not there is such an error.
+    // RTU_Err.log becomes "RTU_Err_2026-11-25_080509.log". Tells why not; a file that is not there is such an error.
     std::error_code ClearRtuErr();
 
     // A title or a line of bytes of the BSAP traffic, into log.txt; nothing while logGenflag is false.

@@ -28,6 +28,35 @@ bool IsTaken(Database& dbconn, const std::string& userid, const std::string& edi
     return IsSuperUser(userid) || dbconn.First("select userid from users where userid = ?", {userid});
 }
 
+// Levels are found by the first name, under the user id of whoever asks. So a first name that is another's user id
+// gives that one these levels, and a user id that is another's first name takes that one's.
+std::optional<UserFault> LevelsFault(Database& dbconn, const UserRecord& user, const std::string& editedId) {
+    const auto edited = editedId.empty() ? std::nullopt : ReadUser(dbconn, editedId);
+    if (!editedId.empty() && !edited) {
+        return std::nullopt;
+    }
+    const auto others = [&](const char* column, const std::string& name) {
+        return dbconn.First(std::string("select userid from users where userid <> ? and ") + column + " = ?",
+                            {editedId, name});
+    };
+    const std::string userid = Trim(user.userid);
+    if (!edited || !SameText(edited->firstname, user.firstname)) {
+        if (const auto other = others("userid", user.firstname)) {
+            return UserFault{"The first name is the user id of " + other->Text("userid") +
+                                 ", who would have the levels of this user",
+                             "txtfirstname"};
+        }
+    }
+    if (!edited || !SameText(edited->userid, userid)) {
+        if (const auto other = others("firstname", userid)) {
+            return UserFault{
+                "The user id is the first name of " + other->Text("userid") + ": this user would have those levels",
+                "txtuser"};
+        }
+    }
+    return std::nullopt;
+}
+
 // The values of a row in the order of the statements below.
 std::vector<Value> Values(const UserRecord& user) {
     return {user.firstname,      user.lastname,    Trim(user.userid),  ScramblePassword(user.password).value(),
@@ -104,6 +133,9 @@ std::optional<UserFault> CheckUser(Database& dbconn, const UserRecord& user, con
     }
     if (IsTaken(dbconn, Trim(user.userid), editedId)) {
         return UserFault{"User Already Exists", "txtuser"};
+    }
+    if (const auto fault = LevelsFault(dbconn, user, editedId)) {
+        return fault;
     }
     if (!ScramblePassword(user.password)) {
         return UserFault{"The password cannot be stored: it is too long or holds a character that is out of range",

@@ -92,7 +92,8 @@ AccessLevel CheckWriteLevel(Database& dbconn, const std::string&, int RS, int WS
 LoginOutcome CheckPassword(Database& dbconn, const std::string& userid, const std::string& password) {
     const auto user = UserRow(dbconn, userid);
     const auto stored = ScramblePassword(password);
-    if (!user || !stored || *stored != user->Text("password")) {
+    // A row without a password opens nothing, the empty text of the field least of all.
+    if (!user || !stored || user->IsNull("password") || *stored != user->Text("password")) {
         return LoginOutcome::Refused;
     }
     // Nothing here sets logon: the flag is true only when somebody set it outside the program, to keep a user out.

@@ -16,6 +16,8 @@ StationLineOptions WayOf(Screen screen) {
     StationLineOptions way;
     way.ofSession = screen != Screen::frmarchive;
     way.ownCall = screen != Screen::frmparaarchive;
+    // A session signs on without the password that opens a station's archive.
+    way.signsOn = screen != Screen::frmarchive;
     way.lineUp.signOn.password = screen == Screen::frmarchive ? "" : protocols::screenPassword;
     way.lineUp.signOn.logs = protocols::SignOnLog::None;
     way.lineUp.signOnTries = 1;

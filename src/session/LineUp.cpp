@@ -3,6 +3,7 @@
 #include "protocols/BsapLink.h"
 #include "protocols/Modem.h"
 #include "session/Speaks.h"
+#include "session/WriteAnswer.h"
 
 namespace session {
 
@@ -54,6 +55,11 @@ void Call(protocols::Conversation& talk, LineUpOutcome& outcome) {
     }
 }
 
+// A BSAP station's sign-on leaves the same line.
+void LeaveConnected(protocols::Conversation& talk) {
+    LeaveAudit(talk.logs, talk.currentuser, "connected to RTU " + talk.station.consumer + ".");
+}
+
 }  // namespace
 
 LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& options) {
@@ -72,6 +78,9 @@ LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& op
         outcome.failure = Told(talk, talk.line->Reason());
     }
     outcome.up = outcome.failure.empty() && !talk.Ended();
+    if (outcome.up && !signsOn) {
+        LeaveConnected(talk);
+    }
     return outcome;
 }
 

@@ -1,19 +1,25 @@
 #pragma once
 
 #include <span>
-#include <vector>
+#include <string>
 
 #include "core/Clock.h"
 #include "protocols/Conversation.h"
 #include "session/ParameterSet.h"
-#include "session/WriteRequest.h"
+#include "session/WriteAnswer.h"
 
 // What an operator has asked for, put on the line between two reads of a station.
 namespace session {
 
-// Writes over Modbus, in up to three tries. True: the station has acknowledged it. Otherwise a box says that it could
-// not be written, unless the conversation ended.
-bool pending_write_request_mbus(protocols::Conversation& talk, const WriteRequest& request);
+// How a value went out over Modbus.
+struct WriteSent {
+    WriteAnswer answer;
+    bool mayFollow = false;  // the station may take the value yet: the next polls will tell
+};
+
+// Writes over Modbus, in up to three tries, and reads back. A box says that the value could not be written where the
+// station neither acknowledged nor shows it. Of a conversation that ended meanwhile the answer says nothing.
+WriteSent pending_write_request_mbus(protocols::Conversation& talk, const WriteRequest& request);
 
 // Writes over BSAP: once, and what the station says to it is not examined. Whether it has the value shows at the next
 // read.
@@ -22,9 +28,17 @@ void pending_write_request_bsap(protocols::Conversation& talk, const WriteReques
 // The same for several analog signals in one message.
 void pending_mul_write_request_bsap(protocols::Conversation& talk, std::span<const WriteRequest> requests);
 
-// Sets the station's clock: year, month, day, hour, minute, second, and last the switch that takes them over. The
-// elements are found in the station's map by their names. False: the map has no such elements, nothing was sent; or an
-// element could not be written, and nothing was sent behind it.
-bool SetStationTime(protocols::Conversation& talk, const ParameterSet& set, const core::DateTime& time);
+// What was sent to set a station's clock.
+struct TimeSent {
+    WriteResult result = WriteResult::NotSent;  // NotConfirmed: all of it is out
+    core::DateTime time{};                      // that the station was given
+    std::string reason{};
+};
+
+// Sets the station's clock to the time of this computer: year, month, day, hour, minute, second, and last the switch
+// that takes them over. Since the elements take their time, they carry the moment at which the switch will go out, and
+// it waits for that moment. The elements are found in the station's map by their names; none is sent that was not read
+// in this connection.
+TimeSent SetStationTime(protocols::Conversation& talk, const ParameterSet& set);
 
 }  // namespace session

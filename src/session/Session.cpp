@@ -5,11 +5,10 @@
 
 #include "collection/Scheduler.h"
 #include "core/Database.h"
-#include "core/Text.h"
+#include "core/Settings.h"
 #include "protocols/Modem.h"
 #include "session/LineUp.h"
 #include "session/LivePoll.h"
-#include "session/ServeWrite.h"
 #include "session/Speaks.h"
 
 namespace session {
@@ -46,7 +45,7 @@ Session::Session(const collection::Workplace& place, const collection::Scheduler
       scheduler_(scheduler),
       station_(StationOf(place.dbconn, locationID)),
       look_(LookOf(place.dbconn, locationID)) {
-    LoadSet();
+    TakeStream(streamno_);
 }
 
 Session::~Session() = default;
@@ -55,8 +54,9 @@ bool Session::IsAga3() const {
     return station_.isCW ? station_.ModelText(streamno_) == "AGA3" : look_.aga3_7;
 }
 
-void Session::LoadSet() {
-    set_.Load(place_.dbconn, station_.locationID, streamno_, Speaks(station_, "Modbus"));
+void Session::TakeStream(int streamno) {
+    set_.Load(place_.dbconn, station_.locationID, streamno, Speaks(station_, "Modbus"));
+    streamno_ = streamno;
     watch_.Forget();
     alarms_.clear();
     valuesAt_.reset();
@@ -106,14 +106,23 @@ bool Session::TakeLine() {
         return false;
     }
     station_ = StationOf(place_.dbconn, station_.locationID);
+    // What an earlier connection read says nothing of this one: the program of the station, or its map, may be another.
+    TakeStream(streamno_);
+    if (Speaks(station_, "BSAP")) {
+        set_.ForEach([](ParameterRow& row) { row.MSD = 0; });
+    }
     lease->WhenEnded([this] { LineEnded(); });
     talk_ = std::make_unique<protocols::Conversation>(protocols::Conversation{
         lease, place_.clock, view_, place_.logs, place_.counters, station_, place_.shared.currentuser, streamno_});
     talk_->modbus.rtu32bit = station_.rtuBitsMode;
-    talk_->wanted = [this] { return !writing_ && (!pending_.empty() || timeRequest_ || pendingStream_ || guest_); };
+    talk_->wanted = [this] {
+        const bool turns = pendingStream_ && sent_.empty() && !timeSent_;
+        return !writing_ && (!pending_.empty() || timeRequest_ || turns || guest_);
+    };
     endReason_.clear();
     collstatus_ = true;
     polled_ = marked_ = disconnectPressed_ = called_ = false;
+    view_.Drawn();
     return true;
 }
 
@@ -149,30 +158,49 @@ void Session::Loop() {
         return;
     }
     polled_ = true;
+    failedPolls_ = 0;
+    survived_ = core::ReadSetting(place_.dbconn, core::Setting::FailedPolls);
     while (collstatus_ && !talk_->Ended()) {
         ServeRequests();
         if (talk_->Ended()) {
             return;
         }
+        const core::DateTime begun = place_.clock.Now();
         const collection::ReadOutcome outcome = poll_->Read();
         if (talk_->Ended()) {
             return;
         }
-        Refresh();
+        Refresh(outcome != collection::ReadOutcome::Failed);
         Store();
+        const bool survives = Survives(outcome);
+        Judge(outcome, begun);
         place_.clock.WaitMs(0);
-        if (outcome == collection::ReadOutcome::Failed && !talk_->Ended()) {
+        if (!survives && !talk_->Ended()) {
             Fail("Remote Station not Responding");
         }
     }
 }
 
-void Session::Refresh() {
+// One poll that fails is weather; the operator sees how many have.
+bool Session::Survives(collection::ReadOutcome outcome) {
+    if (outcome == collection::ReadOutcome::Whole && std::exchange(failedPolls_, 0) > 0) {
+        view_.Request("");
+    }
+    if (outcome == collection::ReadOutcome::Failed && ++failedPolls_ <= survived_) {
+        view_.Request("Failed polls in a row: " + std::to_string(failedPolls_) + ". The session ends at " +
+                      std::to_string(survived_ + 1) + ".");
+    }
+    return failedPolls_ <= survived_;
+}
+
+void Session::Refresh(bool received) {
     // The alarm limits of the CW models stand elsewhere: their live values have no colours.
     if (!station_.isCW) {
         alarms_ = watch_.Judge(set_);
     }
-    valuesAt_ = place_.clock.Now();
+    if (received) {
+        valuesAt_ = place_.clock.Now();
+    }
     view_.Refreshed();
 }
 
@@ -193,7 +221,8 @@ void Session::ServeRequests() {
     if (timeRequest_ && !talk_->Ended()) {
         ServeTime();
     }
-    if (pendingStream_ && !talk_->Ended()) {
+    // A write and the clock have their answer first: it comes under the names of this stream.
+    if (pendingStream_ && sent_.empty() && !timeSent_ && !talk_->Ended()) {
         ServeStream();
     }
     if (guest_ && !talk_->Ended()) {
@@ -201,46 +230,30 @@ void Session::ServeRequests() {
     }
 }
 
-void Session::ServeWrites() {
-    writing_ = true;
-    if (Speaks(station_, "Modbus")) {
-        while (!pending_.empty() && !talk_->Ended()) {
-            pending_write_request_mbus(*talk_, pending_.front());
-            if (!talk_->Ended()) {
-                pending_.erase(pending_.begin());
-            }
-        }
-    } else if (pending_.size() == 1) {
-        pending_write_request_bsap(*talk_, pending_.front());
-    } else {
-        pending_mul_write_request_bsap(*talk_, pending_);
-    }
-    // Cut off on its way: whoever ended the session finds it still in the list.
-    if (!talk_->Ended()) {
-        writing_ = false;
-        pending_.clear();
-        view_.Request("");
-    }
-}
-
-void Session::ServeTime() {
-    writing_ = true;
-    const bool set = SetStationTime(*talk_, set_, *timeRequest_);
-    writing_ = false;
-    timeRequest_.reset();
-    if (set) {
-        place_.logs.WriteAudit(place_.logs.Stamp() + ": User " + talk_->currentuser + " set the time of RTU " +
-                               station_.consumer + ".");
-    }
-    view_.Request("");
-}
-
+// A stream that cannot be taken leaves the one in hand as it was.
 void Session::ServeStream() {
-    streamno_ = *pendingStream_;
-    pendingStream_.reset();
-    talk_->streamno = streamno_;
-    LoadSet();
-    poll_->Prepare();
+    const int wanted = *std::exchange(pendingStream_, std::nullopt);
+    const int before = streamno_;
+    const ParameterSet set = set_;
+    const auto alarms = alarms_;
+    const auto valuesAt = valuesAt_;
+    std::string failure;
+    try {
+        TakeStream(wanted);
+        talk_->streamno = streamno_;
+        failure = poll_->Prepare() ? "" : "No Modbus Address Found";
+    } catch (const std::exception& thrown) {
+        failure = thrown.what();
+    }
+    if (!failure.empty()) {
+        streamno_ = talk_->streamno = before;
+        set_ = set;
+        alarms_ = alarms;
+        valuesAt_ = valuesAt;
+        poll_->Prepare();
+        place_.logs.WriteRtuErr("Stream " + std::to_string(wanted) + ": " + failure);
+        view_.Box("Stream " + std::to_string(wanted) + " cannot be shown: " + failure);
+    }
     view_.Drawn();
 }
 
@@ -250,69 +263,11 @@ void Session::ChooseStream(int streamno) {
     }
     pendingStream_ = streamno;
     if (state_ == State::Idle) {
-        streamno_ = streamno;
         pendingStream_.reset();
-        LoadSet();
+        TakeStream(streamno);
         view_.Drawn();
     } else if (state_ == State::Connected) {
         ServeStream();
-    }
-}
-
-// Requests -----------------------------------------------------------------------------------------------------------
-
-WriteContext Session::Context() const {
-    return {place_.dbconn, place_.logs, station_, streamno_, place_.shared.currentuser};
-}
-
-std::string Session::Check(const RowPlace& place, const std::string& text) const {
-    return CheckWrite(Context(), set_, place, text).refusal;
-}
-
-std::string Session::AskWrite(const RowPlace& place, const std::string& text) {
-    return AskMultipleWrite({{place, text}});
-}
-
-std::string Session::AskMultipleWrite(const std::vector<Entry>& entries) {
-    if (!PollingActive() || WritePending()) {
-        return WritePending() ? requestPending : "Not connected";
-    }
-    std::vector<WriteRequest> requests;
-    for (const Entry& entry : entries) {
-        const WriteCheck check = CheckWrite(Context(), set_, entry.place, entry.text);
-        if (!check.request) {
-            return check.refusal;
-        }
-        requests.push_back(*check.request);
-    }
-    return Enter(requests);
-}
-
-std::string Session::Enter(const std::vector<WriteRequest>& requests) {
-    if (requests.empty()) {
-        return {};
-    }
-    place_.dbconn.InTransaction([&] {
-        for (const WriteRequest& request : requests) {
-            EnterWrite(Context(), request);
-        }
-    });
-    for (const WriteRequest& request : requests) {
-        ParameterRow& row = set_.At(request.place);
-        row.lastvalue = request.writeValue;
-        row.pending = true;
-    }
-    pending_ = requests;
-    view_.Request(requestPending);
-    view_.Refreshed();
-    return {};
-}
-
-void Session::AskTime() {
-    if (PollingActive() && !timeRequest_) {
-        timeRequest_ = place_.clock.Now();
-        view_.Request(requestPending);
-        view_.StateChanged();
     }
 }
 
@@ -379,32 +334,6 @@ void Session::Finish() {
     view_.Status("Disconnected");
     TurnTo(State::Idle);
     view_.Ended(disconnectPressed_ ? std::string() : reason, polled_);
-}
-
-// What was asked for and never went out is not sent any more, and to no other station: the map and the trail say so.
-// Of what was cut off on its way nobody knows whether the station has it.
-void Session::DropRequests(const std::string& reason) {
-    const auto requests = std::exchange(pending_, {});
-    const bool onItsWay = std::exchange(writing_, false);
-    timeRequest_.reset();
-    pendingStream_.reset();
-    if (auto guest = std::exchange(guest_, std::nullopt)) {
-        guest->work(nullptr);
-    }
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-        const WriteRequest& request = requests[i];
-        const bool sent = onItsWay && (i == 0 || !Speaks(station_, "Modbus"));
-        core::Guarded(place_.logs, [&] {
-            sent ? NoteCutOff(Context(), request, reason) : TakeBackWrite(Context(), request, reason);
-        });
-        ParameterRow& row = set_.At(request.place);
-        row.lastvalue = sent ? row.lastvalue : request.oldValue;
-        row.pending = sent;
-        view_.Request((sent ? "Cut off while being sent: " : "Not sent: ") + request.Description + " (" + reason + ")");
-    }
-    if (!requests.empty()) {
-        view_.Refreshed();
-    }
 }
 
 void Session::MarkSampled(bool sampled) {

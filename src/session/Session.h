@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "collection/BulkRead.h"
 #include "collection/Workplace.h"
 #include "core/Clock.h"
 #include "core/Feedback.h"
 #include "core/Station.h"
 #include "session/AlarmLimits.h"
 #include "session/ParameterSet.h"
+#include "session/WriteAnswer.h"
 #include "session/WriteRequest.h"
 
 namespace collection {
@@ -85,17 +87,18 @@ class Session {
     void ChooseStream(int streamno);
 
     // Asks for a value to be written. Empty: it is in the station's map and pending; else why not, for the operator.
+    // What comes of it is told by the view's Request, and by a box unless the station has the value.
     std::string AskWrite(const RowPlace& place, const std::string& text);
     // Judges a value for a row without asking for it.
     std::string Check(const RowPlace& place, const std::string& text) const;
-    // Asks for several values to be written together, by BSAP in one message. Empty, or why not; then none is asked
-    // for.
+    // Asks for several values to be written together, by BSAP in one message; over Modbus one after the other, up to
+    // the first that the station does not take. Empty, or why not; then none is asked for.
     struct Entry {
         RowPlace place;
         std::string text;
     };
     std::string AskMultipleWrite(const std::vector<Entry>& entries);
-    // Asks for the station's clock to be set to the present time of this computer.
+    // Asks for the station's clock to be set to the time of this computer.
     void AskTime();
 
     // Another screen's work with the station that this session has on the line.
@@ -109,8 +112,11 @@ class Session {
 
     State GetState() const { return state_; }
     bool PollingActive() const { return state_ == State::Polling; }
-    bool WritePending() const { return !pending_.empty() || writing_; }
-    bool TimePending() const { return timeRequest_.has_value(); }
+    // A write that was asked for has no answer yet.
+    bool WritePending() const { return !pending_.empty() || writing_ || !sent_.empty(); }
+    // What came of the last write, for the operator.
+    const std::string& LastAnswer() const { return lastAnswer_; }
+    bool TimePending() const { return timeRequest_ || timeSent_; }
     const core::Station& GetStation() const { return station_; }
     const StationLook& Look() const { return look_; }
     int StreamNo() const { return streamno_; }
@@ -123,21 +129,40 @@ class Session {
     std::optional<core::DateTime> ValuesAt() const { return valuesAt_; }
 
   private:
+    // A value that is out and was not yet seen at the station.
+    struct SentWrite {
+        WriteRequest request;
+        std::string reason;  // why it is in doubt
+        core::DateTime at;
+        int polls = 0;  // that did not show it
+    };
+
     void Run(void (Session::*command)());
     bool TakeLine();
     void LineUp();
     void Loop();
     void ServeRequests();
     void ServeWrites();
+    void ServeModbusWrites();
     void ServeTime();
     void ServeStream();
     void ServeGuest();
-    void Refresh();
+    void Refresh(bool received);
+    bool Survives(collection::ReadOutcome outcome);
+    // What the poll that began then shows of what was sent.
+    void Judge(collection::ReadOutcome outcome, const core::DateTime& begun);
+    bool IsLate(const core::DateTime& sentAt) const;
+    bool JudgeWrite(SentWrite& sent, bool counts);
+    void JudgeTime(bool counts, const core::DateTime& begun);
+    void Answer(const WriteRequest& request, const WriteAnswer& answer);
+    void AnswerTime(const std::string& user, WriteResult result, const std::string& reason);
+    void TellAnswers(bool inBox);
+    std::vector<ParameterRow*> ClockRows();
     void Store();
 
     WriteContext Context() const;
     std::string Enter(const std::vector<WriteRequest>& requests);
-    void LoadSet();
+    void TakeStream(int streamno);
     void TurnTo(State state);
     void LineEnded();
     void DropRequests(const std::string& reason);
@@ -169,7 +194,19 @@ class Session {
 
     std::vector<WriteRequest> pending_;
     bool writing_ = false;  // they are on the line
-    std::optional<core::DateTime> timeRequest_;
+    std::vector<SentWrite> sent_;
+    std::vector<AnsweredWrite> answered_;  // not told yet
+    std::string lastAnswer_;
+    bool boxed_ = false;                      // a box has told of one of them
+    std::optional<std::string> timeRequest_;  // by whom
+    struct SentTime {
+        std::string user;
+        core::DateTime time;
+        int polls = 0;
+    };
+    std::optional<SentTime> timeSent_;
+    int failedPolls_ = 0;  // in a row
+    int survived_ = 0;     // as many of them
     std::optional<int> pendingStream_;
 
     struct Guest {

@@ -4,17 +4,14 @@
 
 #include "core/Database.h"
 #include "core/Logs.h"
+#include "core/Quality.h"
 #include "core/Text.h"
-#include "core/Users.h"
-#include "session/Speaks.h"
 #include "session/ValueText.h"
-#include "stations/TemplateQueries.h"
+#include "session/WriteLevels.h"
 
 namespace session {
 
 namespace {
-
-constexpr const char* lowerLevel = "Could not set. Lower user level.";
 
 bool Fits(double value, DataKind kind) {
     switch (kind) {
@@ -28,25 +25,12 @@ bool Fits(double value, DataKind kind) {
     return true;
 }
 
-// Levels are those of the template that the station's map was made from. A parameter without one is nobody's to write.
-bool MayWrite(const WriteContext& context, const std::string& description) {
-    const std::string table =
-        context.station.isCW ? stations::CwTable(context.station.ModelText(context.streamno)) : "Parameter";
-    if (table.empty()) {
-        return false;
-    }
-    const auto levels =
-        context.dbconn.First("select RS,WS,description from " + table + " where description = ?", {description});
-    return levels && core::CheckWriteLevel(context.dbconn, description, static_cast<int>(levels->Long("RS")),
-                                           static_cast<int>(levels->Long("WS")),
-                                           context.currentuser) == core::AccessLevel::ReadWrite;
-}
-
-bool SetValue(const WriteContext& context, const WriteRequest& request, double value) {
-    return context.dbconn.Execute(
-               "update configdata_detail set lastvalue=? where description=? and AGA = ? and streamNo=? and "
-               "locationid = ?",
-               {value, request.Description, request.aga, context.streamno, context.station.locationID}) > 0;
+// As it stands in the map; null: never read.
+core::Value QualityIn(const WriteContext& context, const WriteRequest& request) {
+    const auto row = context.dbconn.First(
+        "select quality from configdata_detail where description=? and AGA = ? and streamNo=? and locationid = ?",
+        {request.Description, request.aga, context.streamno, context.station.locationID});
+    return row ? (*row)[0] : core::Value();
 }
 
 }  // namespace
@@ -54,6 +38,7 @@ bool SetValue(const WriteContext& context, const WriteRequest& request, double v
 WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, const RowPlace& place,
                       const std::string& text) {
     const ParameterRow& row = set.At(place);
+    const std::string shown = ValueCell(row, context.station.isCW);
     const auto number = core::EnteredNumber(text);
     const auto value = number || row.kind != DataKind::Logical
                            ? number
@@ -61,14 +46,13 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
     if (!value || !Fits(*value, row.kind)) {
         return {std::nullopt, enterProperData};
     }
-    if (!MayWrite(context, row.Description)) {
+    if (!MayWriteParameter(context.dbconn, context.station, context.streamno, row.Description, context.currentuser)) {
         return {std::nullopt, lowerLevel};
     }
-    // A station's own address of a signal is known once the signal was read; before that it may be another station's
-    // or none.
-    const bool isBsap = Speaks(context.station, "BSAP");
-    if (row.MSD <= 0 || (isBsap && !row.read)) {
-        return {std::nullopt, "The value has not been read yet"};
+    // A value that this connection has not read may be another one's by now: the station's program or its map may have
+    // changed since.
+    if (row.MSD <= 0 || !row.read) {
+        return {std::nullopt, neverRead};
     }
     WriteRequest request;
     request.place = place;
@@ -78,37 +62,25 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
     request.writeAddress = row.MSD;
     request.writeValue = *value;
     request.oldValue = row.lastvalue;
-    request.oldText = ValueCell(row, context.station.isCW);
+    request.oldText = shown;
     request.newText = core::Trim(text);
+    request.user = context.currentuser;
+    request.oldQuality = QualityIn(context, request);
     return {request, {}};
 }
 
 void EnterWrite(const WriteContext& context, const WriteRequest& request) {
-    context.dbconn.InTransaction([&] {
-        if (!SetValue(context, request, request.writeValue)) {
-            throw core::DatabaseError("This parameter is no longer in the station's map: " + request.Description);
-        }
-        if (request.newText != request.oldText || request.writeValue != request.oldValue) {
-            context.logs.WriteAudit(context.logs.Stamp() + ": User " + context.currentuser +
-                                    " changed value of parameter " + request.Description + " from " + request.oldText +
-                                    " to " + request.newText + ".");
-        }
-    });
-}
-
-void TakeBackWrite(const WriteContext& context, const WriteRequest& request, const std::string& reason) {
-    context.dbconn.InTransaction([&] {
-        SetValue(context, request, request.oldValue);
-        context.logs.WriteAudit(context.logs.Stamp() + ": User " + context.currentuser + " value " + request.newText +
-                                " of parameter " + request.Description + " was not sent to RTU " +
-                                context.station.consumer + ": " + reason + ".");
-    });
-}
-
-void NoteCutOff(const WriteContext& context, const WriteRequest& request, const std::string& reason) {
-    context.logs.WriteAudit(context.logs.Stamp() + ": User " + context.currentuser + " value " + request.newText +
-                            " of parameter " + request.Description + " was cut off on its way to RTU " +
-                            context.station.consumer + ", whether it has it is not known: " + reason + ".");
+    const bool entered = context.dbconn.Execute(
+                             "update configdata_detail set lastvalue=?, quality=? where description=? and AGA = ? and "
+                             "streamNo=? and locationid = ?",
+                             {request.writeValue, std::string(core::QualityText(core::Quality::NotConfirmed)),
+                              request.Description, request.aga, context.streamno, context.station.locationID}) > 0;
+    if (!entered) {
+        throw core::DatabaseError("This parameter is no longer in the station's map: " + request.Description);
+    }
+    context.logs.WriteAudit(context.logs.Stamp() + ": User " + request.user + " asked to change parameter " +
+                            request.Description + " of RTU " + context.station.consumer + " from " + request.oldText +
+                            " to " + request.newText + ".");
 }
 
 }  // namespace session

@@ -4,13 +4,13 @@
 #include <optional>
 #include <string>
 
+#include "core/Database.h"
 #include "core/Station.h"
 #include "session/ParameterSet.h"
 
 namespace core {
-class Database;
 class Logs;
-}  // namespace core
+}
 
 namespace session {
 
@@ -25,6 +25,8 @@ struct WriteRequest {
     double oldValue = 0;
     std::string oldText;
     std::string newText;
+    std::string user;        // who asked for it
+    core::Value oldQuality;  // as it stood in the map; null: none
 };
 
 // Who writes to what.
@@ -45,23 +47,20 @@ struct WriteCheck {
 // The refusal of a text that is none for the row, as opposed to a write that may not be.
 inline constexpr const char* enterProperData = "Enter Proper Data";
 
+// The refusal of a row that was not read since the line came up.
+inline constexpr const char* neverRead = "The value has not been read in this connection: it takes no write";
+
 // While a request waits for its turn on the line.
 inline constexpr const char* requestPending = "Write Request Pending.....";
 
 // Judges a text that was entered for a row: a number, or for a switch one of its words or 1 or 0; within what the
-// row's kind holds; of a row whose address is known; by a user who may write it. Changes nothing. Throws DatabaseError.
+// row's kind holds; of a row that was read in this connection; by a user who may write it. Changes nothing. Throws
+// DatabaseError.
 WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, const RowPlace& place,
                       const std::string& text);
 
-// Enters the value in the station's map, before it is on the line, and leaves the line in the audit trail unless
-// nothing was changed. Throws DatabaseError.
+// Enters the value in the station's map, not confirmed, before it is on the line, and leaves in the audit trail what
+// was asked for. What comes of it is left there by Settle. Throws DatabaseError.
 void EnterWrite(const WriteContext& context, const WriteRequest& request);
-
-// The request never went out: the map has the old value again, and the audit trail says so. Throws DatabaseError.
-void TakeBackWrite(const WriteContext& context, const WriteRequest& request, const std::string& reason);
-
-// The request was cut off on its way: the audit trail says that nobody knows what the station has. Throws
-// DatabaseError.
-void NoteCutOff(const WriteContext& context, const WriteRequest& request, const std::string& reason);
 
 }  // namespace session

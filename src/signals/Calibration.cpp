@@ -212,7 +212,7 @@ std::string Calibration::Ask(Transmitter transmitter, CalibrationCommand command
         }
         request.applied = *number;
     }
-    if (!MayWriteSignals(dbconn_, talk_->currentuser)) {
+    if (!MayCalibrate(dbconn_, talk_->currentuser)) {
         LeaveAudit(request, {"", lowerLevel});
         return lowerLevel;
     }

@@ -1,14 +1,15 @@
 #include "signals/SignalWriting.h"
 
+#include "core/Settings.h"
 #include "core/Text.h"
 #include "core/Users.h"
+#include "session/WriteAnswer.h"
+#include "session/WriteLevels.h"
 #include "signals/SignalAccess.h"
 
 namespace signals {
 
 namespace {
-
-constexpr int lowestLevel = 1;
 
 bool Shows(const Signal& now, const SignalWrite& write) {
     if (write.text) {
@@ -25,14 +26,41 @@ Answer Send(protocols::Conversation& talk, const SignalWrite& write) {
     return WriteNumber(talk, write.signal.MSD, write.value, kind);
 }
 
-std::string Event(const protocols::Conversation& talk, const std::string& what) {
-    return talk.logs.Stamp() + ": User " + talk.currentuser + " " + what;
+// Some stations show a value a moment after they took it: one that still shows the old value is asked again.
+ReadAnswer ReadBack(protocols::Conversation& talk, const SignalWrite& write) {
+    constexpr int mostReads = 3;
+    ReadAnswer back{Answer::Ended};
+    for (int reads = 0; reads < mostReads && !talk.Ended(); ++reads) {
+        back = ReadByAddress(talk, write.signal.MSD);
+        const bool stillOld = back.answer == Answer::Good && !Shows(back.signals.front(), write) &&
+                              ValueText(back.signals.front()) == ValueText(write.signal);
+        if (!stillOld) {
+            break;
+        }
+    }
+    return talk.Ended() ? ReadAnswer{Answer::Ended} : back;
+}
+
+bool HasLevel(core::Database& dbconn, const std::string& currentuser, core::Setting level) {
+    constexpr int lowestReadLevel = 1;
+    return core::CheckWriteLevel(dbconn, "", lowestReadLevel, core::ReadSetting(dbconn, level), currentuser) ==
+           core::AccessLevel::ReadWrite;
 }
 
 }  // namespace
 
 bool MayWriteSignals(core::Database& dbconn, const std::string& currentuser) {
-    return core::CheckWriteLevel(dbconn, "", lowestLevel, lowestLevel, currentuser) == core::AccessLevel::ReadWrite;
+    return HasLevel(dbconn, currentuser, core::Setting::SignalWriteLevel);
+}
+
+bool MayWriteSignal(core::Database& dbconn, const core::Station& station, const Signal& signal,
+                    const std::string& currentuser) {
+    return MayWriteSignals(dbconn, currentuser) &&
+           (core::IsSuperUser(currentuser) || !session::IsMeasuredSignal(dbconn, station, signal.MSD));
+}
+
+bool MayCalibrate(core::Database& dbconn, const std::string& currentuser) {
+    return HasLevel(dbconn, currentuser, core::Setting::CalibrationLevel);
 }
 
 std::optional<SignalWrite> CheckEntry(const Signal& signal, const std::string& entered) {
@@ -55,11 +83,18 @@ std::optional<SignalWrite> CheckEntry(const Signal& signal, const std::string& e
 
 WriteResult pending_request(protocols::Conversation& talk, const SignalWrite& write) {
     const std::string signal = "signal " + write.signal.name + " of RTU " + talk.station.consumer;
-    talk.logs.WriteAudit(
-        Event(talk, "changed value of " + signal + " from " + ValueText(write.signal) + " to " + write.shown + "."));
+    const std::string change = "value of " + signal + " from " + ValueText(write.signal) + " to " + write.shown + ".";
+    talk.logs.WriteAudit(talk.logs.Stamp() + ": User " + talk.currentuser + " asked to change " + change);
     WriteResult result{WriteEnd::Unknown, write.signal, {}};
+    if (write.program && *write.program != ProgramOf(talk)) {
+        result.end = WriteEnd::NotSent;
+        result.message = "Not sent: the station's program has changed. Fetch the signal again";
+        session::LeaveAudit(talk.logs, talk.currentuser + ":",
+                            "value " + write.shown + " of " + signal + ": " + result.message + ".");
+        return result;
+    }
     Send(talk, write);
-    const ReadAnswer back = talk.Ended() ? ReadAnswer{Answer::Ended} : ReadByAddress(talk, write.signal.MSD);
+    const ReadAnswer back = ReadBack(talk, write);
     switch (back.answer) {
         case Answer::Good:
             result.signal = back.signals.front();
@@ -75,14 +110,16 @@ WriteResult pending_request(protocols::Conversation& talk, const SignalWrite& wr
             break;
     }
     if (result.end == WriteEnd::Taken) {
+        session::LeaveAudit(talk.logs, talk.currentuser, "changed " + change);
         return result;
     }
-    result.message = result.end == WriteEnd::NotTaken ? "The station has " + ValueText(result.signal)
+    result.message = result.end == WriteEnd::NotTaken ? "Not confirmed: the station has " + ValueText(result.signal)
                      : result.end == WriteEnd::Gone   ? signalNotFound
                      : back.answer == Answer::Ended
                          ? "The line is gone: whether the station has the value is not known"
                          : "Error Occured in Communication: whether the station has the value is not known";
-    talk.logs.WriteAudit(Event(talk, "value " + write.shown + " of " + signal + ": " + result.message + "."));
+    session::LeaveAudit(talk.logs, talk.currentuser + ":",
+                        "value " + write.shown + " of " + signal + ": " + result.message + ".");
     return result;
 }
 

@@ -137,6 +137,19 @@ core::Station Cw(const char* method) {
     return station;
 }
 
+// Of a download that brought nothing there is nothing to tell.
+TEST(ModbusArchive, ADownloadIsInTheAuditTrail) {
+    ArchiveDesk desk;
+    desk.OpenSlave(12);
+    desk.Collect(ArchiveKind::Hourly);
+    desk.Collect(ArchiveKind::Daily);
+    desk.slave->Manners().dead = true;
+    desk.Collect(ArchiveKind::Daily);
+    EXPECT_THAT(desk.dbconn.Texts("select * from TTS_table"),
+                ElementsAre(HasSubstr(": User WARDEN collected Hourly Archive from RTU O'Brien's Works."),
+                            HasSubstr(": User WARDEN collected Daily Archive from RTU O'Brien's Works.")));
+}
+
 TEST(ModbusArchive, EveryKindComesUnderItsNames) {
     const struct {
         core::Station model;

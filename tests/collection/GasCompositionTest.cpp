@@ -133,6 +133,22 @@ TEST_F(GasCompositionTest, TheFirstRowThatFailsEndsIt) {
     }
 }
 
+// A station that acknowledges and keeps its own value has not taken it.
+TEST_F(GasCompositionTest, EachRowIsReadBack) {
+    const auto offered = collection::GasComposition(desk.dbconn, location);
+    collection::SaveGasComposition(
+        desk.dbconn, location, {{offered[0].startaddress, "Methane", 88}, {offered[1].startaddress, "Nitrogen", 7}});
+    fieldsim::FieldOptions options;
+    options.writes[location].script = {fieldsim::WriteFault::None, fieldsim::WriteFault::Ignore};
+    field = &desk.OpenField(options);
+    EXPECT_FALSE(Write());
+    EXPECT_THAT(desk.RtuErr(), HasSubstr(notComplete));
+    const auto trail = desk.dbconn.Texts("select LOG from TTS_table where LOG like '%asked for%'");
+    EXPECT_THAT(trail, ElementsAre(HasSubstr("asked for 88 in Methane of the gas composition of RTU Mill: confirmed."),
+                                   HasSubstr("in Nitrogen of the gas composition of RTU Mill: not confirmed, the "
+                                             "station has ")));
+}
+
 TEST_F(GasCompositionTest, AFaultAtARowEndsIt) {
     using fieldsim::Fault;
     const auto offered = collection::GasComposition(desk.dbconn, location);

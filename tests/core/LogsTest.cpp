@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/Logs.h"
@@ -74,6 +75,30 @@ TEST_F(LogsTest, TheErrorLogIsReadWithItsLineEndsAndCleared) {
     EXPECT_FALSE(std::filesystem::exists(desk.shared.rtuErrPath));
     std::filesystem::create_directory(desk.shared.rtuErrPath);
     EXPECT_THROW(desk.logs.ReadRtuErr(), std::system_error);
+}
+
+// Nothing that was written down is lost by Clear.
+TEST_F(LogsTest, ClearKeepsTheLinesInAFileOfItsDay) {
+    const auto kept = [&](const std::string& name) { return support::FileText(desk.shared.directory / name); };
+    EXPECT_EQ(desk.logs.ClearAudit(), "");
+    desk.logs.WriteAudit("one O'Neil");
+    desk.logs.WriteAudit("two");
+    EXPECT_EQ(desk.logs.ClearAudit(), "TTS_2026-03-09_075930.txt");
+    EXPECT_EQ(kept("TTS_2026-03-09_075930.txt"), "one O'Neil\r\ntwo\r\n");
+    EXPECT_EQ(desk.logs.ReadAudit().text, "");
+    desk.logs.WriteAudit("three");
+    EXPECT_EQ(desk.logs.ClearAudit(), "TTS_2026-03-09_075930_2.txt");
+    EXPECT_EQ(kept("TTS_2026-03-09_075930.txt"), "one O'Neil\r\ntwo\r\n");
+    for (const char* name : {"RTU_Err_2026-03-09_075930.log", "RTU_Err_2026-03-09_075930_2.log"}) {
+        desk.logs.WriteRtuErr(name);
+        EXPECT_FALSE(desk.logs.ClearRtuErr());
+        EXPECT_THAT(kept(name), testing::HasSubstr(std::string("--:") + name));
+    }
+    // Where the file cannot be written nothing is cleared.
+    desk.logs.WriteAudit("four");
+    desk.shared.directory = "/no/such/place";
+    EXPECT_THROW(desk.logs.ClearAudit(), std::system_error);
+    EXPECT_EQ(desk.logs.ReadAudit().text, "four\r\n");
 }
 
 TEST_F(LogsTest, OfALongLogTheLastWholeLinesAreRead) {

@@ -135,6 +135,26 @@ TEST_F(UserRegisterTest, NoSaveOverwritesAnotherUser) {
     EXPECT_THAT(ListUsers(desk.dbconn), ElementsAre("KIM", "operator"));
 }
 
+// Levels are found by the first name, under the user id.
+TEST_F(UserRegisterTest, NobodyGetsTheLevelsOfAnother) {
+    UserRecord kim = Kim();
+    ASSERT_EQ(Save(kim), "");
+    kim.firstname = "Operator";
+    EXPECT_THAT(Save(kim, "kim"), testing::HasSubstr("The first name is the user id of operator"));
+    UserRecord ann = Kim();
+    ann.userid = "ann";
+    ann.firstname = "kim";
+    EXPECT_THAT(Save(ann), testing::HasSubstr("The first name is the user id of kim"));
+    ann.firstname = "Bea";
+    EXPECT_EQ(Save(ann), "");
+    UserRecord bea = Kim();
+    bea.userid = "bea";
+    bea.firstname = "B.";
+    EXPECT_THAT(Save(bea), testing::HasSubstr("The user id is the first name of ann"));
+    ann.lastname = "Other";  // nothing of the kind: her own row, her names as they were
+    EXPECT_EQ(Save(ann, "ann"), "");
+}
+
 TEST_F(UserRegisterTest, WithoutItsAuditLineNothingIsSavedOrDeleted) {
     desk.dbconn.Execute("drop table TTS_table");
     EXPECT_THROW(Save(Kim()), DatabaseError);

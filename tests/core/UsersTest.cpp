@@ -70,6 +70,11 @@ TEST_F(UsersTest, AUserSetAsLoggedOnOutsideTheProgramIsKeptOut) {
     EXPECT_EQ(Try("kim", "x"), LoginOutcome::LoggedIn);
 }
 
+TEST_F(UsersTest, ARowWithoutAPasswordOpensNothing) {
+    desk.dbconn.Execute("insert into users(userid, firstname) values('kim', 'kim')");
+    EXPECT_EQ(Try("kim", ""), LoginOutcome::Refused);
+}
+
 TEST_F(UsersTest, LevelsAreLookedUpByFirstName) {
     AddUser("kim", "kim", "x", 4, 2);
     AddUser("lee", "Lena", "x", 6, 6);

@@ -165,6 +165,29 @@ TEST_F(SignalScreens, AListIsFetchedSavedAndWrittenInASession) {
     EXPECT_EQ(paralist->GetSession()->GetState(), session::State::Connected);
 }
 
+// A guest signs on anew, so the load version is right again; the addresses of the rows are not.
+TEST_F(SignalScreens, ARowOfAnEarlierProgramIsNotWritten) {
+    Connect();
+    auto& page = OpenList();
+    Type(page, "txtListNo", "10");
+    desk.Press(page, "cmdfetch", {});
+    EXPECT_EQ(Answer(page), "List Fetched");
+    Station().Options().password = "482913";
+    Station().LoadProgram();
+    Choose(page, 0);
+    Type(page, "txtvalue", "77");
+    desk.Press(page, "cmdwrite", {});
+    EXPECT_THAT(Answer(page), HasSubstr("Not sent: the station's program has changed."));
+    EXPECT_TRUE(Station().Writes().empty());
+    EXPECT_TRUE(Station().SignedOn()) << "with the password";
+    desk.Press(page, "cmdfetch", {});
+    EXPECT_EQ(Answer(page), "List Fetched");
+    Choose(page, 0);
+    Type(page, "txtvalue", "77");
+    desk.Press(page, "cmdwrite", {});
+    EXPECT_THAT(Station().WritesText(), ElementsAre(HasSubstr(Program().Signals()[0].description + " = 77")));
+}
+
 TEST_F(SignalScreens, FetchesThatFailAreToldAndSaveNothing) {
     Connect();
     auto& page = OpenList();

@@ -105,7 +105,7 @@ TEST_F(SummaryScreenTest, FiguresAreChangedByKeysAndClicksWhileTheStationIsPolle
           },
           [&] {
               form.Fill();
-              EXPECT_EQ(TextOf(form, "lblreq"), "");
+              EXPECT_EQ(TextOf(form, "lblreq"), "PID Loop Mode: confirmed");
               EXPECT_EQ(TextOf(form, "lbPID_loop"), "Manual");
               EXPECT_EQ(Station("PID Loop Mode"), 1);
               // A number, by clicks; a wrong one is mended.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "archive/Collecting.h"
+#include "protocols/BsapLink.h"
 #include "session/ArchiveLine.h"
 #include "support/Downloads.h"
 #include "support/SessionDesk.h"
@@ -67,6 +68,18 @@ TEST_F(ArchiveLineTest, AConnectedSessionLendsItsLineAndGoesOn) {
     desk.Behind({[] {}, [] {}});
     desk.session->GetData();
     EXPECT_EQ(desk.view.refreshed, 3);
+}
+
+// A session signs on without the password that opens the archive of some stations.
+TEST_F(ArchiveLineTest, AGuestSignsOnWithThePassword) {
+    desk.Open(corrector);
+    desk.session->Connect();
+    fieldsim::BsapStation& station = *desk.field->Station(desk.locationID)->bsap;
+    station.Options().password = protocols::screenPassword;
+    station.LoadProgram();  // which leaves nobody signed on
+    Collect(Screen::frmparaarchive, desk.session.get());
+    ExpectCollected(1);
+    EXPECT_TRUE(station.SignedOn());
 }
 
 TEST_F(ArchiveLineTest, APollingSessionLendsItBetweenTwoReads) {

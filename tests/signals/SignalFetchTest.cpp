@@ -282,8 +282,10 @@ TEST_F(Signals, AWriteThatFailsSaysWhatIsKnown) {
     // The station acknowledges a write, is polled and acknowledged: three exchanges; the reading back is the fourth.
     WriteResult result = write({}, [&] { station->Manners().otherwise = fieldsim::WriteFault::Refuse; });
     EXPECT_EQ(result.end, WriteEnd::NotTaken);
-    EXPECT_EQ(result.message, "The station has 1.5");
-    EXPECT_THAT(Trail().back(), HasSubstr("value 7 of signal M1.FLOW.RATE of RTU O'Neill: The station has 1.5."));
+    EXPECT_EQ(result.message, "Not confirmed: the station has 1.5");
+    EXPECT_THAT(
+        Trail().back(),
+        HasSubstr(": User WARDEN: value 7 of signal M1.FLOW.RATE of RTU O'Neill: Not confirmed: the station has 1.5."));
 
     result = write({}, [&] { List(kinds).Remove("M1.FLOW.RATE"); });
     EXPECT_EQ(result.end, WriteEnd::Gone);
@@ -315,14 +317,45 @@ TEST_F(Signals, ByNameAreKnownByTheirAddresses) {
     EXPECT_EQ(ReadByAddress(talk, 1).answer, Answer::NoSignal);
 }
 
-TEST(SignalRights, WhoeverMayWriteNoParameterWritesNoSignal) {
+// A station that shows a value a moment after it took it is asked again.
+TEST_F(Signals, AWriteThatShowsLateIsTaken) {
+    Open(false);
+    FetchList(talk, kinds, view);
+    station->Manners().otherwise = fieldsim::WriteFault::Slow;
+    station->Manners().slowMs = 1500;
+    EXPECT_EQ(pending_request(talk, *CheckEntry(view.rows[0], "7")).end, WriteEnd::Taken);
+    EXPECT_THAT(Trail().back(), HasSubstr("changed value of signal M1.FLOW.RATE of RTU O'Neill from 1.5 to 7."));
+}
+
+TEST(SignalRights, AreThoseOfTheSettings) {
     support::ScratchDesk desk;
-    desk.dbconn.Execute("insert into users (userid,firstname,readsec,writesec) values ('anna','anna',1,1)");
-    desk.dbconn.Execute("insert into users (userid,firstname,readsec,writesec) values ('bert','Bertram',6,6)");
-    EXPECT_TRUE(MayWriteSignals(desk.dbconn, "WARDEN"));
-    EXPECT_TRUE(MayWriteSignals(desk.dbconn, "anna"));
-    EXPECT_FALSE(MayWriteSignals(desk.dbconn, "bert"));
-    EXPECT_FALSE(MayWriteSignals(desk.dbconn, "nobody"));
+    desk.dbconn.Execute(
+        "insert into users (userid,firstname,readsec,writesec) values ('three','three',6,3), ('four','four',6,4), "
+        "('five','five',6,5), ('bert','Bertram',6,6)");
+    const auto rights = [&](const std::string& user) {
+        return std::pair(MayWriteSignals(desk.dbconn, user), MayCalibrate(desk.dbconn, user));
+    };
+    EXPECT_EQ(rights("WARDEN"), std::pair(true, true));
+    EXPECT_EQ(rights("three"), std::pair(false, false));
+    EXPECT_EQ(rights("four"), std::pair(true, false));
+    EXPECT_EQ(rights("five"), std::pair(true, true));
+    EXPECT_EQ(rights("bert"), std::pair(false, false));
+    EXPECT_EQ(rights("nobody"), std::pair(false, false));
+    desk.dbconn.Execute("update settings set value='1' where name in ('signalwritelevel','calibrationlevel')");
+    EXPECT_EQ(rights("three"), std::pair(true, true));
+    // What the map knows as a total.
+    desk.dbconn.Execute(
+        "insert into configdata_detail(locationID, StreamNo, description, aga, MSD) values(7,1,'Volume "
+        "Today','TOTRND',9),"
+        "(7,1,'Keypad N2','KEYPAD',10)");
+    core::Station station;
+    station.locationID = 7;
+    Signal signal;
+    signal.MSD = 9;
+    EXPECT_FALSE(MayWriteSignal(desk.dbconn, station, signal, "five"));
+    EXPECT_TRUE(MayWriteSignal(desk.dbconn, station, signal, "WARDEN"));
+    signal.MSD = 10;
+    EXPECT_TRUE(MayWriteSignal(desk.dbconn, station, signal, "five"));
 }
 
 }  // namespace

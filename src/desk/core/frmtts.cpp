@@ -1,5 +1,6 @@
 #include "desk/core/frmtts.h"
 
+#include "core/Feedback.h"
 #include "core/Logs.h"
 #include "ui_frmtts.h"
 
@@ -23,7 +24,10 @@ void frmtts::cmd_view() {
 
 void frmtts::cmd_clear() {
     Guarded([this] {
-        desk_.logs.ClearAudit();
+        const std::string file = desk_.logs.ClearAudit();
+        if (!file.empty()) {
+            desk_.feedback.Status("The lines are kept in " + file);
+        }
         ui_->rtb_tts->ShowLog({}, ui_->lblpart);
     });
 }

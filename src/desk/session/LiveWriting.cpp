@@ -3,6 +3,8 @@
 #include <QCheckBox>
 
 #include "core/MAIN_Module.h"
+#include "core/Text.h"
+#include "desk/core/Boxes.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
 #include "desk/session/LiveGrids.h"
@@ -99,6 +101,7 @@ void LiveWriting::OpenWriteFrame(const session::RowPlace& place, const QString& 
     writable.choice = !isIo                                     ? Writable::Choice::None
                       : writable.description.contains("Output") ? Writable::Choice::Output
                                                                 : Writable::Choice::Input;
+    writable.present = row.lastvalue == 0 ? "0" : "1";
     place_ = place;
     view_.Request("");
     tabs_.setEnabled(false);
@@ -111,7 +114,8 @@ void LiveWriting::Write() {
     }
     const session::RowPlace place = *place_;
     const std::string text = write_.Text().toStdString();
-    const std::string refusal = multipleRow_ ? session_.Check(place, text) : session_.AskWrite(place, text);
+    const bool asks = !multipleRow_ && MovesOutput(place);
+    const std::string refusal = multipleRow_ || asks ? session_.Check(place, text) : session_.AskWrite(place, text);
     if (refusal == session::enterProperData) {
         write_.Again();
         view_.Box(refusal);
@@ -123,7 +127,36 @@ void LiveWriting::Write() {
         view_.Request(refusal);
     } else if (multipleRow) {
         multiple_.Enter(*multipleRow, Text(text));
+    } else if (asks) {
+        AskOutput(place, text);
     }
+}
+
+// What a station drives by it moves at once.
+bool LiveWriting::MovesOutput(const session::RowPlace& place) const {
+    const bool drives = place.group == session::GroupOf("IO") || place.group == session::GroupOf("PID");
+    const QString description = Text(session_.Parameters().At(place).Description);
+    return drives && (description.contains("Output") || description.contains("Manual Demand"));
+}
+
+void LiveWriting::AskOutput(const session::RowPlace& place, const std::string& text) {
+    const session::ParameterRow& row = session_.Parameters().At(place);
+    const bool isCW = session_.GetStation().isCW;
+    session::ParameterRow then = row;
+    then.lastvalue = core::EnteredNumber(text).value_or(0);
+    const bool picked = row.kind == session::DataKind::Logical && core::EnteredNumber(text);
+    const QString question =
+        QString("%1 of %2: %3 now, %4 then. Write it?")
+            .arg(Text(row.Description), Text(session_.GetStation().consumer), Text(session::ValueCell(row, isCW)),
+                 Text(picked ? session::ValueCell(then, isCW) : text));
+    AskBox(&tabs_, question, "Write an output", [this, stream = session_.StreamNo(), place, text] {
+        // Behind the question the stream may be another one, with another row in this place.
+        const std::string refusal =
+            stream == session_.StreamNo() ? session_.AskWrite(place, text) : "Another stream was chosen: not written";
+        if (!refusal.empty()) {
+            view_.Request(refusal);
+        }
+    });
 }
 
 void LiveWriting::FrameLeft() {
@@ -148,13 +181,11 @@ void LiveWriting::Multiple() {
     multiple_.copyGrid(LiveGrids::columns, grids_.RowsOf(*session::GroupOf("GC")));
 }
 
-// Over BSAP the whole composition goes in one message; over Modbus, where each value is a request of its own, those
-// that were changed.
+// What nobody changed is not written: its text has fewer digits than the station's value.
 void LiveWriting::SendMultiple() {
-    const bool all = Speaks(session_.GetStation(), "BSAP");
     std::vector<session::Session::Entry> entries;
     for (int row = 0; row < multiple_.Rows(); ++row) {
-        if (all || multiple_.Changed(row)) {
+        if (multiple_.Changed(row)) {
             entries.push_back(
                 {{*session::GroupOf("GC"), static_cast<std::size_t>(row)}, multiple_.Text(row).toStdString()});
         }

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <cstddef>
 #include <optional>
+#include <string>
 
 #include "core/Logs.h"
 #include "session/ParameterSet.h"
@@ -54,6 +55,8 @@ class LiveWriting final : public QObject {
     void ChooseMultipleRow(int row);
     void OpenWriteFrame(const session::RowPlace& place, const QString& text);
     void Write();
+    bool MovesOutput(const session::RowPlace& place) const;
+    void AskOutput(const session::RowPlace& place, const std::string& text);
     void SendMultiple();
     void FrameLeft();
 

@@ -58,7 +58,7 @@ void WriteFrame::Open(const Writable& row) {
         for (const Writable::Pick& pick : row.picks) {
             combo->addItem(pick.shown, pick.text);
         }
-        combo->setCurrentIndex(std::max(0, combo->findData(row.text)));
+        combo->setCurrentIndex(std::max(0, combo->findData(row.present.isEmpty() ? row.text : row.present)));
     }
     Sending(false);
     Cmb_input_->setVisible(row.choice == Writable::Choice::Input);

@@ -23,6 +23,7 @@ struct Writable {
     QString other;  // the other word of a switch
     bool isSwitch = false;
     Choice choice = Choice::None;
+    QString present;  // the text of the pick that is so now; empty: `text` is one
     std::vector<Pick> picks = {{"0 OFF", "0"}, {"1 ON", "1"}};
 };
 

@@ -72,7 +72,7 @@ void frm_summary::Fill() {
     if (session_.WritePending()) {
         ui_->lblreq->setText(session::requestPending);
     } else if (ui_->lblreq->text() == session::requestPending) {
-        ui_->lblreq->clear();
+        ui_->lblreq->setText(Text(session_.LastAnswer()));
     }
 }
 

@@ -60,6 +60,7 @@ void SignalPage::OnLine(std::function<void(protocols::Conversation& talk)> work,
     session::StationLineOptions way;
     way.ofSession = session_ != nullptr;
     way.ownCall = session_ == nullptr;
+    way.signsOn = true;  // a session signs on without the password that opens a station's lists
     way.lineUp.signOn = {protocols::screenPassword, protocols::SignOnLog::None, protocols::SignOnTexts::All};
     way.noLine = noLine;
     const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
@@ -83,6 +84,7 @@ void SignalPage::Fetch(Reading reading) {
     const auto result = std::make_shared<Result>();
     OnLine(
         [this, reading = std::move(reading), result](protocols::Conversation& talk) {
+            program_ = signals::ProgramOf(talk);
             result->end = reading(talk);
             result->reason = talk.line->Reason();
             ServeWrite(talk);
@@ -105,7 +107,8 @@ void SignalPage::ChooseRow(int row) {
     if (pending_ || index >= panel_->Rows().size() || panel_->Rows()[index].name.empty()) {
         return;
     }
-    if (!signals::MayWriteSignals(desk_.dbconn, desk_.shared.currentuser)) {
+    const core::Station& station = session_->GetStation();
+    if (!signals::MayWriteSignal(desk_.dbconn, station, panel_->Rows()[index], desk_.shared.currentuser)) {
         Show(signals::lowerLevel);
         return;
     }
@@ -124,6 +127,7 @@ void SignalPage::Write() {
         return;
     }
     pending_ = Pending{*chosen_, *wanted};
+    pending_->write.program = program_;
     write_->Sending(true);
     lblWrite_->setText(session::requestPending);
     lblWrite_->show();

@@ -59,6 +59,7 @@ class SignalPage : public Page {
     FetchPanel* panel_ = nullptr;
     WriteFrame* write_ = nullptr;
     QLabel* lblWrite_ = nullptr;
+    std::optional<signals::Program> program_;  // that the rows are of
     bool fetching_ = false;
     bool writing_ = false;  // without a reading
 
