@@ -120,7 +120,7 @@ TEST(AuditTest, TheOldScreenTakesAThousandEvents) {
     EXPECT_EQ(history.view.rows.size(), 1000U);
 }
 
-// Three bad replies in a row are forgiven; the old screen counts them over the whole run.
+// Three bad replies to a request are forgiven, two to the first one of newest first.
 TEST(AuditTest, BadRepliesAreForgivenThreeTimes) {
     struct Case {
         std::size_t selection;
@@ -148,9 +148,42 @@ TEST(AuditTest, BadRepliesAreForgivenThreeTimes) {
             } else {
                 EXPECT_EQ(collected.end, RunEnd::Failed);
                 EXPECT_THAT(collected.message,
-                            HasSubstr(std::string(c.failure) + "\rAudit Collected, but not to the end: " +
-                                      std::to_string(history.view.rows.size()) + " event"));
+                            testing::StartsWith(std::string(c.failure) + "\rThe station gave no valid answer.\r" +
+                                                std::to_string(history.view.rows.size()) + " event"));
             }
+        }
+    }
+}
+
+// On a line that loses an answer in a hundred; four bad replies in all would end each of these.
+TEST(AuditTest, ALossyLineBringsTheWholeTrail) {
+    for (const Selection& selection : selections) {
+        fieldsim::LineFaults::Options faults;
+        faults.chances = {{Fault::Silence, 0.05}, {Fault::BadCheck, 0.05}};
+        HistoryTalk history(selection.isCW, DataAnswer::AtOnce, faults);
+        history.station.Audit().events = Events(400, "AB");
+        EXPECT_EQ(history.Collect(AuditOf(selection)).message, "Audit Collected") << selection.name;
+        EXPECT_EQ(history.view.rows, RowsOf(history.station.Audit().events, selection)) << selection.name;
+    }
+}
+
+// The short layout does not say how many events there are.
+TEST(AuditTest, TheEndOfALongTrailIsFoundSoon) {
+    for (const int count : {1, 2, 5, 63, 64, 65, 4000}) {
+        HistoryTalk history(true);
+        history.station.Audit().events = Events(count, "AB");
+        std::size_t searched = 0;
+        history.view.stopped = [&] {
+            searched = history.view.rows.empty() ? history.faults.Exchanges().size() : searched;
+            return history.view.rows.size() > 8;
+        };
+        history.Collect(AuditOf(selections[5]));
+        EXPECT_EQ(history.view.rows[0][1], RowsOf(history.station.Audit().events, selections[5])[0][1]) << count;
+        EXPECT_LE(searched, 25U) << count;
+        EXPECT_EQ(history.desk.feedback.status.back(), "Collecting Audit.......");
+        if (count == 4000) {
+            EXPECT_THAT(history.desk.feedback.status,
+                        testing::Contains(testing::StartsWith("Looking for the newest event: ")));
         }
     }
 }
@@ -170,7 +203,8 @@ TEST(AuditTest, StoppedOrTakenAtEveryStep) {
                 });
                 const auto collected = history.Collect(AuditOf(selection));
                 EXPECT_EQ(collected.end, taken ? RunEnd::LineLost : RunEnd::Stopped) << selection.name;
-                EXPECT_THAT(collected.message, HasSubstr("Audit Collected"));
+                EXPECT_THAT(collected.message,
+                            testing::StartsWith(taken ? "The line was taken\r" : "Stopped before the end\r"));
                 EXPECT_EQ(history.desk.dbconn.First("select count(*) from Audit").value()[0].Long(),
                           static_cast<std::int64_t>(history.view.rows.size()));
             }

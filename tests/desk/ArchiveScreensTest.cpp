@@ -149,8 +149,8 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
 
     desk.Press(page, "cmdGo", {{"rows", [&] { return Rows(page) > 8; }, [&] { Click(page, "cmd_stop"); }}});
     const int stopped = Rows(page);
-    EXPECT_EQ(Answer(page), "Archive Collected\nStopped before the end: " + std::to_string(stopped) +
-                                " records: " + std::to_string(stopped) + " new, 0 known.");
+    EXPECT_EQ(Answer(page), "Stopped before the end\n" + std::to_string(stopped) + " records received, " +
+                                std::to_string(stopped) + " stored: " + std::to_string(stopped) + " new, 0 known.");
     EXPECT_EQ(desk.Count("tArchiveTimeStamp where NodeId=2 and StreamNo=2 and HistoryTypeId=5"), stopped);
 
     Click(page, "che_new");
@@ -205,7 +205,8 @@ TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
     EXPECT_FALSE(desk.fieldLine.InUse());
     number.setText("99");
     desk.Press(page, "cmdGo");
-    EXPECT_EQ(Answer(page), "Invalid Archive Number\nArchive Collected, but not to the end: 0 records.");
+    EXPECT_EQ(Answer(page),
+              "Invalid Archive Number\nThe station refused the request (status 135, 129).\n0 records received.");
 }
 
 TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
@@ -238,7 +239,7 @@ TEST_F(ArchiveScreens, AScheduledRunEndsADownload) {
     desk.StartTicking();
     desk.clock.Run(58000 - desk.clock.Elapsed() % 60000);
     desk.Press(page, "cmdGo");
-    EXPECT_THAT(Answer(page), StartsWith("A scheduled collection has taken the line\nArchive Collected, but"));
+    EXPECT_THAT(Answer(page), StartsWith("A scheduled collection has taken the line\n"));
     EXPECT_EQ(desk.Count("tArchiveTimeStamp where NodeId=2"), Rows(page));
     EXPECT_TRUE(desk.Master(1).Bool("sampledtoday")) << desk.RtuErr();
     desk.Press(page, "cmdGo");

@@ -48,6 +48,7 @@ class HistoryTalk {
     explicit HistoryTalk(bool isCW, fieldsim::DataAnswer answers = fieldsim::DataAnswer::AtOnce,
                          fieldsim::LineFaults::Options faults = {})
         : station(1, {}, Options(isCW, answers, !faults.script.empty())), faults(station, std::move(faults)) {
+        desk.dbconn.Execute("pragma synchronous=off");  // a download commits reply by reply
         line.Attach(1, this->faults);
         talk.station.locationID = 7;
         talk.station.consumer = "O'Brien's Works";
