@@ -216,18 +216,21 @@ class Run {
         int record = newest_ + (routine_.startsAbove && newest_ > 0 ? 1 : 0);
         while (!Ends()) {
             const Block block = BlockBelow(record, blockLength_);
+            const bool isTop = !top_;
             std::vector<ArchiveRecord> records;
             const BlockEnd read = ReadBlock(block, records);
             record = block.first;
             const bool empty = records.empty();
+            const int missing = block.first + static_cast<int>(records.size());
+            const bool whole = missing >= block.first + block.count || (isTop && !empty) || (isEmpty_ && taken_ == 0);
             std::reverse(records.begin(), records.end());
             Show(std::move(records));
             if (read == BlockEnd::Failed) {
                 return;
             }
-            if (empty && !block.isLowest && !(isEmpty_ && taken_ == 0)) {
+            if (!whole && !block.isLowest) {
                 Fail(RunEnd::Failed, "",
-                     "The station gave no record from number " + std::to_string(OnTheLine(block.first)) + " on.");
+                     "The station gave no record of number " + std::to_string(OnTheLine(missing)) + ".");
                 return;
             }
             result_.metStored = read == BlockEnd::Known && metMark_ && !block.isLowest;

@@ -42,6 +42,8 @@ struct ArchiveScreens : testing::Test {
         for (const auto& station : {dialled, twin, micro}) {
             demo::AddStation(desk.dbconn, station);
         }
+        // A CW speaks BSAP whatever its row says.
+        desk.dbconn.Execute("update configdata_master set protocol='Modbus', mode='RTU' where locationID=2");
         field = &desk.OpenField();
     }
 
@@ -176,6 +178,9 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     Click(page, "cmdClose");
     EXPECT_EQ(desk.window.Front(), &paralist);
     EXPECT_EQ(paralist.GetSession()->GetState(), session::State::Connected);
+    Click(paralist, "cmdfetch");
+    EXPECT_EQ(The<QComboBox>(*desk.window.Front(), "cmbnodename").currentText(), "Twin");
+    Click(*desk.window.Front(), "cmdClose");
     Click(paralist, "btnHistory");
     desk.Front<desk::frmHistory>();
 }
@@ -227,6 +232,19 @@ TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
     EXPECT_FALSE(desk.line.PortOpen());
     Click(page, "cmdClose");
     EXPECT_NE(desk.window.Front(), &page);
+}
+
+TEST_F(ArchiveScreens, AStartThatFailsLeavesThePageOpen) {
+    auto& paralist = desk.Open<desk::frmparalist>(2);
+    Click(paralist, "cmd_arc");
+    auto& online = desk.Front<desk::frmparaarchive>();
+    auto& old = desk.Open<desk::frmarchive>();
+    The<QComboBox>(old, "cmbNode").setCurrentIndex(0);
+    desk.dbconn.Execute("alter table configdata_master rename to away");
+    for (const QWidget* page : std::initializer_list<const QWidget*>{&online, &old}) {
+        Click(*page, "cmdGo");
+        EXPECT_TRUE(Enabled(*page, "cmdGo") && Enabled(*page, "cmdClose") && Enabled(*page, "choices"));
+    }
 }
 
 // The schedule takes the line: what came is kept, and Collect says that there is no line any more.
