@@ -407,9 +407,9 @@ create table tArchiveMark (
   StreamNo integer,
   HistoryTypeId integer,
   recordnumber integer,                 -- of the station, 0 to 65535
-  Time1 text,
-  primary key (NodeId, StreamNo, HistoryTypeId)
-) without rowid;
+  Time1 text
+);
+create unique index tArchiveMark_archive on tArchiveMark (NodeId, StreamNo, HistoryTypeId);
 
 -- The last download of the BSAP screens, for the reports; filled by position. All models but the TeleCorrector have theirs
 -- in Daily_tf and Hourly_tf below. -------------------------------------------------------------------------------------

@@ -236,6 +236,7 @@ TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
 
 TEST_F(ArchiveScreens, AStartThatFailsLeavesThePageOpen) {
     auto& paralist = desk.Open<desk::frmparalist>(2);
+    Click(paralist, "cmdConnect");
     Click(paralist, "cmd_arc");
     auto& online = desk.Front<desk::frmparaarchive>();
     auto& old = desk.Open<desk::frmarchive>();
