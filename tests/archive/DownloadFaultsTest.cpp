@@ -83,7 +83,6 @@ TEST(DownloadFaultsTest, WhatADownloadLeaves) {
         for (const std::size_t n : test.selections) {
             const Selection& selection = selections[n];
             HistoryTalk history(selection.isCW, DataAnswer::AtOnce, test.faults);
-            history.talk.station.commtimeout = 100;
             auto file = HourlyFile(test.records);
             test.change(file);
             history.station.Archives()[2] = file;
