@@ -401,6 +401,16 @@ create table tArchiveData (
   primary key (TimeStampId, ColumnId)
 ) without rowid;
 
+-- How far the store of an archive is complete: the newest record of its last whole download.
+create table tArchiveMark (
+  NodeId integer,
+  StreamNo integer,
+  HistoryTypeId integer,
+  recordnumber integer,                 -- of the station, 0 to 65535
+  Time1 text
+);
+create unique index tArchiveMark_archive on tArchiveMark (NodeId, StreamNo, HistoryTypeId);
+
 -- The last download of the BSAP screens, for the reports; filled by position. All models but the TeleCorrector have theirs
 -- in Daily_tf and Hourly_tf below. -------------------------------------------------------------------------------------
 

@@ -39,16 +39,23 @@ struct Recording {
 };
 
 // An archive file. The records count up by 1 from the number of the oldest, which is 0 until the file has wrapped.
-// Behind the newest stands the one that is being formed: it has a number, and cannot be read.
+// Behind the newest stands the one that is being formed: it has a number, and cannot be read. On the line a number has
+// two bytes: behind 65,535 comes 0.
 struct ArchiveFile {
     std::string name{};                 // 9 characters go out
     std::vector<std::string> fields{};  // names, of which 17 characters go out
     std::deque<FileRecord> records{};   // the oldest first
-    int oldest = 0;                     // the number of the first of them; all numbers are below 65,535
+    int oldest = 0;                     // the number of the first of them, counted on beyond 65,535
+    // A reply has room for no more records than this, whatever their length; 0: as many as fit.
+    std::size_t mostPerReply = 0;
+    // Every so many-th reply with records holds one only, since the station is busy otherwise; 0: none does.
+    int singleEvery = 0;
     // Of the answers to requests for the fields; with other than 0, 0 they hold no field.
     std::array<std::uint8_t, 2> definitionStatus{};
     // Without one the records are what they were made. The local time of the field counts, not the station's clock.
     std::optional<Recording> recording{};
+
+    int replies = 0;  // with records, so far
 
     // Makes the records that the recording owes at this time.
     void RecordUntil(const core::DateTime& now);

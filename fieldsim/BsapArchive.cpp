@@ -79,14 +79,17 @@ std::string RecordText(const FileRecord& record, std::size_t fields) {
 }
 
 // The records from a place in the file on; `asked` 0: as many as fit.
-HistoryReply Records(const ArchiveFile& file, std::string_view function, std::size_t from, int asked,
-                     std::size_t room) {
+HistoryReply Records(ArchiveFile& file, std::string_view function, std::size_t from, int asked, std::size_t room) {
+    ++file.replies;
+    const bool single = file.singleEvery > 0 && file.replies % file.singleEvery == 0;
+    const std::size_t most = single ? 1 : file.mostPerReply;
     std::string records;
     int count = 0;
     std::size_t next = from;
     while (next < file.records.size() && (asked == 0 || count < asked)) {
         const std::string record = RecordText(file.records[next], file.fields.size());
-        if (count > 0 && 8 + records.size() + record.size() > room) {
+        const bool full = most != 0 && static_cast<std::size_t>(count) >= most;
+        if (full || (count > 0 && 8 + records.size() + record.size() > room)) {
             break;
         }
         records += record;
@@ -98,8 +101,17 @@ HistoryReply Records(const ArchiveFile& file, std::string_view function, std::si
     return {{}, Echo(function, 4) + (more ? '\1' : '\0') + static_cast<char>(count) + LowFirst(found) + records};
 }
 
+// The place of a number as it comes over the line. One that no record has is below or above them, whichever is nearer
+// on the way round; while the numbers have not gone round, below is what is smaller.
 std::size_t PlaceOf(const ArchiveFile& file, int number) {
-    return static_cast<std::size_t>(std::max(number - file.oldest, 0));
+    constexpr int numbers = 65536;
+    const auto count = static_cast<int>(file.records.size());
+    if (file.oldest + count < numbers) {
+        return static_cast<std::size_t>(std::max(number - file.oldest, 0));
+    }
+    const int above = (number - file.oldest % numbers + numbers) % numbers;
+    const bool below = above >= count && above - count >= numbers - above;
+    return static_cast<std::size_t>(below ? 0 : above);
 }
 
 // The place of the first record of that day or a later one. A day has a sign: what is before 1977 is before all.

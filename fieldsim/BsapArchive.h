@@ -13,7 +13,8 @@
 // - The numbers of a file: first the one behind the record that is being formed, so two more than the newest; then the
 //   oldest; then how many there are. 0, 0, 0 for an empty file.
 // - A read gives the records from the given number on, as many as were asked (0: no limit), as there are and as fit, at
-//   least one. 0 and whatever is below the oldest mean the oldest.
+//   least one. 0 and whatever is below the oldest mean the oldest. When the numbers have gone round behind 65,535, 0 is
+//   a number like any other, and below the oldest is the half of the circle there.
 // - A request by date gives as many as fit from the first record whose day is the given one or a later one, and the
 //   number of that record.
 // - The end byte is 0 when the newest record is in the reply, or none; else 1.

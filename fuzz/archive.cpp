@@ -67,7 +67,7 @@ void Download(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     } else {
         const auto range = (flags & 32) != 0 ? std::optional(DayRange{{2026, 3, 1}, {2026, 3, 9}}) : std::nullopt;
         const ArchiveResult result =
-            RunArchive(talk, ArchiveRoutineOf(screen, talk.station.isCW, newFirst), 2, range, view);
+            RunArchive(talk, ArchiveRoutineOf(screen, talk.station.isCW, newFirst), 2, range, view, nullptr);
         for (const ArchiveRecord& record : result.download.records) {
             Check(record.values.size() == result.download.fields.size());
         }

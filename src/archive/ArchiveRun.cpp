@@ -5,16 +5,17 @@
 #include <utility>
 
 #include "archive/Archive.h"
-#include "archive/Asking.h"
+#include "archive/Tries.h"
 #include "core/Text.h"
 
 namespace archive {
 
 namespace {
 
-constexpr int forgiven = 3;
 constexpr std::size_t mostNames = 71;
-constexpr std::size_t mostRecords = 65536;  // record numbers have two bytes
+constexpr int numbers = 65536;  // a record number has two bytes
+constexpr int repliesPastEnd = 2;
+constexpr int fittingThree = 3;
 
 std::vector<std::string> RowOf(const ArchiveRecord& record) {
     std::vector<std::string> row = {ShownTime(record.at), std::to_string(record.globalID),
@@ -25,15 +26,29 @@ std::vector<std::string> RowOf(const ArchiveRecord& record) {
     return row;
 }
 
+// A number as it goes over the line.
+int OnTheLine(int number) {
+    return number & (numbers - 1);
+}
+
 class Run {
   public:
     Run(protocols::Conversation& talk, const ArchiveRoutine& routine, int file, const std::optional<DayRange>& range,
-        RunView& view)
-        : talk_(talk), routine_(routine), file_(file), range_(range), view_(view) {}
+        RunView& view, ArchiveKeeper* keeper)
+        : talk_(talk),
+          routine_(routine),
+          file_(file),
+          range_(routine.order == ArchiveOrder::DateRange ? range : std::nullopt),
+          view_(view),
+          keeper_(keeper),
+          tries_(talk, view, routine.layout) {}
 
     ArchiveResult Result() {
         if (ReadInformation() && ReadDefinitions()) {
             routine_.order == ArchiveOrder::NewestFirst ? NewestFirst() : OldestFirst();
+        }
+        if (result_.end == RunEnd::Whole && keeper_ != nullptr && top_ && !range_) {
+            keeper_->Mark(OnTheLine(top_->number), top_->at);
         }
         return std::move(result_);
     }
@@ -41,20 +56,13 @@ class Run {
   private:
     int Node() const { return talk_.station.slaveaddress; }
 
-    bool Fail(const std::string& failure) {
-        result_.end = talk_.Ended() ? RunEnd::LineLost : RunEnd::Failed;
-        result_.failure = talk_.Ended() ? std::string() : failure;
+    bool Fail(RunEnd end, const std::string& failure, const std::string& reason) {
+        result_.end = end;
+        result_.failure = failure;
+        result_.reason = reason;
         return false;
     }
-
-    // The fourth bad reply of the download, or the end of the conversation.
-    bool GivesUp(int& failures, const std::string& failure) {
-        if (!talk_.Ended() && ++failures <= forgiven) {
-            return false;
-        }
-        Fail(failure);
-        return true;
-    }
+    bool FailRequest(const std::string& failure) { return Fail(tries_.End(), failure, tries_.Reason()); }
 
     // What ends the download between two requests, other than a failure.
     bool Ends() {
@@ -64,14 +72,17 @@ class Run {
     }
 
     bool ReadInformation() {
-        const auto answer = Ask(talk_, BuildArchiveInfoRequest(talk_.counters, Node(), file_),
-                                {routine_.informationOver, routine_.polls, routine_.information});
-        const auto information = answer ? ParseFileInformation(*answer, routine_.layout) : std::nullopt;
+        const auto information =
+            tries_.Insist([&] { return BuildArchiveInfoRequest(talk_.counters, Node(), file_); },
+                          {routine_.informationOver, routine_.polls, routine_.information},
+                          [&](const std::string& answer) { return ParseFileInformation(answer, routine_.layout); },
+                          {.endsAtRefusal = true});
         if (!information) {
-            return Fail("Invalid Archive Number");
+            return FailRequest("Invalid Archive Number");
         }
-        newest_ = information->arcnewest;
+        isEmpty_ = information->arcnewest == 0;
         oldest_ = information->arcoldest;
+        newest_ = oldest_ + OnTheLine(information->arcnewest - oldest_);
         counter_ = newest_ == 0 ? 0 : 1;
         // The plain routine tells its place by the newest number, the others by how many there are.
         total_ = routine_.order == ArchiveOrder::OldestFirst ? newest_ : newest_ - oldest_;
@@ -79,15 +90,11 @@ class Run {
     }
 
     bool ReadDefinitions() {
-        int failures = 0;
         int received = 0;
         while (true) {
             const auto definitions = AskDefinitions(received);
-            if (!definitions && GivesUp(failures, "Invalid File Defination")) {
-                return false;
-            }
             if (!definitions) {
-                continue;
+                return FailRequest("Invalid File Defination");
             }
             TakeNames(*definitions);
             received += static_cast<int>(definitions->names.size());
@@ -95,18 +102,26 @@ class Run {
             if (Refused(*definitions) || received >= definitions->fields) {
                 result_.download.fields.resize(std::min(result_.download.fields.size(), fields_));
                 view_.Columns(Captions());
-                return !Refused(*definitions) || Fail(StatusText(*definitions));
+                return !Refused(*definitions) || Fail(RunEnd::Failed, StatusText(*definitions),
+                                                      RefusalText(std::to_string(definitions->status1) + ", " +
+                                                                  std::to_string(definitions->status2)));
+            }
+            if (view_.Stopped()) {
+                return Fail(RunEnd::Stopped, "", "");
             }
         }
     }
 
     // A reply without a definition, where one is missing, is none.
     std::optional<FieldDefinitions> AskDefinitions(int index) {
-        const auto answer = Ask(talk_, BuildArchiveFieldRequest(talk_.counters, Node(), file_, index),
-                                {routine_.definitionOver, routine_.polls, routine_.definition});
-        auto definitions = answer ? ParseFieldDefinitions(*answer, routine_.layout) : std::nullopt;
-        const bool empty = definitions && definitions->names.empty() && definitions->fields > index;
-        return empty && !Refused(*definitions) ? std::nullopt : definitions;
+        return tries_.Insist([&] { return BuildArchiveFieldRequest(talk_.counters, Node(), file_, index); },
+                             {routine_.definitionOver, routine_.polls, routine_.definition},
+                             [&](const std::string& answer) {
+                                 auto definitions = ParseFieldDefinitions(answer, routine_.layout);
+                                 const bool empty =
+                                     definitions && definitions->names.empty() && definitions->fields > index;
+                                 return empty && !Refused(*definitions) ? std::nullopt : definitions;
+                             });
     }
 
     static bool Refused(const FieldDefinitions& definitions) {
@@ -127,43 +142,62 @@ class Run {
         return captions;
     }
 
-    std::optional<RecordReply> AskRecords(const std::string& frame) {
-        const auto answer = Ask(talk_, frame, {routine_.recordOver, routine_.polls, routine_.records});
-        auto reply = answer ? ParseRecordReply(*answer, routine_.layout, fields_) : std::nullopt;
-        return reply && reply->records.empty() && reply->more ? std::nullopt : reply;
+    template <typename Build>
+    std::optional<RecordReply> AskRecords(const Build& build) {
+        auto reply = tries_.Insist(build, {routine_.recordOver, routine_.polls, routine_.records},
+                                   [&](const std::string& answer) {
+                                       auto parsed = ParseRecordReply(answer, routine_.layout, fields_);
+                                       return parsed && parsed->records.empty() && parsed->more ? std::nullopt : parsed;
+                                   });
+        if (!reply) {
+            FailRequest(routine_.tellsBadReply ? "Bad Response" : "");
+        }
+        return reply;
     }
 
-    const char* BadReply() const { return routine_.tellsBadReply ? "Bad Response" : ""; }
+    std::optional<RecordReply> AskRecords(int record, int count) {
+        return AskRecords(
+            [&] { return BuildArchiveReadRequest(talk_.counters, Node(), file_, OnTheLine(record), count); });
+    }
 
     // From the oldest record, or from that of a day, upwards.
     void OldestFirst() {
         const bool adapts = routine_.order == ArchiveOrder::DateRange;
         int record = oldest_;
         int archivecount = routine_.archivecount;
-        int failures = 0;
-        bool byDate = adapts && range_;
+        bool byDate = range_.has_value();
         while (!Ends()) {
             auto reply =
-                AskRecords(byDate ? BuildArchiveDateRequest(talk_.counters, Node(), file_, range_->first)
-                                  : BuildArchiveReadRequest(talk_.counters, Node(), file_, record, archivecount));
-            if (!reply && GivesUp(failures, BadReply())) {
+                byDate
+                    ? AskRecords([&] { return BuildArchiveDateRequest(talk_.counters, Node(), file_, range_->first); })
+                    : AskRecords(record, archivecount);
+            if (!reply) {
                 return;
             }
-            if (!reply) {
-                continue;
-            }
             const int count = static_cast<int>(reply->records.size());
-            record = byDate ? reply->found : record + count;
+            record = byDate ? Unwrapped(reply->found) : record + count;
             archivecount = adapts ? count : archivecount;
+            if (count > 0) {
+                top_ = Top{record - 1, DecodeArchiveRecord(reply->records.back()).at};
+            }
             DropRepeated(reply->records);
             if (byDate) {
                 found_.assign(reply->records.begin(), reply->records.end());
                 byDate = false;
             }
-            Take(reply->records);
-            end_ = end_ || !reply->more || (adapts && counter_ == total_ && record > newest_) ||
-                   result_.download.records.size() > mostRecords;
+            Take(Decoded(reply->records));
+            end_ = end_ || !reply->more || (adapts && counter_ == total_ && record > newest_);
+            if (!end_ && taken_ > numbers) {
+                Fail(RunEnd::Failed, "", "The station gives more records than it has numbers for.");
+                return;
+            }
         }
+    }
+
+    // A number from the line, counted on from the oldest one.
+    int Unwrapped(int number) const {
+        const int above = OnTheLine(number - oldest_);
+        return oldest_ + (above <= newest_ - oldest_ ? above : above - numbers);
     }
 
     // Reading goes on at the number that the date request found: what it brought comes a second time.
@@ -180,18 +214,27 @@ class Run {
     // From the newest record downwards, block by block; the newest of a block comes first.
     void NewestFirst() {
         int record = newest_ + (routine_.startsAbove && newest_ > 0 ? 1 : 0);
-        int archivecount = routine_.archivecount;
-        int failures = 0;
-        bool good = true;
-        while (good && !Ends()) {
-            const Block block = BlockBelow(record, archivecount);
-            std::vector<std::string> records;
-            good = ReadBlock(block, records, failures);
+        while (!Ends()) {
+            const Block block = BlockBelow(record, blockLength_);
+            const bool isTop = !top_;
+            std::vector<ArchiveRecord> records;
+            const BlockEnd read = ReadBlock(block, records);
             record = block.first;
-            archivecount = static_cast<int>(records.size());
-            end_ = block.isLowest || records.empty();
+            const bool empty = records.empty();
+            const int missing = block.first + static_cast<int>(records.size());
+            const bool whole = missing >= block.first + block.count || (isTop && !empty) || (isEmpty_ && taken_ == 0);
             std::reverse(records.begin(), records.end());
-            Take(records);
+            Show(std::move(records));
+            if (read == BlockEnd::Failed) {
+                return;
+            }
+            if (!whole && !block.isLowest) {
+                Fail(RunEnd::Failed, "",
+                     "The station gave no record of number " + std::to_string(OnTheLine(missing)) + ".");
+                return;
+            }
+            result_.metStored = read == BlockEnd::Known && metMark_ && !block.isLowest;
+            end_ = block.isLowest || empty || result_.metStored;
         }
     }
 
@@ -215,64 +258,128 @@ class Run {
         return {0, std::max({rest, left, 0}), true};
     }
 
+    enum class BlockEnd { Failed, Read, Known };
+
     // A station gives fewer records than were asked for when they do not fit its reply: the others are asked for too.
-    bool ReadBlock(const Block& block, std::vector<std::string>& records, int& failures) {
+    BlockEnd ReadBlock(const Block& block, std::vector<ArchiveRecord>& records) {
+        bool known = keeper_ != nullptr;
         bool more = true;
         while (more) {
             const int got = static_cast<int>(records.size());
-            const auto reply = AskRecords(
-                BuildArchiveReadRequest(talk_.counters, Node(), file_, block.first + got, block.count - got));
-            if (!reply && GivesUp(failures, BadReply())) {
-                return false;
-            }
+            const auto reply = AskRecords(block.first + got, block.count - got);
             if (!reply) {
-                continue;
+                return BlockEnd::Failed;
             }
-            records.insert(records.end(), reply->records.begin(), reply->records.end());
-            more = reply->more && !reply->records.empty() && static_cast<int>(records.size()) < block.count;
+            const int count = static_cast<int>(reply->records.size());
+            NoteLength(block.count - got, count);
+            const auto decoded = Decoded(reply->records);
+            known = Keep(decoded) && known;
+            for (int i = 0; i < count; ++i) {
+                metMark_ = metMark_ || (keeper_ != nullptr && keeper_->IsMark(OnTheLine(block.first + got + i),
+                                                                              decoded[static_cast<std::size_t>(i)].at));
+            }
+            records.insert(records.end(), decoded.begin(), decoded.end());
+            // Only above the newest record there are places without one.
+            const bool follow = reply->more || (top_ && !block.isLowest);
+            more = follow && count > 0 && static_cast<int>(records.size()) < block.count;
         }
-        return true;
+        if (!top_ && !records.empty()) {
+            top_ = Top{block.first + static_cast<int>(records.size()) - 1, records.back().at};
+        }
+        return known && !records.empty() ? BlockEnd::Known : BlockEnd::Read;
     }
 
-    // Decodes records and hands them on. One behind the last day of the range ends the download.
-    void Take(const std::vector<std::string>& records) {
-        std::vector<std::vector<std::string>> rows;
+    // A station whose replies hold three records is asked for three: the fourth costs a request of its own. Fewer than
+    // that need no other block; nor does a single short reply.
+    void NoteLength(int asked, int count) {
+        if (asked != blockLength_ || asked <= fittingThree) {
+            return;
+        }
+        shortReplies_ = count == fittingThree && top_ ? shortReplies_ + 1 : 0;
+        blockLength_ = shortReplies_ > 1 ? fittingThree : blockLength_;
+    }
+
+    std::vector<ArchiveRecord> Decoded(const std::vector<std::string>& records) const {
+        std::vector<ArchiveRecord> decoded;
         for (const std::string& bytes : records) {
-            ArchiveRecord record = DecodeArchiveRecord(bytes);
-            record.values.resize(std::min(record.values.size(), result_.download.fields.size()));
-            view_.Record(counter_, total_);
-            counter_ += counter_ < total_ ? 1 : 0;
-            if (range_ && routine_.order == ArchiveOrder::DateRange &&
-                ArchiveDay(record.at) > ArchiveDay(range_->last)) {
-                end_ = true;
-                break;
-            }
+            decoded.push_back(DecodeArchiveRecord(bytes));
+            auto& values = decoded.back().values;
+            values.resize(std::min(values.size(), result_.download.fields.size()));
+        }
+        return decoded;
+    }
+
+    // Stores records, if they are to be stored. True: the store had them.
+    bool Keep(const std::vector<ArchiveRecord>& records) {
+        return keeper_ != nullptr && (records.empty() || keeper_->Add(result_.download.fields, records));
+    }
+
+    void Show(std::vector<ArchiveRecord> records) {
+        std::vector<std::vector<std::string>> rows;
+        for (ArchiveRecord& record : records) {
+            Count();
             rows.push_back(RowOf(record));
             result_.download.records.push_back(std::move(record));
         }
         view_.Rows(rows);
     }
 
+    void Count() {
+        ++taken_;
+        view_.Record(counter_, total_);
+        counter_ += counter_ < total_ ? 1 : 0;
+    }
+
+    // Hands the records of a reply on, but for those behind the last day of the range.
+    void Take(std::vector<ArchiveRecord> records) {
+        const auto past = std::stable_partition(records.begin(), records.end(), [&](const ArchiveRecord& record) {
+            return !range_ || ArchiveDay(record.at) <= ArchiveDay(range_->last);
+        });
+        if (!records.empty()) {
+            pastEnd_ = past == records.begin() ? pastEnd_ + 1 : 0;
+            end_ = end_ || pastEnd_ == repliesPastEnd;
+        }
+        std::for_each(past, records.end(), [&](const ArchiveRecord&) { Count(); });
+        records.erase(past, records.end());
+        Keep(records);
+        Show(std::move(records));
+    }
+
+    // The newest record of the download.
+    struct Top {
+        int number;
+        core::DateTime at;
+    };
+
     protocols::Conversation& talk_;
     const ArchiveRoutine& routine_;
     int file_;
-    const std::optional<DayRange>& range_;
+    std::optional<DayRange> range_;
     RunView& view_;
+    ArchiveKeeper* keeper_;
+    Tries tries_;
     ArchiveResult result_;
-    int newest_ = 0;
+    bool isEmpty_ = false;
+    int newest_ = 0;  // counted on from the oldest
     int oldest_ = 0;
     int total_ = 0;
     int counter_ = 0;  // what the operator sees
+    int taken_ = 0;    // records
     std::size_t fields_ = 0;
     std::deque<std::string> found_;  // by the date request
+    int pastEnd_ = 0;                // replies in a row that lie behind the range
+    int blockLength_ = routine_.archivecount;
+    int shortReplies_ = 0;  // blocks in a row whose reply held three
+    std::optional<Top> top_;
+    bool metMark_ = false;
     bool end_ = false;
 };
 
 }  // namespace
 
 ArchiveResult RunArchive(protocols::Conversation& talk, const ArchiveRoutine& routine, int file,
-                         const std::optional<DayRange>& range, RunView& view) {
-    return Run(talk, routine, file, range, view).Result();
+                         const std::optional<DayRange>& range, RunView& view, ArchiveKeeper* keeper) {
+    return Run(talk, routine, file, range, view, keeper).Result();
 }
 
 }  // namespace archive

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "archive/ArchiveStore.h"
 #include "archive/Download.h"
 #include "archive/Routines.h"
 #include "archive/RunView.h"
@@ -18,16 +19,23 @@ struct DayRange {
 
 struct ArchiveResult {
     RunEnd end = RunEnd::Failed;
-    // What the operator is told of a failure; some routines give up without a word.
-    std::string failure{};
+    std::string failure{};       // the text that operators know for it; some routines have none
+    std::string reason{};        // why it ended early: a sentence
+    bool metStored = false;      // newest first: the records below the last one are in the store
     ArchiveDownload download{};  // what came, also when it was not all
 };
 
-// Downloads an archive file of the station that is signed on. A range is taken by the routines of DateRange only.
+// Downloads an archive file of the station that is signed on. A range is taken by the routines of DateRange only: two
+// replies in a row that lie behind its last day end the download, a single record there (a clock that was set wrong)
+// does not.
 //
-// Four bad replies end it, in front of the records at once where the routine says so. It never asks for ever: a reply
-// that brings nothing and says that there is more is a bad one.
+// Four bad replies to one request end it. It never asks for ever: a reply that brings nothing and says that there is
+// more is a bad one. With a store (null: none), the records of each reply are stored before the next request, and
+// newest first ends where everything below is in the store.
+//
+// Record numbers have two bytes: behind 65,535 comes 0. The run counts on from the oldest number, so that a file whose
+// numbers have gone round is read like any other.
 ArchiveResult RunArchive(protocols::Conversation& talk, const ArchiveRoutine& routine, int file,
-                         const std::optional<DayRange>& range, RunView& view);
+                         const std::optional<DayRange>& range, RunView& view, ArchiveKeeper* keeper);
 
 }  // namespace archive

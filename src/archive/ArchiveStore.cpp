@@ -62,4 +62,43 @@ SaveOutcome SaveArchive(core::Database& dbconn, const ArchiveKey& key, const Arc
     return outcome;
 }
 
+ArchiveKeeper::ArchiveKeeper(core::Database& dbconn, const ArchiveKey& key) : dbconn_(dbconn), key_(key) {
+    try {
+        dbconn.Each("select recordnumber, Time1 from tArchiveMark where NodeId=? and StreamNo=? and HistoryTypeId=?",
+                    {key.locationID, key.streamno, key.historyType},
+                    [this](const core::RowInHand& row) { mark_.emplace(static_cast<int>(row.Long(0)), row.Text(1)); });
+    } catch (const core::DatabaseError& failure) {
+        failure_ = failure.what();
+    }
+}
+
+bool ArchiveKeeper::Add(const std::vector<std::string>& fields, const std::vector<ArchiveRecord>& records) {
+    try {
+        const SaveOutcome added = SaveArchive(dbconn_, key_, {fields, records});
+        outcome_.added += added.added;
+        outcome_.known += added.known;
+        outcome_.values += added.values;
+        return added.added == 0 && added.values == 0;
+    } catch (const core::DatabaseError& failure) {
+        failure_ = failure_.empty() ? failure.what() : failure_;
+        return false;
+    }
+}
+
+bool ArchiveKeeper::IsMark(int number, const core::DateTime& at) const {
+    return mark_ && mark_->first == number && mark_->second == core::IsoText(at);
+}
+
+void ArchiveKeeper::Mark(int number, const core::DateTime& at) {
+    if (!failure_.empty()) {
+        return;
+    }
+    try {
+        dbconn_.Execute("insert or replace into tArchiveMark values(?,?,?,?,?)",
+                        {key_.locationID, key_.streamno, key_.historyType, number, core::IsoText(at)});
+    } catch (const core::DatabaseError& failure) {
+        failure_ = failure.what();
+    }
+}
+
 }  // namespace archive

@@ -5,19 +5,23 @@
 #include <utility>
 
 #include "archive/Archive.h"
-#include "archive/Asking.h"
+#include "archive/Tries.h"
 
 namespace archive {
 
 namespace {
 
-constexpr int forgiven = 3;
 constexpr int blockOfEvents = 4;
+constexpr int highestPosition = 65535;
 
 class Run {
   public:
     Run(protocols::Conversation& talk, const AuditRoutine& routine, RunView& view)
-        : talk_(talk), routine_(routine), view_(view), archivecount_(routine.archivecount) {}
+        : talk_(talk),
+          routine_(routine),
+          view_(view),
+          tries_(talk, view, routine.layout),
+          archivecount_(routine.archivecount) {}
 
     AuditResult Result() {
         view_.Columns(AuditCaptions(routine_.numbered));
@@ -26,17 +30,10 @@ class Run {
     }
 
   private:
-    void Fail(const std::string& failure) {
-        result_.end = talk_.Ended() ? RunEnd::LineLost : RunEnd::Failed;
-        result_.failure = talk_.Ended() ? std::string() : failure;
-    }
-
-    bool GivesUp(int& failures) {
-        if (!talk_.Ended() && ++failures <= forgiven) {
-            return false;
-        }
-        Fail("Error In response");
-        return true;
+    void Fail(RunEnd end, const std::string& failure, const std::string& reason) {
+        result_.end = end;
+        result_.failure = failure;
+        result_.reason = reason;
     }
 
     bool Ends() {
@@ -45,28 +42,28 @@ class Run {
         return end_ || stopped || talk_.Ended();
     }
 
-    std::optional<AuditReply> AskEvents(const AuditCursors& cursors, int position, int count, std::size_t over) {
-        const auto answer =
-            Ask(talk_, BuildAuditRequest(talk_.counters, talk_.station.slaveaddress, cursors, position, count),
-                {over, routine_.polls});
-        return answer ? ParseAuditReply(*answer, routine_.layout) : std::nullopt;
+    std::optional<AuditReply> AskEvents(const AuditCursors& cursors, int position, int count, std::size_t over,
+                                        const char* failure = "Error In response", Tries::Patience patience = {}) {
+        auto reply = tries_.Insist(
+            [&] { return BuildAuditRequest(talk_.counters, talk_.station.slaveaddress, cursors, position, count); },
+            {over, routine_.polls}, [&](const std::string& answer) { return ParseAuditReply(answer, routine_.layout); },
+            patience);
+        if (!reply) {
+            Fail(tries_.End(), failure, tries_.Reason());
+        }
+        return reply;
     }
 
     void InOrder() {
         AuditCursors cursors;
         int position = routine_.firstPosition;
-        int failures = 0;
         bool first = true;
         while (!Ends()) {
             const bool isLast = !routine_.endsByCount && archivecount_ == 1;
             const auto reply = AskEvents(cursors, position, archivecount_, routine_.over);
-            if (!reply && GivesUp(failures)) {
+            if (!reply) {
                 return;
             }
-            if (!reply) {
-                continue;
-            }
-            failures = routine_.forgivesLater ? 0 : failures;
             if (first || routine_.endsByCount) {
                 auditcount_ = reply->events;
                 counter_ = std::min(1, auditcount_);
@@ -79,6 +76,10 @@ class Run {
                 archivecount_ = 1;
             }
             const bool stuck = reply->records.empty() && reply->events != 0;
+            if (stuck && static_cast<int>(result_.events.size()) < auditcount_) {
+                Fail(RunEnd::Failed, "", "The station announced " + std::to_string(auditcount_) + " events.");
+                return;
+            }
             end_ = end_ || isLast || stuck || (routine_.endsByCount && position >= auditcount_);
         }
     }
@@ -86,76 +87,74 @@ class Run {
     // A station gives its audit forwards only: first its end is looked for, then blocks are read backwards from there.
     void NewestFirst() {
         auto position = FindEnd();
-        bool isFirst = true;
-        int failures = 0;
+        talk_.feedback.Status(collectingAudit);
         while (position && !Ends()) {
-            const int below = *position + (isFirst ? 1 : 0);
-            const bool isLowest = *position <= blockOfEvents;
-            const int first = isLowest ? 1 : below - blockOfEvents;
+            const bool isLowest = *position <= blockOfEvents + 1;
+            const int first = isLowest ? 1 : *position - blockOfEvents;
             std::vector<std::string> records;
-            const bool good = ReadBlock(first, below - first, records, failures);
+            const bool good = ReadBlock(first, *position - first, records);
             // Above the newest event there may be places without one.
-            end_ = isLowest || first == 1 || (records.empty() && !result_.events.empty());
+            const bool gap = good && !isLowest && records.empty() && !result_.events.empty();
+            end_ = isLowest;
             std::reverse(records.begin(), records.end());
             Take(records);
-            if (!good) {
+            if (gap) {
+                Fail(RunEnd::Failed, "", "The station gave no event at position " + std::to_string(first) + ".");
+            }
+            if (!good || gap) {
                 return;
             }
             position = first;
-            isFirst = false;
         }
     }
 
-    // The place behind the newest event, or of it. Nothing: the download has ended.
+    // The place behind the newest event, or one a little above. Nothing: the download has ended.
     std::optional<int> FindEnd() {
-        auto reply = FirstReply();
-        int position = 1;
-        int failures = 0;
+        constexpr Tries::Patience patience = {3};
+        constexpr std::size_t over = 20;
+        const auto reply = AskEvents({}, 1, blockOfEvents, over, "Error In Communication", patience);
         if (!reply) {
-            Fail("Error In Communication");
             return std::nullopt;
         }
         auditcount_ = reply->events;
         counter_ = std::min(1, auditcount_);
         if (&routine_.layout == &longArchive) {
-            return std::max(auditcount_, 1);
+            return auditcount_ + 1;
         }
-        while (reply->events != 0 && !view_.Stopped()) {
-            const int next = position + static_cast<int>(reply->records.size()) + blockOfEvents;
-            const auto further = AskEvents({}, next, blockOfEvents, routine_.over);
-            if (!further && GivesUp(failures)) {
-                return std::nullopt;
-            }
-            if (further) {
-                reply = further;
-                position = next;
-            }
-        }
-        return position;
+        const int first = static_cast<int>(reply->records.size());
+        return reply->events == 0 ? first + 1 : SearchEnd(std::max(first, 1));
     }
 
-    std::optional<AuditReply> FirstReply() {
-        constexpr int tries = 3;
-        constexpr std::size_t over = 20;
-        std::optional<AuditReply> reply;
-        for (int i = 0; i < tries && !reply && !talk_.Ended(); ++i) {
-            reply = AskEvents({}, 1, blockOfEvents, over);
+    // The short layout does not say how many events there are. From `last`, which has one, the position is doubled
+    // until it has none; then the range between is halved until a block covers it.
+    std::optional<int> SearchEnd(int last) {
+        int behind = 0;
+        while (behind == 0 || behind - last > blockOfEvents) {
+            const int next = behind == 0 ? std::min(2 * last, highestPosition) : (last + behind) / 2;
+            talk_.feedback.Status("Looking for the newest event: " + std::to_string(last) + " so far");
+            if (view_.Stopped()) {
+                Fail(RunEnd::Stopped, "", "");
+                return std::nullopt;
+            }
+            const auto reply = AskEvents({}, next, blockOfEvents, routine_.over);
+            if (!reply) {
+                return std::nullopt;
+            }
+            const bool has = reply->events != 0 && !reply->records.empty();
+            (has ? last : behind) = has ? next + static_cast<int>(reply->records.size()) - 1 : next;
+            behind = last >= highestPosition ? highestPosition + 1 : behind;
         }
-        return reply;
+        return behind;
     }
 
     // `count` events from a position on, in as many replies as they take.
-    bool ReadBlock(int first, int count, std::vector<std::string>& records, int& failures) {
+    bool ReadBlock(int first, int count, std::vector<std::string>& records) {
         while (static_cast<int>(records.size()) < count) {
             const int got = static_cast<int>(records.size());
             const auto reply = AskEvents({}, first + got, count - got, routine_.over);
-            if (!reply && GivesUp(failures)) {
+            if (!reply) {
                 return false;
             }
-            if (!reply) {
-                continue;
-            }
-            failures = 0;
             if (reply->records.empty()) {
                 break;
             }
@@ -192,6 +191,7 @@ class Run {
     protocols::Conversation& talk_;
     const AuditRoutine& routine_;
     RunView& view_;
+    Tries tries_;
     AuditResult result_;
     int archivecount_;
     int auditcount_ = 0;

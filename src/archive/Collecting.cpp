@@ -3,6 +3,7 @@
 #include "archive/ArchiveStore.h"
 #include "archive/AuditRun.h"
 #include "archive/ReportTables.h"
+#include "core/BsapModels.h"
 #include "core/Database.h"
 #include "core/Text.h"
 
@@ -14,19 +15,15 @@ std::string Counted(std::size_t count, const char* what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
-// The end of a download for the operator. The text that says it is collected comes in every case; what happened stands
-// with it.
-std::string Message(const char* collected, RunEnd end, const std::string& failure, const std::string& came) {
-    switch (end) {
-        case RunEnd::Whole:
-            return std::string(collected) + (came.empty() ? "" : "\r" + came);
-        case RunEnd::Stopped:
-            return std::string(collected) + "\rStopped before the end: " + came;
-        case RunEnd::LineLost:
-        case RunEnd::Failed:
-            break;
+// The end of a download for the operator: "Archive Collected" is said of a whole one alone. `came` is what is on hand.
+std::string Message(const char* collected, RunEnd end, const std::vector<std::string>& failure,
+                    const std::string& came) {
+    std::string message = end == RunEnd::Whole ? collected : end == RunEnd::Stopped ? "Stopped before the end" : "";
+    for (const std::string& line :
+         end == RunEnd::Whole || end == RunEnd::Stopped ? std::vector<std::string>() : failure) {
+        message += (message.empty() || line.empty() ? "" : "\r") + line;
     }
-    return failure + "\r" + collected + ", but not to the end: " + came;
+    return message + (came.empty() ? "" : "\r" + came);
 }
 
 class Job {
@@ -63,11 +60,8 @@ class Job {
         return wish_.screen == Screen::frmCW_archive ? wish_.file : HistoryType(talk_.streamno, wish_.kind);
     }
 
-    std::string FailureText(RunEnd end, const std::string& failure) const {
-        if (end == RunEnd::LineLost) {
-            return talk_.line->Reason();
-        }
-        return failure.empty() ? "The station does not answer any more" : failure;
+    std::vector<std::string> Failure(RunEnd end, const std::string& failure, const std::string& reason) const {
+        return end == RunEnd::LineLost ? std::vector{talk_.line->Reason()} : std::vector{failure, reason};
     }
 
     template <typename Work>
@@ -81,46 +75,56 @@ class Job {
     }
 
     void Audit() {
-        talk_.feedback.Status("Collecting Audit.......");
+        talk_.feedback.Status(collectingAudit);
         const AuditRoutine routine = AuditRoutineOf(wish_.screen, talk_.station.isCW, wish_.newFirst);
         const int commtimeout = talk_.station.commtimeout;
         talk_.station.commtimeout = routine.replydelay > 0 ? routine.replydelay : commtimeout;
         const AuditResult result = RunAudit(talk_, routine, view_);
         talk_.station.commtimeout = commtimeout;
         Stored([&] { FillAuditTable(dbconn_, result.events, talk_.station.consumer); });
-        collected_.end = result.end;
-        collected_.records = result.events.size();
-        const std::string came =
-            result.end == RunEnd::Whole && !result.bounded
-                ? std::string()
-                : Counted(result.events.size(), "event") + (result.bounded ? ", there may be more." : ".");
-        collected_.message = Message("Audit Collected", result.end, FailureText(result.end, result.failure), came);
+        const std::string count = Counted(result.events.size(), "event");
+        const std::string came = result.end != RunEnd::Whole ? count + " received."
+                                 : result.bounded            ? count + ", there may be more."
+                                                             : std::string();
+        Over("Audit Collected", result.end, Failure(result.end, result.failure, result.reason), came,
+             result.events.size());
     }
 
     void Archive() {
         talk_.feedback.Status("Collecting Archive.......");
         const ArchiveRoutine& routine = ArchiveRoutineOf(wish_.screen, talk_.station.isCW, wish_.newFirst);
-        const ArchiveResult result = RunArchive(talk_, routine, File(), wish_.range, view_);
+        std::optional<ArchiveKeeper> keeper;
+        if (wish_.screen == Screen::frmparaarchive) {
+            keeper.emplace(dbconn_, ArchiveKey{talk_.station.locationID, talk_.streamno, File()});
+        }
+        const ArchiveResult result =
+            RunArchive(talk_, routine, File(), wish_.range, view_, keeper ? &*keeper : nullptr);
         const std::vector<ArchiveRecord>& records = result.download.records;
-        std::string came = result.end == RunEnd::Whole ? std::string() : Counted(records.size(), "record") + ".";
         if (wish_.screen == Screen::frmarchive) {
             const std::string table = ArchiveReportTable(wish_.kind, talk_.station.modelno);
             Stored([&] { FillArchiveTable(dbconn_, table, records, talk_.station.consumer); });
         }
-        // What a station gave before it fell silent stays in the grid alone; the operators know it so.
-        if (wish_.screen == Screen::frmparaarchive && result.end != RunEnd::Failed) {
+        std::string came = result.end == RunEnd::Whole ? "" : Counted(records.size(), "record") + " received.";
+        if (keeper) {
             Stored([&] {
-                const SaveOutcome saved =
-                    SaveArchive(dbconn_, {talk_.station.locationID, talk_.streamno, File()}, result.download);
-                came = Counted(records.size(), "record") + ": " + std::to_string(saved.added) + " new, " +
-                       std::to_string(saved.known) + " known.";
+                if (!keeper->Failure().empty()) {
+                    throw core::DatabaseError(keeper->Failure());
+                }
             });
-        } else if (wish_.screen == Screen::frmparaarchive) {
-            came += " Nothing was stored.";
+            const SaveOutcome& saved = keeper->Outcome();
+            const std::string stored = " received, " + std::to_string(saved.added + saved.known) + " stored: ";
+            came = Counted(records.size(), "record") + (result.end == RunEnd::Whole ? ": " : stored) +
+                   std::to_string(saved.added) + " new, " + std::to_string(saved.known) + " known.";
+            came += result.metStored ? " The older ones were stored before." : "";
         }
-        collected_.end = result.end;
-        collected_.records = records.size();
-        collected_.message = Message("Archive Collected", result.end, FailureText(result.end, result.failure), came);
+        Over("Archive Collected", result.end, Failure(result.end, result.failure, result.reason), came, records.size());
+    }
+
+    void Over(const char* collected, RunEnd end, const std::vector<std::string>& failure, const std::string& came,
+              std::size_t records) {
+        collected_.end = end;
+        collected_.records = records;
+        collected_.message = Message(collected, end, failure, came);
     }
 
     core::Database& dbconn_;
@@ -141,11 +145,13 @@ std::vector<std::string> ArchiveNodes(core::Database& dbconn, std::optional<std:
     const auto rows =
         locationID ? dbconn.Query("select locationId,consumer from ConfigData_Master where locationID=?", {*locationID})
                    : dbconn.Query(
-                         "select locationId,consumer,modelno from ConfigData_Master where "
-                         "protocol = 'BSAP' and drs<> 1 order by locationID");
+                         "select locationId,consumer,modelno,protocol from ConfigData_Master where drs<> 1 order by "
+                         "locationID");
     std::vector<std::string> nodes;
     for (const core::Row& row : rows) {
-        nodes.push_back(row.Text("locationId") + "-" + row.Text("consumer"));
+        if (locationID || core::SpeaksBsap(row.Text("modelno"), row.Text("protocol"))) {
+            nodes.push_back(row.Text("locationId") + "-" + row.Text("consumer"));
+        }
     }
     return nodes;
 }

@@ -176,6 +176,7 @@ class Run {
                 dbconn_.Execute(insert, record);
             }
         });
+        outcome_.stored += count;
     }
 
     Conversation& talk_;
@@ -204,12 +205,15 @@ std::string RecordText(int records, int newest) {
 }
 
 std::string ArchiveCollected(const ModbusArchiveOutcome& outcome) {
-    const std::string collected = "Archive Collected";
-    const std::string count = std::to_string(outcome.records) + " of " + std::to_string(outcome.newest) + " records";
-    if (!outcome.failure.empty()) {
-        return collected + "\rNot whole, " + (outcome.newest > 0 ? count : "no records") + " came: " + outcome.failure;
+    if (outcome.failure.empty() && !outcome.stopped) {
+        return "Archive Collected";
     }
-    return outcome.stopped ? collected + "\rStopped, " + count + " came" : collected;
+    const std::string why = outcome.failure.empty() ? "Stopped before the end" : outcome.failure;
+    if (outcome.newest == 0) {
+        return why + "\rNo records received.";
+    }
+    return why + "\r" + std::to_string(outcome.records) + " of " + std::to_string(outcome.newest) +
+           " records received, " + std::to_string(outcome.stored) + " stored.";
 }
 
 ModbusArchiveOutcome CollectModbusArchive(Conversation& talk, core::Database& dbconn, ArchiveKind kind, RunView& view) {

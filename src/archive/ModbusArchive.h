@@ -15,6 +15,7 @@ namespace archive {
 
 struct ModbusArchiveOutcome {
     int records = 0;  // that came
+    int stored = 0;   // of them, in the report table
     int newest = 0;   // the number of the station's newest record, which is how many there are
     bool stopped = false;
     std::string failure{};  // why it ended early, for the operator
@@ -23,7 +24,7 @@ struct ModbusArchiveOutcome {
 // "Record (8/40 )".
 std::string RecordText(int records, int newest);
 
-// What the operator is told at the end: "Archive Collected", and behind it what is missing and why.
+// What the operator is told at the end: "Archive Collected" of a whole one; else why it ended and what is on hand.
 std::string ArchiveCollected(const ModbusArchiveOutcome& outcome);
 
 // Reads the daily or hourly records of the station in hand and the conversation's stream, all of them, in blocks of

@@ -94,7 +94,6 @@ AuditRoutine AuditRoutineOf(Screen screen, bool isCW, bool newFirst) {
                 .mostEvents = 1000,
                 .polls = false,
                 .endsByCount = true,
-                .forgivesLater = false,
                 .numbered = false,
                 .codes = EventCodes::LowestBit};
     }
@@ -107,7 +106,6 @@ AuditRoutine AuditRoutineOf(Screen screen, bool isCW, bool newFirst) {
             .mostEvents = 0,
             .polls = true,
             .endsByCount = false,
-            .forgivesLater = true,
             .numbered = true,
             .codes = EventCodes::All};
 }

@@ -52,9 +52,8 @@ struct AuditRoutine {
     int replydelay;          // ms; 0: as the conversation has it
     std::size_t mostEvents;  // of a download; 0: no bound
     bool polls;
-    bool endsByCount;    // at the record count of the last reply; otherwise where that reads 0
-    bool forgivesLater;  // a good reply lets three more bad ones pass
-    bool numbered;       // a column "No" in front
+    bool endsByCount;  // at the record count of the last reply; otherwise where that reads 0
+    bool numbered;     // a column "No" in front
     EventCodes codes;
 };
 

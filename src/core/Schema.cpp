@@ -27,6 +27,9 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "create table gasday (locationID integer, gasday text, readat text, dayflow double, monthflow double, "
     "pressure double)",
     "create unique index gasday_day on gasday (locationID, gasday)",
+    "create table tArchiveMark (NodeId integer, StreamNo integer, HistoryTypeId integer, recordnumber integer, "
+    "Time1 text)",
+    "create unique index tArchiveMark_archive on tArchiveMark (NodeId, StreamNo, HistoryTypeId)",
     "create table settings (name text primary key, value text, meaning text) without rowid",
     "insert into settings values"
     "('calibrationlevel', '5', 'write level that calibrating a transmitter needs'),"

@@ -41,7 +41,13 @@ void OnArchiveLine(const collection::Workplace& place, const collection::Schedul
                    Screen screen, std::int64_t locationID, std::function<void(protocols::Conversation& talk)> work,
                    std::function<void()> over) {
     const bool asksNodeOne = screen == Screen::frmarchive;
-    const auto station = core::ReadOnlineStation(place.dbconn, locationID);
+    std::optional<core::Station> station;
+    try {
+        station = core::ReadOnlineStation(place.dbconn, locationID);
+    } catch (...) {
+        over();
+        throw;
+    }
     if (asksNodeOne && station && AsksAnotherStation(*station)) {
         place.feedback.Box("This screen asks node 1, which is another station on this line: " + station->consumer +
                            " has the address " + std::to_string(station->slaveaddress) +

@@ -1,6 +1,8 @@
 #include "session/StationLine.h"
 
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "session/OwnCall.h"
 #include "session/Session.h"
@@ -41,10 +43,9 @@ bool Lend(const collection::Workplace& place, Session& session, const StationLin
     });
 }
 
-}  // namespace
-
-void OnStationLine(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
-                   const StationLineOptions& options, std::int64_t locationID, Work toDo, std::function<void()> over) {
+void Bring(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+           const StationLineOptions& options, std::int64_t locationID, const Work& toDo,
+           const std::function<void()>& over) {
     const Work work = [toDo, &logs = place.logs](protocols::Conversation& talk) {
         core::Guarded(logs, [&] { toDo(talk); });
     };
@@ -62,6 +63,23 @@ void OnStationLine(const collection::Workplace& place, const collection::Schedul
         place.feedback.Box(options.noLine);
     }
     over();
+}
+
+}  // namespace
+
+void OnStationLine(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+                   const StationLineOptions& options, std::int64_t locationID, Work toDo, std::function<void()> over) {
+    const auto once = [over = std::move(over), done = std::make_shared<bool>(false)] {
+        if (!std::exchange(*done, true)) {
+            over();
+        }
+    };
+    try {
+        Bring(place, scheduler, session, options, locationID, toDo, once);
+    } catch (...) {
+        once();
+        throw;
+    }
 }
 
 }  // namespace session

@@ -13,7 +13,7 @@ constexpr std::array beforeSchedule = {
     "delete from LogParam where locationID= ?",
 };
 
-// The last three go too: a location is used again, and the next station there must not inherit a gas composition, an
+// The mark of the archive and the last three go too: a location is used again, and the next station there must not inherit a gas composition, an
 // outcome or a day.
 constexpr std::array afterSchedule = {
     "delete from mdbus_table where locationID= ?",
@@ -26,6 +26,7 @@ constexpr std::array afterSchedule = {
     "columnid in (select columnid from tarchivecolumnheader where nodeid = ?1)",
     "delete from tArchiveTimeStamp where NodeId = ?",
     "delete from tArchiveColumnHeader where NodeId = ?",
+    "delete from tArchiveMark where NodeId = ?",
     "delete from write_gc where locationid = ?",
     "delete from outcome where locationID = ?",
     "delete from gasday where locationID = ?",

@@ -1,109 +1,44 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "core/Text.h"
 #include "support/Downloads.h"
 
 using namespace archive;
 using namespace support;
 using fieldsim::DataAnswer;
-using fieldsim::Fault;
 using testing::HasSubstr;
 
 namespace {
 
-// The rows of the table by which a screen chooses its routine.
-struct Selection {
-    const char* name;
-    Screen screen;
-    bool isCW;
-    bool newFirst;
-    const char* timeHeader;
-};
-
-const Selection selections[] = {
-    {"frmarchive", Screen::frmarchive, false, false, "Time ::         "},
-    {"CW long", Screen::frmCW_archive, false, true, "Time ::                         "},
-    {"CW short", Screen::frmCW_archive, true, false, "Time ::                               "},
-    {"CW short newest", Screen::frmCW_archive, true, true, "Time ::                               "},
-    {"para long", Screen::frmparaarchive, false, false, "Time ::                         "},
-    {"para long newest", Screen::frmparaarchive, false, true, "Time ::                         "},
-    {"para short newest", Screen::frmparaarchive, true, true, "Time ::                               "},
-    {"para short", Screen::frmparaarchive, true, false, "Time ::                                                     "},
-};
-
-// Long "frmCW_archive" ignores "New First".
-bool RunsNewestFirst(const Selection& selection) {
-    return selection.newFirst && (selection.isCW || selection.screen == Screen::frmparaarchive);
-}
-
-Wish WishOf(const Selection& selection, bool audit = false) {
-    Wish wish;
-    wish.screen = selection.screen;
-    wish.newFirst = selection.newFirst;
-    wish.audit = audit;
-    wish.kind = ArchiveKind::Hourly;
-    wish.file = 2;
-    return wish;
-}
-
-// The rows that the grid is to show of a file.
-std::vector<std::vector<std::string>> RowsOf(const fieldsim::ArchiveFile& file, bool newestFirst) {
-    std::vector<std::vector<std::string>> rows;
-    for (const fieldsim::FileRecord& record : file.records) {
-        const core::DateTime& at = record.at;
-        std::vector<std::string> row = {core::DateText(at) + "   " + std::to_string(at.hour) + ":0:0",
-                                        std::to_string(record.globalID), std::to_string(record.localID)};
-        for (const double value : record.values) {
-            row.push_back(core::NumberText(value));
-        }
-        rows.push_back(row);
-    }
-    if (newestFirst) {
-        std::reverse(rows.begin(), rows.end());
-    }
-    return rows;
-}
-
 // Whole downloads ----------------------------------------------------------------------------------------------------
 
-// Every number of records up to three replies and more, in a file that is new and in one that has wrapped; with few
-// fields and with so many that a reply holds two records.
+// Every number of records up to three replies and more, in a file that is new, in one that has wrapped, and in one
+// whose numbers have gone round; with fields of which a reply holds ten, three and two records.
 TEST(DownloadTest, EveryRoutineBringsEveryRecordOnce) {
     for (const Selection& selection : selections) {
-        HistoryTalk history(selection.isCW);
-        for (const int oldest : {0, 51}) {
-            for (const std::size_t fields : {3U, 20U}) {
-                for (const std::size_t records : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 8U, 9U, 11U, 50U}) {
+        HistoryTalk history(selection.isCW,
+                            selection.screen == Screen::frmarchive ? DataAnswer::AtOnce : DataAnswer::Alternate);
+        for (const int oldest : {0, 51, 65500, 65531, 70000}) {
+            for (const std::size_t fields : {3U, 13U, 20U}) {
+                for (const std::size_t records : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 8U, 9U, 11U, 35U, 50U}) {
                     const auto file = HourlyFile(records, oldest, fields);
                     history.station.Archives()[2] = file;
+                    history.desk.dbconn.Execute("delete from tArchiveMark");
                     const Collected collected = history.Collect(WishOf(selection));
                     SCOPED_TRACE(std::string(selection.name) + ", " + std::to_string(records) + " records from " +
                                  std::to_string(oldest) + ", " + std::to_string(fields) + " fields");
                     EXPECT_EQ(collected.end, RunEnd::Whole) << collected.message;
                     EXPECT_EQ(history.view.rows, RowsOf(file, RunsNewestFirst(selection)));
+                    const auto& captions = history.view.captions;
+                    ASSERT_EQ(captions.size(), fields + 3);
+                    EXPECT_EQ(captions[0], selection.timeHeader);
+                    EXPECT_EQ(captions[1],
+                              selection.screen == Screen::frmarchive ? "Global ID       " : "Globla ID       ");
+                    EXPECT_EQ(captions[2] + captions[3], "Local ID        FIELD 1          ");
                 }
             }
         }
-    }
-}
-
-TEST(DownloadTest, HeadersOfEveryRoutine) {
-    for (const Selection& selection : selections) {
-        HistoryTalk history(selection.isCW,
-                            selection.screen == Screen::frmarchive ? DataAnswer::AtOnce : DataAnswer::Alternate);
-        history.station.Archives()[2] = HourlyFile(6, 0, 13);
-        history.Collect(WishOf(selection));
-        const auto& captions = history.view.captions;
-        ASSERT_EQ(captions.size(), 16U) << selection.name;
-        EXPECT_EQ(captions[0], selection.timeHeader);
-        EXPECT_EQ(captions[1], selection.screen == Screen::frmarchive ? "Global ID       " : "Globla ID       ");
-        EXPECT_EQ(captions[2], "Local ID        ");
-        EXPECT_EQ(captions[3], "FIELD 1          ");
-        EXPECT_EQ(captions[15], "FIELD 13         ");
-        EXPECT_EQ(history.view.rows.size(), 6U);
     }
 }
 
@@ -116,7 +51,8 @@ TEST(DownloadTest, TheOnlineScreenStoresWhatIsNew) {
     const Wish wish = WishOf(selections[6]);
     EXPECT_EQ(history.Collect(wish).message, "Archive Collected\r10 records: 10 new, 0 known.");
     history.station.Archives()[5] = HourlyFile(13);
-    EXPECT_EQ(history.Collect(wish).message, "Archive Collected\r13 records: 3 new, 10 known.");
+    EXPECT_EQ(history.Collect(wish).message,
+              "Archive Collected\r7 records: 3 new, 4 known. The older ones were stored before.");
     const auto stored = history.desk.dbconn.Query(
         "select t.Time1, d.value1 from tArchiveTimeStamp t join tArchiveData d on d.TimeStampId=t.TimeStampId "
         "join tArchiveColumnHeader c on c.ColumnId=d.ColumnId where t.NodeId=7 and t.StreamNo=2 and "
@@ -196,16 +132,6 @@ TEST(DownloadTest, FramesAreLoggedWhereTheScreenLogsThem) {
     }
 }
 
-TEST(DownloadTest, TenThousandRecordsOfAFileThatHasWrapped) {
-    HistoryTalk history(true);
-    const auto file = HourlyFile(10000, 5000);
-    history.station.Archives()[2] = file;
-    EXPECT_EQ(history.Collect(WishOf(selections[6])).message, "Archive Collected\r10000 records: 10000 new, 0 known.");
-    EXPECT_EQ(history.view.rows, RowsOf(file, true));
-    EXPECT_EQ(history.view.lastRecord, "10000/10001");
-    EXPECT_EQ(history.Collect(WishOf(selections[7])).message, "Archive Collected\r10000 records: 0 new, 10000 known.");
-}
-
 // By date ------------------------------------------------------------------------------------------------------------
 
 TEST(DownloadTest, ARangeOfDatesIsWholeDays) {
@@ -246,104 +172,6 @@ TEST(DownloadTest, ARangeAtTheEndAndBehindTheEndOfTheFile) {
         EXPECT_EQ(history.view.rows.size(), static_cast<std::size_t>(rows));
         wish.range = {{2026, 2, 8}, {2026, 2, 9}};
         EXPECT_EQ(history.Collect(wish).message, "Archive Collected\r0 records: 0 new, 0 known.");
-    }
-}
-
-// Failures -----------------------------------------------------------------------------------------------------------
-
-TEST(DownloadTest, StatusPairsEndTheRun) {
-    struct Case {
-        std::array<std::uint8_t, 2> status;
-        const char* message;
-    };
-    for (const Selection& selection : selections) {
-        const std::string end = "\rArchive Collected, but not to the end: 0 records.";
-        for (const Case& c : {Case{{135, 129}, "Invalid File Number"}, Case{{135, 130}, "Invalid Field Number"},
-                              Case{{1, 2}, "The station does not answer any more"}}) {
-            HistoryTalk history(selection.isCW);
-            history.station.Archives()[2] = HourlyFile(5);
-            history.station.Archives()[2].definitionStatus = c.status;
-            const auto collected = history.Collect(WishOf(selection));
-            EXPECT_EQ(collected.end, RunEnd::Failed) << selection.name;
-            EXPECT_THAT(collected.message, HasSubstr(c.message + end)) << selection.name;
-        }
-        HistoryTalk history(selection.isCW);
-        EXPECT_THAT(history.Collect(WishOf(selection)).message, HasSubstr("Invalid Archive Number" + end));
-    }
-}
-
-// A fault at each exchange of a download, once and then for good. One bad reply of the definitions and of the records
-// is forgiven, and no record is lost or wrong by it; the one of the file's numbers is not.
-TEST(DownloadTest, EveryFaultAtEveryExchange) {
-    const Fault everyFault[] = {Fault::Silence, Fault::BadCheck, Fault::Cut};
-    for (const Selection& selection : selections) {
-        const auto file = HourlyFile(11, 0, 8);
-        const auto all = RowsOf(file, RunsNewestFirst(selection));
-        for (const Fault fault : everyFault) {
-            for (std::size_t at = 0; at < 6; ++at) {
-                for (const std::size_t times : {1U, 4U}) {
-                    fieldsim::LineFaults::Options faults;
-                    faults.script.assign(at, Fault::None);
-                    faults.script.insert(faults.script.end(), times, fault);
-                    HistoryTalk history(selection.isCW, DataAnswer::AtOnce, faults);
-                    history.station.Archives()[2] = file;
-                    const auto collected = history.Collect(WishOf(selection));
-                    SCOPED_TRACE(std::string(selection.name) + ", fault " + std::to_string(static_cast<int>(fault)) +
-                                 " at " + std::to_string(at) + ", " + std::to_string(times) +
-                                 " times: " + collected.message);
-                    const bool met = history.faults.Exchanges().size() > at;
-                    const bool forgiven = at > 0 && times == 1;
-                    EXPECT_EQ(collected.end, !met || forgiven ? RunEnd::Whole : RunEnd::Failed);
-                    ASSERT_LE(history.view.rows.size(), all.size());
-                    EXPECT_TRUE(std::equal(history.view.rows.begin(), history.view.rows.end(), all.begin()));
-                    const std::int64_t stored =
-                        history.desk.dbconn.First("select count(*) from tArchiveTimeStamp").value()[0].Long();
-                    const bool stores = selection.screen == Screen::frmparaarchive && collected.end == RunEnd::Whole;
-                    EXPECT_EQ(stored, stores ? 11 : 0);
-                }
-            }
-        }
-    }
-}
-
-// Stopped, or its line taken, behind each request: what came is stored, and the next download completes it.
-TEST(DownloadTest, ACutDownloadStoresWhatItHasAndTheNextCompletesIt) {
-    for (const std::size_t selection : {4U, 5U, 6U, 7U}) {
-        for (const bool taken : {false, true}) {
-            for (std::size_t behind = 0; behind < 8; ++behind) {
-                HistoryTalk history(selections[selection].isCW);
-                history.station.Archives()[2] = HourlyFile(14, 0, 8);
-                const auto due = [&] { return history.faults.Exchanges().size() >= behind; };
-                history.view.stopped = [&] { return !taken && due(); };
-                history.desk.clock.Every(1, [&] {
-                    if (taken && due()) {
-                        history.field.TakeOver("The line was taken");
-                    }
-                });
-                const auto collected = history.Collect(WishOf(selections[selection]));
-                SCOPED_TRACE(std::string(selections[selection].name) + " behind " + std::to_string(behind) + ": " +
-                             collected.message);
-                EXPECT_TRUE(collected.end == (taken ? RunEnd::LineLost : RunEnd::Stopped) ||
-                            (!taken && collected.end == RunEnd::Whole));
-                EXPECT_THAT(collected.message,
-                            HasSubstr(taken ? "The line was taken\rArchive Collected, but not to the "
-                                              "end"
-                                            : "Archive Collected"));
-                const auto stored = [&] {
-                    return history.desk.dbconn.First("select count(*) from tArchiveTimeStamp").value()[0].Long();
-                };
-                EXPECT_EQ(stored(), static_cast<std::int64_t>(history.view.rows.size()));
-
-                const std::int64_t before = stored();
-                HistoryTalk again(selections[selection].isCW);
-                again.station.Archives()[2] = HourlyFile(14, 0, 8);
-                const auto completed =
-                    archive::Collect(history.desk.dbconn, again.talk, WishOf(selections[selection]), again.view);
-                EXPECT_EQ(completed.message, "Archive Collected\r14 records: " + std::to_string(14 - before) +
-                                                 " new, " + std::to_string(before) + " known.");
-                EXPECT_EQ(stored(), 14);
-            }
-        }
     }
 }
 

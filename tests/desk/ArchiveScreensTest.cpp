@@ -42,6 +42,8 @@ struct ArchiveScreens : testing::Test {
         for (const auto& station : {dialled, twin, micro}) {
             demo::AddStation(desk.dbconn, station);
         }
+        // A CW speaks BSAP whatever its row says.
+        desk.dbconn.Execute("update configdata_master set protocol='Modbus', mode='RTU' where locationID=2");
         field = &desk.OpenField();
     }
 
@@ -149,8 +151,8 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
 
     desk.Press(page, "cmdGo", {{"rows", [&] { return Rows(page) > 8; }, [&] { Click(page, "cmd_stop"); }}});
     const int stopped = Rows(page);
-    EXPECT_EQ(Answer(page), "Archive Collected\nStopped before the end: " + std::to_string(stopped) +
-                                " records: " + std::to_string(stopped) + " new, 0 known.");
+    EXPECT_EQ(Answer(page), "Stopped before the end\n" + std::to_string(stopped) + " records received, " +
+                                std::to_string(stopped) + " stored: " + std::to_string(stopped) + " new, 0 known.");
     EXPECT_EQ(desk.Count("tArchiveTimeStamp where NodeId=2 and StreamNo=2 and HistoryTypeId=5"), stopped);
 
     Click(page, "che_new");
@@ -176,6 +178,9 @@ TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     Click(page, "cmdClose");
     EXPECT_EQ(desk.window.Front(), &paralist);
     EXPECT_EQ(paralist.GetSession()->GetState(), session::State::Connected);
+    Click(paralist, "cmdfetch");
+    EXPECT_EQ(The<QComboBox>(*desk.window.Front(), "cmbnodename").currentText(), "Twin");
+    Click(*desk.window.Front(), "cmdClose");
     Click(paralist, "btnHistory");
     desk.Front<desk::frmHistory>();
 }
@@ -205,7 +210,8 @@ TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
     EXPECT_FALSE(desk.fieldLine.InUse());
     number.setText("99");
     desk.Press(page, "cmdGo");
-    EXPECT_EQ(Answer(page), "Invalid Archive Number\nArchive Collected, but not to the end: 0 records.");
+    EXPECT_EQ(Answer(page),
+              "Invalid Archive Number\nThe station refused the request (status 135, 129).\n0 records received.");
 }
 
 TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
@@ -228,6 +234,20 @@ TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
     EXPECT_NE(desk.window.Front(), &page);
 }
 
+TEST_F(ArchiveScreens, AStartThatFailsLeavesThePageOpen) {
+    auto& paralist = desk.Open<desk::frmparalist>(2);
+    Click(paralist, "cmdConnect");
+    Click(paralist, "cmd_arc");
+    auto& online = desk.Front<desk::frmparaarchive>();
+    auto& old = desk.Open<desk::frmarchive>();
+    The<QComboBox>(old, "cmbNode").setCurrentIndex(0);
+    desk.dbconn.Execute("alter table configdata_master rename to away");
+    for (const QWidget* page : std::initializer_list<const QWidget*>{&online, &old}) {
+        Click(*page, "cmdGo");
+        EXPECT_TRUE(Enabled(*page, "cmdGo") && Enabled(*page, "cmdClose") && Enabled(*page, "choices"));
+    }
+}
+
 // The schedule takes the line: what came is kept, and Collect says that there is no line any more.
 TEST_F(ArchiveScreens, AScheduledRunEndsADownload) {
     desk.dbconn.Execute("update configdata_master set contracthour='09:01' where locationID=1");
@@ -238,7 +258,7 @@ TEST_F(ArchiveScreens, AScheduledRunEndsADownload) {
     desk.StartTicking();
     desk.clock.Run(58000 - desk.clock.Elapsed() % 60000);
     desk.Press(page, "cmdGo");
-    EXPECT_THAT(Answer(page), StartsWith("A scheduled collection has taken the line\nArchive Collected, but"));
+    EXPECT_THAT(Answer(page), StartsWith("A scheduled collection has taken the line\n"));
     EXPECT_EQ(desk.Count("tArchiveTimeStamp where NodeId=2"), Rows(page));
     EXPECT_TRUE(desk.Master(1).Bool("sampledtoday")) << desk.RtuErr();
     desk.Press(page, "cmdGo");

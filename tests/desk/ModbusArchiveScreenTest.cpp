@@ -126,7 +126,7 @@ TEST_F(ModbusArchiveScreen, ASessionLendsItsLineAndGoesOn) {
                   Click(*page, "cmd_stop");
                   EXPECT_FALSE(Enabled("cmd_stop"));
               }}});
-    EXPECT_THAT(Answer(*page), StartsWith("Archive Collected\nStopped, 8 of 72 records came"));
+    EXPECT_THAT(Answer(*page), StartsWith("Stopped before the end\n8 of 72 records received, 8 stored."));
     EXPECT_EQ(Stored("hourly_tf"), 8);
     EXPECT_EQ(session.GetState(), session::State::Connected);
     Click(*page, "cmdClose");
@@ -175,8 +175,8 @@ TEST_F(ModbusArchiveScreen, AScheduledRunTakesTheLineFromEither) {
         screen.clock.After(3000, [&] { screen.scheduler.Tick(); });
         Click(*page, "cmdarchive");
         const std::string said = Answer(*page);
-        EXPECT_THAT(said, StartsWith("Archive Collected\nNot whole, "));
-        EXPECT_THAT(said, HasSubstr(" of 72 records came: A scheduled collection has taken the line"));
+        EXPECT_THAT(said, StartsWith("A scheduled collection has taken the line\n"));
+        EXPECT_THAT(said, HasSubstr(" of 72 records received, "));
         EXPECT_GE(Rows(), 4);
         EXPECT_EQ(screen.Count("hourly_tf"), Rows());
         EXPECT_TRUE(Enabled("cmdClose"));
@@ -201,8 +201,8 @@ TEST_F(ModbusArchiveScreen, AFailureIsToldAndALineInUseIsLeftAlone) {
         box->close();
     }
     EXPECT_THAT(said, testing::ElementsAre("There was No Response from the controller!\nCheck Settings and try again!",
-                                           "Archive Collected\nNot whole, 4 of 72 records came: There was No Response "
-                                           "from the controller! Check Settings and try again!"));
+                                           "There was No Response from the controller! Check Settings and try again!\n"
+                                           "4 of 72 records received, 4 stored."));
     EXPECT_EQ(Rows(), 4);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 

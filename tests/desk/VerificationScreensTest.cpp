@@ -45,7 +45,9 @@ struct VerificationScreens : testing::Test {
     VerificationScreens() {
         desk.shared.currentuser = "WARDEN";
         desk.shared.rights.rightOnline = true;
-        demo::AddStation(desk.dbconn, {"O'Neill", "CWGFC", "BSAP", "", 2, 6, "", 1, {}, "12:00"});
+        demo::AddStation(desk.dbconn, {"O'Neill", "CWGFC-AGA3", "BSAP", "", 2, 6, "", 1, {}, "12:00"});
+        // A CW speaks BSAP whatever its row says.
+        desk.dbconn.Execute("update configdata_master set protocol='Modbus', mode='RTU'");
         demo::AddStation(desk.dbconn, {"Hill Farm", "TeleFlow+", "BSAP", "", 1, 1, "5550142"});
     }
 

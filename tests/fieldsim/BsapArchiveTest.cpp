@@ -141,6 +141,10 @@ TEST(BsapArchive, NumbersRunFromTheOldestToTheNewest) {
         {0, 0, 0, 4, "0 0", "none, end"},
         {7, 1, 7, 4, "9 7", "7-7, end"},
         {0, 10000, 9998, 4, "10001 0", "9998-9999, end"},
+        {65530, 10, 65534, 4, "5 65530", "65534-1, more"},  // behind 65535 comes 0
+        {65530, 10, 0, 4, "5 65530", "0-3, end"},
+        {65530, 10, 65529, 4, "5 65530", "65530-65533, more"},
+        {65530, 10, 4, 4, "5 65530", "none, end"},
     };
     for (const bool shortLayout : {false, true}) {
         for (const Case& row : cases) {

@@ -122,7 +122,7 @@ TEST_F(StationWholeTest, ALateFailureTakesBackTheWholeStation) {
 TEST_F(StationWholeTest, NoFailureLeavesHalfADeletion) {
     stations::SaveStation(desk.dbconn, records::Filled(1), {});
     FillEveryTable(desk.dbconn, 1, "Mill");
-    EXPECT_EQ(FailuresOf([&] { stations::DeleteStation(desk.dbconn, 1, "Mill"); }).size(), 16U);
+    EXPECT_EQ(FailuresOf([&] { stations::DeleteStation(desk.dbconn, 1, "Mill"); }).size(), 17U);
 }
 
 TEST_F(StationWholeTest, ADeletedStationLeavesNoTraceAndItsNeighbourKeepsAll) {

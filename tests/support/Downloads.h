@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -7,6 +8,7 @@
 
 #include "archive/Collecting.h"
 #include "archive/RunView.h"
+#include "core/Text.h"
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/LineFaults.h"
 #include "fieldsim/SimLine.h"
@@ -48,6 +50,7 @@ class HistoryTalk {
     explicit HistoryTalk(bool isCW, fieldsim::DataAnswer answers = fieldsim::DataAnswer::AtOnce,
                          fieldsim::LineFaults::Options faults = {})
         : station(1, {}, Options(isCW, answers, !faults.script.empty())), faults(station, std::move(faults)) {
+        desk.dbconn.Execute("pragma synchronous=off");  // a download commits reply by reply
         line.Attach(1, this->faults);
         talk.station.locationID = 7;
         talk.station.consumer = "O'Brien's Works";
@@ -102,6 +105,60 @@ inline fieldsim::ArchiveFile HourlyFile(std::size_t records, int oldest = 0, std
         file.records.push_back(record);
     }
     return file;
+}
+
+// The rows of the table by which a screen chooses its routine.
+struct Selection {
+    const char* name;
+    archive::Screen screen;
+    bool isCW;
+    bool newFirst;
+    const char* timeHeader;
+};
+
+inline const Selection selections[] = {
+    {"frmarchive", archive::Screen::frmarchive, false, false, "Time ::         "},
+    {"CW long", archive::Screen::frmCW_archive, false, true, "Time ::                         "},
+    {"CW short", archive::Screen::frmCW_archive, true, false, "Time ::                               "},
+    {"CW short newest", archive::Screen::frmCW_archive, true, true, "Time ::                               "},
+    {"para long", archive::Screen::frmparaarchive, false, false, "Time ::                         "},
+    {"para long newest", archive::Screen::frmparaarchive, false, true, "Time ::                         "},
+    {"para short newest", archive::Screen::frmparaarchive, true, true, "Time ::                               "},
+    {"para short", archive::Screen::frmparaarchive, true, false,
+     "Time ::                                                     "},
+};
+
+// Long "frmCW_archive" ignores "New First".
+inline bool RunsNewestFirst(const Selection& selection) {
+    return selection.newFirst && (selection.isCW || selection.screen == archive::Screen::frmparaarchive);
+}
+
+inline archive::Wish WishOf(const Selection& selection, bool audit = false) {
+    archive::Wish wish;
+    wish.screen = selection.screen;
+    wish.newFirst = selection.newFirst;
+    wish.audit = audit;
+    wish.kind = archive::ArchiveKind::Hourly;
+    wish.file = 2;
+    return wish;
+}
+
+// The rows that the grid is to show of a file.
+inline std::vector<std::vector<std::string>> RowsOf(const fieldsim::ArchiveFile& file, bool newestFirst) {
+    std::vector<std::vector<std::string>> rows;
+    for (const fieldsim::FileRecord& record : file.records) {
+        const core::DateTime& at = record.at;
+        std::vector<std::string> row = {core::DateText(at) + "   " + std::to_string(at.hour) + ":0:0",
+                                        std::to_string(record.globalID), std::to_string(record.localID)};
+        for (const double value : record.values) {
+            row.push_back(core::NumberText(value));
+        }
+        rows.push_back(row);
+    }
+    if (newestFirst) {
+        std::reverse(rows.begin(), rows.end());
+    }
+    return rows;
 }
 
 }  // namespace support
