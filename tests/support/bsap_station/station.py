@@ -22,6 +22,7 @@ class Options:
     stale = 0.0           # share of the polls that bring the answer to the request before once more, first
     poll_serial = False   # an answer to a poll carries the poll's serial number
     noise = 0.0           # share of the frames that have noise around them
+    names_in_singles = False  # a signal that is read by itself brings its name, as in a list with names
     status = 0
     analogs, logicals = 210, 60
     day = 17500           # of the newest record
@@ -188,6 +189,8 @@ class Station:
         if any(signal is None for signal in found):
             errors = bytes(signals.INVALID_NAME if signal is None else 0 for signal in found)
             return bytes([signals.ELEMENT_ERRORS, len(found)]) + errors
+        if not self.options.names_in_singles:
+            selection &= ~signals.SELECT_NAME
         return bytes([0, len(found), 0, 0, 0]) + b''.join(signal.record(selection) for signal in found)
 
     def read_addresses(self, w):
