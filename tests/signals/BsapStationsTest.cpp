@@ -142,6 +142,7 @@ TEST_F(BsapStations, AnyByteOfTheHeadMayBe10Hex) {
                 options.shortLayout = isCW;
                 options.answers = static_cast<DataAnswer>(start % 3);
                 options.notReadyOneIn = start % 3;
+                options.leadingByte = start % 4 != 3;
                 options.loadVersion1 = start % 2 == 0 ? 0x10 : 0x12;
                 options.loadVersion2 = start % 4 < 2 ? 0x10 : 0x34;
                 Open(start % 5 == 0 ? 16 : 5, options);
