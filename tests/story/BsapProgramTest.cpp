@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <cmath>
 #include <ctime>
 #include <thread>
 
@@ -39,7 +38,7 @@ void ExpectCollected(core::Database& dbconn, std::int64_t location, support::Bsa
                  dbconn.Query("select * from configdata_detail where locationID=? and startaddress=?",
                               {location, list + "-" + std::to_string(n)})) {
                 ++places;
-                EXPECT_EQ(row.Number("lastvalue"), std::round(signal.value * 1e6) / 1e6)
+                EXPECT_NEAR(row.Number("lastvalue"), signal.value, 0.6e-6)
                     << location << " " << list << "-" << n << " " << row.Text("description");
                 EXPECT_EQ(row.Long("MSD"), signal.address);
                 EXPECT_EQ(row.Text("unit"), signal.units);
@@ -65,7 +64,8 @@ TEST(BsapProgram, CollectsStationsOfAnotherHandInBothLayouts) {
     dbconn.Execute("update comports set device=? where portname='COM5'", {direct.Path()});
     const std::string due = MinuteOfTheFirstTick();
     const auto far = demo::AddStation(dbconn, {"Hill Farm", "TeleFlow+", "BSAP", "", 4, 1, "5550142", 1, {}, due, 100});
-    const auto near = demo::AddStation(dbconn, {"Weir Lane", "CWGFC-AGA3", "BSAP", "", 5, 16, "", 1, {"AGA3"}, due, 100});
+    const auto near =
+        demo::AddStation(dbconn, {"Weir Lane", "CWGFC-AGA3", "BSAP", "", 5, 16, "", 1, {"AGA3"}, due, 100});
     support::ChildProcess program({NORWEN_PROGRAM, "--directory", scratch.path.string(), "--unattended"});
     std::size_t collected = 0;
     for (int seconds = 0; seconds < 130 && collected < 2; ++seconds) {

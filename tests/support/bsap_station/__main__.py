@@ -29,7 +29,7 @@ def arguments():
             continue
         option = '--' + name.replace('_', '-')
         if isinstance(value, bool):
-            parser.add_argument(option, action='store_true')
+            parser.add_argument(option, action='store_true', default=value)
         else:
             parser.add_argument(option, type=type(value), default=value,
                                 choices=('long', 'cw') if name == 'layout' else None)
