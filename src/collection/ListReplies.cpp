@@ -34,8 +34,7 @@ std::optional<ListReply> ListReplies::Next() {
             return std::nullopt;
         }
         auto reply = received.answer ? Good(received.answer->text) : std::nullopt;
-        none_ = reading_.mayBeNone && asked_.empty() && received.answer &&
-                received.answer->text.size() <= reading_.tooShort;
+        none_ = asked_.empty() && received.answer && SaysThatThereIsNone(*received.answer);
         talk_.requests.Note(reply.has_value() || none_);
         if (reply) {
             LetLateRepliesPass(requests - 1);
@@ -66,6 +65,14 @@ std::optional<ListReply> ListReplies::Good(const std::string& reply) {
     talk_.bsap.listnext1 = next1;
     talk_.bsap.listnext2 = next2;
     return ListReply{next, std::move(records.signals)};
+}
+
+bool ListReplies::SaysThatThereIsNone(const protocols::BsapAnswer& answer) const {
+    if (reading_.saysNone == SaysNone::Never || answer.text.size() > reading_.tooShort) {
+        return false;
+    }
+    return reading_.saysNone == SaysNone::ByAnyAnswerWithoutData ||
+           answer.At(protocols::ReplyLayout(talk_.station.isCW).status).value_or(0) != 0;
 }
 
 // A reply that goes on where this list has already gone on is the late answer to an earlier request.

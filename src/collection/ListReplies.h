@@ -17,13 +17,15 @@ struct ListReply {
     std::vector<ListSignal> signals;
 };
 
+// How a station says that it has none of what was asked for. An answer without data that does not say so is a bad one.
+enum class SaysNone { Never, ByAnyAnswerWithoutData, ByItsStatus };
+
 struct ListReading {
     // The request as a frame: the first one, or that for what follows listnext1 and listnext2.
     std::function<std::string(bool first)> request;
     RecordForm form{};
     std::size_t tooShort = 18;  // a reply of so many bytes holds no data
-    // The station says by an answer without data that it has no such thing. Otherwise such an answer is a bad one.
-    bool mayBeNone = false;
+    SaysNone saysNone = SaysNone::Never;
     bool paced = false;  // one commtimeout before each request as well
     protocols::RequestLog log{};
 };
@@ -43,6 +45,7 @@ class ListReplies {
 
   private:
     std::optional<ListReply> Good(const std::string& reply);
+    bool SaysThatThereIsNone(const protocols::BsapAnswer& answer) const;
     bool AlreadyAsked(int next) const;
     void LetLateRepliesPass(int repeats);
 

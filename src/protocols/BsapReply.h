@@ -12,6 +12,8 @@ struct BsapReplyLayout {
     // Poll reply, its first byte cut off.
     std::size_t pollAddress;
     std::size_t pollStatus;
+    // What a station did with a request; 0: all of it.
+    std::size_t status;
     // Version reply, two bytes.
     std::size_t loadVersion;
     // List reply.
@@ -19,9 +21,9 @@ struct BsapReplyLayout {
     std::size_t firstRecord;
 };
 
-constexpr BsapReplyLayout longReply = {6, 7, 14, 14, 16};
+constexpr BsapReplyLayout longReply = {6, 7, 11, 14, 14, 16};
 // One byte less in front of everything: the CW models.
-constexpr BsapReplyLayout shortReply = {5, 6, 13, 13, 15};
+constexpr BsapReplyLayout shortReply = {5, 6, 10, 13, 13, 15};
 
 constexpr const BsapReplyLayout& ReplyLayout(bool isCW) {
     return isCW ? shortReply : longReply;

@@ -79,7 +79,7 @@ FetchEnd FetchList(protocols::Conversation& talk, int listNumber, FetchView& vie
     };
     reading.form = NamedRecords(talk.station);
     reading.tooShort = talk.bsap.usepoll ? 22 : 18;
-    reading.mayBeNone = true;
+    reading.saysNone = collection::SaysNone::ByAnyAnswerWithoutData;
     reading.paced = true;
     const FetchEnd end = ReadAll(talk, std::move(reading), view);
     talk.bsap.listnames = false;
@@ -96,8 +96,10 @@ FetchEnd SearchSignals(protocols::Conversation& talk, const std::string& pattern
     reading.form = NamedRecords(talk.station);
     // An answer without a signal is one byte shorter than the shortest answer of a list that has one.
     reading.tooShort = reading.form.firstRecord - 1 + protocols::replyTrailer - 1;
+    reading.saysNone = collection::SaysNone::ByItsStatus;
     reading.paced = true;
-    return ReadAll(talk, std::move(reading), view);
+    const FetchEnd end = ReadAll(talk, std::move(reading), view);
+    return end == FetchEnd::None ? FetchEnd::Whole : end;
 }
 
 std::string FetchMessage(FetchEnd end, std::size_t rows, const std::string& reason) {

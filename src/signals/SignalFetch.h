@@ -24,7 +24,7 @@ class FetchView {
 
 enum class FetchEnd {
     Whole,
-    None,     // the station has no such list, or no signal that fits
+    None,     // the station has no such list
     Failed,   // four bad replies in a row
     Stopped,  // by the operator
     Ended,    // the line was taken away, or the program ends
@@ -40,7 +40,8 @@ enum class SearchKind {
     Name = 1,       // how a name begins; * stands for any characters
 };
 
-// Reads the signals that fit, in the same way. The pattern goes out in capitals.
+// Reads the signals that fit, in the same way: Whole without a signal where none does. The pattern goes out in
+// capitals.
 FetchEnd SearchSignals(protocols::Conversation& talk, const std::string& pattern, SearchKind kind, FetchView& view);
 
 // What the operator is told of a fetch of a list: "List Fetched", "List Not Found", "Error Occured in Communication",
