@@ -139,7 +139,7 @@ void Session::Answer(const WriteRequest& request, const WriteAnswer& answer) {
     ParameterRow& row = set_.At(request.place);
     const bool unchanged = answer.result == WriteResult::Refused || answer.result == WriteResult::NotSent;
     if (answer.has) {
-        TakeValue(row, *answer.has);
+        TakeValue(row, *answer.has, place_.clock.Now());
     } else if (unchanged && row.pending) {
         row.lastvalue = request.oldValue;
         row.pending = false;

@@ -137,7 +137,7 @@ TEST(WriteOutcomeTest, EveryWriteHasAnAnswer) {
                     confirmed ? 0U : 1U);
                 EXPECT_EQ(desk.view.boxes.size(), confirmed ? 0U : 1U);
                 EXPECT_EQ(desk.Stored(name), core::RoundTo(desk.AtStation(name), 4)) << "what the station has";
-                EXPECT_EQ(desk.Quality(name), told == Told::Refused ? "" : "good");
+                EXPECT_EQ(desk.Quality(name), "good");
                 EXPECT_FALSE(desk.session->Parameters().At(desk.Place(aga, name)).pending);
             }
         }
