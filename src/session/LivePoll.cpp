@@ -66,7 +66,8 @@ ReadOutcome LivePoll::Read() {
 // What a whole reading asked for and did not bring: a list without the signal, a block that the station refuses.
 void LivePoll::MarkMissed() {
     set_.ForEach([this](ParameterRow& row) {
-        if (row.missedPolls > 0 && !row.startaddress.empty() && row.startaddress != "0") {
+        // A value that was written and not seen yet stays "not confirmed".
+        if (row.missedPolls > 0 && !row.pending && !row.startaddress.empty() && row.startaddress != "0") {
             row.quality = row.quality == core::Quality::Refused ? row.quality : core::Quality::NotReceived;
             unstored_.push_back(&row);
         }

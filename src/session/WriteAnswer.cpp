@@ -17,7 +17,7 @@ std::string Shown(const WriteRequest& request, double value, bool isCW) {
     row.Description = request.Description;
     row.kind = request.kind;
     row.lastvalue = value;
-    row.read = true;
+    row.pending = true;  // shown as a figure
     return ValueCell(row, isCW);
 }
 
