@@ -61,8 +61,9 @@ void Attach(MailMessage& message, const std::filesystem::path& file) {
     message.attachment = std::move(bytes);
 }
 
-void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
-              core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended) {
+void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, const core::DateTime& day,
+              core::Feedback& feedback, core::Logs& logs, MailTransport& transport,
+              const std::function<bool()>& ended) {
     MailOutcome outcome;
     try {
         auto message = Compose(dbconn);
@@ -72,7 +73,7 @@ void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clo
         feedback.Status("Sending Mail");
         const MailServer server = ReadMailServer(dbconn);
         message->sender = Sender(server, *message);
-        AttachReport(dbconn, shared, clock.Now(), feedback, *message);
+        AttachReport(dbconn, shared, day, feedback, *message);
         clock.WaitMs(settleMs, ended);
         outcome = transport.Send(*message, server, clock, ended);
     } catch (const std::exception& failure) {

@@ -60,7 +60,7 @@ void Attach(MailMessage& message, const std::filesystem::path& file);
 // The mail behind a minute's collections: to whom email_settings says, with the daily report of today, which is made
 // for it. Without a row or an addressee nothing happens. A failure leaves the last status text and a line in
 // RTU_Err.log; the next selected minute mails again. Throws DatabaseError.
-void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
-              core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
+void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, const core::DateTime& day,
+              core::Feedback& feedback, core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
 
 }  // namespace collection

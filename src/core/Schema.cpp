@@ -27,6 +27,8 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "create table gasday (locationID integer, gasday text, readat text, dayflow double, monthflow double, "
     "pressure double)",
     "create unique index gasday_day on gasday (locationID, gasday)",
+    "create table schedule_state (servedto text)",
+    "create table unsent_mail (id integer primary key, made text, missing text, report text)",
     "create table settings (name text primary key, value text, meaning text) without rowid",
     "insert into settings values"
     "('calibrationlevel', '5', 'write level that calibrating a transmitter needs'),"

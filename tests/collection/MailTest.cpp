@@ -31,7 +31,7 @@ struct MailTest : testing::Test {
         desk.dbconn.Execute("insert into email_settings values(?,?,?,?,?)", {to, cc, bcc, subject, message});
     }
     void Send() {
-        collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, smtp,
+        collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.clock.Now(), desk.feedback, desk.logs, smtp,
                              [] { return false; });
     }
     std::string Received(int number, const std::string& ending = "eml") const { return sink.Received(number, ending); }
@@ -201,7 +201,8 @@ TEST_F(MailTest, TheEndOfTheProgramEndsAMail) {
     bool leaving = false;
     desk.clock.After(2000, [&] { leaving = true; });
     const auto before = desk.clock.Elapsed();
-    collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, smtp, [&] { return leaving; });
+    collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.clock.Now(), desk.feedback, desk.logs, smtp,
+                         [&] { return leaving; });
     EXPECT_LT(desk.clock.Elapsed() - before, 2100U);
     EXPECT_THAT(desk.RtuErr(), HasSubstr("the program ends"));
 }
