@@ -104,7 +104,7 @@ DayCount CountDay(core::Database& dbconn, const core::DateTime& day, const core:
     DayCount count;
     for (const Schedule& schedule : ReadSchedules(dbconn)) {
         const auto due = DueOn(schedule, day);
-        if (!due || *due > now) {
+        if (!due || *due > now || !HasOutcomes(dbconn, schedule.locationID, day)) {
             continue;
         }
         const auto outcome = OutcomeOf(dbconn, schedule.locationID, core::IsoText(day).substr(0, 10));

@@ -44,8 +44,8 @@ DayLine LineOfDay(core::Database& dbconn, std::int64_t locationID, const core::D
 // mark of the day decides: it may have been collected before outcomes were recorded. Throws DatabaseError.
 bool IsMissing(core::Database& dbconn, const Schedule& schedule, const core::DateTime& now);
 
-// The stations whose contract hour on a day has passed: how many have nothing, and how many only a part. Throws
-// DatabaseError.
+// The stations whose contract hour on a day has passed at `now`: how many have nothing, and how many only a part. Of a
+// station without outcomes up to that day nothing is known, and it is not counted. Throws DatabaseError.
 struct DayCount {
     int missing = 0;
     int partly = 0;

@@ -101,6 +101,13 @@ std::optional<Outcome> OutcomeOfToday(core::Database& dbconn, std::int64_t locat
     return row ? std::optional(OutcomeIn(*row)) : std::nullopt;
 }
 
+bool HasOutcomes(core::Database& dbconn, std::int64_t locationID, const core::DateTime& day) {
+    return dbconn
+        .First("select 1 from outcome where locationID=? and gasday<=? limit 1",
+               {locationID, core::IsoText(day).substr(0, 10)})
+        .has_value();
+}
+
 void RecordGasDay(core::Database& dbconn, std::int64_t locationID, const std::string& gasday,
                   const core::DateTime& readat, const DayFigures& figures) {
     if (!figures.dayflow && !figures.monthflow && !figures.pressure) {

@@ -57,6 +57,9 @@ std::optional<Outcome> OutcomeOf(core::Database& dbconn, std::int64_t locationID
 // The same of everything that was begun on the day of `now`; a later gas day goes before an earlier one.
 std::optional<Outcome> OutcomeOfToday(core::Database& dbconn, std::int64_t locationID, const core::DateTime& now);
 
+// Whether the outcomes of a station go back to a day; of an earlier one they do not know. Throws DatabaseError.
+bool HasOutcomes(core::Database& dbconn, std::int64_t locationID, const core::DateTime& day);
+
 // Adds to the record of a gas day what a run received; what is not given stays as it is. Throws DatabaseError.
 void RecordGasDay(core::Database& dbconn, std::int64_t locationID, const std::string& gasday,
                   const core::DateTime& readat, const DayFigures& figures);

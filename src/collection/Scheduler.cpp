@@ -15,6 +15,7 @@ namespace {
 constexpr int maxAttempts = 3;
 constexpr double pauseMs = 500;
 constexpr std::uint32_t msAMinute = 60000;
+constexpr std::uint32_t unsentEveryMs = 30 * msAMinute;
 constexpr std::int64_t secondsADay = 86400;
 
 core::DateTime MinuteOf(core::DateTime at) {
@@ -66,14 +67,15 @@ void Scheduler::Serve() {
     }
     running_ = true;
     bool served = false;
-    while (!leaving_) {
-        const auto turn = queue_.Next();
-        if (!turn) {
-            break;
+    do {
+        while (const auto turn = leaving_ ? std::nullopt : queue_.Next()) {
+            ServeTurn(*turn);
+            served = true;
         }
-        served = true;
-        ServeTurn(*turn);
-    }
+        if (!leaving_) {
+            core::Guarded(place_.logs, [this] { MailUnsent(); });
+        }
+    } while (!queue_.Empty() && !leaving_);  // a tick has come while the mail was on its way
     running_ = false;
     if (!leaving_) {
         core::Guarded(place_.logs, [&] { missed_.AllServed(served); });
@@ -311,8 +313,19 @@ void Scheduler::Record(const Turn& turn, const RunState& state, const Outcome& o
 }
 
 void Scheduler::MailReport(const Turn& turn) {
+    mailed_ = place_.clock.Milliseconds();
     sendmail(place_.dbconn, place_.shared, place_.clock, turn.due.value_or(place_.clock.Now()), place_.feedback,
              place_.logs, mail_, [this] { return leaving_; });
+}
+
+// What no server took is tried again from time to time, for the first time when the program has started.
+void Scheduler::MailUnsent() {
+    if (mailed_ && place_.clock.Milliseconds() - *mailed_ < unsentEveryMs) {
+        return;
+    }
+    mailed_ = place_.clock.Milliseconds();
+    SendUnsent(place_.dbconn, place_.shared, place_.clock, place_.feedback, place_.logs, mail_,
+               [this] { return leaving_; });
 }
 
 void Scheduler::Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn) {

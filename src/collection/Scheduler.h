@@ -87,6 +87,7 @@ class Scheduler {
     RunState Attempts(const Turn& turn, Outcome& outcome);
     void Record(const Turn& turn, const RunState& state, const Outcome& outcome);
     void MailReport(const Turn& turn);
+    void MailUnsent();
     void Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn);
 
     Workplace& place_;
@@ -97,8 +98,9 @@ class Scheduler {
     RunWatcher* watcher_ = nullptr;
     std::optional<std::int64_t> inHand_;
     std::optional<core::DateTime> inHandDue_;
-    std::uint32_t attemptBegun_ = 0;  // ms, of the attempt in hand
-    bool overdue_ = false;            // its time is up
+    std::uint32_t attemptBegun_ = 0;       // ms, of the attempt in hand
+    bool overdue_ = false;                 // its time is up
+    std::optional<std::uint32_t> mailed_;  // ms, when mail was last tried
     bool running_ = false;
     bool leaving_ = false;
 };
