@@ -15,6 +15,24 @@ constexpr std::uint32_t minute = 60000;
 
 struct PowerCut {};
 
+// Something happens while a station is being collected.
+class InTheTurnOf final : public collection::RunWatcher {
+  public:
+    InTheTurnOf(fieldsim::VirtualClock& clock, std::int64_t location, std::function<void()> happens)
+        : clock_(clock), location_(location), happens_(std::move(happens)) {}
+    void Collecting(std::int64_t location) override {
+        if (location == location_) {
+            clock_.After(1500, happens_);
+        }
+    }
+    void Collected(std::int64_t) override {}
+
+  private:
+    fieldsim::VirtualClock& clock_;
+    std::int64_t location_;
+    std::function<void()> happens_;
+};
+
 // A desk whose program is started, ended and cut off, with its ticks half a minute behind the full minute. Each story
 // ends with the rows that it leaves, worked out by hand.
 struct OutcomeTest : testing::Test {
@@ -212,19 +230,8 @@ TEST_F(OutcomeTest, APowerCutInTheMiddleOfAQueueLosesNobody) {
     desk.OpenField();
     Start();
     RunTo({2026, 3, 9, 8, 0, 0});
-    struct Cutter final : collection::RunWatcher {
-        std::int64_t victim = 0;
-        fieldsim::VirtualClock* clock = nullptr;
-        void Collecting(std::int64_t location) override {
-            if (location == victim) {
-                clock->After(5000, [] { throw PowerCut(); });
-            }
-        }
-        void Collected(std::int64_t) override {}
-    } cutter;
-    cutter.victim = mill;
-    cutter.clock = &desk.clock;
-    program->Watch(&cutter);
+    InTheTurnOf turn(desk.clock, mill, [] { throw PowerCut(); });
+    program->Watch(&turn);
     EXPECT_THROW(desk.clock.Run(10 * minute), PowerCut);
     program.reset();
     EXPECT_THAT(Rows(), ElementsAre("Farm 09 08:00: 09 08:00 schedule, 1, collected"));
@@ -239,7 +246,8 @@ TEST_F(OutcomeTest, APowerCutInTheMiddleOfAQueueLosesNobody) {
 TEST_F(OutcomeTest, TheEndOfTheProgramBreaksOffAndTheRestIsServedLate) {
     AddFarmAndMill("08:00", "08:00");
     Start();
-    desk.clock.After(59 * minute + 32000, [this] { program->Leave(); });
+    InTheTurnOf turn(desk.clock, farm, [this] { program->Leave(); });
+    program->Watch(&turn);
     RunTo({2026, 3, 9, 8, 2, 0});
     program.reset();
     RunTo({2026, 3, 9, 8, 5, 0});
@@ -247,7 +255,7 @@ TEST_F(OutcomeTest, TheEndOfTheProgramBreaksOffAndTheRestIsServedLate) {
     RunTo({2026, 3, 9, 9, 0, 0});
     EXPECT_THAT(Rows(), ElementsAre("Farm 09 08:00: 09 08:00 schedule, 1, broken off",
                                     "Mill 09 08:00: 09 08:05 late, 1, collected",
-                                    "Farm 09 08:00: 09 08:15 retry, 1, collected"));
+                                    "Farm 09 08:00: 09 08:16 retry, 1, collected"));
     EXPECT_EQ(desk.dbconn.First("select reason from outcome").value()[std::size_t{0}].Text(), "The program ends");
 }
 
