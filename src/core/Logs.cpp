@@ -27,23 +27,6 @@ bool Append(const std::filesystem::path& file, const std::string& text, std::ios
     return out.good();
 }
 
-// A log that is full is set aside under the moment's name, "RTU_Err_2026-11-25_080509.log", and kept. One that cannot
-// be renamed grows on.
-void Rotate(const std::filesystem::path& file, const DateTime& now) {
-    constexpr std::uintmax_t full = 5'000'000;
-    std::error_code failure;
-    const auto size = std::filesystem::file_size(file, failure);
-    if (failure || size < full) {
-        return;
-    }
-    const std::string dated = file.stem().string() + "_" + ReplaceAll(ReplaceAll(IsoText(now), " ", "_"), ":", "");
-    auto aside = file.parent_path() / (dated + file.extension().string());
-    for (int number = 2; std::filesystem::exists(aside, failure); ++number) {
-        aside = file.parent_path() / (dated + "_" + std::to_string(number) + file.extension().string());
-    }
-    std::filesystem::rename(file, aside, failure);
-}
-
 std::string StampOf(const Clock& clock) {
     const DateTime now = clock.Now();
     return DateText(now) + " " + TimeText(now);
@@ -86,6 +69,16 @@ std::filesystem::path FreeName(const std::filesystem::path& directory, const std
         path = directory / (dated + "_" + std::to_string(number) + extension);
     }
     return path;
+}
+
+// A log that is full is set aside and kept. One that cannot be renamed grows on.
+void Rotate(const std::filesystem::path& file, const DateTime& now) {
+    constexpr std::uintmax_t full = 5'000'000;
+    std::error_code failure;
+    const auto size = std::filesystem::file_size(file, failure);
+    if (!failure && size >= full) {
+        std::filesystem::rename(file, FreeName(file.parent_path(), file.stem().string(), ".log", now), failure);
+    }
 }
 
 // A new file of lines that is on the disk when it is closed, and not there when it was not. Throws std::system_error.
