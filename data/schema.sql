@@ -142,6 +142,7 @@ create table outcome (
 create index outcome_day on outcome (locationID, gasday);
 
 -- The figures of a station's gas day. A day is known by station and day and never moves; LogParam is kept beside it.
+-- Both flows of a Quantum unit are counters of its lifetime.
 create table gasday (
   locationID integer,
   gasday text,
@@ -151,6 +152,11 @@ create table gasday (
   pressure double
 );
 create unique index gasday_day on gasday (locationID, gasday);
+
+-- One row: all contract hours up to this minute have their outcome.
+create table schedule_state (
+  servedto text
+);
 
 create table Scheduler (
   Sch_date text collate nocase,
@@ -363,6 +369,14 @@ create table mail_server (
   user text,
   password text,
   sender text
+);
+
+-- Reports that are still to be mailed, each as it was made; who gets them is asked when they go.
+create table unsent_mail (
+  id integer primary key,
+  made text,
+  missing text,                         -- what the subject says behind its own words
+  report text                           -- daily_report.rtf
 );
 
 create table dialout (

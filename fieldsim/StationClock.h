@@ -23,6 +23,8 @@ bool ShowsClock(std::string_view description);
 class StationClock {
   public:
     core::DateTime Says(const core::DateTime& local) const;
+    // A clock that is wrong from the start.
+    void GoAhead(std::int64_t seconds) { aheadSeconds_ = seconds; }
     // Takes the six elements as they stand in a list. A list without all of them, or elements that are no date and
     // time, leave the clock as it is.
     void Set(const SignalList& elements, const core::DateTime& local);

@@ -26,6 +26,9 @@ class VirtualClock final : public core::Clock {
     // Calls `due` once, `afterMs` from now.
     void After(std::uint32_t afterMs, std::function<void()> due);
 
+    // Somebody sets the clock, or summer time begins or ends: the time of day jumps, and nothing else.
+    void Step(std::int64_t seconds) { startSeconds_ += seconds; }
+
     // Runs until that many milliseconds have passed.
     void Run(std::uint64_t milliseconds);
 

@@ -77,6 +77,7 @@ class WritableStation : public Device {
     WriteManners& Manners() { return manners_; }
     // What the station's clock says at a local time of the field.
     core::DateTime ClockSays(const core::DateTime& local) const { return clock_->Says(local); }
+    void ClockGoesAhead(std::int64_t seconds) { clock_->GoAhead(seconds); }
 
     void LineClosed() override { lineIsDown_ = false; }
 

@@ -29,6 +29,10 @@ while IFS='|' read -r location name protocol mode sampled; do
     "$(sql "$figure and locationID = $location and StreamNo = 1)")"
   need "the outcome of $name" "$sampled" 1
   need "values of $name that were not collected" "$left" 0
+  need "the outcome row of $name" \
+    "$(sql "select group_concat(how || ' ' || result) from outcome where locationID = $location")" "schedule collected"
+  need "the gas day of $name" \
+    "$(sql "select count(*) from gasday where locationID = $location and dayflow is not null and pressure is not null")" 1
   need "the day of $name in LogParam" "$(sql "select count(*) from LogParam where LocationId = $location")" 1
 done < <(sql "select locationID, consumer, protocol, mode, sampledtoday from configdata_master order by 1")
 need "stations" "$(sql 'select count(*) from configdata_master')" 5

@@ -87,7 +87,14 @@ void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& stat
     }
     RunFigures figures;
     for (talk.streamno = 1; talk.streamno <= station.No_Stream && !talk.Ended(); ++talk.streamno) {
-        if (!CollectStream(place, talk, figures, tally)) {
+        const bool read = CollectStream(place, talk, figures, tally);
+        const DayFigures day = figures.TakeDay();
+        if (talk.streamno == 1) {
+            state.figures = read ? day : DayFigures{};
+        } else {
+            state.figures.AddStream(read ? day : DayFigures{});
+        }
+        if (!read) {
             state.runfailed = true;
             if (!talk.Ended()) {
                 place.logs.WriteRtuErr("Error Occured in Communication, stream " + std::to_string(talk.streamno) + " " +
@@ -95,8 +102,11 @@ void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& stat
             }
         }
     }
+    if (talk.streamno <= station.No_Stream) {
+        state.figures.AddStream({});  // not all streams were asked
+    }
     tally.Conclude(talk, state);
-    // The day's row of a BSAP station says that it was collected; its flows and their text are not kept there.
+    // LogParam says of a BSAP station only that it was collected; its flows are in the gas day's record.
     UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
                    place.clock.Now(), {});
 }

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "collection/LogicalText.h"
+#include "collection/Outcome.h"
 #include "core/Text.h"
 #include "protocols/ModbusTransact.h"
 
@@ -12,11 +13,6 @@ namespace {
 
 constexpr int readCoils = 1;
 constexpr int readHoldingRegisters = 3;
-
-void MarkNotSampled(Workplace& place, const core::Station& station) {
-    place.dbconn.Execute("update configdata_master set sampledtoday = false, sampleddate=? where locationid=?",
-                         {place.clock.Now().day, station.locationID});
-}
 
 std::string Place(const Block& block) {
     return (block.type == BlockType::Coil ? "coil " : "register ") + std::to_string(block.start);
@@ -42,7 +38,7 @@ bool ReadStation(Workplace& place, protocols::Conversation& talk, const std::vec
     if (outcome != ReadOutcome::Whole) {
         tally.Failure(why);
         if (!talk.Ended()) {
-            MarkNotSampled(place, talk.station);
+            MarkSampled(place.dbconn, place.clock.Now(), talk.station.locationID, false);
         }
     }
     return outcome == ReadOutcome::Whole;

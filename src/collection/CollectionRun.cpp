@@ -28,8 +28,21 @@ core::ModelCounts Counts(Workplace& place, const protocols::Conversation& talk) 
     return counts.value_or(core::ModelCounts{});
 }
 
+// What was read is not known to be on the disk, so the attempt does not count as good.
+void Fail(Workplace& place, RunState& state, const std::exception& failure) {
+    place.logs.WriteRtuErr(failure.what());
+    state.runfailed = true;
+    state.result = Result::BrokenOff;
+    state.reason = failure.what();
+}
+
+void NotReached(RunState& state, const std::string& reason) {
+    state.result = Result::NotReached;
+    state.reason = reason;
+}
+
 // Opens the port of the station. An "IP" station has none: its transactions fail as those of a silent one.
-bool OpenPort(Workplace& place, protocols::Conversation& talk, const RunState& state) {
+bool OpenPort(Workplace& place, protocols::Conversation& talk, RunState& state) {
     const core::Station& station = talk.station;
     talk.line->PortOpen(false);
     if (!station.ip.empty()) {
@@ -46,8 +59,9 @@ bool OpenPort(Workplace& place, protocols::Conversation& talk, const RunState& s
         return false;
     }
     if (!talk.line->PortOpen(true)) {
-        place.logs.WriteRtuErr("Port " + std::to_string(station.comport) + " cannot be opened [" +
-                               std::to_string(station.locationID) + "]: " + talk.line->LastError());
+        const std::string port = "Port " + std::to_string(station.comport) + " cannot be opened";
+        place.logs.WriteRtuErr(port + " [" + std::to_string(station.locationID) + "]: " + talk.line->LastError());
+        NotReached(state, port + ": " + talk.line->LastError());
         return false;
     }
     return true;
@@ -64,9 +78,7 @@ void Collect(Workplace& place, protocols::Conversation& talk, const core::ModelC
             CollectModbus(place, talk, counts, state);
         }
     } catch (const std::exception& failure) {
-        // What was read is not known to be on the disk, so the attempt does not count as good.
-        place.logs.WriteRtuErr(failure.what());
-        state.runfailed = true;
+        Fail(place, state, failure);
     }
 }
 
@@ -76,14 +88,22 @@ bool LineUp(protocols::Conversation& talk, RunState& state) {
     if (talk.station.phoneno.empty()) {
         return true;
     }
-    switch (protocols::Dial(talk, state.attemptcount)) {
+    const int dialsBefore = state.attemptcount;
+    const auto outcome = protocols::Dial(talk, state.attemptcount);
+    state.dials += state.attemptcount - dialsBefore;
+    switch (outcome) {
         case protocols::DialOutcome::Connected:
             return true;
         case protocols::DialOutcome::NoPort:
             state.runfailed = true;
-            return false;
+            NotReached(state, "Port " + std::to_string(talk.station.comport) + " cannot be opened for a redial");
+            break;
         case protocols::DialOutcome::NoModem:
+            NotReached(state, "The modem does not answer");
+            break;
         case protocols::DialOutcome::NotReached:
+            NotReached(state, "The number " + talk.station.phoneno + " was not reached");
+            break;
         case protocols::DialOutcome::Ended:
         case protocols::DialOutcome::EndedEarly:
             break;
@@ -99,6 +119,15 @@ void HangUp(Workplace& place, protocols::Conversation& talk) {
     talk.line->PortOpen(false);
 }
 
+// A conversation that was told to end before all was in.
+void NoteEnd(const protocols::Conversation& talk, RunState& state) {
+    if (talk.Ended() && state.result != Result::Collected) {
+        state.result = Result::BrokenOff;
+        state.reason = talk.line->Reason();
+        state.runfailed = true;
+    }
+}
+
 void Run(Workplace& place, std::int64_t locationID, RunState& state) {
     auto station = core::ReadStation(place.dbconn, locationID);
     if (!station) {
@@ -108,6 +137,7 @@ void Run(Workplace& place, std::int64_t locationID, RunState& state) {
     const auto counts = Counts(place, talk);
     if (!OpenPort(place, talk, state)) {
         state.runfailed = true;
+        NoteEnd(talk, state);
         return;
     }
     if (LineUp(talk, state)) {
@@ -119,16 +149,29 @@ void Run(Workplace& place, std::int64_t locationID, RunState& state) {
         place.logs.WriteRtuErr(talk.line->Reason() + " [" + std::to_string(locationID) + "]");
         place.feedback.Status(talk.line->Reason());
     }
+    NoteEnd(talk, state);
 }
 
 }  // namespace
 
+void DayFigures::AddStream(const DayFigures& stream) {
+    const auto add = [](std::optional<double>& sum, const std::optional<double>& part) {
+        sum = sum && part ? std::optional(*sum + *part) : std::nullopt;
+    };
+    add(dayflow, stream.dayflow);
+    add(monthflow, stream.monthflow);
+}
+
 void collectiong_Data(Workplace& place, std::int64_t locationID, RunState& state) {
+    state.result = Result::NoAnswer;
+    state.asked = 0;
+    state.received = 0;
+    state.reason.clear();
+    state.figures = {};
     try {
         Run(place, locationID, state);
     } catch (const std::exception& failure) {
-        place.logs.WriteRtuErr(failure.what());
-        state.runfailed = true;
+        Fail(place, state, failure);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "collection/Workplace.h"
@@ -17,15 +18,27 @@ enum class Result {
     BrokenOff,  // its time was up, or the program ended
 };
 
+// The figures of a gas day, as far as they were received: flows over all streams, the pressure of the first.
+struct DayFigures {
+    std::optional<double> dayflow;    // "Volume Yesterday"
+    std::optional<double> monthflow;  // "Volume This Month"
+    std::optional<double> pressure;   // "Flowing Pressure"
+
+    // Adds the next stream's. A flow that one of them lacks is unknown for the station.
+    void AddStream(const DayFigures& stream);
+};
+
 // What a station's attempts share: the scheduler's retries and the redials of one attempt use one counter.
 struct RunState {
     bool runfailed = false;
     int attemptcount = 0;
+    int dials = 0;  // of all attempts
     // Of the attempt in hand; each attempt sets them anew.
     Result result = Result::NoAnswer;
     int asked = 0;  // values
     int received = 0;
     std::string reason;  // a sentence, empty for a whole collection
+    DayFigures figures;
 };
 
 // One attempt to fetch today's values from one station, from its record to the hang-up. A failed transaction, a port

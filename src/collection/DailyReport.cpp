@@ -4,43 +4,76 @@
 #include <fstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
+#include "collection/DayLine.h"
+#include "collection/Outcome.h"
 #include "collection/ReportRtf.h"
+#include "core/Text.h"
 
 namespace collection {
 
-void makereport_daily(core::Database& dbconn, const core::DateTime& day, core::Feedback& feedback) {
+namespace {
+
+DayFigures FiguresOf(core::Database& dbconn, std::int64_t locationID, const core::DateTime& day) {
+    if (HasOutcomes(dbconn, locationID, day)) {
+        return GasDayOf(dbconn, locationID, core::IsoText(day).substr(0, 10)).value_or(DayFigures{});
+    }
+    const auto row =
+        dbconn.First("select * from logparam where locationid=? and day(date)=? and month(date)=? and year(date)=?",
+                     {locationID, day.day, day.month, day.year});
+    const auto figure = [&](const char* column) {
+        return row && !row->IsNull(column) ? std::optional(row->Number(column)) : std::nullopt;
+    };
+    return {figure("CurrentDayFlow"), figure("CurrentMonthFlow"), figure("currentprs")};
+}
+
+}  // namespace
+
+std::vector<DailyLine> DailyLines(core::Database& dbconn, const core::DateTime& day, const core::DateTime& now) {
+    std::vector<DailyLine> lines;
+    for (const core::Row& station : dbconn.Query("select * from configdata_master order by locationID")) {
+        const std::int64_t locationID = station.Long("locationID");
+        const DayFigures figures = FiguresOf(dbconn, locationID, day);
+        DailyLine line;
+        line.number = static_cast<int>(lines.size()) + 1;
+        line.consumer = station.Text("consumer");
+        line.presentallocation = station.Number("presentallocation");
+        line.MGO_Qty = station.Number("MGO_Qty");
+        line.dayflow = figures.dayflow;
+        line.monthflow = figures.monthflow;
+        line.pressure = figures.pressure;
+        line.Cont_Pr = station.Number("Cont_Pr");
+        line.cumulative = core::SameText(core::Trim(station.Text("protocol")), "Quantum");
+        if (line.monthflow && !line.cumulative) {
+            line.averageflow = *line.monthflow / day.day;
+        }
+        line.status = LineOfDay(dbconn, locationID, day, now).text;
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+void makereport_daily(core::Database& dbconn, const core::DateTime& day, const core::DateTime& now,
+                      core::Feedback& feedback) {
     dbconn.InTransaction([&] {
         dbconn.Execute("delete from daily_rep");
-        int number = 0;
-        for (const core::Row& station : dbconn.Query("select * from configdata_master order by locationID")) {
-            const auto row = dbconn.First(
-                "select * from logparam where locationid=? and day(date)=? and month(date)=? and year(date)=?",
-                {station.Long("locationID"), day.day, day.month, day.year});
-            const double monthflow = row ? row->Number("CurrentMonthFlow") : 0;
+        const auto lines = DailyLines(dbconn, day, now);
+        for (const DailyLine& line : lines) {
+            const double monthflow = line.monthflow.value_or(0);
             dbconn.Execute("insert into daily_rep values(?,?,?,?,?,?,?,?,?,'A')",
-                           {++number, station.Text("consumer"), station.Number("presentallocation"),
-                            station.Number("MGO_Qty"), row ? row->Number("CurrentDayFlow") : 0, monthflow,
-                            monthflow / day.day, row ? row->Number("currentprs") : 0, station.Number("Cont_Pr")});
+                           {line.number, line.consumer, line.presentallocation, line.MGO_Qty, line.dayflow.value_or(0),
+                            monthflow, monthflow / day.day, line.pressure.value_or(0), line.Cont_Pr});
         }
-        if (number == 0) {
+        if (lines.empty()) {
             feedback.Status("No Data available");
         }
     });
 }
 
-std::vector<DailyLine> DailyLines(core::Database& dbconn) {
-    std::vector<DailyLine> lines;
-    for (const core::Row& row : dbconn.Query("select * from daily_rep order by srno")) {
-        lines.push_back({static_cast<int>(row.Long("srno")), row.Text("consumer"), row.Number("presentallocation"),
-                         row.Number("MGO_Qty"), row.Number("dayflow"), row.Number("monthflow"),
-                         row.Number("averageflow"), row.Number("pressure"), row.Number("Cont_Pr")});
-    }
-    return lines;
-}
-
-void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const std::filesystem::path& file) {
-    const std::string page = ReportRtf(dbconn.Query("select * from daily_rep order by srno"), day);
+void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const core::DateTime& now,
+                      const std::filesystem::path& file) {
+    const std::string page = ReportRtf(DailyLines(dbconn, day, now), day);
     std::filesystem::path part = file;
     part += ".part";
     std::ofstream out(part, std::ios::binary | std::ios::trunc);

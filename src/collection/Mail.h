@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/Clock.h"
@@ -22,6 +23,10 @@ struct MailMessage {
     std::string text;
     std::string attachmentName;  // empty: no attachment
     std::string attachment;      // its bytes
+    // Of a mail that was kept: when it was written, and what tells it from all others. Else it is written as it is
+    // sent.
+    std::optional<core::DateTime> written{};
+    std::string unique{};
 };
 
 inline bool HasAddressee(const MailMessage& message) {
@@ -57,10 +62,18 @@ std::string Sender(const MailServer& server, const MailMessage& message);
 // read.
 void Attach(MailMessage& message, const std::filesystem::path& file);
 
-// The mail behind a minute's collections: to whom email_settings says, with the daily report of today, which is made
-// for it. Without a row or an addressee nothing happens. A failure leaves the last status text and a line in
-// RTU_Err.log; the next selected minute mails again. Throws DatabaseError.
-void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
-              core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
+// The mail behind a minute's collections: to whom email_settings says, with the daily report of `day`, the contract
+// hour that was served. Its subject says how many of the stations due by then are missing. Without an addressee nothing
+// happens. The report is kept (see SendUnsent) until a server has taken it. A failure leaves the last status text and a
+// line in RTU_Err.log. Throws DatabaseError.
+void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, const core::DateTime& day,
+              core::Feedback& feedback, core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
+
+// Sends the reports that are kept in unsent_mail, the oldest first, each with its own date, to whom the settings say
+// now; the first that fails ends it. One that could not be sent for a week is given up, as is the oldest of more than
+// 30, with a line in RTU_Err.log. A mail keeps its Message-ID, so one that was taken just before a power cut is known
+// as the same. Throws DatabaseError.
+void SendUnsent(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
+                core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
 
 }  // namespace collection

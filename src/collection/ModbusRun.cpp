@@ -47,6 +47,7 @@ void CollectModbus(Workplace& place, protocols::Conversation& talk, const core::
         if (whole) {
             UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
                            place.clock.Now(), DayRowOf(figures));
+            state.figures = figures.TakeDay();
         }
     });
     tally.Add(store);

@@ -64,6 +64,16 @@ void StoreMessage(Workplace& place, const protocols::QuantumReply& reply, int me
     }
 }
 
+// As LogParam has them: both flows are counters of the unit's lifetime, which the reports say.
+void KeepForTheDay(int message, const protocols::QuantumReply& reply, DayFigures& figures) {
+    if (message == 1) {
+        figures.monthflow = reply.fields[1];
+        figures.dayflow = reply.fields[2];
+    } else if (message == 3) {
+        figures.pressure = reply.fields[2];
+    }
+}
+
 }  // namespace
 
 bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options, ValueStore& store,
@@ -94,7 +104,10 @@ void CollectQuantum(Workplace& place, protocols::Conversation& talk, RunState& s
     RunTally tally;
     ValueStore store(place.dbconn, talk.station, talk.streamno);
     place.dbconn.InTransaction([&] { store.AskNames(); });
-    if (!ReadQuantum(place, talk, {true, scheduledAnswerMs}, store, [](int, const auto&) {})) {
+    const auto keep = [&](int message, const protocols::QuantumReply& reply) {
+        KeepForTheDay(message, reply, state.figures);
+    };
+    if (!ReadQuantum(place, talk, {true, scheduledAnswerMs}, store, keep)) {
         tally.Failure("The unit does not answer");
         state.runfailed = true;
     }

@@ -1,8 +1,10 @@
 #include "collection/ReportRtf.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <optional>
 #include <system_error>
 
 #include "core/Text.h"
@@ -11,27 +13,34 @@ namespace collection {
 
 namespace {
 
-// The columns of the page: heading, unit, the column of daily_rep, right edge in twips (1/1440 inch).
+// The columns of the page: heading, unit, right edge in twips (1/1440 inch), what stands in them.
 struct Column {
     const char* heading;
     const char* unit;
-    const char* field;
     int rightEdge;
-    bool total;  // summed at the foot
+    std::optional<double> (*figure)(const DailyLine& line);  // null: a text
+    bool flow;                                               // cumulative where the line is
+    bool total;                                              // summed at the foot
 };
 
-constexpr std::array<Column, 9> columns = {{{"No.", "", "srno", 650, false},
-                                            {"Station", "", "consumer", 3700, false},
-                                            {"Allocation", "SCM", "presentallocation", 5300, true},
-                                            {"MGO Qty", "SCM", "MGO_Qty", 6900, true},
-                                            {"Day flow", "SCM", "dayflow", 8500, true},
-                                            {"Month flow", "SCM", "monthflow", 10400, true},
-                                            {"Average", "SCM/day", "averageflow", 12250, true},
-                                            {"Pressure", "kg/cm2", "pressure", 13500, false},
-                                            {"Cont. Pr.", "kg/cm2", "Cont_Pr", 14800, false}}};
+constexpr std::array<Column, 10> columns = {{
+    {"No.", "", 550, nullptr, false, false},
+    {"Station", "", 2950, nullptr, false, false},
+    {"Allocation", "SCM", 4250, [](const DailyLine& line) { return std::optional(line.presentallocation); }, false,
+     true},
+    {"MGO Qty", "SCM", 5550, [](const DailyLine& line) { return std::optional(line.MGO_Qty); }, false, true},
+    {"Day flow", "SCM", 6900, [](const DailyLine& line) { return line.dayflow; }, true, true},
+    {"Month flow", "SCM", 8450, [](const DailyLine& line) { return line.monthflow; }, true, true},
+    {"Average", "SCM/day", 9850, [](const DailyLine& line) { return line.averageflow; }, true, true},
+    {"Pressure", "kg/cm2", 10900, [](const DailyLine& line) { return line.pressure; }, false, false},
+    {"Cont. Pr.", "kg/cm2", 11950, [](const DailyLine& line) { return std::optional(line.Cont_Pr); }, false, false},
+    {"Status", "", 14800, nullptr, false, false},
+}};
 
 constexpr std::size_t numberColumn = 0;
 constexpr std::size_t nameColumn = 1;
+constexpr std::size_t averageColumn = 6;
+constexpr std::size_t statusColumn = 9;
 
 std::string Escaped(const std::string& utf8) {
     std::string out;
@@ -83,7 +92,7 @@ std::string TableRow(const std::vector<std::string>& cells, RowStyle style) {
     }
     row += "\n";
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        row += i == nameColumn ? "\\pard\\intbl\\ql" : "\\pard\\intbl\\qr";
+        row += i == nameColumn || i == statusColumn ? "\\pard\\intbl\\ql" : "\\pard\\intbl\\qr";
         row += style == RowStyle::Body ? "\\sb30\\sa30 " + cells[i] : "\\sb50\\sa50\\b " + cells[i] + "\\b0";
         row += "\\cell\n";
     }
@@ -99,31 +108,41 @@ std::string Headings() {
     return TableRow(cells, RowStyle::Heading);
 }
 
-std::string StationLine(const core::Row& row) {
+std::string StationLine(const DailyLine& line) {
     std::vector<std::string> cells;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        const char* const field = columns[i].field;
-        cells.push_back(i == numberColumn || i == nameColumn ? Escaped(row.Text(field)) : Figure(row.Number(field)));
+    for (const Column& column : columns) {
+        const auto figure = column.figure == nullptr ? std::nullopt : column.figure(line);
+        const bool cumulative = column.flow && line.cumulative;
+        cells.push_back(figure ? Figure(*figure) + (cumulative ? "\\line cumulative" : "") : std::string("no data"));
     }
+    if (line.cumulative) {
+        cells[averageColumn].clear();
+    }
+    cells[numberColumn] = std::to_string(line.number);
+    cells[nameColumn] = Escaped(line.consumer);
+    cells[statusColumn] = Escaped(line.status);
     return TableRow(cells, RowStyle::Body);
 }
 
-std::string Totals(const std::vector<core::Row>& rows) {
+std::string Totals(const std::vector<DailyLine>& lines) {
     std::vector<std::string> cells;
     for (const Column& column : columns) {
         double sum = 0;
-        for (const core::Row& row : rows) {
-            sum += row.Number(column.field);
+        for (const DailyLine& line : lines) {
+            sum += column.total && !(column.flow && line.cumulative) ? column.figure(line).value_or(0) : 0;
         }
         cells.push_back(column.total ? Figure(sum) : "");
     }
-    cells[nameColumn] = "Total";
+    const auto without = std::count_if(lines.begin(), lines.end(), [](const DailyLine& line) {
+        return !line.cumulative && (!line.dayflow || !line.monthflow);
+    });
+    cells[nameColumn] = without == 0 ? "Total" : "Total without " + std::to_string(without) + " of the stations";
     return TableRow(cells, RowStyle::Total);
 }
 
 }  // namespace
 
-std::string ReportRtf(const std::vector<core::Row>& rows, const core::DateTime& day) {
+std::string ReportRtf(const std::vector<DailyLine>& lines, const core::DateTime& day) {
     std::string page =
         "{\\rtf1\\ansi\\ansicpg1252\\deff0{\\fonttbl{\\f0\\fswiss\\fcharset0 Arial;}}"
         "{\\colortbl;\\red225\\green232\\blue238;\\red190\\green190\\blue190;\\red90\\green90\\blue90;}\n"
@@ -131,10 +150,10 @@ std::string ReportRtf(const std::vector<core::Row>& rows, const core::DateTime& 
         "{\\footer\\pard\\qr\\f0\\cf3\\fs16 Page \\chpgn\\par}\n"
         "{\\pard\\fs34\\b Daily Progress Report\\b0\\par}\n{\\pard\\sa240\\fs22\\cf3 " +
         core::DateText(day) + "\\cf0\\par}\n" + Headings();
-    for (const core::Row& row : rows) {
-        page += StationLine(row);
+    for (const DailyLine& line : lines) {
+        page += StationLine(line);
     }
-    return page + Totals(rows) + "\\pard\\par}\n";
+    return page + Totals(lines) + "\\pard\\par}\n";
 }
 
 }  // namespace collection

@@ -3,7 +3,9 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "collection/CollectionRun.h"
 #include "core/Clock.h"
 
 namespace collection {
@@ -20,6 +22,11 @@ class RunFigures {
     std::optional<double> CurrentDayFlow;    // "Volume Yesterday"
     std::optional<double> CurrentMonthFlow;  // "Volume This Month"
     std::optional<double> currentprs;        // "Flowing Pressure"
+
+    // The figures of the day, and none from now on: for the next stream.
+    DayFigures TakeDay() {
+        return {std::exchange(CurrentDayFlow, {}), std::exchange(CurrentMonthFlow, {}), std::exchange(currentprs, {})};
+    }
 
     // The station's own clock, when all six of its elements were read and make a real date and time.
     std::optional<core::DateTime> StationClock() const;

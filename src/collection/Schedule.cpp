@@ -1,6 +1,6 @@
 #include "collection/Schedule.h"
 
-#include <cstdlib>
+#include <utility>
 
 #include "core/Text.h"
 
@@ -11,19 +11,78 @@ namespace {
 constexpr std::int64_t secondsADay = 86400;
 constexpr int farthestDay = 62;  // a 31st is at most so many days away
 
-// The time of day in the last "h:m" of a text, in seconds.
-std::int64_t SecondsOfDay(const std::string& contracthour) {
-    const std::size_t colon = contracthour.find(':');
-    if (colon == std::string::npos) {
-        return 0;
+constexpr const char* columns =
+    "select locationID, consumer, duration, day, format(contracthour,'HH:MM AMPM') as hour from configdata_master ";
+
+std::optional<Schedule> ScheduleIn(const core::Row& row) {
+    Schedule schedule{row.Long("locationID"), row.Text("consumer"), row.Text("duration"), row.Number("day"), 0};
+    const std::string hour = row.Text("hour");  // "08:05 PM"
+    if (!HasSchedule(schedule.duration) || hour.size() != 8) {
+        return std::nullopt;
     }
-    const std::size_t blank = contracthour.rfind(' ', colon);
-    const double hour = core::Val(contracthour.substr(blank == std::string::npos ? 0 : blank + 1));
-    const double minute = core::Val(contracthour.substr(colon + 1));
-    return static_cast<std::int64_t>(hour) * 3600 + static_cast<std::int64_t>(minute) * 60;
+    schedule.minute = (std::stoi(hour) % 12 + (hour[6] == 'P' ? 12 : 0)) * 60 + std::stoi(hour.substr(3));
+    return schedule;
+}
+
+std::int64_t Midnight(const core::DateTime& at) {
+    return core::ToSeconds({at.year, at.month, at.day, 0, 0, 0});
+}
+
+// The contract hour of a day counted from the day of `now`, if the station is due then.
+std::optional<core::DateTime> DueInDays(const Schedule& schedule, const core::DateTime& now, std::int64_t days) {
+    return DueOn(schedule, core::FromSeconds(Midnight(now) + days * secondsADay));
+}
+
+core::DateTime MinuteOf(core::DateTime at) {
+    at.second = 0;
+    return at;
 }
 
 }  // namespace
+
+bool HasSchedule(const std::string& duration) {
+    return core::SameText(duration, "Daily") || core::SameText(duration, "Weekly") ||
+           core::SameText(duration, "Monthly");
+}
+
+std::vector<Schedule> ReadSchedules(core::Database& dbconn) {
+    std::vector<Schedule> schedules;
+    for (const core::Row& row : dbconn.Query(std::string(columns) + "order by locationID")) {
+        if (auto schedule = ScheduleIn(row)) {
+            schedules.push_back(std::move(*schedule));
+        }
+    }
+    return schedules;
+}
+
+std::optional<Schedule> ReadSchedule(core::Database& dbconn, std::int64_t locationID) {
+    const auto row = dbconn.First(std::string(columns) + "where locationID=?", {locationID});
+    return row ? ScheduleIn(*row) : std::nullopt;
+}
+
+std::optional<core::DateTime> DueOn(const Schedule& schedule, const core::DateTime& day) {
+    return IsDue(schedule.duration, schedule.day, day)
+               ? std::optional(core::FromSeconds(Midnight(day) + schedule.minute * 60))
+               : std::nullopt;
+}
+
+std::optional<core::DateTime> LatestDue(const Schedule& schedule, const core::DateTime& now) {
+    for (std::int64_t days = 0; days <= farthestDay; ++days) {
+        if (const auto due = DueInDays(schedule, now, -days); due && *due <= now) {
+            return due;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<core::DateTime> DueAfter(const Schedule& schedule, const core::DateTime& now) {
+    for (std::int64_t days = 0; days <= farthestDay; ++days) {
+        if (const auto due = DueInDays(schedule, now, days); due && *due > now) {
+            return due;
+        }
+    }
+    return std::nullopt;
+}
 
 bool IsDue(const std::string& duration, double day, const core::DateTime& today) {
     if (core::SameText(duration, "Daily")) {
@@ -36,24 +95,14 @@ bool IsDue(const std::string& duration, double day, const core::DateTime& today)
 }
 
 std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime& now, bool minuteServed) {
-    const std::int64_t present = core::ToSeconds(now);
-    const std::int64_t minute = present - now.second;
-    const std::int64_t midnight = minute - now.hour * 3600 - now.minute * 60;
+    const core::DateTime minute = MinuteOf(now);
+    // The present minute counts as ahead until its tick.
+    const core::DateTime behind = minuteServed ? minute : core::FromSeconds(core::ToSeconds(minute) - 1);
     std::optional<NextStation> next;
-    std::int64_t earliest = 0;
-    for (const core::Row& row :
-         dbconn.Query("select consumer, contracthour, duration, day from configdata_master where duration <> 'NO' "
-                      "order by locationID")) {
-        for (std::int64_t day = 0; day <= farthestDay; ++day) {
-            const std::int64_t at = midnight + day * secondsADay + SecondsOfDay(row[1].Text());
-            const bool isAhead = at > minute || (at == minute && !minuteServed);
-            if (isAhead && IsDue(row[2].Text(), row[3].Number(), core::FromSeconds(at))) {
-                if (!next || at < earliest) {
-                    next = {row[0].Text(), core::FromSeconds(at)};
-                    earliest = at;
-                }
-                break;
-            }
+    for (const Schedule& schedule : ReadSchedules(dbconn)) {
+        const auto due = DueAfter(schedule, behind);
+        if (due && (!next || *due < next->at)) {
+            next = {schedule.consumer, *due};
         }
     }
     return next;

@@ -1,6 +1,11 @@
 #include "collection/Scheduler.h"
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "collection/Schedule.h"
+#include "core/Settings.h"
 #include "core/Text.h"
 
 namespace collection {
@@ -9,15 +14,42 @@ namespace {
 
 constexpr int maxAttempts = 3;
 constexpr double pauseMs = 500;
+constexpr std::uint32_t msAMinute = 60000;
+constexpr std::uint32_t unsentEveryMs = 30 * msAMinute;
+constexpr std::int64_t secondsADay = 86400;
+
+core::DateTime MinuteOf(core::DateTime at) {
+    at.second = 0;
+    return at;
+}
+
+std::string LineText(const core::Station& station) {
+    if (!station.ip.empty()) {
+        return "IP " + station.ip;
+    }
+    return "COM" + std::to_string(station.comport) + (station.phoneno.empty() ? "" : " " + station.phoneno);
+}
+
+Turn TurnOf(How how, const Schedule& schedule, std::optional<core::DateTime> due) {
+    Turn turn;
+    turn.how = how;
+    turn.locationID = schedule.locationID;
+    turn.consumer = schedule.consumer;
+    turn.duration = schedule.duration;
+    turn.due = due;
+    return turn;
+}
 
 }  // namespace
 
 void Scheduler::Tick() {
-    lastTick_ = place_.clock.Now();
+    const core::DateTime now = place_.clock.Now();
+    core::Guarded(place_.logs, [this] { EndOverdue(); });
+    core::Guarded(place_.logs, [&] { QueueMissed(now); });
+    core::Guarded(place_.logs, [&] { QueueDue(now); });
     core::Guarded(place_.logs, [&] {
-        auto stations = SelectDue();
-        if (!stations.empty()) {
-            minutes_.push_back(std::move(stations));
+        for (Turn& turn : retries_.Due(now)) {
+            queue_.Add(std::move(turn));
         }
     });
     Serve();
@@ -28,22 +60,55 @@ void Scheduler::Serve() {
         return;
     }
     if (place_.line.Kept()) {
-        if (!minutes_.empty()) {
+        if (!queue_.Empty()) {
             place_.feedback.Status("Stations are due: their collection waits for the line");
         }
         return;
     }
     running_ = true;
-    while (!minutes_.empty() && !leaving_) {
-        const auto stations = std::move(minutes_.front());
-        minutes_.pop_front();
-        ServeMinute(stations);
-    }
+    bool served = false;
+    do {
+        while (const auto turn = leaving_ ? std::nullopt : queue_.Next()) {
+            ServeTurn(*turn);
+            served = true;
+        }
+        if (!leaving_) {
+            core::Guarded(place_.logs, [this] { MailUnsent(); });
+        }
+    } while (!queue_.Empty() && !leaving_);  // a tick has come while the mail was on its way
     running_ = false;
+    if (!leaving_) {
+        core::Guarded(place_.logs, [&] { missed_.AllServed(served); });
+    }
 }
 
-bool Scheduler::Served(const core::DateTime& at) const {
-    return core::IsoText(at).substr(0, 16) == core::IsoText(lastTick_).substr(0, 16);
+bool Scheduler::CollectNow(std::int64_t locationID) {
+    if (StandOf(locationID) != InQueue::No) {
+        return false;
+    }
+    const auto row =
+        place_.dbconn.First("select consumer, duration from configdata_master where locationID=?", {locationID});
+    if (!row) {
+        return false;
+    }
+    Turn turn;
+    turn.how = How::Hand;
+    turn.locationID = locationID;
+    turn.consumer = (*row)[0].Text();
+    turn.duration = (*row)[1].Text();
+    queue_.Add(std::move(turn));
+    return true;
+}
+
+int Scheduler::CollectMissing() {
+    const core::DateTime now = place_.clock.Now();
+    int queued = 0;
+    for (const Schedule& schedule : ReadSchedules(place_.dbconn)) {
+        if (IsMissing(place_.dbconn, schedule, now) && CollectNow(schedule.locationID)) {
+            ++queued;
+        }
+    }
+    return queued;
 }
 
 void Scheduler::ResetDailyFlags() {
@@ -52,81 +117,221 @@ void Scheduler::ResetDailyFlags() {
                           {day, day});
 }
 
+InQueue Scheduler::StandOf(std::int64_t locationID) const {
+    if (inHand_ == locationID) {
+        return InQueue::Collecting;
+    }
+    return Queued(locationID) ? InQueue::Queued : InQueue::No;
+}
+
 void Scheduler::Leave() {
     leaving_ = true;
     place_.line.EndConversation("The program ends");
     place_.clock.Wake();
+    if (!running_ && queue_.Empty()) {
+        core::Guarded(place_.logs, [this] { missed_.AllServed(true); });
+    }
 }
 
-std::vector<Scheduler::DueStation> Scheduler::SelectDue() const {
-    const core::DateTime now = place_.clock.Now();
-    std::vector<DueStation> stations;
+void Scheduler::QueueDue(const core::DateTime& now) {
+    const core::DateTime minute = MinuteOf(now);
+    std::vector<Turn> turns;
+    bool scheduled = false;
     for (const core::Row& row :
          place_.dbconn.Query("select locationID, consumer, duration, day from configData_master where "
                              "format(contracthour,'HH:MM AMPM') = format(?,'HH:MM AMPM') order by locationId",
                              {core::TimeText(now)})) {
-        stations.push_back({row[0].Long(), row[1].Text(), row[2].Text(), IsDue(row[2].Text(), row[3].Number(), now)});
-    }
-    return stations;
-}
-
-void Scheduler::ServeMinute(const std::vector<DueStation>& stations) {
-    for (const DueStation& station : stations) {
-        if (leaving_) {
-            return;
+        Turn turn;
+        turn.locationID = row[0].Long();
+        turn.consumer = row[1].Text();
+        turn.duration = row[2].Text();
+        turn.collects = IsDue(turn.duration, row[3].Number(), now);
+        if (turn.collects) {
+            turn.due = minute;
+            const bool inHand = inHand_ == turn.locationID && inHandDue_ == minute;
+            if (inHand || queue_.Holds(turn.locationID, minute) || missed_.Served(turn.locationID, minute)) {
+                continue;  // the hour comes twice
+            }
         }
-        core::Guarded(place_.logs, [&] { ServeStation(station); });
+        scheduled = scheduled || HasSchedule(turn.duration);
+        turns.push_back(std::move(turn));
     }
-    if (!leaving_) {
-        core::Guarded(place_.logs, [&] {
-            sendmail(place_.dbconn, place_.shared, place_.clock, place_.feedback, place_.logs, mail_,
-                     [this] { return leaving_; });
-        });
+    if (!turns.empty()) {
+        // A minute of stations without a schedule, as midnight is, mails nothing.
+        turns.back().mails = scheduled;
+    }
+    for (Turn& turn : turns) {
+        queue_.Add(std::move(turn));
     }
 }
 
-void Scheduler::ServeStation(const DueStation& station) {
+void Scheduler::QueueMissed(const core::DateTime& now) {
+    std::vector<Turn> turns;
+    for (const MissedHour& hour : missed_.Tick(now)) {
+        const bool inHand = inHand_ == hour.schedule.locationID && inHandDue_ == hour.due;
+        if (!inHand && !queue_.Holds(hour.schedule.locationID, hour.due)) {
+            turns.push_back(TurnOf(How::Late, hour.schedule, hour.due));
+        }
+    }
+    if (!turns.empty()) {
+        turns.back().mails = true;
+    }
+    for (Turn& turn : turns) {
+        queue_.Add(std::move(turn));
+    }
+}
+
+void Scheduler::EndOverdue() {
+    if (!inHand_) {
+        return;
+    }
+    const int minutes = core::ReadSetting(place_.dbconn, core::Setting::StationMinutes);
+    if (minutes > 0 &&
+        (place_.clock.Milliseconds() - attemptBegun_) / msAMinute >= static_cast<std::uint32_t>(minutes)) {
+        overdue_ = true;
+        place_.line.EndConversation("The " + std::to_string(minutes) + " minutes of an attempt were up");
+    }
+}
+
+void Scheduler::ServeTurn(const Turn& turn) {
+    core::Guarded(place_.logs, [&] { ServeStation(turn); });
+    inHand_.reset();
+    if (turn.mails && !leaving_) {
+        core::Guarded(place_.logs, [&] { MailReport(turn); });
+    }
+}
+
+void Scheduler::ServeStation(const Turn& turn) {
+    if (!turn.collects) {
+        // A station of the selection that is not due today is marked as not sampled.
+        MarkSampled(place_.dbconn, place_.clock.Now(), turn.locationID, false);
+        Tell(&RunWatcher::Collected, turn);
+        return;
+    }
+    const auto station = core::ReadStation(place_.dbconn, turn.locationID);
+    if (!station || !StillWanted(turn)) {
+        return;
+    }
+    inHand_ = turn.locationID;
+    inHandDue_ = turn.due;
+    Tell(&RunWatcher::Collecting, turn);
+    Collect(turn, *station);
+    inHand_.reset();
+    if (!leaving_) {
+        Tell(&RunWatcher::Collected, turn);
+    }
+}
+
+// What was missed, or gave nothing, may have been collected while its turn waited.
+bool Scheduler::StillWanted(const Turn& turn) const {
+    if (turn.how != How::Late && turn.how != How::Retry) {
+        return true;
+    }
+    const auto outcome = OutcomeOf(place_.dbconn, turn.locationID, turn.GasDay(place_.clock.Now()));
+    return !outcome || outcome->result != Result::Collected;
+}
+
+void Scheduler::Collect(const Turn& turn, const core::Station& station) {
+    Outcome outcome;
+    outcome.locationID = turn.locationID;
+    outcome.how = turn.how;
+    outcome.line = LineText(station);
+    const core::DateTime begun = place_.clock.Now();
+    outcome.begun = core::IsoText(begun);
+    // By hand: the latest contract hour that has passed.
+    Turn served = turn;
+    if (turn.how == How::Hand) {
+        const auto schedule = ReadSchedule(place_.dbconn, turn.locationID);
+        served.due = schedule ? LatestDue(*schedule, begun) : std::nullopt;
+    }
+    outcome.gasday = served.GasDay(begun);
+    outcome.due = served.due ? core::IsoText(*served.due) : std::string();
+
+    place_.feedback.Status("Data Collecting from Location " + turn.consumer);
+    if (core::SameText(turn.duration, "Daily")) {
+        place_.clock.WaitMs(pauseMs, [this] { return leaving_; });
+    }
+    const RunState state = Attempts(turn, outcome);
+    outcome.ended = core::IsoText(place_.clock.Now());
+    Record(served, state, outcome);
+}
+
+RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
     RunState state;
     state.runfailed = true;
-    if (station.due) {
-        inHand_ = station.locationID;
-        Tell(&RunWatcher::Collecting, station);
-        Collect(station, state);
-        inHand_.reset();
-    }
-    // A station of the selection that is not due today is marked as not sampled; one that was cut off by the end of
-    // the program keeps its mark.
-    if (!leaving_) {
-        Record(station, state.runfailed);
-        Tell(&RunWatcher::Collected, station);
-    }
-}
-
-void Scheduler::Collect(const DueStation& station, RunState& state) {
-    place_.feedback.Status("Data Collecting from Location " + station.consumer);
-    if (core::SameText(station.duration, "Daily")) {
-        place_.clock.WaitMs(pauseMs, [this] { return leaving_; });
-    }
-    while (state.runfailed && state.attemptcount < maxAttempts && !leaving_) {
+    std::optional<RunState> best;
+    overdue_ = false;
+    while (state.runfailed && state.attemptcount < maxAttempts && !leaving_ && !overdue_) {
         state.runfailed = false;
-        if (core::SameText(station.duration, "Weekly")) {
+        if (core::SameText(turn.duration, "Weekly")) {
             place_.feedback.Status("Collecting Data");
         }
-        collectiong_Data(place_, station.locationID, state);
+        attemptBegun_ = place_.clock.Milliseconds();
+        collectiong_Data(place_, turn.locationID, state);
+        // A later attempt that got less does not undo what an earlier one stored.
+        if (!best || Rank(state.result) <= Rank(best->result)) {
+            best = state;
+        }
         place_.clock.WaitMs(pauseMs, [this] { return leaving_; });
         ++state.attemptcount;
+        ++outcome.attempts;
     }
+    if (!best) {
+        state.result = Result::BrokenOff;
+        state.reason = "The program ends";
+        best = state;
+    }
+    outcome.attempts = state.dials > 0 ? state.dials : outcome.attempts;
+    outcome.asked = best->asked;
+    outcome.received = best->received;
+    outcome.result = best->result;
+    outcome.reason = best->reason;
+    best->runfailed = state.runfailed;
+    return *best;
 }
 
-void Scheduler::Tell(void (RunWatcher::*event)(std::int64_t), const DueStation& station) {
+void Scheduler::Record(const Turn& turn, const RunState& state, const Outcome& outcome) {
+    const core::DateTime now = place_.clock.Now();
+    // A figure that was read a day after its contract hour is another day's.
+    const bool isOfTheDay = !turn.due || core::ToSeconds(now) - core::ToSeconds(*turn.due) < secondsADay;
+    const bool byItself = turn.how == How::Schedule || turn.how == How::Late;
+    place_.dbconn.InTransaction([&] {
+        if (isOfTheDay) {
+            RecordGasDay(place_.dbconn, turn.locationID, outcome.gasday, now, state.figures);
+        }
+        RecordOutcome(place_.dbconn, outcome);
+        // A station that was cut off by the end of the program keeps its mark, as does one that is collected and was
+        // only tried once more.
+        const auto today = byItself ? std::nullopt : OutcomeOfToday(place_.dbconn, turn.locationID, now);
+        const bool collected = today && today->result == Result::Collected;
+        if (!leaving_) {
+            MarkSampled(place_.dbconn, now, turn.locationID, !state.runfailed || collected);
+        }
+    });
+    const bool partlyAsItIs = outcome.result == Result::Partly && !state.runfailed;
+    retries_.Note(turn, outcome, !partlyAsItIs);
+}
+
+void Scheduler::MailReport(const Turn& turn) {
+    mailed_ = place_.clock.Milliseconds();
+    sendmail(place_.dbconn, place_.shared, place_.clock, turn.due.value_or(place_.clock.Now()), place_.feedback,
+             place_.logs, mail_, [this] { return leaving_; });
+}
+
+// What no server took is tried again from time to time, for the first time when the program has started.
+void Scheduler::MailUnsent() {
+    if (mailed_ && place_.clock.Milliseconds() - *mailed_ < unsentEveryMs) {
+        return;
+    }
+    mailed_ = place_.clock.Milliseconds();
+    SendUnsent(place_.dbconn, place_.shared, place_.clock, place_.feedback, place_.logs, mail_,
+               [this] { return leaving_; });
+}
+
+void Scheduler::Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn) {
     if (watcher_ != nullptr) {
-        (watcher_->*event)(station.locationID);
+        (watcher_->*event)(turn.locationID);
     }
-}
-
-void Scheduler::Record(const DueStation& station, bool failed) {
-    place_.dbconn.Execute("update configData_master set sampledtoday = ?, sampleddate = ? where locationid = ?",
-                          {!failed, place_.clock.Now().day, station.locationID});
 }
 
 }  // namespace collection

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "collection/CollectionRun.h"
+#include "collection/DayLine.h"
 #include "collection/Mail.h"
+#include "collection/MissedHours.h"
+#include "collection/Retries.h"
+#include "collection/RunQueue.h"
 #include "collection/Workplace.h"
 
 namespace collection {
@@ -26,18 +27,28 @@ class RunWatcher {
 };
 
 // What runs by itself each minute: collects the stations whose contract hour is the present minute, one after the
-// other, records the outcome of each, and mails the day's report behind them.
+// other, records the outcome of each, and mails the day's report behind them. What an operator asks for, contract hours
+// that were missed, and retries follow behind whoever is due.
 class Scheduler {
   public:
-    Scheduler(Workplace& place, MailTransport& mail) : place_(place), mail_(mail) {}
+    Scheduler(Workplace& place, MailTransport& mail)
+        : place_(place), mail_(mail), missed_(place.dbconn), retries_(place.dbconn) {}
 
     // The minute's tick. A tick that comes while stations are being collected selects its own stations at its own
     // minute and puts them behind the ones in hand; the call in hand serves them. While a conversation keeps the line
-    // the stations wait: Serve collects them. Never throws.
+    // the stations wait: Serve collects them. Ends an attempt whose time is up. Never throws.
     void Tick();
 
     // Collects the stations that wait, unless they are being collected or the line is still kept. Never throws.
     void Serve();
+
+    // An operator wants a station to be collected. It is queued; Serve, called from the event loop, or the next tick
+    // comes to it. False: there is no such station, or it waits already or is in hand. Throws DatabaseError.
+    bool CollectNow(std::int64_t locationID);
+
+    // The same for every station whose latest contract hour has passed and is not collected. Tells how many were
+    // queued. Throws DatabaseError.
+    int CollectMissing();
 
     // Clears sampledtoday of every station that was last tried on another day of the month. Throws DatabaseError.
     void ResetDailyFlags();
@@ -46,10 +57,15 @@ class Scheduler {
     void Watch(RunWatcher* watcher) { watcher_ = watcher; }
 
     // Whether the minute of a moment has had its tick.
-    bool Served(const core::DateTime& at) const;
+    bool Served(const core::DateTime& at) const { return missed_.Ticked(at); }
 
     // The station that is being collected.
     std::optional<std::int64_t> InHand() const { return inHand_; }
+
+    // Whether the station waits for its turn. A station that waits or is in hand is not to be deleted.
+    bool Queued(std::int64_t locationID) const { return queue_.Holds(locationID); }
+
+    InQueue StandOf(std::int64_t locationID) const;
 
     // Stations are being collected, or their mail is being sent.
     bool Busy() const { return running_; }
@@ -60,27 +76,31 @@ class Scheduler {
     bool Leaving() const { return leaving_; }
 
   private:
-    // A station of the selection of a minute.
-    struct DueStation {
-        std::int64_t locationID = 0;
-        std::string consumer;
-        std::string duration;
-        bool due = false;
-    };
-
-    std::vector<DueStation> SelectDue() const;
-    void ServeMinute(const std::vector<DueStation>& stations);
-    void ServeStation(const DueStation& station);
-    void Collect(const DueStation& station, RunState& state);
-    void Record(const DueStation& station, bool failed);
-    void Tell(void (RunWatcher::*event)(std::int64_t), const DueStation& station);
+    void QueueDue(const core::DateTime& now);
+    void QueueMissed(const core::DateTime& now);
+    void EndOverdue();
+    bool QueueByHand(std::int64_t locationID);
+    void ServeTurn(const Turn& turn);
+    void ServeStation(const Turn& turn);
+    bool StillWanted(const Turn& turn) const;
+    void Collect(const Turn& turn, const core::Station& station);
+    RunState Attempts(const Turn& turn, Outcome& outcome);
+    void Record(const Turn& turn, const RunState& state, const Outcome& outcome);
+    void MailReport(const Turn& turn);
+    void MailUnsent();
+    void Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn);
 
     Workplace& place_;
     MailTransport& mail_;
-    std::deque<std::vector<DueStation>> minutes_;
+    MissedHours missed_;
+    Retries retries_;
+    RunQueue queue_;
     RunWatcher* watcher_ = nullptr;
     std::optional<std::int64_t> inHand_;
-    core::DateTime lastTick_;
+    std::optional<core::DateTime> inHandDue_;
+    std::uint32_t attemptBegun_ = 0;       // ms, of the attempt in hand
+    bool overdue_ = false;                 // its time is up
+    std::optional<std::uint32_t> mailed_;  // ms, when mail was last tried
     bool running_ = false;
     bool leaving_ = false;
 };

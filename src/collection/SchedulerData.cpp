@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <system_error>
 
 #include "collection/Workbook.h"
 #include "core/Text.h"
@@ -45,7 +46,13 @@ std::vector<std::string> ScheduledDates(core::Database& dbconn, const std::strin
 std::optional<std::filesystem::path> ScheduledWorkbook(const core::MAIN_Module& shared, const std::string& consumer,
                                                        const std::string& date) {
     const auto day = DateOf(date);
-    return day ? std::optional(WorkbookPath(shared, consumer, *day)) : std::nullopt;
+    if (!day) {
+        return std::nullopt;
+    }
+    const auto path = WorkbookPath(shared, consumer, *day);
+    const auto older = SharedWorkbookPath(shared, consumer, *day);
+    std::error_code failure;
+    return !std::filesystem::exists(path, failure) && std::filesystem::exists(older, failure) ? older : path;
 }
 
 }  // namespace collection

@@ -136,8 +136,10 @@ class Delivery {
             RequireAddress(recipient);
             recipients_.Add(Bracketed(recipient));
         }
-        const std::string unique = std::to_string(clock.Milliseconds()) + "." + std::to_string(getpid());
-        for (const std::string& header : MailHeaders(message, clock.Now(), unique)) {
+        const std::string unique = message.unique.empty()
+                                       ? std::to_string(clock.Milliseconds()) + "." + std::to_string(getpid())
+                                       : message.unique;
+        for (const std::string& header : MailHeaders(message, message.written.value_or(clock.Now()), unique)) {
             headers_.Add(header);
         }
         Option(CURLOPT_MAIL_FROM, Bracketed(message.sender).c_str());

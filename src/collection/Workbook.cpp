@@ -52,6 +52,13 @@ std::string FileName(const std::string& consumer) {
     return name.size() > longestName ? Shortened(name) : name;
 }
 
+// Day and month stand side by side, so "111" is the first of November and the eleventh of January. The day with two
+// digits has the name to itself.
+bool ReadsAsAnotherDate(const core::DateTime& date) {
+    return date.day < 10 && date.month > 10 &&
+           core::DateTime{date.year, date.month % 10, date.day * 10 + 1, 0, 0, 0}.Valid();
+}
+
 // Each line ends with a CR of its own in front of the file's line end.
 std::string Line(const std::string& text) {
     return text + "\r\n";
@@ -133,6 +140,13 @@ class AppendedFile {
 
 std::filesystem::path WorkbookPath(const core::MAIN_Module& shared, const std::string& consumer,
                                    const core::DateTime& date) {
+    const std::string apart = ReadsAsAnotherDate(date) ? "-" : "";
+    return shared.schedulerDirectory / (FileName(consumer) + "_" + std::to_string(date.day) + apart +
+                                        std::to_string(date.month) + std::to_string(date.year) + ".xls");
+}
+
+std::filesystem::path SharedWorkbookPath(const core::MAIN_Module& shared, const std::string& consumer,
+                                         const core::DateTime& date) {
     return shared.schedulerDirectory / (FileName(consumer) + "_" + std::to_string(date.day) +
                                         std::to_string(date.month) + std::to_string(date.year) + ".xls");
 }
@@ -142,6 +156,7 @@ void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared,
                         const std::string& model, std::span<const Claim> claims) {
     try {
         const core::DateTime now = clock.Now();
+        std::filesystem::create_directories(shared.schedulerDirectory);
         AppendedFile(WorkbookPath(shared, consumer, now)).Append(Block(dbconn, now, consumer, streamno, model, claims));
     } catch (const std::exception& failure) {
         feedback.Status("Error in creating Excel");

@@ -71,6 +71,16 @@ std::filesystem::path FreeName(const std::filesystem::path& directory, const std
     return path;
 }
 
+// A log that is full is set aside and kept. One that cannot be renamed grows on.
+void Rotate(const std::filesystem::path& file, const DateTime& now) {
+    constexpr std::uintmax_t full = 5'000'000;
+    std::error_code failure;
+    const auto size = std::filesystem::file_size(file, failure);
+    if (!failure && size >= full) {
+        std::filesystem::rename(file, FreeName(file.parent_path(), file.stem().string(), ".log", now), failure);
+    }
+}
+
 // A new file of lines that is on the disk when it is closed, and not there when it was not. Throws std::system_error.
 class KeptFile {
   public:
@@ -107,6 +117,7 @@ class KeptFile {
 }  // namespace
 
 bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text) {
+    Rotate(shared.rtuErrPath, clock.Now());
     return Append(shared.rtuErrPath, StampOf(clock) + "--:" + text + "\n", std::ios::app);
 }
 

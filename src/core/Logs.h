@@ -12,7 +12,8 @@ class Database;
 struct MAIN_Module;
 
 // One line of RTU_Err.log, also while no database is open: date and time, "--:", the text. A log that cannot be written
-// stops nobody: tells whether the line is in the file.
+// stops nobody: tells whether the line is in the file. A log of 5 MB is first set aside as
+// "RTU_Err_2026-11-25_080509.log".
 bool WriteRtuErr(const MAIN_Module& shared, const Clock& clock, const std::string& text);
 
 // What a screen shows of a log: its lines, each followed by CR LF.

@@ -30,6 +30,8 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "create table tArchiveMark (NodeId integer, StreamNo integer, HistoryTypeId integer, recordnumber integer, "
     "Time1 text)",
     "create unique index tArchiveMark_archive on tArchiveMark (NodeId, StreamNo, HistoryTypeId)",
+    "create table schedule_state (servedto text)",
+    "create table unsent_mail (id integer primary key, made text, missing text, report text)",
     "create table settings (name text primary key, value text, meaning text) without rowid",
     "insert into settings values"
     "('calibrationlevel', '5', 'write level that calibrating a transmitter needs'),"

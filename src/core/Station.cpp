@@ -25,6 +25,8 @@ std::string DialCommand(Database& dbconn, const std::string& comtype) {
     return row ? (*row)[1].Text() : "atx3dt";
 }
 
+constexpr int longestDelayMs = 60000;  // whatever a row says
+
 int Whole(const Row& row, std::string_view column, int whenNull) {
     return row.IsNull(column) ? whenNull : static_cast<int>(std::clamp<std::int64_t>(row.Long(column), -1, 1 << 24));
 }
@@ -84,7 +86,7 @@ std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID) {
     station.mode = SameText(station.protocol, "Modbus") ? Trim(row->Text("mode")) : std::string();
     station.standardFraming = SameText(Trim(row->Text("framing")), "standard");
     station.slaveaddress = Whole(*row, "slaveaddress", 1);
-    station.commtimeout = std::max(0, Whole(*row, "delaytime", 2000));
+    station.commtimeout = std::clamp(Whole(*row, "delaytime", 2000), 0, longestDelayMs);
     station.No_Stream = station.isMultiStream ? std::clamp(Whole(*row, "No_Stream", 1), 1, 4) : 1;
     for (std::size_t i = 0; i < station.stream.size(); ++i) {
         station.stream[i] = Trim(row->Text("stream" + std::to_string(i + 1)));

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "collection/Outcome.h"
 #include "collection/Scheduler.h"
 #include "core/Database.h"
 #include "core/Settings.h"
@@ -341,8 +342,7 @@ void Session::MarkSampled(bool sampled) {
         return;
     }
     core::Guarded(place_.logs, [&] {
-        place_.dbconn.Execute("update configData_master set sampledtoday =?, sampleddate =? where locationid=?",
-                              {sampled, place_.clock.Now().day, station_.locationID});
+        collection::MarkSampled(place_.dbconn, place_.clock.Now(), station_.locationID, sampled);
     });
 }
 

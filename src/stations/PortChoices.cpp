@@ -68,12 +68,17 @@ const Texts& StopBits() {
     return list;
 }
 
-PortChoices ReadPortChoices(const std::string& settings) {
+bool IsPortSettings(const std::string& settings) {
     const Texts parts = Split(settings);
-    if (parts.size() != 4 || !IsNumber(parts[0]) || ParityOf(parts[1]).empty() || !IsInList(DataBits(), parts[2]) ||
-        !IsInList(StopBits(), parts[3])) {
+    return parts.size() == 4 && IsNumber(parts[0]) && core::Val(parts[0]) > 0 && !ParityOf(parts[1]).empty() &&
+           IsInList(DataBits(), parts[2]) && IsInList(StopBits(), parts[3]);
+}
+
+PortChoices ReadPortChoices(const std::string& settings) {
+    if (!IsPortSettings(settings)) {
         return {};
     }
+    const Texts parts = Split(settings);
     return {.baudrate = parts[0], .databits = parts[2], .parity = ParityOf(parts[1]), .stopbits = parts[3]};
 }
 

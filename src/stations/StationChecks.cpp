@@ -13,6 +13,7 @@ namespace {
 
 constexpr int mostInGroup = 10;
 constexpr double shortestDelay = 100;  // ms
+constexpr double longestDelay = 60000;
 
 struct Candidate {
     core::Database& dbconn;
@@ -56,6 +57,21 @@ bool IsConsumerOfAnother(const Candidate& candidate) {
     return candidate.dbconn.First("select 1 from configdata_master where consumer=? limit 1", {consumer}).has_value();
 }
 
+// What the address field of the protocol's frames takes, and no more than its standard gives out.
+bool IsSlaveAddress(const StationRecord& record) {
+    const std::string text = core::Trim(record.slaveaddress);
+    if (text.size() > 3 || text.find_first_not_of("0123456789") != std::string::npos) {
+        return false;
+    }
+    const double address = core::Val(text);
+    const std::string protocol = core::Trim(record.protocol);
+    if (core::SameText(protocol, "Quantum")) {
+        return address <= 99;
+    }
+    const bool isBsap = core::SameText(protocol, "BSAP") || core::IsCwModel(core::Trim(record.modelno));
+    return address >= 1 && address <= (isBsap ? 127 : 247);
+}
+
 // The number that a new station gets is the number of rows in its group and 1.
 bool IsGroupFull(const Candidate& candidate) {
     if (!candidate.isNewStation) {
@@ -84,7 +100,7 @@ struct Check {
 
 // A blank Mode is not among the checks: its message is tied to a blank protocol too, which is refused before. So a
 // Modbus station may be saved without a Mode. "Group No. Should not be blank" cannot be reached behind the first check.
-constexpr std::array<Check, 17> checks = {{
+constexpr std::array<Check, 19> checks = {{
     {[](const Candidate& c) { return !IsGroup(c.record.groupno); }, "Select proper group", "cmbgroupno"},
     {[](const Candidate& c) { return IsBlank(c.record.consumer); }, "Consumer Should not be blank", "txtconsumer"},
     {[](const Candidate& c) { return IsBlank(c.record.rtumake); }, "RTU Make Should not be blank", "cmbrtumake"},
@@ -103,8 +119,11 @@ constexpr std::array<Check, 17> checks = {{
     {[](const Candidate& c) { return IsBlank(c.record.phoneno) && HasModem(c.record); },
      "Phone no. Should not be blank", "txtphoneno"},
     {IsConsumerOfAnother, "Consumer Name Exists", "txtconsumer"},
-    {[](const Candidate& c) { return core::Val(c.record.delaytime) < shortestDelay; }, "Select proper Delay Time",
-     "txtdelay"},
+    {[](const Candidate& c) {
+         const double delay = core::Val(c.record.delaytime);
+         return delay < shortestDelay || delay > longestDelay;
+     },
+     "Select proper Delay Time", "txtdelay"},
     {IsGroupFull, "You can't add more station in this group", "cmbgroupno"},
     {[](const Candidate& c) { return IsBlank(c.record.systemtype); }, "System Type Should not be blank",
      "cmbsysvolttype"},
@@ -113,6 +132,9 @@ constexpr std::array<Check, 17> checks = {{
      },
      "Multistream count Should not be blank", "cmb_MultiNO"},
     {IsIntegerWithoutConfig, "Type Integer should be Modbus Configurable", "chk_MBConfig"},
+    {[](const Candidate& c) { return !IsSlaveAddress(c.record); }, "Select proper Slave Address", "txtslaveaddres"},
+    {[](const Candidate& c) { return !IsIp(c.record) && !IsPortSettings(c.record.baudrate); },
+     "Select proper Comport Setting", "cmdportsetting"},
 }};
 
 }  // namespace

@@ -95,6 +95,9 @@ const std::vector<std::string>& DataBits();
 const std::vector<std::string>& Parities();
 const std::vector<std::string>& StopBits();
 
+// Whether a text is line settings: a baud rate, a parity, data bits and stop bits of these lists.
+bool IsPortSettings(const std::string& settings);
+
 // "9600,N,8,1" taken apart for the dialog; what is not such a text gives the defaults.
 PortChoices ReadPortChoices(const std::string& settings);
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "collection/DailyReport.h"
+#include "collection/DayLine.h"
 #include "support/ScratchDesk.h"
 
 using testing::HasSubstr;
@@ -12,8 +13,8 @@ struct DailyReportTest : testing::Test {
     const core::DateTime day = desk.clock.Now();
 
     void Make() {
-        collection::makereport_daily(desk.dbconn, day, desk.feedback);
-        collection::WriteDailyReport(desk.dbconn, day, desk.shared.dailyReportPath);
+        collection::makereport_daily(desk.dbconn, day, desk.clock.Now(), desk.feedback);
+        collection::WriteDailyReport(desk.dbconn, day, desk.clock.Now(), desk.shared.dailyReportPath);
     }
     std::string Page() const { return support::FileText(desk.shared.dailyReportPath); }
 };
@@ -72,6 +73,52 @@ TEST_F(DailyReportTest, AReportThatCannotBeWrittenLeavesTheOldOne) {
     std::filesystem::create_directory(desk.shared.directory / "daily_report.rtf.part");
     EXPECT_THROW(Make(), std::system_error);
     EXPECT_EQ(Page(), before);
+}
+
+// What nobody received is no zero; what a unit counts over its lifetime is no flow of the day.
+TEST_F(DailyReportTest, SaysWhatCameOfTheDay) {
+    desk.dbconn.Execute(
+        "insert into configdata_master(locationID,consumer,protocol,duration,contracthour) values"
+        "(1,'Farm','BSAP','Daily','06:00'),(2,'Mill','Modbus','Daily','06:00'),(3,'Kiln','Quantum','Daily','06:00'),"
+        "(4,'Lodge','Modbus','Daily','14:30'),(5,'Meadow','Modbus','NO','00:00'),(6,'Gate','Modbus','Daily','06:00')");
+    desk.dbconn.Execute(
+        "insert into outcome(locationID,gasday,ended,how,attempts,line,asked,received,result) values"
+        "(1,'2026-03-10','2026-03-10 06:01:00','schedule',1,'COM1',9,9,'collected'),"
+        "(2,'2026-03-10','2026-03-10 06:05:00','schedule',3,'COM3 555',0,0,'not reached'),"
+        "(3,'2026-03-10','2026-03-10 06:09:00','late',1,'COM5',24,24,'collected'),"
+        "(4,'2026-03-09','2026-03-10 07:00:00','hand',1,'COM5',9,9,'collected'),"
+        "(6,'2026-03-10','2026-03-10 06:10:00','schedule',1,'COM5',9,8,'partly')");
+    desk.dbconn.Execute(
+        "insert into gasday values(1,'2026-03-10','',500,12000,7.25),(3,'2026-03-10','',888,99999,4),"
+        "(4,'2026-03-09','',77,77,77),(6,'2026-03-10','',60,null,2)");
+    // A row that a run by hand left under this day, of yesterday's gas day.
+    desk.dbconn.Execute("insert into LogParam values(4,'2026-03-10 07:00:00','',77,77,77)");
+    Make();
+    struct Line {
+        std::optional<double> dayflow, monthflow, averageflow, pressure;
+        std::string status;
+        bool operator==(const Line&) const = default;
+    };
+    std::vector<Line> lines;
+    for (const auto& line : collection::DailyLines(desk.dbconn, day, day)) {
+        lines.push_back({line.dayflow, line.monthflow, line.averageflow, line.pressure, line.status});
+    }
+    const std::vector<Line> expected = {{500, 12000, 1200, 7.25, "06:01 by schedule"},
+                                        {{}, {}, {}, {}, "not reached, 3 dials, 06:05"},
+                                        {888, 99999, {}, 4, "06:09 late"},
+                                        {{}, {}, {}, {}, "due 14:30"},
+                                        {{}, {}, {}, {}, "no schedule"},
+                                        {60, {}, {}, 2, "partly, 8 of 9 values, 06:10"}};
+    EXPECT_EQ(lines, expected);
+    EXPECT_THAT(Page(), HasSubstr("99\\~999.00\\line cumulative"));
+    EXPECT_THAT(Page(), HasSubstr("no data"));
+    EXPECT_THAT(Page(), HasSubstr("\\b 560.00\\b0"));  // without the counter
+    EXPECT_THAT(Page(), HasSubstr("Total without 4 of the stations"));
+    const auto count = collection::CountDay(desk.dbconn, day, day);
+    EXPECT_EQ(count.missing, 1);
+    EXPECT_EQ(count.partly, 1);
+    EXPECT_EQ(desk.dbconn.First("select dayflow from daily_rep where consumer='Mill'").value()[std::size_t{0}].Raw(),
+              core::Value(0.0).Raw());
 }
 
 TEST_F(DailyReportTest, AnEmptyRegisterIsTold) {

@@ -8,6 +8,7 @@
 
 #include "collection/Mail.h"
 #include "collection/MailHeaders.h"
+#include "collection/Scheduler.h"
 #include "collection/SmtpTransport.h"
 #include "support/CollectionDesk.h"
 #include "support/MailSink.h"
@@ -31,7 +32,7 @@ struct MailTest : testing::Test {
         desk.dbconn.Execute("insert into email_settings values(?,?,?,?,?)", {to, cc, bcc, subject, message});
     }
     void Send() {
-        collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, smtp,
+        collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.clock.Now(), desk.feedback, desk.logs, smtp,
                              [] { return false; });
     }
     std::string Received(int number, const std::string& ending = "eml") const { return sink.Received(number, ending); }
@@ -201,9 +202,55 @@ TEST_F(MailTest, TheEndOfTheProgramEndsAMail) {
     bool leaving = false;
     desk.clock.After(2000, [&] { leaving = true; });
     const auto before = desk.clock.Elapsed();
-    collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, smtp, [&] { return leaving; });
+    collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.clock.Now(), desk.feedback, desk.logs, smtp,
+                         [&] { return leaving; });
     EXPECT_LT(desk.clock.Elapsed() - before, 2100U);
     EXPECT_THAT(desk.RtuErr(), HasSubstr("the program ends"));
+}
+
+// A server that can be out of order, and what it took.
+struct MoodyServer final : collection::MailTransport {
+    bool works = false;
+    std::vector<collection::MailMessage> taken;
+    collection::MailOutcome Send(const collection::MailMessage& message, const collection::MailServer&, core::Clock&,
+                                 const std::function<bool()>&) override {
+        if (works) {
+            taken.push_back(message);
+        }
+        return {works, works ? "" : "out of order"};
+    }
+};
+
+TEST_F(MailTest, WhatNoServerTookIsSentLaterInOrderWithItsOwnDateAndOnce) {
+    MoodyServer server;
+    collection::Scheduler scheduler(desk.place, server);
+    desk.clock.Every(60000, [&] { scheduler.Tick(); });
+    demo::DemoStation mill{"Mill", "TeleFlow", "Modbus", "RTU", 9, 1};
+    mill.contracthour = "08:00";
+    demo::AddStation(desk.dbconn, mill);
+    desk.dbconn.Execute("update settings set value='0' where name='retryrounds'");
+    Settings("to@x", "", "");
+    constexpr std::uint64_t day = 24 * 3600000;
+    desk.clock.Run(2 * day);
+    EXPECT_TRUE(server.taken.empty());
+    EXPECT_EQ(desk.Count("unsent_mail"), 2);
+    server.works = true;
+    desk.clock.Run(3600000);
+    ASSERT_EQ(server.taken.size(), 3U);
+    EXPECT_EQ(server.taken[0].subject, "Daily Progress Report of 09/03/2026: 1 missing");
+    EXPECT_EQ(server.taken[1].subject, "Daily Progress Report of 10/03/2026: 1 missing");
+    EXPECT_EQ(server.taken[2].subject, "Daily Progress Report: 1 missing");
+    EXPECT_EQ(core::DateText(server.taken[0].written.value()), "09/03/2026");
+    EXPECT_THAT(server.taken[0].attachment, HasSubstr("09/03/2026"));
+    EXPECT_NE(server.taken[0].unique, server.taken[1].unique);
+    desk.clock.Run(6 * 3600000);
+    EXPECT_EQ(server.taken.size(), 3U);
+    EXPECT_EQ(desk.Count("unsent_mail"), 0);
+
+    server.works = false;
+    desk.clock.Run(20 * day);
+    EXPECT_EQ(desk.Count("unsent_mail"), 7);  // a week
+    EXPECT_THAT(desk.RtuErr(), HasSubstr("The mail of 12/03/2026 was never sent and is given up"));
 }
 
 TEST(MailHeadersTest, TheDateIsInEnglishWithTheZone) {

@@ -2,7 +2,10 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <fstream>
+#include <set>
 
+#include "collection/SchedulerData.h"
 #include "collection/Workbook.h"
 #include "support/ScratchDesk.h"
 
@@ -100,10 +103,32 @@ TEST_F(WorkbookTest, AFailureIsToldAndTheRunGoesOn) {
     std::filesystem::create_symlink("/dev/full", collection::WorkbookPath(desk.shared, "Full", desk.clock.Now()));
     Write("Full");
     std::filesystem::remove_all(desk.shared.schedulerDirectory);
+    Write("Mill");  // the directory is made
+    EXPECT_NE(Book("Mill"), "");
+    std::filesystem::remove_all(desk.shared.schedulerDirectory);
+    std::ofstream(desk.shared.schedulerDirectory) << "in the way";
     Write("Mill");
     EXPECT_THAT(desk.feedback.status, testing::ElementsAre("Error in creating Excel", "Error in creating Excel"));
     EXPECT_THAT(desk.RtuErr(), HasSubstr("No space left on device"));
-    EXPECT_THAT(desk.RtuErr(), HasSubstr("No such file or directory"));
+    EXPECT_THAT(desk.RtuErr(), HasSubstr("Not a directory"));
+}
+
+TEST_F(WorkbookTest, EachDayOfAYearHasAFileOfItsOwn) {
+    std::set<std::filesystem::path> books;
+    const std::int64_t newYear = core::ToSeconds({2028, 1, 1, 0, 0, 0});
+    for (std::int64_t day = 0; day < 366; ++day) {
+        books.insert(collection::WorkbookPath(desk.shared, "Mill", core::FromSeconds(newYear + day * 86400)));
+    }
+    EXPECT_EQ(books.size(), 366U);
+    const auto name = [&](const core::DateTime& day) {
+        return collection::WorkbookPath(desk.shared, "Mill", day).filename().string();
+    };
+    EXPECT_EQ(name({2026, 1, 11, 0, 0, 0}), "Mill_1112026.xls");
+    EXPECT_EQ(name({2026, 11, 1, 0, 0, 0}), "Mill_1-112026.xls");
+    EXPECT_EQ(name({2026, 12, 3, 0, 0, 0}), "Mill_3122026.xls");  // February has no 31st
+    // What an earlier version wrote is found.
+    std::ofstream(desk.shared.schedulerDirectory / "Mill_1112026.xls") << "older";
+    EXPECT_EQ(collection::ScheduledWorkbook(desk.shared, "Mill", "01/11/2026").value().filename(), "Mill_1112026.xls");
 }
 
 }  // namespace

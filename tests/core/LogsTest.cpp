@@ -126,4 +126,16 @@ TEST_F(LogsTest, OfALongLogTheLastWholeLinesAreRead) {
     }
 }
 
+TEST_F(LogsTest, AFullErrorLogIsSetAsideAndNothingIsLost) {
+    const std::string full(5'000'000, 'x');
+    std::ofstream(desk.shared.rtuErrPath) << full;
+    desk.logs.WriteRtuErr("first");
+    desk.logs.WriteRtuErr("second");
+    EXPECT_EQ(desk.RtuErr(), "09/03/2026 07:59:30--:first\n09/03/2026 07:59:30--:second\n");
+    std::ofstream(desk.shared.rtuErrPath) << full << "y";  // full again within the second
+    desk.logs.WriteRtuErr("third");
+    EXPECT_EQ(support::FileText(desk.shared.directory / "RTU_Err_2026-03-09_075930.log"), full);
+    EXPECT_EQ(support::FileText(desk.shared.directory / "RTU_Err_2026-03-09_075930_2.log"), full + "y");
+}
+
 }  // namespace

@@ -31,6 +31,11 @@ TEST_F(StationTest, NullsTakeTheValuesOfAPlainModbusStation) {
     EXPECT_FALSE(ReadStation(desk.dbconn, 2));
 }
 
+TEST_F(StationTest, ADelayThatAHandWroteIsKeptWithinAMinute) {
+    EXPECT_EQ(Read("delaytime", "99999999999").commtimeout, 60000);
+    EXPECT_EQ(Read("delaytime", "-5").commtimeout, 0);
+}
+
 TEST_F(StationTest, ThePortNumberIsTheLastCharacterOfItsName) {
     EXPECT_EQ(Read("comport", "'COM7'").comport, 7);
     EXPECT_EQ(Read("comport", "'COM12'").comport, 2);

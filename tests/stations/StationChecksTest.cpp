@@ -74,6 +74,33 @@ TEST_F(StationChecksTest, EachFieldHasItsMessageAndControl) {
         {"phone, GSM", [](StationRecord& r) { r.comtype = "gsm modem"; }, "Phone no. Should not be blank / txtphoneno"},
         {"99 ms", [](StationRecord& r) { r.delaytime = "99"; }, "Select proper Delay Time / txtdelay"},
         {"100 ms", [](StationRecord& r) { r.delaytime = "100"; }, ""},
+        {"60 s", [](StationRecord& r) { r.delaytime = "60000"; }, ""},
+        {"hours", [](StationRecord& r) { r.delaytime = "60001"; }, "Select proper Delay Time / txtdelay"},
+        {"BSAP 0", [](StationRecord& r) { r.slaveaddress = "0"; }, "Select proper Slave Address / txtslaveaddres"},
+        {"BSAP 128", [](StationRecord& r) { r.slaveaddress = "128"; }, "Select proper Slave Address / txtslaveaddres"},
+        {"Modbus 247",
+         [](StationRecord& r) {
+             r.protocol = "Modbus";
+             r.slaveaddress = "247";
+         },
+         ""},
+        {"Modbus 248",
+         [](StationRecord& r) {
+             r.protocol = "Modbus";
+             r.slaveaddress = "248";
+         },
+         "Select proper Slave Address / txtslaveaddres"},
+        {"Quantum 0",
+         [](StationRecord& r) {
+             r.protocol = "Quantum";
+             r.slaveaddress = "0";
+         },
+         ""},
+        {"address text", [](StationRecord& r) { r.slaveaddress = "1x"; },
+         "Select proper Slave Address / txtslaveaddres"},
+        {"line settings", [](StationRecord& r) { r.baudrate = "9600,N,8"; },
+         "Select proper Comport Setting / cmdportsetting"},
+        {"line settings in small letters", [](StationRecord& r) { r.baudrate = "1200,e,7,2"; }, ""},
         {"no number", [](StationRecord& r) { r.delaytime = "abc"; }, "Select proper Delay Time / txtdelay"},
         {"volts", [](StationRecord& r) { r.systemtype = ""; }, "System Type Should not be blank / cmbsysvolttype"},
         {"streams",

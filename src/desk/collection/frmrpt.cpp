@@ -1,6 +1,7 @@
 #include "desk/collection/frmrpt.h"
 
 #include <cmath>
+#include <optional>
 #include <system_error>
 
 #include "collection/DailyReport.h"
@@ -18,16 +19,21 @@ QString Figure(double value) {
     return std::fabs(value) < widest ? QString::number(value, 'f', 2) : Number(value);
 }
 
+QString Figure(const std::optional<double>& value, bool cumulative = false) {
+    return value ? Figure(*value) + (cumulative ? " cumulative" : "") : QString("no data");
+}
+
 QStringList Cells(const collection::DailyLine& line) {
     return {QString::number(line.number),
             QString::fromStdString(line.consumer),
             Figure(line.presentallocation),
             Figure(line.MGO_Qty),
-            Figure(line.dayflow),
-            Figure(line.monthflow),
-            Figure(line.averageflow),
+            Figure(line.dayflow, line.cumulative),
+            Figure(line.monthflow, line.cumulative),
+            line.cumulative ? QString() : Figure(line.averageflow),
             Figure(line.pressure),
-            Figure(line.Cont_Pr)};
+            Figure(line.Cont_Pr),
+            QString::fromStdString(line.status)};
 }
 
 }  // namespace
@@ -38,7 +44,7 @@ frmrpt::frmrpt(Desk& desk) : Page(desk, "Daily Report "), ui_(std::make_unique<U
     CloseCommand(ui_->cmdClose);
     ui_->Grid->FormatString(
         ">Sr. No|<Consumer|>Allocation\n(SCM)|>MGO Qty\n(SCM)|>Day Flow\n(SCM)|>Month Flow\n(SCM)|"
-        ">Average\n(SCM/day)|>Pressure\n(kg/cm2)|>Cont. Pr.\n(kg/cm2)");
+        ">Average\n(SCM/day)|>Pressure\n(kg/cm2)|>Cont. Pr.\n(kg/cm2)|<Status");
     const core::DateTime today = desk_.clock.Now();
     ui_->dtpicker->setDate(QDate(today.year, today.month, today.day));
     connect(ui_->dtpicker, &QDateEdit::dateChanged, this, &frmrpt::Clear);
@@ -61,9 +67,9 @@ void frmrpt::Clear() {
 
 void frmrpt::Make() {
     Clear();
-    collection::makereport_daily(desk_.dbconn, Day(), desk_.feedback);
+    collection::makereport_daily(desk_.dbconn, Day(), desk_.clock.Now(), desk_.feedback);
     std::vector<QStringList> rows;
-    for (const auto& line : collection::DailyLines(desk_.dbconn)) {
+    for (const auto& line : collection::DailyLines(desk_.dbconn, Day(), desk_.clock.Now())) {
         rows.push_back(Cells(line));
     }
     ui_->Grid->AddItems(rows);
@@ -90,7 +96,7 @@ void frmrpt::Write(const QString& file) {
     Guarded([this, &file] {
         Make();
         try {
-            collection::WriteDailyReport(desk_.dbconn, Day(), file.toStdString());
+            collection::WriteDailyReport(desk_.dbconn, Day(), desk_.clock.Now(), file.toStdString());
             Show("Report saved", QMessageBox::Information);
         } catch (const std::system_error& failure) {
             Show(QString::fromStdString(failure.what()));
