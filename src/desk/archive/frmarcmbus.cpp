@@ -10,6 +10,7 @@
 #include "desk/core/Grid.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
+#include "desk/core/TakenLine.h"
 #include "desk/reports/frmemail.h"
 #include "desk/session/frmtxrxleds.h"
 #include "session/OwnCall.h"
@@ -46,6 +47,8 @@ frmarcmbus::frmarcmbus(Desk& desk, session::Session* session, std::int64_t locat
             [this] { SaveGridFile(this, GridText(*ui_->mfg1, '\t'), ExcelFile()); });
     connect(ui_->cmd_email, &QPushButton::clicked, this, [this] { desk_.navigator.Open(new frmemail(desk_)); });
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
+    new TakenLine(
+        desk_, this, [this] { return running_; }, [this](const QString& text) { Status(text.toStdString()); });
     ChooseKind();
     ShowButtons();
 }

@@ -1,6 +1,8 @@
 #include "desk/core/frmGraphicRept.h"
 
 #include <QListWidget>
+#include <algorithm>
+#include <map>
 
 #include "collection/Schedule.h"
 #include "core/Clock.h"
@@ -40,7 +42,7 @@ frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::m
     ui_->foot->setStretch(0, 1);
     ui_->lstlines->setFixedHeight(fontMetrics().height() * linesInSight + 12);
     connect(ui_->cmdMenu, &QPushButton::clicked, this, &frmGraphicRept::MenuWanted);
-    connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::cmdClose);
+    connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::ExitWanted);
     connect(&next_, &QTimer::timeout, this, &frmGraphicRept::ShowNext);
     next_.start(5000);
     desk_.scheduler.Watch(this);
@@ -100,10 +102,15 @@ void frmGraphicRept::Activated() {
     Guarded([this] {
         Reset();
         Refresh();
+        std::map<int, std::string> shown;
         for (const collection::Node& node : nodes_) {
+            std::string& before = shown[node.index];
             if (node.index < 0) {
                 desk_.feedback.Status("No place in the overview for " + node.consumer);
+            } else if (!before.empty()) {
+                desk_.feedback.Status("No place in the overview for " + before + ": " + node.consumer + " has it");
             }
+            before = node.consumer;
         }
     });
 }
@@ -148,18 +155,19 @@ void frmGraphicRept::ShowNow() {
 }
 
 void frmGraphicRept::ShowNext() {
-    Guarded([this] {
-        const core::DateTime now = desk_.clock.Now();
-        const auto next = collection::NextDue(desk_.dbconn, now, desk_.scheduler.Served(now));
-        if (!next) {
-            ui_->lblnext->setText("No station has a schedule");
-            return;
-        }
-        const bool today = core::DateText(next->at) == core::DateText(now);
-        ui_->lblnext->setText("Next: " + QString::fromStdString(next->consumer) + " at " +
-                              QString::fromStdString(core::TimeText(next->at).substr(0, 5)) +
-                              (today ? QString() : " on " + QString::fromStdString(core::DateText(next->at))));
-    });
+    Guarded([this] { ui_->lblnext->setText(NextDue()); });
+}
+
+QString frmGraphicRept::NextDue() const {
+    const core::DateTime now = desk_.clock.Now();
+    const auto next = collection::NextDue(desk_.dbconn, now, desk_.scheduler.Served(now));
+    if (!next) {
+        return "No station has a schedule";
+    }
+    const bool today = core::DateText(next->at) == core::DateText(now);
+    return "Next: " + QString::fromStdString(next->consumer) + " at " +
+           QString::fromStdString(core::TimeText(next->at).substr(0, 5)) +
+           (today ? QString() : " on " + QString::fromStdString(core::DateText(next->at)));
 }
 
 void frmGraphicRept::Line(const QString& text) {
@@ -178,12 +186,12 @@ void frmGraphicRept::Collected(std::int64_t) {
     Guarded([this] { Refresh(); });
 }
 
+// Of two stations with one place the button names the later one.
 void frmGraphicRept::cmdLoc(int index) {
-    for (const collection::Node& node : nodes_) {
-        if (node.index == index) {
-            Guarded([&] { OpenStation(node.locationId); });
-            return;
-        }
+    const auto node =
+        std::find_if(nodes_.rbegin(), nodes_.rend(), [&](const collection::Node& one) { return one.index == index; });
+    if (node != nodes_.rend()) {
+        Guarded([&] { OpenStation(node->locationId); });
     }
 }
 
@@ -195,11 +203,6 @@ void frmGraphicRept::OpenStation(std::int64_t locationId) {
     } else {
         desk_.navigator.Open(new frm_CWM(desk_, locationId));
     }
-}
-
-void frmGraphicRept::cmdClose() {
-    Guarded([this] { desk_.logs.WriteAudit(desk_.logs.Stamp() + ": " + desk_.shared.currentuser + " logged out."); });
-    Q_EMIT Exited();
 }
 
 }  // namespace desk

@@ -31,6 +31,9 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     // Rebuilds the display from the register.
     void Activated() override;
 
+    // "Next: Mill at 14:30". Throws DatabaseError.
+    QString NextDue() const;
+
     // One more line of what was done.
     void Line(const QString& text);
 
@@ -39,7 +42,7 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
 
   Q_SIGNALS:
     void MenuWanted();
-    void Exited();
+    void ExitWanted();
 
   private:
     void MakeColumns();
@@ -50,7 +53,6 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     void ShowNext();
     void cmdLoc(int index);
     void OpenStation(std::int64_t locationId);
-    void cmdClose();
 
     std::array<NodeButton*, collection::nodeButtons> cmdLoc_{};
     std::array<QPushButton*, collection::groups> lblgroup_{};

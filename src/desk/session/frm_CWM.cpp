@@ -12,6 +12,7 @@
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
+#include "desk/core/TakenLine.h"
 #include "desk/signals/ListPage.h"
 #include "ui_frm_CWM.h"
 
@@ -81,7 +82,10 @@ void frm_CWM::Fact(const QString& caption, const std::string& text) {
 }
 
 void frm_CWM::ConnectCommands() {
-    connect(ui_->cmdConnect, &QPushButton::clicked, this, [this] { Guarded([this] { session_->Connect(); }); });
+    connect(ui_->cmdConnect, &QPushButton::clicked, this, [this] {
+        lost_ = false;
+        Guarded([this] { session_->Connect(); });
+    });
     connect(ui_->cmddisconnect, &QPushButton::clicked, this, [this] { Guarded([this] { session_->Disconnect(); }); });
     connect(ui_->cmd_archive, &QPushButton::clicked, this,
             [this] { Guarded([this] { desk_.navigator.Open(new frmparaarchive(desk_, *session_)); }); });
@@ -90,6 +94,9 @@ void frm_CWM::ConnectCommands() {
     connect(ui_->btnHistory, &QPushButton::clicked, this, [this] {
         Guarded([this] { desk_.navigator.Open(new frmHistory(desk_, session_->GetStation().locationID)); });
     });
+    new TakenLine(
+        desk_, this, [this] { return lost_ || session_->GetState() == session::State::Disconnecting; },
+        [this](const QString& text) { ui_->lblconnection->setText(text); });
     // Whether stations are being collected shows in time.
     connect(&seconds_, &QTimer::timeout, this, &frm_CWM::ShowButtons);
     seconds_.start(1000);
@@ -128,6 +135,7 @@ void frm_CWM::Lamp(const std::string& lamp, const std::string&) {
 }
 
 void frm_CWM::Ended(const std::string& reason, bool) {
+    lost_ = !reason.empty();
     Status(reason.empty() ? "Not connected" : "Not connected: " + reason);
     ShowButtons();
 }

@@ -15,10 +15,6 @@ using signals::Transmitter;
 // Behind these places single precision shows what nobody measures.
 constexpr int shownPlaces = 4;
 
-QString Shown(double value) {
-    return Number(core::RoundTo(value, shownPlaces));
-}
-
 // What stands at the input before a command is given.
 struct Hints {
     const char* zero;
@@ -52,6 +48,10 @@ QString Meaning(const std::string& result) {
 }
 
 }  // namespace
+
+QString CalibTab::Shown(double value) {
+    return Number(core::RoundTo(value, shownPlaces));
+}
 
 CalibTab::CalibTab(Transmitter transmitter, QWidget* parent)
     : QWidget(parent), transmitter_(transmitter), ui_(std::make_unique<Ui::CalibTab>()) {
