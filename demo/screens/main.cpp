@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
                 }
                 QWidget* window = screen.show(stage);
                 if (window == &stage.Shell()) {
+                    window->setWindowState(Qt::WindowNoState);
                     window->resize(room);
                 }
                 const QString file = QString::fromStdString((pictures / (screen.name + ".png")).string());

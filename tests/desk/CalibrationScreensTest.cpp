@@ -116,7 +116,7 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
                 EXPECT_EQ(support::Focus(page), "txtDPApplied");
                 EXPECT_EQ(Label(page, "lblDPLimit"), "");
                 Type(page, "txtDPApplied", "100");
-                EXPECT_EQ(Label(page, "lblDPLimit"), "For a span the live value is from 95 to 105");
+                EXPECT_EQ(Label(page, "lblDPLimit"), "For a span the live value must be from 95 to 105");
                 Click(page, "cmdCalibSpan");
                 EXPECT_THAT(Answer(page, QMessageBox::No),
                             StartsWith("Calibrate the span of DP at Hill-Farm's <b>Gate</b>?\n\n"

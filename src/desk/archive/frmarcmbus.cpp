@@ -104,7 +104,7 @@ void frmarcmbus::cmdarchive() {
 
 // At once, or between two reads of the session. Behind the wait for its turn the page may be gone.
 void frmarcmbus::BeGuest() {
-    Status(session_->PollingActive() ? "Waiting for the answer in hand" : "");
+    Status(session_->PollingActive() ? "Waiting for the answer that is due" : "");
     const bool lent = session_->Lend(*this, [page = QPointer<frmarcmbus>(this)](protocols::Conversation* talk) {
         if (page) {
             page->EndRun(page->Collect(talk));
@@ -158,7 +158,7 @@ void frmarcmbus::EndRun(const std::string& message) {
 void frmarcmbus::cmd_stop() {
     stopflag_ = true;
     ShowButtons();
-    Status("Stopping behind the block in hand");
+    Status("Stopping after this block");
     desk_.line.StopConnecting();
 }
 

@@ -5,6 +5,7 @@
 #include "collection/Scheduler.h"
 #include "core/Logs.h"
 #include "core/Station.h"
+#include "desk/core/ByHand.h"
 
 namespace desk {
 
@@ -13,7 +14,7 @@ QString TakenBy(Desk& desk) {
     core::Guarded(desk.logs, [&] {
         const auto inHand = desk.scheduler.InHand();
         if (const auto station = inHand ? core::ReadStation(desk.dbconn, *inHand) : std::nullopt) {
-            text = "The line was taken to collect " + QString::fromStdString(station->consumer);
+            text = "The line was taken to collect " + QString::fromStdString(station->consumer) + Behind(desk);
         }
     });
     return text;

@@ -1,6 +1,8 @@
 #include "desk/core/frmGraphicRept.h"
 
+#include <QAction>
 #include <QListWidget>
+#include <QRegularExpression>
 #include <algorithm>
 #include <map>
 
@@ -11,6 +13,8 @@
 #include "core/MAIN_Module.h"
 #include "core/Station.h"
 #include "core/Text.h"
+#include "desk/core/ByHand.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/NodeButton.h"
@@ -27,6 +31,8 @@ constexpr int mostLines = 500;
 constexpr int linesInSight = 3;
 constexpr double fromAfar = 1.5;
 
+using collection::DayState;
+
 }  // namespace
 
 frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::make_unique<Ui::frmGraphicRept>()) {
@@ -41,9 +47,15 @@ frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::m
     ui_->layout->setStretch(0, 1);
     ui_->foot->setStretch(0, 1);
     ui_->lstlines->setFixedHeight(fontMetrics().height() * linesInSight + 12);
+    connect(ui_->cmdMissing, &QPushButton::clicked, this, [this] {
+        Guarded([this] {
+            CollectMissing(desk_);
+            Refresh();
+        });
+    });
     connect(ui_->cmdMenu, &QPushButton::clicked, this, &frmGraphicRept::MenuWanted);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::ExitWanted);
-    connect(&next_, &QTimer::timeout, this, &frmGraphicRept::ShowNext);
+    connect(&next_, &QTimer::timeout, this, &frmGraphicRept::FollowTheClock);
     next_.start(5000);
     desk_.scheduler.Watch(this);
     ui_->cmdMenu->setFocus();
@@ -66,6 +78,14 @@ void frmGraphicRept::MakeColumns() {
         ui_->nodes->addWidget(button, place + 1, group);
         ui_->nodes->setRowStretch(place + 1, index == 0 ? 0 : 1);
         connect(button, &QPushButton::clicked, this, [this, index] { cmdLoc(index); });
+        auto* collect = new QAction("Collect &Now", button);
+        collect->setObjectName("collect" + QString::number(index));
+        collect->setShortcut(Qt::Key_F5);
+        collect->setShortcutContext(Qt::WidgetShortcut);
+        connect(collect, &QAction::triggered, this, [this, index] { Collect(index); });
+        button->addAction("&Open", button, &QPushButton::click);
+        button->addAction(collect);
+        button->setContextMenuPolicy(Qt::ActionsContextMenu);
         cmdLoc_[static_cast<std::size_t>(index)] = button;
     }
     for (int group = 0; group < collection::groups; ++group) {
@@ -87,13 +107,14 @@ void frmGraphicRept::MakeColumns() {
 
 void frmGraphicRept::MakeLegend() {
     for (const auto& [state, word] :
-         {std::pair{NodeState::Collected, "Collected"}, std::pair{NodeState::NotCollected, "Not collected"},
-          std::pair{NodeState::Collecting, "Collecting"}}) {
+         {std::pair{DayState::Collected, "Collected"}, std::pair{DayState::Partly, "Partly"},
+          std::pair{DayState::Failed, "Failed"}, std::pair{DayState::NotYetDue, "Due"},
+          std::pair{DayState::NoSchedule, "No schedule"}, std::pair{DayState::Collecting, "Collecting"}}) {
         auto* sample = new NodeButton(this);
-        sample->ShowNode(word, state);
+        sample->ShowNode(word, {state, state == DayState::Collected || state == DayState::Partly});
         sample->setFocusPolicy(Qt::NoFocus);
         sample->setAttribute(Qt::WA_TransparentForMouseEvents);
-        sample->setFixedWidth(fontMetrics().horizontalAdvance("Not collected") + fontMetrics().height() + 28);
+        sample->setFixedWidth(fontMetrics().horizontalAdvance(word) + fontMetrics().height() + 28);
         ui_->legend->addWidget(sample);
     }
 }
@@ -102,6 +123,10 @@ void frmGraphicRept::Activated() {
     Guarded([this] {
         Reset();
         Refresh();
+        ui_->cmdMissing->setEnabled(MayCollect(desk_));
+        for (QAction* collect : findChildren<QAction*>(QRegularExpression("^collect"))) {
+            collect->setEnabled(MayCollect(desk_));
+        }
         std::map<int, std::string> shown;
         for (const collection::Node& node : nodes_) {
             std::string& before = shown[node.index];
@@ -117,7 +142,7 @@ void frmGraphicRept::Activated() {
 
 void frmGraphicRept::Reset() {
     for (NodeButton* button : cmdLoc_) {
-        button->ShowNode("Remote Loc.", NodeState::NoStation);
+        button->ShowNode("Remote Loc.", {});
         button->hide();
     }
 }
@@ -130,10 +155,12 @@ void frmGraphicRept::Refresh() {
             continue;
         }
         NodeButton* button = cmdLoc_[static_cast<std::size_t>(node.index)];
-        const bool inHand = desk_.scheduler.InHand() == node.locationId;
-        button->ShowNode(consumer, inHand              ? NodeState::Collecting
-                                   : node.sampledtoday ? NodeState::Collected
-                                                       : NodeState::NotCollected);
+        const collection::DayLine line = LineNow(desk_, node.locationId);
+        // A session has read it, without a run.
+        const bool session =
+            node.sampledtoday && (line.state == DayState::NotYetDue || line.state == DayState::NoSchedule);
+        button->ShowNode(
+            consumer, {line.state, node.sampledtoday, (session ? "read, " : "") + Text(line.text), Text(line.reason)});
         button->show();
     }
     const auto totals = collection::GroupTotals(desk_.dbconn);
@@ -147,7 +174,7 @@ void frmGraphicRept::Refresh() {
 void frmGraphicRept::ShowNow() {
     for (const collection::Node& node : nodes_) {
         if (desk_.scheduler.InHand() == node.locationId) {
-            ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer));
+            ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer) + Behind(desk_));
             return;
         }
     }
@@ -156,6 +183,14 @@ void frmGraphicRept::ShowNow() {
 
 void frmGraphicRept::ShowNext() {
     Guarded([this] { ui_->lblnext->setText(NextDue()); });
+}
+
+// A minute later a station may be due, or the day another one.
+void frmGraphicRept::FollowTheClock() {
+    const std::string minute = core::IsoText(desk_.clock.Now()).substr(0, 16);
+    if (isVisible() && std::exchange(minute_, minute) != minute) {
+        Guarded([this] { Refresh(); });
+    }
 }
 
 QString frmGraphicRept::NextDue() const {
@@ -187,11 +222,24 @@ void frmGraphicRept::Collected(std::int64_t) {
 }
 
 // Of two stations with one place the button names the later one.
-void frmGraphicRept::cmdLoc(int index) {
+const collection::Node* frmGraphicRept::StationAt(int index) const {
     const auto node =
         std::find_if(nodes_.rbegin(), nodes_.rend(), [&](const collection::Node& one) { return one.index == index; });
-    if (node != nodes_.rend()) {
+    return node == nodes_.rend() ? nullptr : &*node;
+}
+
+void frmGraphicRept::cmdLoc(int index) {
+    if (const collection::Node* node = StationAt(index)) {
         Guarded([&] { OpenStation(node->locationId); });
+    }
+}
+
+void frmGraphicRept::Collect(int index) {
+    if (const collection::Node* node = StationAt(index)) {
+        Guarded([&] {
+            CollectNow(desk_, node->locationId, node->consumer);
+            Refresh();
+        });
     }
 }
 

@@ -3,12 +3,12 @@
 #include <QFormLayout>
 #include <QLabel>
 
-#include "collection/NodeOverview.h"
 #include "collection/Scheduler.h"
 #include "core/Station.h"
 #include "core/Text.h"
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmparaarchive.h"
+#include "desk/core/ByHand.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
@@ -26,15 +26,6 @@ std::string Line(const core::Station& station) {
     }
     return station.comtype + ", COM" + std::to_string(station.comport) + ", " + station.settings +
            (station.phoneno.empty() ? "" : ", " + station.phoneno);
-}
-
-std::string TodaysState(core::Database& dbconn, std::int64_t locationID) {
-    for (const collection::Node& node : collection::ReadNodes(dbconn)) {
-        if (node.locationId == locationID) {
-            return node.sampledtoday ? "Collected" : "Not collected";
-        }
-    }
-    return {};
 }
 
 }  // namespace
@@ -65,7 +56,7 @@ frm_CWM::~frm_CWM() = default;
 void frm_CWM::ShowStation(const core::Station& station) {
     setWindowTitle(windowTitle() + "----(" + QString::fromStdString(station.consumer) + ")");
     ui_->lblconsumer->setText(QString::fromStdString(station.consumer));
-    Fact("Today's collection", TodaysState(desk_.dbconn, station.locationID));
+    Fact("Today's collection", LineNow(desk_, station.locationID).text);
     Fact("Model", station.modelno);
     Fact("Protocol", core::Trim(station.protocol + " " + station.mode));
     Fact("Slave address", std::to_string(station.slaveaddress));

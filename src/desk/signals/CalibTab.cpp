@@ -41,8 +41,8 @@ QString Sign(const std::string& result) {
 }
 
 QString Meaning(const std::string& result) {
-    return result == "Success"   ? "The station has done the last command."
-           : result == "Failure" ? "The station has not done the last command."
+    return result == "Success"   ? "The station carried out the last command."
+           : result == "Failure" ? "The station did not carry out the last command."
            : result.empty()      ? ""
                                  : "Look at the live value before the next command.";
 }
@@ -123,7 +123,7 @@ void CalibTab::ShowLimit() {
     QString text;
     if (applied && *applied >= 0) {
         const signals::SpanLimit limit = signals::LimitOf(*applied);
-        text = "For a span the live value is from " + Shown(limit.low) + " to " + Shown(limit.high);
+        text = "For a span the live value must be from " + Shown(limit.low) + " to " + Shown(limit.high);
     }
     ui_->lblLimit->setText(text);
 }

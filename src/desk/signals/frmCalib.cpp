@@ -215,7 +215,7 @@ void frmCalib::ShowState() {
             state = QString("Busy with ") + (busyWith ? signals::NameOf(*busyWith) : "");
             break;
         case CalibrationState::Stopped:
-            state = running_ ? "Giving the line back" : "Stopped";
+            state = running_ ? "Releasing the line" : "Stopped";
             break;
     }
     ui_->lblstate->setText(running_ && stopping_ ? "Stopping..." : state);
