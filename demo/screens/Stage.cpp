@@ -58,10 +58,16 @@ void AddToWall(core::Database& dbconn, const WallStation& station, const core::D
                                                 100,
                                                 station.groupno,
                                                 station.morning == Morning::NoSchedule ? "NO" : "Daily"});
+    const std::string day = core::IsoText(now).substr(0, 10);
+    if (station.morning <= Morning::Partly) {
+        dbconn.Execute(
+            "update configdata_detail set lastvalue=?, readat=?, quality='good' where locationID=? and description="
+            "'Volume This Month'",
+            {81234.5 + 4321.25 * minute, day + " 08:20:00", locationID});
+    }
     if (station.morning == Morning::Due || station.morning == Morning::NoSchedule) {
         return;
     }
-    const std::string day = core::IsoText(now).substr(0, 10);
     collection::Outcome outcome;
     outcome.locationID = locationID;
     outcome.gasday = day;
