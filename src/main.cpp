@@ -22,6 +22,7 @@
 #include "core/MAIN_Module.h"
 #include "core/Ports.h"
 #include "core/Schema.h"
+#include "desk/core/ActiveWindows.h"
 #include "desk/core/Boxes.h"
 #include "desk/core/Desk.h"
 #include "desk/core/EventLoopClock.h"
@@ -178,7 +179,8 @@ int Start(QApplication& application, const StartOptions& options) {
         mainfrm.ShowForUser();
         frmLogin.hide();
     });
-    QObject::connect(&frmLogin, &desk::frmLogin::Abandoned, &mainfrm, &desk::mainfrm::EndProgram);
+    QObject::connect(&frmLogin, &desk::frmLogin::Abandoned, &mainfrm,
+                     [&] { mainfrm.AskToEnd(&frmLogin, [&] { frmLogin.hide(); }); });
     QObject::connect(&mainfrm, &desk::mainfrm::LoggedOff, &frmLogin, &QWidget::show);
     QObject::connect(&mainfrm, &desk::mainfrm::Ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
     const EndSignals endSignals([&] { mainfrm.EndProgram(); });
@@ -203,6 +205,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Norwen");
     desk::ApplyLook(options.palette);
+    desk::ActivateWindows(application);
     QApplication::setQuitOnLastWindowClosed(false);
     try {
         return Start(application, options);

@@ -12,6 +12,13 @@ inline void Press(desk::Page& page, const char* command) {
     page.findChild<QAbstractButton*>(command)->click();
 }
 
+// Says Yes to the question over a page.
+inline void Agree(desk::Page& page) {
+    for (QMessageBox* box : page.findChildren<QMessageBox*>()) {
+        box->button(QMessageBox::Yes)->click();
+    }
+}
+
 inline void CloseBoxes(desk::Page& page) {
     for (QMessageBox* box : page.findChildren<QMessageBox*>()) {
         box->close();

@@ -51,6 +51,7 @@ Screen Calibrating(const std::string& name, const Moment& moment) {
                 page.findChild<QLineEdit*>(moment.appliedField)->setText(moment.applied);
                 if (moment.command != nullptr) {
                     Press(page, moment.command);
+                    Agree(page);
                 }
             } else if (*step == 1 && Label(page, "lblmsg") == moment.message) {
                 *step = 2;

@@ -1,5 +1,6 @@
 #include "demo/screens/Stage.h"
 
+#include "collection/Outcome.h"
 #include "demo/DemoRegister.h"
 
 namespace demo {
@@ -9,20 +10,96 @@ namespace {
 const core::DateTime monthBegins{2026, 3, 1, 7, 59, 30};
 constexpr std::uint64_t day = 24ULL * 3600 * 1000;
 
-// Stations around the five of the demo, which fill the wall. They are due later in the day.
+// Stations around the five of the demo, which fill the wall. They are due later in the day; most have been collected.
+enum class Morning { Collected, ByHand, Partly, NotReached, NoAnswer, Due, NoSchedule };
 struct WallStation {
     const char* consumer;
     int groupno;
-    bool sampledtoday;
+    Morning morning = Morning::Collected;
 };
 const std::vector<WallStation> wall{
-    {"Ashgrove Dairy", 1, true}, {"Bridge Street", 1, true},    {"Carr Lane", 1, true},     {"Dunmore Glass", 1, false},
-    {"Eastfield", 2, true},      {"Fernhill Paper", 2, true},   {"Glen Foundry", 2, false}, {"Harbour", 2, true},
-    {"Ivy Bank", 2, true},       {"Juniper Road", 2, true},     {"Kestrel Tiles", 3, true}, {"Longmoor", 3, true},
-    {"Mill Lane", 3, true},      {"Northway Bakery", 3, false}, {"Orchard Park", 3, true},  {"Priory Works", 3, true},
-    {"Quarry Hill", 4, false},   {"Ridgeway", 4, true},         {"Station Road", 4, true},  {"Tollgate Brick", 4, true},
-    {"Underwood", 4, true},      {"Valley Steel", 4, false},    {"Westbrook", 4, true},     {"Yew Tree Farm", 4, true},
+    {"Ashgrove Dairy", 1},
+    {"Bridge Street", 1},
+    {"Carr Lane", 1, Morning::ByHand},
+    {"Dunmore Glass", 1, Morning::NotReached},
+    {"Eastfield", 2},
+    {"Fernhill Paper", 2, Morning::Due},
+    {"Glen Foundry", 2, Morning::NoAnswer},
+    {"Harbour", 2},
+    {"Ivy Bank", 2},
+    {"Juniper Road", 2},
+    {"Kestrel Tiles", 3, Morning::Partly},
+    {"Longmoor", 3},
+    {"Mill Lane", 3},
+    {"Northway Bakery", 3, Morning::Due},
+    {"Orchard Park", 3},
+    {"Priory Works", 3, Morning::NoSchedule},
+    {"Quarry Hill", 4, Morning::Due},
+    {"Ridgeway", 4},
+    {"Station Road", 4},
+    {"Tollgate Brick", 4},
+    {"Underwood", 4},
+    {"Valley Steel", 4, Morning::NotReached},
+    {"Westbrook", 4},
+    {"Yew Tree Farm", 4},
 };
+
+void AddToWall(core::Database& dbconn, const WallStation& station, const core::DateTime& now, int minute) {
+    const auto locationID = AddStation(dbconn, {station.consumer,
+                                                "TeleFlow",
+                                                "Modbus",
+                                                "RTU",
+                                                1,
+                                                1,
+                                                "",
+                                                1,
+                                                {},
+                                                "14:30",
+                                                100,
+                                                station.groupno,
+                                                station.morning == Morning::NoSchedule ? "NO" : "Daily"});
+    const std::string day = core::IsoText(now).substr(0, 10);
+    if (station.morning <= Morning::Partly) {
+        dbconn.Execute(
+            "update configdata_detail set lastvalue=?, readat=?, quality='good' where locationID=? and description="
+            "'Volume This Month'",
+            {81234.5 + 4321.25 * minute, day + " 08:20:00", locationID});
+    }
+    if (station.morning == Morning::Due || station.morning == Morning::NoSchedule) {
+        return;
+    }
+    collection::Outcome outcome;
+    outcome.locationID = locationID;
+    outcome.gasday = day;
+    outcome.begun = day + " 08:" + (minute < 10 ? "0" : "") + std::to_string(minute) + ":00";
+    outcome.ended = outcome.begun.substr(0, 17) + "40";
+    outcome.how = station.morning == Morning::ByHand ? collection::How::Hand : collection::How::Schedule;
+    outcome.attempts = 3;
+    outcome.line = "COM1 5550100";
+    outcome.asked = 263;
+    outcome.received = station.morning == Morning::Partly ? 201 : 263;
+    switch (station.morning) {
+        case Morning::Partly:
+            outcome.result = collection::Result::Partly;
+            outcome.reason = "The station refused registers 7441 to 7502";
+            break;
+        case Morning::NotReached:
+            outcome.result = collection::Result::NotReached;
+            outcome.reason = "The modem said NO CARRIER";
+            break;
+        case Morning::NoAnswer:
+            outcome.result = collection::Result::NoAnswer;
+            outcome.reason = "There was no response from the station";
+            break;
+        default:
+            outcome.result = collection::Result::Collected;
+            break;
+    }
+    collection::RecordOutcome(dbconn, outcome);
+    const bool sampled =
+        outcome.result == collection::Result::Collected || outcome.result == collection::Result::Partly;
+    collection::MarkSampled(dbconn, now, locationID, sampled);
+}
 
 std::filesystem::path Copied(const std::filesystem::path& delivered, const std::filesystem::path& directory) {
     std::filesystem::copy_file(delivered, directory / "Kolmar.mdb");
@@ -47,11 +124,9 @@ Stage::Stage(const std::filesystem::path& delivered, const std::filesystem::path
     const auto drs = AddStation(dbconn_, {"Regulator 7", "TeleRTU(M)", "Modbus", "RTU", 6, 1, "", 1, {}, "14:30"});
     dbconn_.Execute("update configdata_master set drs = 2 where locationID = ?", {drs});
     Collect();
+    int minute = 2;
     for (const WallStation& station : wall) {
-        const auto locationID = AddStation(
-            dbconn_, {station.consumer, "TeleFlow", "Modbus", "RTU", 1, 1, "", 1, {}, "14:30", 100, station.groupno});
-        dbconn_.Execute("update configdata_master set sampledtoday = ?, sampleddate = ? where locationID = ?",
-                        {station.sampledtoday, clock_.Now().day, locationID});
+        AddToWall(dbconn_, station, clock_.Now(), minute++);
     }
 }
 

@@ -24,11 +24,15 @@ void Settle() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 4) {
-        std::cerr << "usage: demo_screens DATABASE DIRECTORY light|dark\n"
-                     "Draws every screen on a copy of the delivered DATABASE into DIRECTORY.\n";
+    if (argc < 4 || argc > 6) {
+        std::cerr << "usage: demo_screens DATABASE DIRECTORY light|dark [WIDTHxHEIGHT [SCREEN]]\n"
+                     "Draws every screen, or those whose names begin with SCREEN, on a copy of the delivered DATABASE\n"
+                     "into DIRECTORY. The window is 1024x740.\n";
         return 2;
     }
+    const QStringList size = QString(argc > 4 ? argv[4] : "1024x740").split('x');
+    const QSize room(size.value(0).toInt(), size.value(1).toInt());
+    const std::string wanted = argc > 5 ? argv[5] : "";
     QApplication application(argc, argv);
     desk::ApplyLook(std::string(argv[3]) == "dark" ? desk::Palette::Dark : desk::Palette::Light);
     try {
@@ -40,7 +44,14 @@ int main(int argc, char** argv) {
             demo::Stage stage(argv[1], work);
             stage.LogIn();
             for (const demo::Screen& screen : demo::Screens()) {
+                if (!screen.name.starts_with(wanted)) {
+                    continue;
+                }
                 QWidget* window = screen.show(stage);
+                if (window == &stage.Shell()) {
+                    window->setWindowState(Qt::WindowNoState);
+                    window->resize(room);
+                }
                 const QString file = QString::fromStdString((pictures / (screen.name + ".png")).string());
                 bool saved = false;
                 const auto look = [&] {

@@ -35,13 +35,24 @@ std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno) {
     std::vector<GroupVolume> volumes;
     for (const core::Row& station :
          dbconn.Query("select * from configdata_master where groupno= ? order by locationid", {groupno})) {
-        const auto value = dbconn.First(
-            "select lastvalue,unit from configdata_detail where locationid= ? and groupno = ? and (description = "
-            "'Volume This Month' or description = 'Cumulative Standard Volume')",
-            {station.Long("locationID"), groupno});
-        volumes.push_back(value ? GroupVolume{station.Text("consumer"), core::NumberText(value->Number("lastvalue")),
-                                              value->Text("unit")}
-                                : GroupVolume{station.Text("consumer"), "0", "MSCFH"});
+        GroupVolume volume{station.Long("locationID"), station.Text("consumer"), "0", "MSCFH"};
+        const auto values = dbconn.Query(
+            "select lastvalue,unit,readat from configdata_detail where locationid= ? and groupno = ? and (description "
+            "= 'Volume This Month' or description = 'Cumulative Standard Volume') order by StreamNo",
+            {volume.locationId, groupno});
+        double sum = 0;
+        for (const core::Row& value : values) {
+            sum += value.Number("lastvalue");
+            // What an earlier version of the program read has no moment.
+            volume.known = volume.known || !value.IsNull("readat") || value.Number("lastvalue") != 0;
+            const bool older = volume.readat.empty() || value.Text("readat") < volume.readat;
+            volume.readat = older ? value.Text("readat") : volume.readat;
+        }
+        if (!values.empty()) {
+            volume.lastvalue = core::NumberText(core::RoundTo(sum, 4));
+            volume.unit = values.front().Text("unit");
+        }
+        volumes.push_back(std::move(volume));
     }
     return volumes;
 }

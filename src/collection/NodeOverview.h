@@ -29,14 +29,17 @@ std::vector<Node> ReadNodes(core::Database& dbconn);
 // Throws DatabaseError.
 std::array<std::string, groups> GroupTotals(core::Database& dbconn);
 
-// A station's line in the list of a group: consumer, last value, unit. One without a value has "0" and "MSCFH".
+// A station's line in the list of a group. One without a value has "0" and "MSCFH".
 struct GroupVolume {
+    std::int64_t locationId = 0;
     std::string consumer;
-    std::string lastvalue;
+    std::string lastvalue;  // the sum over its streams
     std::string unit;
+    bool known = false;    // a value has been read; else `lastvalue` stands for nothing
+    std::string readat{};  // of its oldest value, as stored; empty: not known
 };
 
-// The stations of a group by location. Throws DatabaseError.
+// The stations of a group by location; together they are the group's sum. Throws DatabaseError.
 std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno);
 
 }  // namespace collection

@@ -110,9 +110,10 @@ std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime&
 
 std::vector<ScheduleLine> ScheduleLines(core::Database& dbconn) {
     std::vector<ScheduleLine> lines;
-    for (const core::Row& row : dbconn.Query("select consumer, contracthour, sampledtoday from configdata_master")) {
-        lines.push_back(
-            {row.Text("consumer"), row.Text("contracthour").substr(0, 5), row.Bool("sampledtoday") ? "Yes" : "No"});
+    for (const core::Row& row :
+         dbconn.Query("select consumer, contracthour, sampledtoday, locationID from configdata_master")) {
+        lines.push_back({row.Long("locationID"), row.Text("consumer"), row.Text("contracthour").substr(0, 5),
+                         row.Bool("sampledtoday") ? "Yes" : "No"});
     }
     return lines;
 }

@@ -51,6 +51,7 @@ std::optional<NextStation> NextDue(core::Database& dbconn, const core::DateTime&
 
 // A station's line in the view of the schedule: "hh:mm", and "Yes" or "No".
 struct ScheduleLine {
+    std::int64_t locationId = 0;
     std::string consumer;
     std::string contracthour;
     std::string sampledtoday;

@@ -35,6 +35,9 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "create table settings (name text primary key, value text, meaning text) without rowid",
     "insert into settings values"
     "('calibrationlevel', '5', 'write level that calibrating a transmitter needs'),"
+    "('dialoutacknowledged', '4170253', 'number of the alarm modem whose calls Acknowledge answers'),"
+    "('dialoutnoted', '3508216', 'number of the alarm calls that the desk notes itself; Acknowledge answers them, "
+    "too'),"
     "('failedpolls', '2', 'failed polls in a row that a session survives'),"
     "('retryminutes', '15,60', 'minutes before each retry of a station without data; the last one repeats'),"
     "('retryrounds', '4', 'retries of a station without data at most; 0: none'),"

@@ -15,18 +15,25 @@ namespace {
 struct Known {
     std::string_view name;
     int delivered;
+    std::size_t digits = 6;  // at most
 };
 
 // In the order of Setting.
-constexpr std::array<Known, 5> known = {
-    {{"calibrationlevel", 5}, {"failedpolls", 2}, {"retryrounds", 4}, {"signalwritelevel", 4}, {"stationminutes", 30}}};
+constexpr std::array<Known, 7> known = {{{"calibrationlevel", 5},
+                                         {"dialoutacknowledged", 4170253, 9},
+                                         {"dialoutnoted", 3508216, 9},
+                                         {"failedpolls", 2},
+                                         {"retryrounds", 4},
+                                         {"signalwritelevel", 4},
+                                         {"stationminutes", 30}}};
 constexpr std::array<int, 2> deliveredRetryMinutes = {15, 60};
 constexpr int mostMinutes = 1440;
 
-std::optional<int> WholeNumber(const std::string& text) {
+// Of at most so many digits, nine or fewer.
+std::optional<int> WholeNumber(const std::string& text, std::size_t most = 6) {
     const std::string digits = Trim(text);
     const bool whole =
-        !digits.empty() && digits.size() <= 6 && digits.find_first_not_of("0123456789") == std::string::npos;
+        !digits.empty() && digits.size() <= most && digits.find_first_not_of("0123456789") == std::string::npos;
     return whole ? std::optional(std::stoi(digits)) : std::nullopt;
 }
 
@@ -38,8 +45,8 @@ std::string TextOf(Database& dbconn, std::string_view name) {
 }  // namespace
 
 int ReadSetting(Database& dbconn, Setting setting) {
-    const auto& [name, delivered] = known[static_cast<std::size_t>(setting)];
-    return WholeNumber(TextOf(dbconn, name)).value_or(delivered);
+    const auto& [name, delivered, digits] = known[static_cast<std::size_t>(setting)];
+    return WholeNumber(TextOf(dbconn, name), digits).value_or(delivered);
 }
 
 int RetryMinutes(Database& dbconn, int round) {

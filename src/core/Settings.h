@@ -9,11 +9,13 @@
 namespace core {
 
 enum class Setting {
-    CalibrationLevel,  // write level, 1 to 6
-    FailedPolls,       // in a row, that a session survives
-    RetryRounds,       // 0: none
-    SignalWriteLevel,  // write level, 1 to 6
-    StationMinutes,    // that one attempt may take
+    CalibrationLevel,     // write level, 1 to 6
+    DialoutAcknowledged,  // telephone number
+    DialoutNoted,         // telephone number
+    FailedPolls,          // in a row, that a session survives
+    RetryRounds,          // 0: none
+    SignalWriteLevel,     // write level, 1 to 6
+    StationMinutes,       // that one attempt may take
 };
 
 // A whole number, 0 or more.

@@ -4,6 +4,7 @@
 
 #include "core/Clock.h"
 #include "core/Database.h"
+#include "core/Settings.h"
 
 namespace reports {
 
@@ -22,6 +23,11 @@ std::string Readable(const std::string& stored) {
 
 }  // namespace
 
+DialoutNumbers ReadDialoutNumbers(core::Database& dbconn) {
+    return {core::ReadSetting(dbconn, core::Setting::DialoutNoted),
+            core::ReadSetting(dbconn, core::Setting::DialoutAcknowledged)};
+}
+
 std::vector<DialoutCall> ReadDialout(core::Database& dbconn) {
     std::vector<DialoutCall> calls;
     for (const core::Row& row : dbconn.Query("select * from dialout order by rowid")) {
@@ -35,9 +41,9 @@ void AddDialoutRow(core::Database& dbconn, std::int32_t phone, const core::DateT
                    {static_cast<std::int64_t>(phone), core::IsoText(now).substr(0, 10)});
 }
 
-int AcknowledgeDialout(core::Database& dbconn, std::int32_t phone) {
-    return dbconn.Execute("update dialout set Ack=true where Ack=false and Phone_Num=?",
-                          {static_cast<std::int64_t>(phone)});
+int AcknowledgeDialout(core::Database& dbconn, const DialoutNumbers& numbers) {
+    return dbconn.Execute("update dialout set Ack=true where Ack=false and Phone_Num in (?,?)",
+                          {static_cast<std::int64_t>(numbers.acknowledged), static_cast<std::int64_t>(numbers.noted)});
 }
 
 }  // namespace reports

@@ -12,12 +12,14 @@ struct DateTime;
 // The alarm calls that stations made in.
 namespace reports {
 
-// The numbers of the alarm modems. They differ: what the desk notes itself is not what its acknowledgement answers.
-// Both are set by the installation, and nothing else in the program depends on them.
+// The numbers of the alarm modems, from the settings.
 struct DialoutNumbers {
-    std::int32_t noted = 3508216;         // the call that a standing alarm notes
-    std::int32_t acknowledged = 4170253;  // the calls that the acknowledgement answers
+    std::int32_t noted = 0;         // the call that a standing alarm notes
+    std::int32_t acknowledged = 0;  // the calls from outside that the acknowledgement answers, besides the noted ones
 };
+
+// Throws DatabaseError.
+DialoutNumbers ReadDialoutNumbers(core::Database& dbconn);
 
 struct DialoutCall {
     std::string Phone_Num;
@@ -31,7 +33,7 @@ std::vector<DialoutCall> ReadDialout(core::Database& dbconn);
 // Notes a call of the present date, not acknowledged. Throws DatabaseError.
 void AddDialoutRow(core::Database& dbconn, std::int32_t phone, const core::DateTime& now);
 
-// Acknowledges the open calls of a number. Tells how many there were. Throws DatabaseError.
-int AcknowledgeDialout(core::Database& dbconn, std::int32_t phone);
+// Acknowledges the open calls of both numbers. Returns how many there were. Throws DatabaseError.
+int AcknowledgeDialout(core::Database& dbconn, const DialoutNumbers& numbers);
 
 }  // namespace reports

@@ -16,9 +16,9 @@ Buttons ButtonsOf(const ButtonFacts& facts) {
     buttons.cmdgetdata = facts.state == State::Connected && facts.dataRight;
     buttons.cmd_arc = lineUp;
     buttons.cmdfetch = lineUp && facts.isBsap;
-    buttons.cmdCalib = lineUp;
-    buttons.cmdSignalSearch = lineUp;
-    buttons.cmdDataVerify = facts.dataRight;
+    buttons.cmdCalib = lineUp && facts.isBsap;
+    buttons.cmdSignalSearch = lineUp && facts.isBsap;
+    buttons.cmdDataVerify = facts.dataRight && facts.isBsap;
     buttons.cmdCalibSeen = !facts.hidesCalibration;
     buttons.lblmsgSeen = facts.state != State::Idle || facts.wasConnected;
     buttons.lbldisconnectSeen = facts.state == State::Disconnecting;

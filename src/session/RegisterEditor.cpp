@@ -70,15 +70,14 @@ void RegisterEditor::ReadNew() {
                    stored != earlier.end() && Number(stored->second.Text("startaddress")) > 0) {
             line.text.address = stored->second.Text("startaddress");
             line.text.type = stored->second.Text("type");
-            addresses_.Hash(Number(line.text.address), line.text.type);
+            addresses_.Share(Number(line.text.address), line.text.type);
         }
         line.row = std::move(row);
         lines_.push_back(std::move(line));
     }
 }
 
-// Two rows may share an address by the operator's will, and a map made otherwise may reach beyond the table: the first
-// that asks for an address has it.
+// Rows may share an address by the operator's will, and a map made otherwise may reach beyond the table.
 void RegisterEditor::ReadStored() {
     for (const core::Row& row :
          dbconn_.Query("select rowid as row, description,startaddress,type,unit,aga,RS,WS from configData_detail where "
@@ -93,7 +92,7 @@ void RegisterEditor::ReadStored() {
                     .RS = row.Long("RS"),
                     .WS = row.Long("WS")};
         line.text = {line.row.unit, line.row.description, row.Text("startaddress"), line.row.type};
-        addresses_.Hash(Number(line.text.address), line.text.type);
+        addresses_.Share(Number(line.text.address), line.text.type);
         lines_.push_back(std::move(line));
     }
 }
@@ -144,7 +143,7 @@ EditedRow RegisterEditor::TakeOut(std::size_t group, std::size_t row) {
 
 void RegisterEditor::PutBack() {
     if (const Line* line = std::exchange(inHand_, nullptr)) {
-        addresses_.Hash(Number(line->text.address), line->text.type);
+        addresses_.Share(Number(line->text.address), line->text.type);
     }
 }
 
@@ -181,8 +180,10 @@ AddressVerdict RegisterEditor::Enter(const std::string& address, const std::stri
     }
     Line& line = *std::exchange(inHand_, nullptr);
     if (evenIfTaken) {
-        // An address that is shared by the operator's will leaves the table as it was before the row was taken out.
-        addresses_.Hash(Number(line.text.address), line.text.type);
+        // An address that is shared by the operator's will leaves the row's old one taken, as it was before the row was
+        // taken out.
+        addresses_.Share(Number(line.text.address), line.text.type);
+        addresses_.Share(number, *listed);
     }
     line.text.address = std::to_string(number);
     line.text.type = *listed;

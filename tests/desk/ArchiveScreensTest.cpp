@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTimer>
 
 #include "core/Text.h"
 #include "desk/archive/frmCW_archive.h"
@@ -257,7 +258,12 @@ TEST_F(ArchiveScreens, AScheduledRunEndsADownload) {
     auto& page = desk.Front<desk::frmparaarchive>();
     desk.StartTicking();
     desk.clock.Run(58000 - desk.clock.Elapsed() % 60000);
-    desk.Press(page, "cmdGo");
+    desk.Press(page, "cmdGo",
+               {{"taken", [&] { return desk.scheduler.InHand().has_value(); },
+                 [&] {
+                     QMetaObject::invokeMethod(&The<QTimer>(page, "tmrline"), "timeout");
+                     EXPECT_THAT(Label(page, "lblmsg"), StartsWith("The line was taken to collect "));
+                 }}});
     EXPECT_THAT(Answer(page), StartsWith("A scheduled collection has taken the line\n"));
     EXPECT_EQ(desk.Count("tArchiveTimeStamp where NodeId=2"), Rows(page));
     EXPECT_TRUE(desk.Master(1).Bool("sampledtoday")) << desk.RtuErr();

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
+#include <QTimer>
 #include <filesystem>
 #include <fstream>
 
@@ -115,8 +116,14 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
                 EXPECT_EQ(support::Focus(page), "txtDPApplied");
                 EXPECT_EQ(Label(page, "lblDPLimit"), "");
                 Type(page, "txtDPApplied", "100");
-                EXPECT_EQ(Label(page, "lblDPLimit"), "For a span the live value is from 95 to 105");
+                EXPECT_EQ(Label(page, "lblDPLimit"), "For a span the live value must be from 95 to 105");
                 Click(page, "cmdCalibSpan");
+                EXPECT_THAT(Answer(page, QMessageBox::No),
+                            StartsWith("Calibrate the span of DP at Hill-Farm's <b>Gate</b>?\n\n"
+                                       "Value now: 99.5 INH2O, read at 09:0"));
+                EXPECT_EQ(Label(page, "lblstate"), "Reading");
+                Click(page, "cmdCalibSpan");
+                EXPECT_THAT(Answer(page, QMessageBox::Yes), EndsWith("\nValue then: 100 INH2O"));
                 EXPECT_EQ(Label(page, "lblstate"), "Busy with DP");
                 for (const char* locked : {"cmdCalibZero", "cmdCalibSpan", "cmdRestore", "txtDPApplied", "cmdClose"}) {
                     EXPECT_FALSE(Enabled(page, locked)) << locked;
@@ -136,6 +143,7 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
                 EXPECT_EQ(Text(page, "txtSPLive"), "20.25");
                 Type(page, "txtSPApplied", "10");
                 Click(page, "cmdCalibSpan1");
+                Answer(page, QMessageBox::Yes);
             }},
            {"refused", [&] { return Label(page, "lblmsg") == "SP Limit exceeds from +(-) 5%"; },
             [&] {
@@ -146,6 +154,7 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
             [&] {
                 The(page, "cmdCalibZero1").setFocus();
                 QTest::keyClick(&The(page, "cmdCalibZero1"), Qt::Key_Return);
+                EXPECT_THAT(Answer(page, QMessageBox::Yes), EndsWith("\nValue then: 0 KG/CM2"));
             }},
            {"zeroed", [&] { return Label(page, "lblmsg") == "SP Calibration Completed"; },
             [&] { QTest::keyClick(&page, Qt::Key_Escape); }}});
@@ -162,6 +171,7 @@ TEST_F(CalibrationScreens, ItMakesACallOfItsOwnAndCanBeStopped) {
                   [&] {
                       The<QTabWidget>(page, "SSTab1").setCurrentIndex(2);
                       Click(page, "cmdRestore2");
+                      EXPECT_THAT(Answer(page, QMessageBox::Yes), StartsWith("Restore the calibration of Temp at "));
                   }},
                  {"restored", [&] { return Label(page, "lblmsg") == "Temp:-Signal Write Success"; },
                   [&] { Click(page, "cmdStop"); }}});
@@ -203,6 +213,12 @@ TEST_F(CalibrationScreens, AScheduledRunEndsItInTheMidstOfACommand) {
                   [&] {
                       given = true;
                       Click(page, "cmdCalibSpan");
+                      Answer(page, QMessageBox::Yes);
+                  }},
+                 {"taken", [&] { return desk.scheduler.InHand().has_value(); },
+                  [&] {
+                      QMetaObject::invokeMethod(&The<QTimer>(page, "tmrline"), "timeout");
+                      EXPECT_EQ(Label(page, "lblmsg"), "The line was taken to collect Due");
                   }}});
     desk.clock.Run(60000);
     EXPECT_TRUE(given);

@@ -285,6 +285,21 @@ TEST_F(ConfigStationTest, BrowsesAddsAndEditsWithTheCommandsOfEach) {
     Click(*form, "cmddelete");
     EXPECT_EQ(Answer(*form, QMessageBox::No), "Are You Sure?");
     EXPECT_EQ(desk.Count("configdata_master"), 1);
+
+    // It becomes due behind the question.
+    Click(*form, "cmddelete");
+    ASSERT_TRUE(desk.scheduler.CollectNow(1));
+    EXPECT_EQ(Answer(*form, QMessageBox::Yes), "Are You Sure?");
+    EXPECT_EQ(Answer(*form), "Mill waits to be collected. Delete it after that.");
+    desk.OpenField();
+    std::string refusal;
+    desk.clock.After(1000, [&] {
+        Click(*form, "cmddelete");
+        refusal = Answer(*form);
+    });
+    desk.scheduler.Serve();
+    EXPECT_EQ(refusal, "Mill is being collected. Delete it when that is over.");
+    EXPECT_EQ(desk.Count("configdata_master"), 1);
 }
 
 TEST_F(ConfigStationTest, EnterMovesOnAsTabDoes) {
@@ -321,6 +336,7 @@ struct PortSettingTest : ConfigStationTest {
         Click(*form, "cmdportsetting");
         dialog = form->findChild<::desk::frmportsetting*>();
         ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->windowTitle(), "Port Setting - v10.3");
         ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
     }
     void Type(const char* field, const QString& text) {

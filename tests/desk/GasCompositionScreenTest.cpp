@@ -81,6 +81,7 @@ TEST_F(GasCompositionScreenTest, AValueIsEditedByKeysAndSaved) {
     QTest::keyClick(form.focusWidget(), Qt::Key_Return);
     auto* window = Window(form);
     ASSERT_NE(window, nullptr);
+    EXPECT_EQ(window->windowTitle(), "Value - v10.3");
     EXPECT_EQ(window->windowModality(), Qt::WindowModal);
     EXPECT_TRUE(QTest::qWaitForWindowActive(window));
     QCoreApplication::processEvents();

@@ -182,6 +182,18 @@ TEST_F(GridTest, AMarkGoesByItselfAndLeavesTheColour) {
     EXPECT_FALSE(Look(1, 2, Qt::FontRole).isValid());
 }
 
+TEST_F(GridTest, TheSelectionHidesNoColour) {
+    page.grid.CellColour(0, 1, Qt::red);
+    page.grid.SelectRow(0);
+    const auto pixel = [this](int column) {
+        const QRect cell = page.grid.visualRect(page.grid.model()->index(0, column));
+        return page.grid.viewport()->grab().toImage().pixelColor(cell.left() + 1, cell.center().y());
+    };
+    EXPECT_EQ(pixel(1), QColor(Qt::red));
+    EXPECT_NE(pixel(2), QColor(Qt::red));
+    EXPECT_NE(pixel(2), page.palette().color(QPalette::Base)) << "the rest of the row is seen as selected";
+}
+
 TEST_F(GridTest, ARefreshCostsWhatChanges) {
     std::vector<QStringList> rows;
     for (int row = 0; row < 480; ++row) {

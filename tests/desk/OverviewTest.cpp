@@ -13,8 +13,8 @@
 
 namespace {
 
+using collection::DayState;
 using ::desk::NodeButton;
-using ::desk::NodeState;
 using support::Click;
 using support::The;
 
@@ -42,15 +42,32 @@ struct OverviewTest : testing::Test {
 };
 
 TEST_F(OverviewTest, ShowsEveryStationAtItsPlaceInTheColourOfItsState) {
-    desk.dbconn.Execute("update configdata_master set sampledtoday = true where locationID = ?", {second});
+    collection::MarkSampled(desk.dbconn, desk.clock.Now(), second, true);
+    collection::Outcome byHand;
+    byHand.locationID = second;
+    byHand.gasday = "2026-03-09";
+    byHand.begun = "2026-03-09 07:45:00";
+    byHand.ended = "2026-03-09 07:46:10";
+    byHand.how = collection::How::Hand;
+    byHand.result = collection::Result::Collected;
+    collection::RecordOutcome(desk.dbconn, byHand);
+    const std::int64_t read = Add("Read in a session", 3);
+    collection::MarkSampled(desk.dbconn, desk.clock.Now(), read, true);
+    const std::int64_t watched = Add("Watched", 4);
+    desk.dbconn.Execute("update configdata_master set duration='NO' where locationID=?", {watched});
     LogIn();
     EXPECT_EQ(shell.windowTitle(), "NodeView  - v10.3");
     EXPECT_TRUE(Node(1).isVisible());
     EXPECT_EQ(Node(1).text(), "North Gate");
     EXPECT_EQ(Node(1).Colour(), QColor(192, 192, 255));
     EXPECT_EQ(Node(11).Colour(), QColor(0, 255, 0));
-    EXPECT_EQ(Node(11).accessibleName(), "O'Brien & <b>Sons</b>, Collected today");
-    for (const int index : {0, 2, 10, 12, 31, 40}) {
+    EXPECT_EQ(Node(1).accessibleName(), "North Gate, Not yet due, due 08:00");
+    EXPECT_EQ(Node(11).accessibleName(), "O'Brien & <b>Sons</b>, Collected today, 07:46 by hand");
+    EXPECT_EQ(Node(11).toolTip(), "<b>O'Brien &amp; &lt;b&gt;Sons&lt;/b&gt;</b><br>Collected today<br>07:46 by hand");
+    EXPECT_EQ(Node(21).Line(), "read, due 08:00");
+    EXPECT_EQ(Node(21).Colour(), QColor(0, 255, 0));
+    EXPECT_EQ(Node(31).Line(), "no schedule");
+    for (const int index : {0, 2, 10, 12, 32, 40}) {
         EXPECT_FALSE(Node(index).isVisible()) << index;
         EXPECT_EQ(Node(index).text(), "Remote Loc.");
         EXPECT_EQ(Node(index).Colour(), QColor(255, 192, 192));
@@ -63,15 +80,15 @@ TEST_F(OverviewTest, FollowsARunWithoutBeingActivatedAgain) {
     LogIn();
     std::vector<std::string> seen;
     desk.clock.Every(1000, [&] {
-        const std::string now = Label("lblnow").toStdString() + (Node(1).State() == NodeState::Collecting ? " 1" : "") +
-                                (Node(11).State() == NodeState::Collecting ? " 11" : "");
+        const std::string now = Label("lblnow").toStdString() + (Node(1).State() == DayState::Collecting ? " 1" : "") +
+                                (Node(11).State() == DayState::Collecting ? " 11" : "");
         if (seen.empty() || seen.back() != now) {
             seen.push_back(now);
         }
     });
     desk.clock.After(30000, [this] { shell.Tick(); });
     desk.clock.Run(600000);
-    EXPECT_THAT(seen, testing::ElementsAre("The line is free", "Collecting North Gate 1",
+    EXPECT_THAT(seen, testing::ElementsAre("The line is free", "Collecting North Gate, 1 more waits 1",
                                            "Collecting O'Brien & <b>Sons</b> 11", "The line is free"));
     EXPECT_EQ(Node(1).Colour(), QColor(0, 255, 0));
     EXPECT_EQ(Node(11).Colour(), QColor(0, 255, 0));
@@ -88,8 +105,11 @@ TEST_F(OverviewTest, AStationThatCannotBeReachedStaysInItsColourAndTheNextOneFol
     LogIn();
     desk.clock.After(30000, [this] { shell.Tick(); });
     desk.clock.Run(900000);
-    EXPECT_EQ(Node(1).State(), NodeState::NotCollected);
-    EXPECT_EQ(Node(11).State(), NodeState::Collected);
+    EXPECT_EQ(Node(1).State(), DayState::Failed);
+    EXPECT_THAT(Node(1).Line().toStdString(), testing::StartsWith("no answer, 3 attempts, 08:0"));
+    EXPECT_EQ(Node(1).Colour(), QColor(192, 192, 255));
+    EXPECT_EQ(Node(11).State(), DayState::Collected);
+    EXPECT_THAT(Node(11).Line().toStdString(), testing::EndsWith(" by schedule"));
 }
 
 TEST_F(OverviewTest, AStationWithoutAPlaceIsToldAndHidesNoOther) {
@@ -97,6 +117,51 @@ TEST_F(OverviewTest, AStationWithoutAPlaceIsToldAndHidesNoOther) {
     LogIn();
     EXPECT_TRUE(Node(11).isVisible());
     EXPECT_THAT(desk.feedback.status, testing::Contains("No place in the overview for North Gate"));
+}
+
+TEST_F(OverviewTest, AButtonThatTwoStationsShareOpensTheOneThatItNames) {
+    const std::int64_t third = Add("South Gate", 1);
+    desk.dbconn.Execute("update configdata_master set groupcnt = 1 where locationID = ?", {third});
+    LogIn();
+    EXPECT_EQ(Node(1).text(), "South Gate");
+    EXPECT_THAT(desk.feedback.status, testing::Contains("No place in the overview for North Gate: South Gate has it"));
+    Click(Front(), "cmdLoc1");
+    EXPECT_EQ(Label("lblconsumer"), "South Gate");
+}
+
+TEST_F(OverviewTest, AnOperatorCollectsAStationOrAllThatAreMissing) {
+    desk.OpenField();
+    LogIn();
+    EXPECT_FALSE(The(Front(), "cmdMissing").isEnabled()) << "without the right to data";
+    desk.shared.rights.rightOnline = true;
+    LogIn();
+    // Yesterday's contract hour of both has passed, and nobody was there.
+    std::string now;
+    desk.clock.After(1000, [&] {
+        now = Label("lblnow").toStdString();
+        EXPECT_EQ(Node(11).State(), DayState::Queued);
+    });
+    Click(Front(), "cmdMissing");
+    EXPECT_EQ(now, "Collecting North Gate, 1 more waits");
+    EXPECT_THAT(desk.feedback.status, testing::Contains("2 stations are missing and will be collected"));
+    for (const int index : {1, 11}) {
+        EXPECT_EQ(Node(index).State(), DayState::Collected);
+        EXPECT_THAT(Node(index).Line().toStdString(), testing::EndsWith(" by hand"));
+    }
+    Click(Front(), "cmdMissing");
+    EXPECT_EQ(desk.feedback.status.back(), "No station is missing");
+
+    Node(11).setFocus();
+    desk.clock.After(1000, [&] {
+        now = Label("lblnow").toStdString();
+        QTest::keyClick(&Node(11), Qt::Key_F5);
+        EXPECT_EQ(desk.feedback.status.back(), "O'Brien & <b>Sons</b> is being collected already, or waits for it");
+    });
+    QTest::keyClick(&Node(11), Qt::Key_F5);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(now, "Collecting O'Brien & <b>Sons</b>");
+    EXPECT_EQ(desk.Count("outcome where locationID=?", {first}), 1);
+    EXPECT_EQ(desk.Count("outcome where locationID=? and how='hand'", {second}), 2);
 }
 
 TEST_F(OverviewTest, AClickOpensTheStationWhichIsNotConnectedYet) {
@@ -120,13 +185,26 @@ TEST_F(OverviewTest, ATotalOpensTheVolumesOfItsGroup) {
         "update configdata_detail set lastvalue=12.5 where description='Volume This Month' and locationID=?", {first});
     Add("South Gate", 1);
     desk.dbconn.Execute("delete from configdata_detail where locationID=3");
+    demo::DemoStation two{"Kiln", "CWGFC-MultiStream", "BSAP", "", 5, 5, "", 2, {"AGA3", "AGA7"}};
+    const std::int64_t kiln = demo::AddStation(desk.dbconn, two);
+    desk.dbconn.Execute(
+        "update configdata_detail set lastvalue=100.25 * StreamNo, readat='2026-03-08 08:01:02', quality='good' where "
+        "description='Volume This Month' and locationID=?",
+        {kiln});
+    Add("Never read", 1);
     LogIn();
+    const QString label = The<QPushButton>(Front(), "lblgroup1").text();
     Click(Front(), "lblgroup1");
     EXPECT_EQ(Front().windowTitle(), "Group 1 - v10.3");
     auto& grid = The<::desk::Grid>(Front(), "floatgrid");
     EXPECT_EQ(grid.TabSeparated().toStdString(),
-              "Station\tVolume\tUnit\r\nNorth Gate\t12.5\tSCM\r\nSouth Gate\t0\tMSCFH\r\n");
-    EXPECT_EQ(Label("lbltotal"), "Total: 12.5");
+              "Station\tVolume\tUnit\tToday\tRemark\r\n"
+              "North Gate\t12.5\tSCM\tdue 08:00\t\r\n"
+              "South Gate\tno data\tMSCFH\tdue 08:00\t\r\n"
+              "Kiln\t300.75\tSCM\tdue 10/03 00:00\tvolume of 08/03/2026\r\n"
+              "Never read\tno data\tSCM\tdue 08:00\t\r\n");
+    EXPECT_EQ(label, "313.25 SCM");
+    EXPECT_EQ(Label("lbltotal"), "Total: 313.25");
 }
 
 TEST_F(OverviewTest, ShowsTheLastLinesOfWhatWasDone) {

@@ -401,9 +401,10 @@ TEST_F(DialoutTest, ListsAndAcknowledges) {
         AltKey(form, Qt::Key_A);
         Texts after = before;
         after[1] = "4170253|08/03/2026 08:05:09|True";
+        after[3] = "3508216|08/03/2026|True";
         after.push_back("4170253|09/03/2026|True");
         EXPECT_EQ(Lines(form, "gridAlarm"), after);
-        EXPECT_EQ(The<QLabel>(form, "lblscheduler").text(), "Calls: 5   Not acknowledged: 2");
+        EXPECT_EQ(The<QLabel>(form, "lblscheduler").text(), "Calls: 5   Not acknowledged: 1");
     }
 }
 

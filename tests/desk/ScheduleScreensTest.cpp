@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include "desk/collection/frmScheduler.h"
 #include "desk/collection/frm_Sch_Data.h"
@@ -51,13 +52,46 @@ TEST_F(ScheduleScreensTest, TheScheduleIsThatOfItsOpening) {
         EXPECT_EQ(grid.TextMatrix(row, 1), "08:00");
         EXPECT_EQ(grid.TextMatrix(row, 2), row < 4 ? "Yes" : "No") << row;
     }
+    const auto outcome = [&grid](int row) {
+        QStringList cells;
+        for (int column = 3; column < grid.Columns(); ++column) {
+            cells << grid.TextMatrix(row, column);
+        }
+        return cells.join('|').toStdString();
+    };
+    EXPECT_THAT(outcome(0), testing::MatchesRegex("collected\\|08:0.\\|schedule\\|"));
+    EXPECT_THAT(outcome(4), testing::MatchesRegex("(no answer|partly)\\|08:0.\\|schedule\\|.+"));
     desk.dbconn.Execute("update configdata_master set sampledtoday=true");
     desk.clock.Run(120000);
     EXPECT_EQ(grid.TextMatrix(4, 2), "No");
+    EXPECT_FALSE(The(form, "cmdCollect").isEnabled()) << "without the right to data";
     EXPECT_EQ(Focus(form), "Grid");
     QSignalSpy closed(&form, &desk::Page::Closed);
     QTest::keyClick(form.focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(closed.count(), 1);
+}
+
+TEST_F(ScheduleScreensTest, AnOperatorCollectsFromHere) {
+    Collect();
+    desk.OpenField();  // the silent one answers now
+    desk.shared.rights.rightOnline = true;
+    auto& form = desk.Open<desk::frmScheduler>();
+    auto& grid = The<desk::Grid>(form, "Grid");
+    const auto follow = [&form] { QMetaObject::invokeMethod(&The<QTimer>(form, "tmrfollow"), "timeout"); };
+    desk.clock.After(1000, [&] {
+        follow();
+        EXPECT_EQ(grid.TextMatrix(4, 3), "collecting");
+    });
+    Click(form, "cmdMissing");
+    follow();
+    EXPECT_EQ(grid.TextMatrix(4, 2), "Yes");
+    EXPECT_EQ(grid.TextMatrix(4, 3) + grid.TextMatrix(4, 5), "collectedhand");
+    EXPECT_EQ(grid.TextMatrix(0, 5), "schedule");
+    grid.SelectRow(0);
+    QTest::keyClick(&grid, Qt::Key_F5);
+    QCoreApplication::processEvents();
+    follow();
+    EXPECT_EQ(grid.TextMatrix(0, 5), "hand");
 }
 
 TEST_F(ScheduleScreensTest, AWorkbookIsPickedByStationAndDay) {

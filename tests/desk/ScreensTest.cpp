@@ -102,6 +102,7 @@ TEST_F(ScreensTest, FitTheSmallestScreenWithNothingCutOff) {
         SCOPED_TRACE(screen.name);
         QWidget* window = screen.show(stage);
         if (window == &stage.Shell()) {
+            window->setWindowState(Qt::WindowNoState);
             window->resize(width, height);
         }
         const auto look = [&] {

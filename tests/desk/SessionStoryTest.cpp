@@ -322,6 +322,7 @@ TEST_F(SessionStory, ARunThatTakesTheLineIsToldAndTheLineOfferedAgain) {
     Run({{"taken", [this] { return session->GetState() == session::State::Disconnecting; },
           [&] {
               EXPECT_EQ(Label("lblmsg"), "A scheduled collection has taken the line");
+              EXPECT_TRUE(QTest::qWaitFor([this] { return Label("lblmsg") == "The line was taken to collect Due"; }));
               EXPECT_FALSE(Enabled("cmdConnect"));
               Click(*page, "cmdClose");
               EXPECT_EQ(Answer(*page), "Stop Communitcation...");

@@ -3,8 +3,10 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 
+#include "desk/core/Look.h"
 #include "desk/core/RunFeedback.h"
 #include "desk/core/SingleInstance.h"
 #include "desk/core/mainfrm.h"
@@ -17,6 +19,11 @@ struct ShellTest : testing::Test {
     ::desk::mainfrm shell{desk.desk};
     QSignalSpy ended{&shell, &::desk::mainfrm::Ended};
 
+    void LogIn() {
+        desk.shared.currentuser = "operator";
+        shell.ShowForUser();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&shell));
+    }
     std::string Audit() {
         const auto row = desk.dbconn.First("select LOG from TTS_table order by rowid desc");
         return row ? row->Text("LOG") : "";
@@ -38,20 +45,38 @@ TEST_F(ShellTest, LogsOffWhileTheScheduleGoesOn) {
     EXPECT_FALSE(desk.dbconn.First("select logon from users")->Bool("logon"));
 }
 
-TEST_F(ShellTest, ExitsWithItsAuditLine) {
-    desk.shared.currentuser = "operator";
-    shell.ShowForUser();
+TEST_F(ShellTest, EveryWayOutAsksAndHasItsOwnAuditLine) {
+    demo::DemoStation station{"Mill", "TeleFlow", "Modbus", "RTU", 1, 1};
+    station.contracthour = "14:30";
+    demo::AddStation(desk.dbconn, station);
+    LogIn();
+    const std::string question =
+        "Nothing is collected from now on until the program is started again.\nNext: Mill at 14:30.\n\nEnd the "
+        "program?";
+    shell.close();
+    EXPECT_EQ(support::Answer(shell, QMessageBox::No), question);
+    support::Click(*desk.window.Front(), "cmdClose");
+    EXPECT_EQ(support::Answer(shell, QMessageBox::No), question);
+    EXPECT_EQ(Audit(), "");
+    EXPECT_EQ(ended.count(), 0);
+    support::Click(*desk.window.Front(), "cmdClose");
+    support::Answer(shell, QMessageBox::Yes);
+    EXPECT_EQ(Audit(), "09/03/2026 07:59:30: operator logged out.");
+    EXPECT_EQ(ended.count(), 1);
+}
+
+TEST_F(ShellTest, TheMenuExitsWithItsOwnAuditLine) {
+    LogIn();
     support::Click(*desk.window.Front(), "cmdMenu");
     support::Click(*desk.window.Front(), "cmdexit");
+    support::Answer(shell, QMessageBox::Yes);
     EXPECT_EQ(Audit(), "09/03/2026 07:59:30 :operator logged out.");
     EXPECT_EQ(ended.count(), 1);
 }
 
-TEST_F(ShellTest, ExitsFromTheOverviewWithItsOwnAuditLine) {
-    desk.shared.currentuser = "operator";
-    shell.ShowForUser();
-    support::Click(*desk.window.Front(), "cmdClose");
-    EXPECT_EQ(Audit(), "09/03/2026 07:59:30: operator logged out.");
+TEST_F(ShellTest, BeforeTheScheduleIsLiveNobodyIsAsked) {
+    shell.AskToEnd(&shell);
+    EXPECT_EQ(support::Box(shell), nullptr);
     EXPECT_EQ(ended.count(), 1);
 }
 
@@ -61,10 +86,11 @@ TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
     demo::AddStation(desk.dbconn, station);
     desk.OpenField();
     desk.clock.Run(30000);
-    desk.shared.currentuser = "operator";
-    shell.ShowForUser();
+    LogIn();
     desk.clock.After(700, [this] {
         shell.close();
+        EXPECT_THAT(support::Answer(shell, QMessageBox::Yes),
+                    testing::HasSubstr("The collection of Mill is broken off."));
         EXPECT_EQ(ended.count(), 0);
         EXPECT_TRUE(desk.scheduler.Busy());
     });
@@ -73,6 +99,34 @@ TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
     EXPECT_FALSE(desk.scheduler.Busy());
     EXPECT_FALSE(desk.line.PortOpen());
     EXPECT_EQ(desk.clock.Elapsed(), 30700U);
+}
+
+// The screen of this platform is 800 wide, less than a page needs.
+TEST_F(ShellTest, TheWindowIsNeverLargerThanTheScreen) {
+    shell.ShowForUser();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&shell));
+    const QSize room = shell.screen()->availableSize();
+    ASSERT_LT(room.width(), 1024);
+    EXPECT_LE(shell.width(), room.width());
+    EXPECT_LE(shell.height(), room.height());
+    shell.resize(600, 400);
+    EXPECT_EQ(shell.width(), 600) << "a page that is larger is scrolled";
+}
+
+TEST(Look, DisabledTextsAreReadableInEveryPalette) {
+    const QPalette before = QApplication::palette();
+    for (const auto palette : {::desk::Palette::System, ::desk::Palette::Light, ::desk::Palette::Dark}) {
+        ::desk::ApplyLook(palette);
+        const QPalette look = QApplication::palette();
+        const auto disabled = [&](QPalette::ColorRole role) { return look.color(QPalette::Disabled, role); };
+        for (const auto text : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+            for (const auto behind : {QPalette::Window, QPalette::Base, QPalette::Button}) {
+                EXPECT_GE(::desk::Contrast(disabled(text), disabled(behind)), 3.0)
+                    << static_cast<int>(palette) << " " << text << " " << behind;
+            }
+        }
+    }
+    QApplication::setPalette(before);
 }
 
 TEST_F(ShellTest, EverySixtyFirstTickResetsTheFlagsAndAFailureStopsNoTick) {

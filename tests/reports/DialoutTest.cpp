@@ -5,22 +5,24 @@ namespace reports {
 
 namespace {
 
-TEST(Dialout, AcknowledgesTheOpenCallsOfItsNumberOnly) {
+TEST(Dialout, AcknowledgesTheOpenCallsOfTheAlarmModemAndThoseThatItNoted) {
     support::ScratchDesk desk;
     core::Database& dbconn = desk.dbconn;
     const core::DateTime now{2026, 3, 9, 8, 0, 0};
-    AddDialoutRow(dbconn, DialoutNumbers().noted, now);
-    AddDialoutRow(dbconn, 4170253, now);
-    AddDialoutRow(dbconn, 4170253, now);
-    EXPECT_EQ(AcknowledgeDialout(dbconn, DialoutNumbers().acknowledged), 2);
-    EXPECT_EQ(AcknowledgeDialout(dbconn, DialoutNumbers().acknowledged), 0);
+    EXPECT_EQ(ReadDialoutNumbers(dbconn).noted, 3508216);
+    dbconn.Execute("update settings set value='12345678' where name='dialoutnoted'");
+    const DialoutNumbers numbers = ReadDialoutNumbers(dbconn);
+    for (const std::int32_t phone : {numbers.noted, 4170253, 4170253, 5550100}) {
+        AddDialoutRow(dbconn, phone, now);
+    }
+    EXPECT_EQ(AcknowledgeDialout(dbconn, numbers), 3);
+    EXPECT_EQ(AcknowledgeDialout(dbconn, numbers), 0);
     const auto calls = ReadDialout(dbconn);
-    ASSERT_EQ(calls.size(), 3U);
-    EXPECT_EQ(calls[0].Phone_Num, "3508216");
+    ASSERT_EQ(calls.size(), 4U);
+    EXPECT_EQ(calls[0].Phone_Num, "12345678");
     EXPECT_EQ(calls[0].Date_Time, "09/03/2026");
-    EXPECT_FALSE(calls[0].Ack);
-    EXPECT_TRUE(calls[1].Ack);
-    EXPECT_TRUE(calls[2].Ack);
+    EXPECT_TRUE(calls[0].Ack && calls[1].Ack && calls[2].Ack);
+    EXPECT_FALSE(calls[3].Ack);
 }
 
 TEST(Dialout, ShowsWhatIsStored) {

@@ -29,15 +29,15 @@ TEST(Buttons, EveryStateOfASession) {
         {{State::Idle, true, false, true, true, true}, "xx...... x.."},
         {{State::Connecting, true}, "..x..... x.x"},
         {{State::Connected, true}, "..xxxxxx x.x"},
-        {{State::Connected, false}, "..xxx.xx x.x"},               // Modbus and Quantum have no lists
+        {{State::Connected, false}, "..xxx... x.x"},               // Modbus and Quantum have no signals with names
         {{State::Connected, true, false, false}, "..x.xxxx x.x"},  // a user without the right to data
         {{State::Polling, true}, "..x.xxxx x.x"},
-        {{State::Polling, false}, "..x.x.xx x.x"},
+        {{State::Polling, false}, "..x.x... x.x"},
         {{State::Disconnecting, true}, ".x...... xxx"},
     };
     for (const auto& test : cases) {
         EXPECT_EQ(Marks(ButtonsOf(test.facts)), test.marks) << static_cast<int>(test.facts.state);
-        EXPECT_EQ(ButtonsOf(test.facts).cmdDataVerify, test.facts.dataRight);
+        EXPECT_EQ(ButtonsOf(test.facts).cmdDataVerify, test.facts.dataRight && test.facts.isBsap);
     }
 }
 

@@ -189,6 +189,13 @@ TEST_F(RegisterEditorTest, ARowDoesNotCollideWithItself) {
     EXPECT_EQ(Give(editor, 1, "52", "Integer", true).kind, Kind::Taken);
     EXPECT_EQ(editor.Rows(aga3)[1].address, "52");
     EXPECT_EQ(Give(editor, 3, "50", "Integer").kind, Kind::Question);
+    // Of two that share an address one moves away: the other still has it, put back as well.
+    EXPECT_EQ(Give(editor, 0, "80", "Float").kind, Kind::Taken);
+    editor.TakeOut(aga3, 1);
+    editor.PutBack();
+    EXPECT_EQ(Give(editor, 4, "52", "Integer").kind, Kind::Question);
+    EXPECT_EQ(Give(editor, 1, "84", "Integer").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 4, "52", "Integer").kind, Kind::Taken);
 }
 
 TEST_F(RegisterEditorTest, AStoredMapChangesOnlyWhereItWasEdited) {
@@ -205,6 +212,7 @@ TEST_F(RegisterEditorTest, AStoredMapChangesOnlyWhereItWasEdited) {
     desk.dbconn.Execute(
         "insert into configdata_detail select 2,description,startaddress,type,srno,lastvalue,groupno,"
         "unit,aga,MSD,CFP,RS,WS,StreamNo,readat,quality from configdata_detail");
+    desk.dbconn.Execute("update configdata_detail set startaddress='60', type='Float' where srno=6");  // shared
     AddUser("chief", 6);
     const auto before = desk.dbconn.Query("select * from configdata_detail order by locationID,srno");
 
@@ -213,6 +221,9 @@ TEST_F(RegisterEditorTest, AStoredMapChangesOnlyWhereItWasEdited) {
     EXPECT_EQ(editor.Rows(aga3)[0].type, "Float");
     EXPECT_EQ(editor.Rows(aga3)[2].description, made.Rows(aga3)[3].description) << "the third is hidden";
     EXPECT_EQ(Give(editor, 1, "70", "Integer").kind, Kind::Question) << "and keeps its address";
+    editor.TakeOut(aga3, 1);
+    EXPECT_EQ(editor.Enter("61", "Integer", false).kind, Kind::Question) << "the other of the two has it";
+    editor.PutBack();
     EXPECT_EQ(Give(editor, 0, "80", "Integer").kind, Kind::Taken);
     editor.Store();
 

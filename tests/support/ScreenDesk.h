@@ -68,7 +68,7 @@ inline QMessageBox* Box(const QWidget& page) {
 // not.
 inline void Return(const QWidget& page) {
     const QWidget* modal = QApplication::activeModalWidget();
-    if (modal == nullptr || modal == page.window()) {
+    if (page.window()->isVisible() && (modal == nullptr || modal == page.window())) {
         page.window()->activateWindow();
         static_cast<void>(QTest::qWaitForWindowActive(page.window()));
     }

@@ -7,6 +7,7 @@
 #include "desk/archive/GridFile.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Navigator.h"
+#include "desk/core/TakenLine.h"
 #include "desk/reports/frmemail.h"
 #include "session/ArchiveLine.h"
 #include "session/Session.h"
@@ -25,6 +26,9 @@ void ArchivePage::Build(DownloadPanel& panel, QComboBox& cmbNode, QWidget& choic
     panel.Files(screen_ == archive::Screen::frmarchive
                     ? DownloadPanel::FileForm{';', {"Save To File", "Text Files (*.txt)", "txt"}}
                     : DownloadPanel::FileForm{'\t', ExcelFile()});
+    new TakenLine(
+        desk_, this, [&panel] { return panel.IsRunning(); },
+        [&panel](const QString& text) { panel.Status(text.toStdString()); });
     CloseCommand(&panel.cmdClose());
     connect(&panel.cmd_stop(), &QPushButton::clicked, this, [this] { desk_.line.StopConnecting(); });
     connect(&panel.cmdClose(), &QPushButton::clicked, this, &Page::Closed);

@@ -10,6 +10,7 @@
 #include "desk/core/Grid.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
+#include "desk/core/TakenLine.h"
 #include "desk/reports/frmemail.h"
 #include "desk/session/frmtxrxleds.h"
 #include "session/OwnCall.h"
@@ -46,6 +47,8 @@ frmarcmbus::frmarcmbus(Desk& desk, session::Session* session, std::int64_t locat
             [this] { SaveGridFile(this, GridText(*ui_->mfg1, '\t'), ExcelFile()); });
     connect(ui_->cmd_email, &QPushButton::clicked, this, [this] { desk_.navigator.Open(new frmemail(desk_)); });
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
+    new TakenLine(
+        desk_, this, [this] { return running_; }, [this](const QString& text) { Status(text.toStdString()); });
     ChooseKind();
     ShowButtons();
 }
@@ -101,7 +104,7 @@ void frmarcmbus::cmdarchive() {
 
 // At once, or between two reads of the session. Behind the wait for its turn the page may be gone.
 void frmarcmbus::BeGuest() {
-    Status(session_->PollingActive() ? "Waiting for the answer in hand" : "");
+    Status(session_->PollingActive() ? "Waiting for the answer that is due" : "");
     const bool lent = session_->Lend(*this, [page = QPointer<frmarcmbus>(this)](protocols::Conversation* talk) {
         if (page) {
             page->EndRun(page->Collect(talk));
@@ -155,7 +158,7 @@ void frmarcmbus::EndRun(const std::string& message) {
 void frmarcmbus::cmd_stop() {
     stopflag_ = true;
     ShowButtons();
-    Status("Stopping behind the block in hand");
+    Status("Stopping after this block");
     desk_.line.StopConnecting();
 }
 

@@ -82,7 +82,7 @@ void frmGCWrite::Edit(bool editing) {
 
 void frmGCWrite::EditRow(int row) {
     const auto& component = components_[static_cast<std::size_t>(row)];
-    auto* value = new frmvalue(this, QString::fromStdString(component.description), component.value);
+    auto* value = new frmvalue(desk_, this, QString::fromStdString(component.description), component.value);
     connect(value, &frmvalue::Given, this, [this, row](double given) {
         components_[static_cast<std::size_t>(row)].value = given;
         ui_->gcgrid->TextMatrix(row, gasColumn, Number(given));

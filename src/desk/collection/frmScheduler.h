@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QTimer>
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "desk/core/Page.h"
 
@@ -10,7 +13,8 @@ class frmScheduler;
 
 namespace desk {
 
-// The schedule: each station with its contract hour, and whether it was sampled today, as it was when this was opened.
+// The schedule: each station with its contract hour, whether it was sampled today, and how today's collection ended, as
+// it was when this was opened. Once something is collected from here it follows.
 class frmScheduler : public Page {
     Q_OBJECT
 
@@ -19,7 +23,13 @@ class frmScheduler : public Page {
     ~frmScheduler() override;
 
   private:
+    void Show();
+    void Collect();
+    void Follow();
+
     std::unique_ptr<Ui::frmScheduler> ui_;
+    std::vector<std::int64_t> stations_;  // by row
+    QTimer* follow_;
 };
 
 }  // namespace desk

@@ -1,5 +1,6 @@
 #include "desk/collection/frmvalue.h"
 
+#include "core/MAIN_Module.h"
 #include "core/Text.h"
 #include "desk/core/Boxes.h"
 #include "desk/core/EngineText.h"
@@ -7,10 +8,11 @@
 
 namespace desk {
 
-frmvalue::frmvalue(QWidget* over, const QString& description, double value)
+frmvalue::frmvalue(const Desk& desk, QWidget* over, const QString& description, double value)
     : QDialog(over), ui_(std::make_unique<Ui::frmvalue>()) {
     ui_->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle("Value" + QString::fromStdString(desk.shared.versionsuffix));
     ui_->lbldescription->setText(description);
     ui_->txtvalue->setText(Number(value));
     ui_->txtvalue->selectAll();

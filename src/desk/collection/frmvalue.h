@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <memory>
 
+#include "desk/core/Desk.h"
+
 namespace Ui {
 class frmvalue;
 }
@@ -14,7 +16,7 @@ class frmvalue : public QDialog {
     Q_OBJECT
 
   public:
-    frmvalue(QWidget* over, const QString& description, double value);
+    frmvalue(const Desk& desk, QWidget* over, const QString& description, double value);
     ~frmvalue() override;
 
   Q_SIGNALS:

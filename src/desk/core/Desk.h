@@ -14,7 +14,7 @@ class Scheduler;
 namespace protocols {
 class FieldLine;
 struct BsapCounters;
-}
+}  // namespace protocols
 
 namespace desk {
 

@@ -5,6 +5,8 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMenu>
+#include <QPainter>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <cmath>
 
@@ -19,6 +21,31 @@ namespace {
 constexpr int columnGap = 16;
 
 constexpr int longestFilter = 40;
+
+// A cell with a colour keeps it where its row is selected: an alarm is never behind the selection. Lines in the colour
+// of the selection carry the row on.
+class CellPainter : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        if ((option.state & QStyle::State_Selected) != 0 && index.data(Qt::BackgroundRole).isValid()) {
+            constexpr int line = 2;
+            const QColor colour = option.palette.color(QPalette::Highlight);
+            painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), line)), colour);
+            painter->fillRect(option.rect.adjusted(0, option.rect.height() - line, 0, 0), colour);
+        }
+    }
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.data(Qt::BackgroundRole).isValid()) {
+            option->state &= ~QStyle::State_Selected;
+        }
+    }
+};
 
 QString OneLine(QString cell) {
     return cell.replace('\t', ' ').replace('\r', ' ').replace('\n', ' ');
@@ -36,6 +63,7 @@ QString JoinCells(const QStringList& cells) {
 
 Grid::Grid(QWidget* parent) : QTableView(parent), model_(this), lblfilter_(this) {
     setModel(&model_);
+    setItemDelegate(new CellPainter(this));
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QWidget>
+#include <algorithm>
+#include <cmath>
 
 namespace desk {
 
@@ -30,13 +32,51 @@ QPalette PaletteOf(const Colours& colours) {
     return palette;
 }
 
+constexpr double leastContrast = 3.5;  // of a disabled text
+
+// The relative luminance of a colour.
+double Luminance(const QColor& colour) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+// The system's colours, its disabled texts brought nearer to the others until they are read.
+QPalette Readable(QPalette palette) {
+    constexpr int steps = 20;
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        const QColor given = palette.color(QPalette::Disabled, role);
+        const QColor text = palette.color(QPalette::Active, role);
+        const auto nearer = [&](int step) {
+            const auto mixed = [step](int from, int to) { return from + (to - from) * step / steps; };
+            return QColor(mixed(given.red(), text.red()), mixed(given.green(), text.green()),
+                          mixed(given.blue(), text.blue()));
+        };
+        int step = 0;
+        const auto isRead = [&](QPalette::ColorRole behind) {
+            return Contrast(nearer(step), palette.color(QPalette::Disabled, behind)) >= leastContrast;
+        };
+        while (step < steps && !(isRead(QPalette::Window) && isRead(QPalette::Base) && isRead(QPalette::Button))) {
+            ++step;
+        }
+        palette.setColor(QPalette::Disabled, role, nearer(step));
+    }
+    return palette;
+}
+
 }  // namespace
+
+double Contrast(const QColor& one, const QColor& other) {
+    const double first = Luminance(one);
+    const double second = Luminance(other);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
 
 void ApplyLook(Palette palette) {
     QApplication::setStyle("Fusion");
-    if (palette != Palette::System) {
-        QApplication::setPalette(PaletteOf(palette == Palette::Dark ? dark : light));
-    }
+    QApplication::setPalette(palette == Palette::System ? Readable(QApplication::palette())
+                                                        : PaletteOf(palette == Palette::Dark ? dark : light));
 }
 
 QFont Larger(const QFont& font, double times, bool bold) {

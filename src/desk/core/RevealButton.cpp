@@ -5,7 +5,7 @@ namespace desk {
 RevealButton::RevealButton(QWidget* parent) : QToolButton(parent) {
     setText("Show");
     setToolTip("Shows the password while it is held down");
-    setAccessibleName("Show the password while held down");
+    setAccessibleName(toolTip());
     // A click leaves the focus in the field.
     setFocusPolicy(Qt::TabFocus);
     connect(this, &QToolButton::pressed, this, [this] { Show(true); });

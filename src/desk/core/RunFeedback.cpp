@@ -15,6 +15,7 @@ void RunFeedback::Box(const std::string& text) {
         box_ = new QMessageBox(QMessageBox::Warning, "Norwen", {}, QMessageBox::Ok);
         box_->setAttribute(Qt::WA_DeleteOnClose);
         box_->setModal(false);
+        box_->setAttribute(Qt::WA_ShowWithoutActivating);
         box_->setTextFormat(Qt::PlainText);
     }
     box_->setText(QString::fromStdString(text));

@@ -1,6 +1,10 @@
 #include "desk/core/frmGraphicRept.h"
 
+#include <QAction>
 #include <QListWidget>
+#include <QRegularExpression>
+#include <algorithm>
+#include <map>
 
 #include "collection/Schedule.h"
 #include "core/Clock.h"
@@ -9,6 +13,8 @@
 #include "core/MAIN_Module.h"
 #include "core/Station.h"
 #include "core/Text.h"
+#include "desk/core/ByHand.h"
+#include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/NodeButton.h"
@@ -25,6 +31,8 @@ constexpr int mostLines = 500;
 constexpr int linesInSight = 3;
 constexpr double fromAfar = 1.5;
 
+using collection::DayState;
+
 }  // namespace
 
 frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::make_unique<Ui::frmGraphicRept>()) {
@@ -39,9 +47,15 @@ frmGraphicRept::frmGraphicRept(Desk& desk) : Page(desk, "NodeView "), ui_(std::m
     ui_->layout->setStretch(0, 1);
     ui_->foot->setStretch(0, 1);
     ui_->lstlines->setFixedHeight(fontMetrics().height() * linesInSight + 12);
+    connect(ui_->cmdMissing, &QPushButton::clicked, this, [this] {
+        Guarded([this] {
+            CollectMissing(desk_);
+            Refresh();
+        });
+    });
     connect(ui_->cmdMenu, &QPushButton::clicked, this, &frmGraphicRept::MenuWanted);
-    connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::cmdClose);
-    connect(&next_, &QTimer::timeout, this, &frmGraphicRept::ShowNext);
+    connect(ui_->cmdClose, &QPushButton::clicked, this, &frmGraphicRept::ExitWanted);
+    connect(&next_, &QTimer::timeout, this, &frmGraphicRept::FollowTheClock);
     next_.start(5000);
     desk_.scheduler.Watch(this);
     ui_->cmdMenu->setFocus();
@@ -64,6 +78,14 @@ void frmGraphicRept::MakeColumns() {
         ui_->nodes->addWidget(button, place + 1, group);
         ui_->nodes->setRowStretch(place + 1, index == 0 ? 0 : 1);
         connect(button, &QPushButton::clicked, this, [this, index] { cmdLoc(index); });
+        auto* collect = new QAction("Collect &Now", button);
+        collect->setObjectName("collect" + QString::number(index));
+        collect->setShortcut(Qt::Key_F5);
+        collect->setShortcutContext(Qt::WidgetShortcut);
+        connect(collect, &QAction::triggered, this, [this, index] { Collect(index); });
+        button->addAction("&Open", button, &QPushButton::click);
+        button->addAction(collect);
+        button->setContextMenuPolicy(Qt::ActionsContextMenu);
         cmdLoc_[static_cast<std::size_t>(index)] = button;
     }
     for (int group = 0; group < collection::groups; ++group) {
@@ -85,13 +107,14 @@ void frmGraphicRept::MakeColumns() {
 
 void frmGraphicRept::MakeLegend() {
     for (const auto& [state, word] :
-         {std::pair{NodeState::Collected, "Collected"}, std::pair{NodeState::NotCollected, "Not collected"},
-          std::pair{NodeState::Collecting, "Collecting"}}) {
+         {std::pair{DayState::Collected, "Collected"}, std::pair{DayState::Partly, "Partly"},
+          std::pair{DayState::Failed, "Failed"}, std::pair{DayState::NotYetDue, "Due"},
+          std::pair{DayState::NoSchedule, "No schedule"}, std::pair{DayState::Collecting, "Collecting"}}) {
         auto* sample = new NodeButton(this);
-        sample->ShowNode(word, state);
+        sample->ShowNode(word, {state, state == DayState::Collected || state == DayState::Partly});
         sample->setFocusPolicy(Qt::NoFocus);
         sample->setAttribute(Qt::WA_TransparentForMouseEvents);
-        sample->setFixedWidth(fontMetrics().horizontalAdvance("Not collected") + fontMetrics().height() + 28);
+        sample->setFixedWidth(fontMetrics().horizontalAdvance(word) + fontMetrics().height() + 28);
         ui_->legend->addWidget(sample);
     }
 }
@@ -100,17 +123,26 @@ void frmGraphicRept::Activated() {
     Guarded([this] {
         Reset();
         Refresh();
+        ui_->cmdMissing->setEnabled(MayCollect(desk_));
+        for (QAction* collect : findChildren<QAction*>(QRegularExpression("^collect"))) {
+            collect->setEnabled(MayCollect(desk_));
+        }
+        std::map<int, std::string> shown;
         for (const collection::Node& node : nodes_) {
+            std::string& before = shown[node.index];
             if (node.index < 0) {
                 desk_.feedback.Status("No place in the overview for " + node.consumer);
+            } else if (!before.empty()) {
+                desk_.feedback.Status("No place in the overview for " + before + ": " + node.consumer + " has it");
             }
+            before = node.consumer;
         }
     });
 }
 
 void frmGraphicRept::Reset() {
     for (NodeButton* button : cmdLoc_) {
-        button->ShowNode("Remote Loc.", NodeState::NoStation);
+        button->ShowNode("Remote Loc.", {});
         button->hide();
     }
 }
@@ -123,10 +155,12 @@ void frmGraphicRept::Refresh() {
             continue;
         }
         NodeButton* button = cmdLoc_[static_cast<std::size_t>(node.index)];
-        const bool inHand = desk_.scheduler.InHand() == node.locationId;
-        button->ShowNode(consumer, inHand              ? NodeState::Collecting
-                                   : node.sampledtoday ? NodeState::Collected
-                                                       : NodeState::NotCollected);
+        const collection::DayLine line = LineNow(desk_, node.locationId);
+        // A session has read it, without a run.
+        const bool session =
+            node.sampledtoday && (line.state == DayState::NotYetDue || line.state == DayState::NoSchedule);
+        button->ShowNode(
+            consumer, {line.state, node.sampledtoday, (session ? "read, " : "") + Text(line.text), Text(line.reason)});
         button->show();
     }
     const auto totals = collection::GroupTotals(desk_.dbconn);
@@ -140,7 +174,7 @@ void frmGraphicRept::Refresh() {
 void frmGraphicRept::ShowNow() {
     for (const collection::Node& node : nodes_) {
         if (desk_.scheduler.InHand() == node.locationId) {
-            ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer));
+            ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer) + Behind(desk_));
             return;
         }
     }
@@ -148,18 +182,27 @@ void frmGraphicRept::ShowNow() {
 }
 
 void frmGraphicRept::ShowNext() {
-    Guarded([this] {
-        const core::DateTime now = desk_.clock.Now();
-        const auto next = collection::NextDue(desk_.dbconn, now, desk_.scheduler.Served(now));
-        if (!next) {
-            ui_->lblnext->setText("No station has a schedule");
-            return;
-        }
-        const bool today = core::DateText(next->at) == core::DateText(now);
-        ui_->lblnext->setText("Next: " + QString::fromStdString(next->consumer) + " at " +
-                              QString::fromStdString(core::TimeText(next->at).substr(0, 5)) +
-                              (today ? QString() : " on " + QString::fromStdString(core::DateText(next->at))));
-    });
+    Guarded([this] { ui_->lblnext->setText(NextDue()); });
+}
+
+// A minute later a station may be due, or the day another one.
+void frmGraphicRept::FollowTheClock() {
+    const std::string minute = core::IsoText(desk_.clock.Now()).substr(0, 16);
+    if (isVisible() && std::exchange(minute_, minute) != minute) {
+        Guarded([this] { Refresh(); });
+    }
+}
+
+QString frmGraphicRept::NextDue() const {
+    const core::DateTime now = desk_.clock.Now();
+    const auto next = collection::NextDue(desk_.dbconn, now, desk_.scheduler.Served(now));
+    if (!next) {
+        return "No station has a schedule";
+    }
+    const bool today = core::DateText(next->at) == core::DateText(now);
+    return "Next: " + QString::fromStdString(next->consumer) + " at " +
+           QString::fromStdString(core::TimeText(next->at).substr(0, 5)) +
+           (today ? QString() : " on " + QString::fromStdString(core::DateText(next->at)));
 }
 
 void frmGraphicRept::Line(const QString& text) {
@@ -178,12 +221,25 @@ void frmGraphicRept::Collected(std::int64_t) {
     Guarded([this] { Refresh(); });
 }
 
+// Of two stations with one place the button names the later one.
+const collection::Node* frmGraphicRept::StationAt(int index) const {
+    const auto node =
+        std::find_if(nodes_.rbegin(), nodes_.rend(), [&](const collection::Node& one) { return one.index == index; });
+    return node == nodes_.rend() ? nullptr : &*node;
+}
+
 void frmGraphicRept::cmdLoc(int index) {
-    for (const collection::Node& node : nodes_) {
-        if (node.index == index) {
-            Guarded([&] { OpenStation(node.locationId); });
-            return;
-        }
+    if (const collection::Node* node = StationAt(index)) {
+        Guarded([&] { OpenStation(node->locationId); });
+    }
+}
+
+void frmGraphicRept::Collect(int index) {
+    if (const collection::Node* node = StationAt(index)) {
+        Guarded([&] {
+            CollectNow(desk_, node->locationId, node->consumer);
+            Refresh();
+        });
     }
 }
 
@@ -195,11 +251,6 @@ void frmGraphicRept::OpenStation(std::int64_t locationId) {
     } else {
         desk_.navigator.Open(new frm_CWM(desk_, locationId));
     }
-}
-
-void frmGraphicRept::cmdClose() {
-    Guarded([this] { desk_.logs.WriteAudit(desk_.logs.Stamp() + ": " + desk_.shared.currentuser + " logged out."); });
-    Q_EMIT Exited();
 }
 
 }  // namespace desk

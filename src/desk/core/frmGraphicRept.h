@@ -31,6 +31,9 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     // Rebuilds the display from the register.
     void Activated() override;
 
+    // "Next: Mill at 14:30". Throws DatabaseError.
+    QString NextDue() const;
+
     // One more line of what was done.
     void Line(const QString& text);
 
@@ -39,7 +42,7 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
 
   Q_SIGNALS:
     void MenuWanted();
-    void Exited();
+    void ExitWanted();
 
   private:
     void MakeColumns();
@@ -48,14 +51,17 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     void Refresh();
     void ShowNow();
     void ShowNext();
+    void FollowTheClock();
+    const collection::Node* StationAt(int index) const;
     void cmdLoc(int index);
+    void Collect(int index);
     void OpenStation(std::int64_t locationId);
-    void cmdClose();
 
     std::array<NodeButton*, collection::nodeButtons> cmdLoc_{};
     std::array<QPushButton*, collection::groups> lblgroup_{};
     std::vector<collection::Node> nodes_;
-    QTimer next_;  // looks at what is due next
+    QTimer next_;         // looks whether the minute is another
+    std::string minute_;  // that is shown
     std::unique_ptr<Ui::frmGraphicRept> ui_;
 };
 

@@ -56,7 +56,8 @@ void frmLogin::keyPressEvent(QKeyEvent* event) {
 }
 
 void frmLogin::Enter() {
-    if (ui_->txtpassword->hasFocus()) {
+    // Not hasFocus(): without a window manager the keys come, but no window is active.
+    if (focusWidget() == ui_->txtpassword) {
         cmdOk();
     } else if (auto* command = qobject_cast<QPushButton*>(focusWidget())) {
         command->click();
@@ -66,7 +67,7 @@ void frmLogin::Enter() {
 }
 
 void frmLogin::closeEvent(QCloseEvent* event) {
-    event->accept();
+    event->setAccepted(loggedIn_);
     if (!loggedIn_) {
         Q_EMIT Abandoned();
     }

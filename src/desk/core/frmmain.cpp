@@ -31,7 +31,7 @@ frmmain::frmmain(Desk& desk) : MenuPage(desk, "Main Options"), ui_(std::make_uni
     Opens<frmHistLog>(ui_->cmdfetchlist);
     Opens<frmGCWrite>(ui_->cmdgc);
     connect(ui_->cmdlogoff, &QPushButton::clicked, this, &frmmain::cmdlogoff);
-    connect(ui_->cmdexit, &QPushButton::clicked, this, &frmmain::cmdexit);
+    connect(ui_->cmdexit, &QPushButton::clicked, this, &frmmain::ExitWanted);
     ui_->cmdonline->setFocus();
 }
 
@@ -53,11 +53,6 @@ void frmmain::cmdlogoff() {
         desk_.logs.WriteAudit(desk_.logs.Stamp() + ":  user " + desk_.shared.currentuser + " logged out");
     });
     Q_EMIT LoggedOff();
-}
-
-void frmmain::cmdexit() {
-    Guarded([this] { desk_.logs.WriteAudit(desk_.logs.Stamp() + " :" + desk_.shared.currentuser + " logged out."); });
-    Q_EMIT Exited();
 }
 
 }  // namespace desk

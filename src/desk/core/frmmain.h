@@ -24,12 +24,11 @@ class frmmain : public MenuPage {
   Q_SIGNALS:
     void NodesWanted();
     void LoggedOff();
-    void Exited();
+    void ExitWanted();
 
   private:
     void ApplyRights();
     void cmdlogoff();
-    void cmdexit();
 
     std::unique_ptr<Ui::frmmain> ui_;
 };

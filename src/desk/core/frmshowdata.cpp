@@ -1,7 +1,9 @@
 #include "desk/core/frmshowdata.h"
 
 #include "collection/NodeOverview.h"
+#include "core/Clock.h"
 #include "core/Text.h"
+#include "desk/core/ByHand.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "ui_frmshowdata.h"
@@ -15,13 +17,23 @@ frmshowdata::frmshowdata(Desk& desk, int groupno)
     ui_->lbltotal->setFont(Larger(font(), 1.3, true));
     CloseCommand(ui_->cmdCancel);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &Page::Closed);
-    ui_->floatgrid->FormatString("<Station|>Volume|<Unit");
+    ui_->floatgrid->FormatString("<Station|>Volume|<Unit|<Today|<Remark");
     Guarded([&] {
+        const QString today = Day(core::IsoText(desk_.clock.Now()));
         double total = 0;
         for (const auto& volume : collection::GroupVolumes(desk_.dbconn, groupno)) {
-            ui_->floatgrid->AddItem(
-                QString::fromStdString(volume.consumer + "\t" + volume.lastvalue + "\t" + volume.unit));
-            total += core::Val(volume.lastvalue);
+            const collection::DayLine line = LineNow(desk_, volume.locationId);
+            const QString readOn = Day(volume.readat);
+            QStringList remarks;
+            if (!readOn.isEmpty() && readOn != today) {
+                remarks.append("volume of " + readOn);
+            }
+            if (!line.reason.empty()) {
+                remarks.append(Text(line.reason));
+            }
+            ui_->floatgrid->AddItems({{Text(volume.consumer), volume.known ? Text(volume.lastvalue) : "no data",
+                                       Text(volume.unit), Text(line.text), remarks.join("; ")}});
+            total += volume.known ? core::Val(volume.lastvalue) : 0;
         }
         ui_->lbltotal->setText("Total: " + Number(core::RoundTo(total, 4)));
     });

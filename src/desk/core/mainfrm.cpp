@@ -2,12 +2,15 @@
 
 #include <QCloseEvent>
 #include <QLabel>
+#include <QScrollArea>
 
 #include "collection/Scheduler.h"
 #include "core/Clock.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
+#include "core/Station.h"
 #include "core/Users.h"
+#include "desk/core/Boxes.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/frmGraphicRept.h"
@@ -20,6 +23,7 @@ namespace desk {
 namespace {
 
 constexpr int ticksToReset = 60;
+constexpr QSize usual(1024, 740);
 
 }  // namespace
 
@@ -27,11 +31,16 @@ mainfrm::mainfrm(Desk& desk)
     : desk_(desk),
       timer1_([this] { Tick(); }),
       panel_(new QLabel),
+      scroll_(new QScrollArea),
       overview_(new frmGraphicRept(desk)),
       menu_(new frmmain(desk)),
       ui_(std::make_unique<Ui::mainfrm>()) {
     ui_->setupUi(this);
-    ui_->layout->addWidget(&desk_.navigator, 1);
+    // On a screen that is smaller than a page the page is scrolled; the window stays on the screen.
+    scroll_->setWidgetResizable(true);
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setWidget(&desk_.navigator);
+    ui_->layout->addWidget(scroll_, 1);
     desk_.navigator.addWidget(overview_);
     desk_.navigator.addWidget(menu_);
     // A station or a user may have any name, also one that looks like markup.
@@ -44,21 +53,26 @@ mainfrm::mainfrm(Desk& desk)
     Mute(ui_->lbluser);
     connect(&desk_.navigator, &Navigator::Changed, this, &mainfrm::ShowCaption);
     connect(overview_, &frmGraphicRept::MenuWanted, this, [this] { desk_.navigator.Home(menu_); });
-    connect(overview_, &frmGraphicRept::Exited, this, &mainfrm::EndProgram);
+    connect(overview_, &frmGraphicRept::ExitWanted, this, [this] { Exit(": "); });
     connect(menu_, &frmmain::NodesWanted, this, [this] { desk_.navigator.Home(overview_); });
     connect(menu_, &frmmain::LoggedOff, this, &mainfrm::LogOff);
-    connect(menu_, &frmmain::Exited, this, &mainfrm::EndProgram);
+    connect(menu_, &frmmain::ExitWanted, this, [this] { Exit(" :"); });
     // What kept the line has yet to return.
     desk_.line.WhenReleased([this] { QTimer::singleShot(0, this, &mainfrm::Serve); });
     connect(&seconds_, &QTimer::timeout, this, &mainfrm::ShowClock);
     seconds_.start(1000);
     ShowClock();
-    resize(1024, 740);
+    const QSize room = screen()->availableSize();
+    resize(usual.boundedTo(room));
+    if (room.width() <= usual.width() || room.height() <= usual.height()) {
+        setWindowState(Qt::WindowMaximized);  // within the frame of the window, too
+    }
 }
 
 mainfrm::~mainfrm() {
     desk_.line.WhenReleased({});
     desk_.navigator.Empty();
+    scroll_->takeWidget();
     desk_.navigator.setParent(nullptr);
 }
 
@@ -127,7 +141,44 @@ void mainfrm::LogOff() {
 
 void mainfrm::closeEvent(QCloseEvent* event) {
     event->ignore();
-    EndProgram();
+    AskToEnd(this);
+}
+
+void mainfrm::Exit(const char* separator) {
+    AskToEnd(this, [this, separator] {
+        core::Guarded(desk_.logs, [&] {
+            desk_.logs.WriteAudit(desk_.logs.Stamp() + separator + desk_.shared.currentuser + " logged out.");
+        });
+    });
+}
+
+void mainfrm::AskToEnd(QWidget* over, std::function<void()> before) {
+    const auto end = [this, before = std::move(before)] {
+        if (before) {
+            before();
+        }
+        EndProgram();
+    };
+    if (timer1_.Running()) {
+        AskBox(over, WhatStops(), "Exit", end);
+    } else {
+        end();
+    }
+}
+
+QString mainfrm::WhatStops() const {
+    QString text = "Nothing is collected from now on until the program is started again.";
+    core::Guarded(desk_.logs, [&] {
+        const auto inHand = desk_.scheduler.InHand();
+        const auto station = inHand ? core::ReadStation(desk_.dbconn, *inHand) : std::nullopt;
+        if (station) {
+            text += "\nThe collection of " + QString::fromStdString(station->consumer) + " is broken off.";
+        } else if (desk_.line.InUse()) {
+            text += "\nThe connection to a station is cut off.";
+        }
+        text += "\n" + overview_->NextDue() + ".";
+    });
+    return text + "\n\nEnd the program?";
 }
 
 void mainfrm::EndProgram() {

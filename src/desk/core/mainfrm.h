@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <QTimer>
+#include <functional>
 #include <memory>
 
 #include "desk/core/Desk.h"
@@ -11,6 +12,7 @@ namespace Ui {
 class mainfrm;
 }
 class QLabel;
+class QScrollArea;
 
 namespace desk {
 
@@ -39,7 +41,11 @@ class mainfrm : public QMainWindow {
     // Shows the shell for the user who has logged in, with the overview in front.
     void ShowForUser();
 
-    // Ends the program: at once, or, while stations are collected, as soon as their line is hung up and closed.
+    // Asks over a window whether the program is to end, once the schedule is live: what stops, and what is due next.
+    // `before` comes before the end.
+    void AskToEnd(QWidget* over, std::function<void()> before = {});
+
+    // Ends the program unasked: at once, or, while stations are collected, as soon as their line is hung up and closed.
     void EndProgram();
 
   Q_SIGNALS:
@@ -53,6 +59,9 @@ class mainfrm : public QMainWindow {
     void Serve();
     void AfterRun();
     void LogOff();
+    // The exit of a page, with its line in the audit trail: "<stamp><separator><user> logged out."
+    void Exit(const char* separator);
+    QString WhatStops() const;
     void EndWhenFree();
     void Unload();
     void ShowClock();
@@ -65,6 +74,7 @@ class mainfrm : public QMainWindow {
     int resetCounter_ = 0;
     bool ending_ = false;
     QLabel* panel_;
+    QScrollArea* scroll_;              // around the pages
     QMetaObject::Connection caption_;  // to the page in front
     frmGraphicRept* overview_;
     frmmain* menu_;

@@ -29,7 +29,7 @@ void OutgoingMail::Send(collection::MailMessage message, collection::MailServer 
 void OutgoingMail::Deliver(const Parcel& parcel) {
     Desk& desk = parcel.desk;
     const auto ended = [&] { return *parcel.stopped || desk.scheduler.Leaving(); };
-    collection::MailOutcome outcome{false, "stations are being collected, send it again behind them"};
+    collection::MailOutcome outcome{false, "stations are being collected; send it again afterwards"};
     if (!desk.scheduler.Busy()) {
         outcome = desk.mail.Send(parcel.message, parcel.server, desk.clock, ended);
     }

@@ -31,7 +31,7 @@ frmdialout::~frmdialout() = default;
 
 void frmdialout::Timer1() {
     if (alarm_) {
-        AddDialoutRow(numbers_.noted);
+        AddDialoutRow(reports::ReadDialoutNumbers(desk_.dbconn).noted);
     }
 }
 
@@ -41,9 +41,10 @@ void frmdialout::AddDialoutRow(std::int32_t phone) {
 }
 
 void frmdialout::cmdackalarm() {
-    const int acknowledged = reports::AcknowledgeDialout(desk_.dbconn, numbers_.acknowledged);
+    const reports::DialoutNumbers numbers = reports::ReadDialoutNumbers(desk_.dbconn);
+    const int acknowledged = reports::AcknowledgeDialout(desk_.dbconn, numbers);
     Reload();
-    desk_.feedback.Status("Calls of " + std::to_string(numbers_.acknowledged) +
+    desk_.feedback.Status("Calls of " + std::to_string(numbers.acknowledged) + " and " + std::to_string(numbers.noted) +
                           " acknowledged: " + std::to_string(acknowledged));
 }
 

@@ -32,7 +32,6 @@ class frmdialout : public Page {
     void Timer1();
     void Reload();
 
-    reports::DialoutNumbers numbers_;
     bool alarm_ = false;
     std::unique_ptr<Ui::frmdialout> ui_;
 };

@@ -63,7 +63,7 @@ void frmemail::ShowState() {
     ui_->cmdstop->setEnabled(sending);
     ui_->cmdlogin->setDefault(!loggedIn_);
     ui_->cmdmail->setDefault(loggedIn_);
-    ui_->lblstate->setText(sending && closing_ ? "Sending Mail, the form closes behind it"
+    ui_->lblstate->setText(sending && closing_ ? "Sending Mail; the form closes afterwards"
                            : sending           ? "Sending Mail"
                            : loggedIn_         ? "Logged in"
                                                : "Log in to write a mail");

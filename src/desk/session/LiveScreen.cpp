@@ -14,6 +14,7 @@
 #include "desk/core/Grid.h"
 #include "desk/core/Navigator.h"
 #include "desk/core/Page.h"
+#include "desk/core/TakenLine.h"
 #include "desk/session/DrsDrawing.h"
 #include "desk/session/TrafficPanel.h"
 #include "desk/session/frm_summary.h"
@@ -54,6 +55,12 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
     const core::Station& station = session_.GetStation();
     ui_.lblconsumer->setText(Text(station.consumer));
     ui_.cmd_arc->setText(Speaks(station, "BSAP") ? "&Archive/Audit" : "&Archive");
+    if (!Speaks(station, "BSAP")) {
+        for (QPushButton* command : {ui_.cmdfetch, ui_.cmdSignalSearch, ui_.cmdDataVerify, ui_.cmdCalib}) {
+            command->setToolTip("A " + Text(station.protocol) + " station has no signals with names");
+            command->setAccessibleDescription(command->toolTip());
+        }
+    }
     ui_.trafficplace->addWidget(traffic_);
     Grid& drs = ui_.gridtab->GridOf(*session::GroupOf("DRS"));
     drawing_ = new FrmPNI(drs.parentWidget());
@@ -133,38 +140,19 @@ void LiveScreen::OpenSummary() {
 }
 
 void LiveScreen::OpenList() {
-    if (HasSignals()) {
-        desk_.navigator.Open(new frmparafetchlist(desk_, session_));
-    }
+    desk_.navigator.Open(new frmparafetchlist(desk_, session_));
 }
 
 void LiveScreen::OpenSearch() {
-    if (HasSignals()) {
-        desk_.navigator.Open(new frmSignalSearch(desk_, session_));
-    }
+    desk_.navigator.Open(new frmSignalSearch(desk_, session_));
 }
 
 void LiveScreen::OpenVerification() {
-    if (HasSignals()) {
-        desk_.navigator.Open(new frmDataVerification(desk_, &session_));
-    }
+    desk_.navigator.Open(new frmDataVerification(desk_, &session_));
 }
 
 void LiveScreen::OpenCalibration() {
-    if (HasSignals()) {
-        desk_.navigator.Open(new frmCalibration(desk_, &session_));
-    }
-}
-
-// Signals with names are a matter of BSAP.
-bool LiveScreen::HasSignals() {
-    const std::string& protocol = session_.GetStation().protocol;
-    const bool has = Speaks(session_.GetStation(), "BSAP");
-    if (!has) {
-        ShowBox(&page_, "A " + Text(protocol) + " station has no signals with names.", page_.windowTitle(),
-                QMessageBox::Information);
-    }
-    return has;
+    desk_.navigator.Open(new frmCalibration(desk_, &session_));
 }
 
 void LiveScreen::OpenHistory() {
@@ -338,6 +326,11 @@ void LiveScreen::ShowButtons() {
 void LiveScreen::EverySecond() {
     status_.ShowAge(session_, desk_.clock.Now());
     ShowButtons();
+    const QString taken = TakenBy(desk_);
+    const bool lost = waitsForLine_ || (wasConnected_ && session_.GetState() == session::State::Disconnecting);
+    if (lost && !taken.isEmpty()) {
+        Status(taken.toStdString());
+    }
     const bool free = session_.GetState() == session::State::Idle && !desk_.scheduler.Busy() && !desk_.line.InUse();
     if (waitsForLine_ && free) {
         waitsForLine_ = false;

@@ -66,7 +66,6 @@ class LiveScreen final : public QObject, public session::SessionView {
     void OpenSearch();
     void OpenVerification();
     void OpenCalibration();
-    bool HasSignals();
     void ShowParameters();
     void SwapDrawing();
 

@@ -3,15 +3,16 @@
 #include <QFormLayout>
 #include <QLabel>
 
-#include "collection/NodeOverview.h"
 #include "collection/Scheduler.h"
 #include "core/Station.h"
 #include "core/Text.h"
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmparaarchive.h"
+#include "desk/core/ByHand.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
+#include "desk/core/TakenLine.h"
 #include "desk/signals/ListPage.h"
 #include "ui_frm_CWM.h"
 
@@ -25,15 +26,6 @@ std::string Line(const core::Station& station) {
     }
     return station.comtype + ", COM" + std::to_string(station.comport) + ", " + station.settings +
            (station.phoneno.empty() ? "" : ", " + station.phoneno);
-}
-
-std::string TodaysState(core::Database& dbconn, std::int64_t locationID) {
-    for (const collection::Node& node : collection::ReadNodes(dbconn)) {
-        if (node.locationId == locationID) {
-            return node.sampledtoday ? "Collected" : "Not collected";
-        }
-    }
-    return {};
 }
 
 }  // namespace
@@ -64,7 +56,7 @@ frm_CWM::~frm_CWM() = default;
 void frm_CWM::ShowStation(const core::Station& station) {
     setWindowTitle(windowTitle() + "----(" + QString::fromStdString(station.consumer) + ")");
     ui_->lblconsumer->setText(QString::fromStdString(station.consumer));
-    Fact("Today's collection", TodaysState(desk_.dbconn, station.locationID));
+    Fact("Today's collection", LineNow(desk_, station.locationID).text);
     Fact("Model", station.modelno);
     Fact("Protocol", core::Trim(station.protocol + " " + station.mode));
     Fact("Slave address", std::to_string(station.slaveaddress));
@@ -81,7 +73,10 @@ void frm_CWM::Fact(const QString& caption, const std::string& text) {
 }
 
 void frm_CWM::ConnectCommands() {
-    connect(ui_->cmdConnect, &QPushButton::clicked, this, [this] { Guarded([this] { session_->Connect(); }); });
+    connect(ui_->cmdConnect, &QPushButton::clicked, this, [this] {
+        lost_ = false;
+        Guarded([this] { session_->Connect(); });
+    });
     connect(ui_->cmddisconnect, &QPushButton::clicked, this, [this] { Guarded([this] { session_->Disconnect(); }); });
     connect(ui_->cmd_archive, &QPushButton::clicked, this,
             [this] { Guarded([this] { desk_.navigator.Open(new frmparaarchive(desk_, *session_)); }); });
@@ -90,6 +85,9 @@ void frm_CWM::ConnectCommands() {
     connect(ui_->btnHistory, &QPushButton::clicked, this, [this] {
         Guarded([this] { desk_.navigator.Open(new frmHistory(desk_, session_->GetStation().locationID)); });
     });
+    new TakenLine(
+        desk_, this, [this] { return lost_ || session_->GetState() == session::State::Disconnecting; },
+        [this](const QString& text) { ui_->lblconnection->setText(text); });
     // Whether stations are being collected shows in time.
     connect(&seconds_, &QTimer::timeout, this, &frm_CWM::ShowButtons);
     seconds_.start(1000);
@@ -128,6 +126,7 @@ void frm_CWM::Lamp(const std::string& lamp, const std::string&) {
 }
 
 void frm_CWM::Ended(const std::string& reason, bool) {
+    lost_ = !reason.empty();
     Status(reason.empty() ? "Not connected" : "Not connected: " + reason);
     ShowButtons();
 }

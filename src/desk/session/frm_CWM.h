@@ -44,6 +44,7 @@ class frm_CWM : public Page, public session::SessionView {
 
     std::unique_ptr<Ui::frm_CWM> ui_;
     std::unique_ptr<session::Session> session_;  // null: the station is no longer there
+    bool lost_ = false;                          // the line was taken, or failed
     QTimer seconds_;
 };
 

@@ -15,10 +15,6 @@ using signals::Transmitter;
 // Behind these places single precision shows what nobody measures.
 constexpr int shownPlaces = 4;
 
-QString Shown(double value) {
-    return Number(core::RoundTo(value, shownPlaces));
-}
-
 // What stands at the input before a command is given.
 struct Hints {
     const char* zero;
@@ -45,13 +41,17 @@ QString Sign(const std::string& result) {
 }
 
 QString Meaning(const std::string& result) {
-    return result == "Success"   ? "The station has done the last command."
-           : result == "Failure" ? "The station has not done the last command."
+    return result == "Success"   ? "The station carried out the last command."
+           : result == "Failure" ? "The station did not carry out the last command."
            : result.empty()      ? ""
                                  : "Look at the live value before the next command.";
 }
 
 }  // namespace
+
+QString CalibTab::Shown(double value) {
+    return Number(core::RoundTo(value, shownPlaces));
+}
 
 CalibTab::CalibTab(Transmitter transmitter, QWidget* parent)
     : QWidget(parent), transmitter_(transmitter), ui_(std::make_unique<Ui::CalibTab>()) {
@@ -123,7 +123,7 @@ void CalibTab::ShowLimit() {
     QString text;
     if (applied && *applied >= 0) {
         const signals::SpanLimit limit = signals::LimitOf(*applied);
-        text = "For a span the live value is from " + Shown(limit.low) + " to " + Shown(limit.high);
+        text = "For a span the live value must be from " + Shown(limit.low) + " to " + Shown(limit.high);
     }
     ui_->lblLimit->setText(text);
 }

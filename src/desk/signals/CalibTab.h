@@ -20,6 +20,9 @@ class CalibTab : public QWidget {
     CalibTab(signals::Transmitter transmitter, QWidget* parent);
     ~CalibTab() override;
 
+    // A value as it is shown.
+    static QString Shown(double value);
+
     void Display(const signals::TransmitterReading& reading);
     // Without the values and the result; what was applied stays.
     void Clear();

@@ -7,6 +7,7 @@
 #include "core/MAIN_Module.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Grid.h"
+#include "desk/core/TakenLine.h"
 #include "desk/session/WriteFrame.h"
 #include "desk/signals/FetchPanel.h"
 #include "session/Session.h"
@@ -44,6 +45,8 @@ void SignalPage::Build(FetchPanel& panel, WriteFrame& write, QLabel& lblWrite) {
     write_ = &write;
     lblWrite_ = &lblWrite;
     lblWrite.hide();
+    new TakenLine(
+        desk_, this, [this] { return IsBusy(); }, [&panel](const QString& text) { panel.Status(text.toStdString()); });
     panel.between = [this](protocols::Conversation& talk) { ServeWrite(talk); };
     if (session_ != nullptr) {
         connect(&panel.signalsGrid(), &Grid::RowChosen, this, [this](int row) { Guarded([&] { ChooseRow(row); }); });

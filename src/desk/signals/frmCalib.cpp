@@ -1,8 +1,10 @@
 #include "desk/signals/frmCalib.h"
 
 #include "collection/Workplace.h"
+#include "core/Text.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
+#include "desk/core/TakenLine.h"
 #include "desk/signals/CalibTab.h"
 #include "session/Session.h"
 #include "signals/CalibrationLine.h"
@@ -31,6 +33,8 @@ frmCalib::frmCalib(Desk& desk, session::Session& session)
     connect(ui_->cmdStart, &QPushButton::clicked, this, [this] { Guarded([this] { Start(); }); });
     connect(ui_->cmdStop, &QPushButton::clicked, this, &frmCalib::Stop);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frmCalib::CloseAsked);
+    new TakenLine(
+        desk_, this, [this] { return running_; }, [this](const QString& text) { ui_->lblmsg->setText(text); });
     ui_->pbsignals->hide();
     ShowCommands();
     ShowState();
@@ -101,7 +105,45 @@ void frmCalib::CloseAsked() {
 }
 
 void frmCalib::Ask(CalibTab& tab, signals::CalibrationCommand command) {
-    const std::string refusal = calibration_->Ask(tab.Of(), command, tab.Applied());
+    // What is no number is refused without a question.
+    const auto applied = core::EnteredNumber(tab.Applied());
+    if (command == signals::CalibrationCommand::Span && !applied) {
+        Give(tab, command, tab.Applied());
+        return;
+    }
+    const signals::TransmitterReading& reading = calibration_->Of(tab.Of());
+    const QString unit = reading.unit.empty() ? QString() : " " + QString::fromStdString(reading.unit);
+    const QString name = signals::NameOf(tab.Of());
+    QString act;
+    QString then;
+    switch (command) {
+        case signals::CalibrationCommand::Zero:
+            act = "Calibrate the zero of " + name;
+            then = "0" + unit;
+            break;
+        case signals::CalibrationCommand::Span:
+            act = "Calibrate the span of " + name;
+            then = Number(*applied) + unit;
+            break;
+        case signals::CalibrationCommand::Restore:
+            act = "Restore the calibration of " + name;
+            then = "as by the calibration that is restored";
+            break;
+    }
+    const QString now = !reading.live ? QString("not read")
+                                      : CalibTab::Shown(*reading.live) + unit + ", read at " +
+                                            QString::fromStdString(core::TimeText(reading.at));
+    Page::Ask(act + " at " + QString::fromStdString(session_.GetStation().consumer) + "?\n\nValue now: " + now +
+                  "\nValue then: " + then,
+              [this, &tab, command, value = tab.Applied()] { Guarded([&] { Give(tab, command, value); }); });
+}
+
+void frmCalib::Give(CalibTab& tab, signals::CalibrationCommand command, const std::string& applied) {
+    if (GetState() != CalibrationState::Reading) {
+        Message("The command was not given: the signals are no longer read");
+        return;
+    }
+    const std::string refusal = calibration_->Ask(tab.Of(), command, applied);
     if (!refusal.empty()) {
         Message(refusal);
         tab.AppliedField().setFocus();
@@ -173,7 +215,7 @@ void frmCalib::ShowState() {
             state = QString("Busy with ") + (busyWith ? signals::NameOf(*busyWith) : "");
             break;
         case CalibrationState::Stopped:
-            state = running_ ? "Giving the line back" : "Stopped";
+            state = running_ ? "Releasing the line" : "Stopped";
             break;
     }
     ui_->lblstate->setText(running_ && stopping_ ? "Stopping..." : state);

@@ -42,7 +42,9 @@ class frmCalib : public Page, public signals::CalibrationView, public core::Feed
     void Over();
     // While a cycle runs it is stopped first, and the page closes behind its end.
     void CloseAsked();
+    // Asks whether a command is to be given, with the value now and then.
     void Ask(CalibTab& tab, signals::CalibrationCommand command);
+    void Give(CalibTab& tab, signals::CalibrationCommand command, const std::string& applied);
 
     void display();
     void clear();

@@ -122,8 +122,8 @@ void frmVerify::ShowRows(const std::vector<signals::VerifiedRow>& rows) {
     }
     grid.AddItems(GridRows(lines));
     for (const signals::VerifiedRow& verified : rows) {
-        const int cells = verified.differs ? (verified.difference ? wordColumn : wordColumn - 1) : 0;
-        for (int column = 0; column < cells; ++column) {
+        // Behind a text there is no difference, and the empty cell carries on the colour.
+        for (int column = 0; verified.differs && column < wordColumn; ++column) {
             grid.CellColour(row, column, colour);
         }
         ++row;

@@ -8,6 +8,7 @@
 #include "core/Station.h"
 #include "core/Text.h"
 #include "core/Users.h"
+#include "desk/core/ByHand.h"
 #include "desk/core/Look.h"
 #include "desk/core/Navigator.h"
 #include "desk/session/frmparalist.h"
@@ -296,8 +297,21 @@ void frmconfigstation::Delete() {
     }
     const std::int64_t locationId = ui_->Grid->TextMatrix(row, 0).toLongLong();
     const std::string consumer = ui_->Grid->TextMatrix(row, 1).toStdString();
-    Ask("Are You Sure?", [this, locationId, consumer] {
+    const auto isKept = [this, locationId, consumer] {
+        const std::string why = WhyKept(desk_, locationId, consumer);
+        if (!why.empty()) {
+            Show(QString::fromStdString(why));
+        }
+        return !why.empty();
+    };
+    if (isKept()) {
+        return;
+    }
+    Ask("Are You Sure?", [this, locationId, consumer, isKept] {
         Guarded([&] {
+            if (isKept()) {  // it has become due behind the question
+                return;
+            }
             stations::DeleteStation(desk_.dbconn, locationId, consumer);
             FillGrid(0);
             Show("Record Deleted..", QMessageBox::Information);

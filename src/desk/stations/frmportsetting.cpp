@@ -2,6 +2,7 @@
 
 #include "core/Feedback.h"
 #include "core/Logs.h"
+#include "core/MAIN_Module.h"
 #include "desk/core/Boxes.h"
 #include "stations/StationRules.h"
 #include "ui_frmportsetting.h"
@@ -27,6 +28,7 @@ frmportsetting::frmportsetting(Desk& desk, const std::string& settings, QWidget*
     : QDialog(over), settings_(settings), ui_(std::make_unique<Ui::frmportsetting>()) {
     ui_->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle("Port Setting" + QString::fromStdString(desk.shared.versionsuffix));
     try {
         ui_->cmbbautrate->Fill(stations::Baudrates(desk.dbconn));
     } catch (const std::exception& failure) {

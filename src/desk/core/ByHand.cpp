@@ -1,0 +1,70 @@
+#include "desk/core/ByHand.h"
+
+#include <QMetaObject>
+#include <algorithm>
+
+#include "collection/NodeOverview.h"
+#include "collection/Scheduler.h"
+#include "core/Clock.h"
+#include "core/Feedback.h"
+#include "core/MAIN_Module.h"
+#include "desk/core/Navigator.h"
+
+namespace desk {
+
+namespace {
+
+void ServeLater(Desk& desk) {
+    QMetaObject::invokeMethod(
+        &desk.navigator, [&desk] { desk.scheduler.Serve(); }, Qt::QueuedConnection);
+}
+
+}  // namespace
+
+bool MayCollect(const Desk& desk) {
+    return desk.shared.rights.rightOnline;
+}
+
+void CollectNow(Desk& desk, std::int64_t locationID, const std::string& consumer) {
+    if (desk.scheduler.CollectNow(locationID)) {
+        ServeLater(desk);
+    } else {
+        desk.feedback.Status(consumer + " is being collected already, or waits for it");
+    }
+}
+
+void CollectMissing(Desk& desk) {
+    const int queued = desk.scheduler.CollectMissing();
+    desk.feedback.Status(queued == 0 ? "No station is missing"
+                                     : std::to_string(queued) + (queued == 1 ? " station is" : " stations are") +
+                                           " missing and will be collected");
+    if (queued > 0) {
+        ServeLater(desk);
+    }
+}
+
+collection::DayLine LineNow(Desk& desk, std::int64_t locationID) {
+    return collection::LineNow(desk.dbconn, locationID, desk.clock.Now(), desk.scheduler.StandOf(locationID));
+}
+
+QString Behind(Desk& desk) {
+    const auto nodes = collection::ReadNodes(desk.dbconn);
+    const auto waiting = std::count_if(nodes.begin(), nodes.end(), [&](const collection::Node& node) {
+        return desk.scheduler.Queued(node.locationId);
+    });
+    return waiting == 0 ? "" : ", " + QString::number(waiting) + (waiting == 1 ? " more waits" : " more wait");
+}
+
+std::string WhyKept(const Desk& desk, std::int64_t locationID, const std::string& consumer) {
+    switch (desk.scheduler.StandOf(locationID)) {
+        case collection::InQueue::Collecting:
+            return consumer + " is being collected. Delete it when that is over.";
+        case collection::InQueue::Queued:
+            return consumer + " waits to be collected. Delete it after that.";
+        case collection::InQueue::No:
+            break;
+    }
+    return {};
+}
+
+}  // namespace desk
