@@ -16,18 +16,20 @@ protocols::Bsap Messages(protocols::Conversation& talk) {
 }
 
 // The records of an answer stand where a list's do: where a list has the place to go on, there is the load version.
-// Nothing when it is no answer with that many signals.
+// Some stations send each with its name. Nothing when it is no answer with that many signals.
 std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const std::string& reply,
                                              std::size_t count) {
     if (reply.size() <= tooShort) {
         return std::nullopt;
     }
-    auto records = collection::ReadRecords(reply, {protocols::ReplyLayout(station.isCW).firstRecord, true,
-                                                   station.isTeleCorrector, collection::RecordFields::ValuesOrTexts});
-    if (!records.whole || records.signals.size() != count) {
-        return std::nullopt;
+    for (const auto fields : {collection::RecordFields::ValuesOrTexts, collection::RecordFields::Names}) {
+        auto records = collection::ReadRecords(
+            reply, {protocols::ReplyLayout(station.isCW).firstRecord, true, station.isTeleCorrector, fields});
+        if (records.whole && records.signals.size() == count) {
+            return std::move(records.signals);
+        }
     }
-    return std::move(records.signals);
+    return std::nullopt;
 }
 
 using IsOf = std::function<bool(const Signal& signal, std::size_t index)>;

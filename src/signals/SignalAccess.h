@@ -25,14 +25,15 @@ enum class Answer {
 
 struct ReadAnswer {
     Answer answer = Answer::None;
-    std::vector<Signal> signals{};  // Good: one for each that was asked for, in their order, without their names
+    std::vector<Signal>
+        signals{};  // Good: one for each that was asked for, in their order; few stations name them here
 };
 
 // Reads the signal with an address. An answer that is of another signal is none.
 ReadAnswer ReadByAddress(protocols::Conversation& talk, std::int32_t address);
 
-// A signal that is read by its name. Its answer holds no name: once its address is known, an answer that is of another
-// signal is none. 0: not known yet.
+// A signal that is read by its name. Its answer need not hold the name: once its address is known, an answer that is of
+// another signal is none. 0: not known yet.
 struct NamedSignal {
     std::string name;
     int address = 0;

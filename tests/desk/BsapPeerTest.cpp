@@ -32,6 +32,7 @@ struct Manner {
     const char* address;
     signals::Transmitter transmitter;
     signals::CalibrationCommand command;
+    const char* habit;  // one more option of the station
 };
 
 struct Fetched final : signals::FetchView {
@@ -75,7 +76,7 @@ class BsapPeerTest : public testing::TestWithParam<Manner> {
 
     support::BsapPeer peer{{"--layout", GetParam().layout, "--address", GetParam().address, "--not-ready", "0.25",
                             "--noise", "0.25", "--seed", "9", "--analogs", "120", "--logicals", "50", "--version",
-                            "1034"}};
+                            "1034", GetParam().habit}};
     support::PortDesk desk{peer.Path()};
     std::int64_t locationID = demo::AddStation(
         desk.dbconn,
@@ -277,6 +278,8 @@ TEST_P(BsapPeerTest, ASessionShowsAndWritesTheSignalsOfItsRows) {
             .value();
     };
     const core::Row analog = row("startaddress like '54-%' and CFP and aga in ('AGA3','CONFIG') order by srno");
+    const core::Row second =
+        row("startaddress like '54-%' and CFP and aga in ('AGA3','CONFIG') order by srno limit 1,1");
     const core::Row logical = row("description='Tap Type'");
     const auto place = [&](const core::Row& of) {
         return session.Parameters().Find(of.Text("aga"), of.Text("description")).value();
@@ -299,6 +302,11 @@ TEST_P(BsapPeerTest, ASessionShowsAndWritesTheSignalsOfItsRows) {
              EXPECT_EQ(session.AskWrite(place(logical), on == session.GetStation().isCW ? "PIPE" : "FLANGE"), "")
                  << logical.Text("description");
          }},
+        {"several", polled,
+         [&] {
+             EXPECT_EQ(held(analog), 16.0625);
+             EXPECT_EQ(session.AskMultipleWrite({{place(analog), "-4098.5"}, {place(second), "16"}}), "");
+         }},
         {"end", polled, [&] { session.Disconnect(); }},
     });
     QTimer timer;
@@ -308,15 +316,18 @@ TEST_P(BsapPeerTest, ASessionShowsAndWritesTheSignalsOfItsRows) {
     session.GetData();
     EXPECT_EQ(script.Missing(), "");
     EXPECT_THAT(view.boxes, IsEmpty());
-    EXPECT_EQ(held(analog), 16.0625);
+    EXPECT_EQ(held(analog), -4098.5);
+    EXPECT_EQ(held(second), 16);
     EXPECT_EQ(held(logical), on ? 0 : 1);
-    EXPECT_EQ(support::PeerNumber(desk.dbconn, peer.State(), "$.written[#-1].error"), 0);
+    EXPECT_EQ(desk.dbconn.Query("select 1 from json_each(?, '$.written') where value->>'error'", {peer.State()}).size(),
+              0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Layouts, BsapPeerTest,
-    testing::Values(Manner{"long", "TeleFlow+", "1", signals::Transmitter::DP, signals::CalibrationCommand::Span},
-                    Manner{"cw", "CWGFC-AGA3", "16", signals::Transmitter::Temp, signals::CalibrationCommand::Zero}),
-    [](const auto& info) { return std::string(info.param.layout); });
+INSTANTIATE_TEST_SUITE_P(Layouts, BsapPeerTest,
+                         testing::Values(Manner{"long", "TeleFlow+", "1", signals::Transmitter::DP,
+                                                signals::CalibrationCommand::Span, "--poll-serial"},
+                                         Manner{"cw", "CWGFC-AGA3", "16", signals::Transmitter::Temp,
+                                                signals::CalibrationCommand::Zero, "--names-in-singles"}),
+                         [](const auto& info) { return std::string(info.param.layout); });
 
 }  // namespace
