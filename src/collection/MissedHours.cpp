@@ -76,18 +76,20 @@ void MissedHours::WriteDown(const core::DateTime& minute) {
 
 bool MissedHours::Served(std::int64_t locationID, const core::DateTime& due) const {
     return dbconn_
-        .First("select 1 from outcome where locationID=? and gasday=? and due=? and how in ('schedule', 'late')",
-               {locationID, core::IsoText(due).substr(0, 10), core::IsoText(due)})
+        .First(
+            "select 1 from outcome where locationID=? and gasday=? and due=? and how in ('schedule', 'late') and "
+            "ifnull(reason, '')<>?",
+            {locationID, core::IsoText(due).substr(0, 10), core::IsoText(due), programEnds})
         .has_value();
 }
 
-// A run of the schedule has had the gas day, or somebody has collected it.
+// A run of the schedule has had the gas day to its end, or somebody has collected it.
 bool MissedHours::DayServed(std::int64_t locationID, const core::DateTime& due) const {
     return dbconn_
         .First(
-            "select 1 from outcome where locationID=? and gasday=? and (how in ('schedule', 'late') or "
-            "result='collected')",
-            {locationID, core::IsoText(due).substr(0, 10)})
+            "select 1 from outcome where locationID=? and gasday=? and (how in ('schedule', 'late') and "
+            "ifnull(reason, '')<>? or result='collected')",
+            {locationID, core::IsoText(due).substr(0, 10), programEnds})
         .has_value();
 }
 

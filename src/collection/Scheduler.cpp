@@ -126,7 +126,7 @@ InQueue Scheduler::StandOf(std::int64_t locationID) const {
 
 void Scheduler::Leave() {
     leaving_ = true;
-    place_.line.EndConversation("The program ends");
+    place_.line.EndConversation(programEnds);
     place_.clock.Wake();
     if (!running_ && queue_.Empty()) {
         core::Guarded(place_.logs, [this] { missed_.AllServed(true); });
@@ -278,7 +278,7 @@ RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
     }
     if (!best) {
         state.result = Result::BrokenOff;
-        state.reason = "The program ends";
+        state.reason = programEnds;
         best = state;
     }
     outcome.attempts = state.dials > 0 ? state.dials : outcome.attempts;
