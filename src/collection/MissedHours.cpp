@@ -15,11 +15,6 @@ constexpr std::int64_t secondsADay = 86400;
 constexpr std::int64_t summerTime = 2 * 3600;
 constexpr std::int64_t writtenDownEvery = 15 * secondsAMinute;
 
-core::DateTime MinuteOf(core::DateTime at) {
-    at.second = 0;
-    return at;
-}
-
 core::DateTime Later(const core::DateTime& at, std::int64_t seconds) {
     return core::FromSeconds(core::ToSeconds(at) + seconds);
 }

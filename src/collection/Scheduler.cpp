@@ -18,11 +18,6 @@ constexpr std::uint32_t msAMinute = 60000;
 constexpr std::uint32_t unsentEveryMs = 30 * msAMinute;
 constexpr std::int64_t secondsADay = 86400;
 
-core::DateTime MinuteOf(core::DateTime at) {
-    at.second = 0;
-    return at;
-}
-
 std::string LineText(const core::Station& station) {
     if (!station.ip.empty()) {
         return "IP " + station.ip;

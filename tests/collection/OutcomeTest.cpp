@@ -365,6 +365,7 @@ TEST_F(OutcomeTest, AStationOfTwoStreamsHasTheFlowOfBoth) {
     EXPECT_FLOAT_EQ(works.monthflow.value(), served(4, 1, "Volume This Month") + served(4, 2, "Volume This Month"));
     EXPECT_FLOAT_EQ(works.pressure.value(), served(4, 1, "Flowing Pressure"));
     EXPECT_EQ(desk.Count("outcome where result='collected'"), 5);
+    EXPECT_EQ(desk.Count("gasday where dayflow is not null and monthflow is not null and pressure is not null"), 5);
 
     collection::DayFigures partly{10, 20, 3};
     partly.AddStream({5, {}, 4});
