@@ -15,11 +15,6 @@ constexpr std::int64_t secondsADay = 86400;
 constexpr std::int64_t summerTime = 2 * 3600;
 constexpr std::int64_t writtenDownEvery = 15 * secondsAMinute;
 
-core::DateTime MinuteOf(core::DateTime at) {
-    at.second = 0;
-    return at;
-}
-
 core::DateTime Later(const core::DateTime& at, std::int64_t seconds) {
     return core::FromSeconds(core::ToSeconds(at) + seconds);
 }
@@ -76,18 +71,20 @@ void MissedHours::WriteDown(const core::DateTime& minute) {
 
 bool MissedHours::Served(std::int64_t locationID, const core::DateTime& due) const {
     return dbconn_
-        .First("select 1 from outcome where locationID=? and gasday=? and due=? and how in ('schedule', 'late')",
-               {locationID, core::IsoText(due).substr(0, 10), core::IsoText(due)})
+        .First(
+            "select 1 from outcome where locationID=? and gasday=? and due=? and how in ('schedule', 'late') and "
+            "ifnull(reason, '')<>?",
+            {locationID, core::IsoText(due).substr(0, 10), core::IsoText(due), programEnds})
         .has_value();
 }
 
-// A run of the schedule has had the gas day, or somebody has collected it.
+// A run of the schedule has had the gas day to its end, or somebody has collected it.
 bool MissedHours::DayServed(std::int64_t locationID, const core::DateTime& due) const {
     return dbconn_
         .First(
-            "select 1 from outcome where locationID=? and gasday=? and (how in ('schedule', 'late') or "
-            "result='collected')",
-            {locationID, core::IsoText(due).substr(0, 10)})
+            "select 1 from outcome where locationID=? and gasday=? and (how in ('schedule', 'late') and "
+            "ifnull(reason, '')<>? or result='collected')",
+            {locationID, core::IsoText(due).substr(0, 10), programEnds})
         .has_value();
 }
 

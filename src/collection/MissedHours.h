@@ -16,8 +16,9 @@ struct MissedHour {
 };
 
 // Knows which contract hours nobody served: the program did not run, the machine slept, the clock was set forward,
-// summer time began, or the power was cut while they waited. What was served is known from `outcome`, and up to which
-// minute all was served from `schedule_state`; so neither a first start nor a new station has a past to catch up.
+// summer time began, or the power was cut or the program ended while they waited or were in hand. What was served is
+// known from `outcome`, and up to which minute all was served from `schedule_state`; so neither a first start nor a new
+// station has a past to catch up.
 class MissedHours {
   public:
     explicit MissedHours(core::Database& dbconn) : dbconn_(dbconn) {}

@@ -20,6 +20,9 @@ enum class How {
     Hand,      // an operator asked for it
 };
 
+// The reason of a run that the end of the program broke off.
+inline constexpr const char* programEnds = "The program ends";
+
 // One run: all attempts that a station got in one turn. Moments are ISO texts, local time.
 struct Outcome {
     std::int64_t locationID = 0;

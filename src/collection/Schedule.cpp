@@ -33,12 +33,12 @@ std::optional<core::DateTime> DueInDays(const Schedule& schedule, const core::Da
     return DueOn(schedule, core::FromSeconds(Midnight(now) + days * secondsADay));
 }
 
+}  // namespace
+
 core::DateTime MinuteOf(core::DateTime at) {
     at.second = 0;
     return at;
 }
-
-}  // namespace
 
 bool HasSchedule(const std::string& duration) {
     return core::SameText(duration, "Daily") || core::SameText(duration, "Weekly") ||

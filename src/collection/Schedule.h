@@ -24,6 +24,9 @@ struct Schedule {
     int minute = 0;        // of the day: the contract hour
 };
 
+// The full minute in which a moment lies.
+core::DateTime MinuteOf(core::DateTime at);
+
 // Whether a duration is one of a schedule.
 bool HasSchedule(const std::string& duration);
 

@@ -18,11 +18,6 @@ constexpr std::uint32_t msAMinute = 60000;
 constexpr std::uint32_t unsentEveryMs = 30 * msAMinute;
 constexpr std::int64_t secondsADay = 86400;
 
-core::DateTime MinuteOf(core::DateTime at) {
-    at.second = 0;
-    return at;
-}
-
 std::string LineText(const core::Station& station) {
     if (!station.ip.empty()) {
         return "IP " + station.ip;
@@ -126,7 +121,7 @@ InQueue Scheduler::StandOf(std::int64_t locationID) const {
 
 void Scheduler::Leave() {
     leaving_ = true;
-    place_.line.EndConversation("The program ends");
+    place_.line.EndConversation(programEnds);
     place_.clock.Wake();
     if (!running_ && queue_.Empty()) {
         core::Guarded(place_.logs, [this] { missed_.AllServed(true); });
@@ -278,7 +273,7 @@ RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
     }
     if (!best) {
         state.result = Result::BrokenOff;
-        state.reason = "The program ends";
+        state.reason = programEnds;
         best = state;
     }
     outcome.attempts = state.dials > 0 ? state.dials : outcome.attempts;

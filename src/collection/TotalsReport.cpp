@@ -59,7 +59,8 @@ bool makereport(core::Database& dbconn, std::int64_t location, int streamno) {
         return false;
     }
     const auto parameters = dbconn.Query(
-        "select description, lastvalue from configdata_detail where locationID=? and StreamNo=? and aga='TOTRND'",
+        "select description, case when quality='good' or (quality is null and lastvalue<>0) then lastvalue end from "
+        "configdata_detail where locationID=? and StreamNo=? and aga='TOTRND'",
         {location, streamno});
     std::vector<core::Value> row = {station->consumer};
     for (const char* const total : std::span(totals).first(*count)) {

@@ -41,6 +41,17 @@ TEST_F(TotalsReportTest, ATotalIsFoundByItsName) {
     }
 }
 
+TEST_F(TotalsReportTest, WhatWasNotReceivedIsNoTotal) {
+    Station("TeleCorrector");
+    desk.dbconn.Execute(
+        "update configdata_detail set readat='2026-03-09 06:00:00', quality=case description when 'Energy Today' then "
+        "'not received' when 'volume today' then 'refused' else 'good' end");
+    EXPECT_TRUE(collection::makereport(desk.dbconn, 7, 1));
+    EXPECT_TRUE(Rows()[0].IsNull("Energy Today"));
+    EXPECT_TRUE(Rows()[0].IsNull("Volume Today"));
+    EXPECT_EQ(Rows()[0].Number("Uncorrected Volume Today"), 2);
+}
+
 TEST_F(TotalsReportTest, AnotherModelLeavesTheTableAsItIs) {
     desk.dbconn.Execute("insert into tblmail(\"Node Name\") values('before')");
     Station("TeleRTU");
