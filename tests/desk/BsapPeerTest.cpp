@@ -260,7 +260,8 @@ TEST_P(BsapPeerTest, ATransmitterIsCalibrated) {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] { script.Turn(); });
     timer.start(10);
-    QTimer::singleShot(40000, [&] { calibration.Stop(); });
+    const QObject untilTheEnd;
+    QTimer::singleShot(40000, &untilTheEnd, [&] { calibration.Stop(); });
     Do([&](protocols::Conversation& talk) { calibration.Run(talk); });
     EXPECT_EQ(script.Missing(), "") << testing::PrintToString(told.messages);
     EXPECT_EQ(calibration.Of(GetParam().transmitter).result, "Success");
@@ -312,7 +313,8 @@ TEST_P(BsapPeerTest, ASessionShowsAndWritesTheSignalsOfItsRows) {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] { script.Turn(); });
     timer.start(10);
-    QTimer::singleShot(40000, [&] { session.Disconnect(); });
+    const QObject untilTheEnd;
+    QTimer::singleShot(40000, &untilTheEnd, [&] { session.Disconnect(); });
     session.GetData();
     EXPECT_EQ(script.Missing(), "");
     EXPECT_THAT(view.boxes, IsEmpty());

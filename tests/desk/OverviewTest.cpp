@@ -201,7 +201,7 @@ TEST_F(OverviewTest, ATotalOpensTheVolumesOfItsGroup) {
               "Station\tVolume\tUnit\tToday\tRemark\r\n"
               "North Gate\t12.5\tSCM\tdue 08:00\t\r\n"
               "South Gate\tno data\tMSCFH\tdue 08:00\t\r\n"
-              "Kiln\t300.75\tSCM\tdue 10/03 00:00\tvolume of 08/03/2026\r\n"
+              "Kiln\t300.75\tSCM\tdue 10/03 00:00\tvolume of 08/03/2026 08:01:02\r\n"
               "Never read\tno data\tSCM\tdue 08:00\t\r\n");
     EXPECT_EQ(label, "313.25 SCM");
     EXPECT_EQ(Label("lbltotal"), "Total: 313.25");

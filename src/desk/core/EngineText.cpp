@@ -1,6 +1,5 @@
 #include "desk/core/EngineText.h"
 
-#include <QDate>
 #include <QLocale>
 
 #include "core/Text.h"
@@ -17,10 +16,6 @@ QString Number(double value) {
 
 QString Count(std::size_t number) {
     return QLocale(QLocale::English).toString(static_cast<qulonglong>(number));
-}
-
-QString Day(const std::string& stored) {
-    return QDate::fromString(QString::fromStdString(stored).left(10), Qt::ISODate).toString("dd/MM/yyyy");
 }
 
 QString OneLine(const std::string& text) {

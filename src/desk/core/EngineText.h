@@ -18,9 +18,6 @@ QString Number(double value);
 // How many, with its thousands: "28,812".
 QString Count(std::size_t number);
 
-// The day of a stored moment, "09/03/2026"; empty for none.
-QString Day(const std::string& stored);
-
 // For a place that has one line.
 QString OneLine(const std::string& text);
 

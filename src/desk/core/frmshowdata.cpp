@@ -1,5 +1,6 @@
 #include "desk/core/frmshowdata.h"
 
+#include "collection/Claim.h"
 #include "collection/NodeOverview.h"
 #include "core/Clock.h"
 #include "core/Text.h"
@@ -19,14 +20,13 @@ frmshowdata::frmshowdata(Desk& desk, int groupno)
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &Page::Closed);
     ui_->floatgrid->FormatString("<Station|>Volume|<Unit|<Today|<Remark");
     Guarded([&] {
-        const QString today = Day(core::IsoText(desk_.clock.Now()));
+        const std::string today = core::IsoText(desk_.clock.Now()).substr(0, 10);
         double total = 0;
         for (const auto& volume : collection::GroupVolumes(desk_.dbconn, groupno)) {
             const collection::DayLine line = LineNow(desk_, volume.locationId);
-            const QString readOn = Day(volume.readat);
             QStringList remarks;
-            if (!readOn.isEmpty() && readOn != today) {
-                remarks.append("volume of " + readOn);
+            if (!volume.readat.empty() && !volume.readat.starts_with(today)) {
+                remarks.append("volume of " + Text(collection::MomentText(volume.readat)));
             }
             if (!line.reason.empty()) {
                 remarks.append(Text(line.reason));

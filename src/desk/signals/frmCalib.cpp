@@ -1,6 +1,7 @@
 #include "desk/signals/frmCalib.h"
 
 #include "collection/Workplace.h"
+#include "core/MAIN_Module.h"
 #include "core/Text.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
@@ -8,6 +9,7 @@
 #include "desk/signals/CalibTab.h"
 #include "session/Session.h"
 #include "signals/CalibrationLine.h"
+#include "signals/SignalWriting.h"
 #include "ui_frmCalib.h"
 
 namespace desk {
@@ -105,9 +107,10 @@ void frmCalib::CloseAsked() {
 }
 
 void frmCalib::Ask(CalibTab& tab, signals::CalibrationCommand command) {
-    // What is no number is refused without a question.
+    // What will be refused is refused without a question.
     const auto applied = core::EnteredNumber(tab.Applied());
-    if (command == signals::CalibrationCommand::Span && !applied) {
+    if ((command == signals::CalibrationCommand::Span && !applied) ||
+        !signals::MayCalibrate(desk_.dbconn, desk_.shared.currentuser)) {
         Give(tab, command, tab.Applied());
         return;
     }
