@@ -58,14 +58,16 @@ TEST_F(DailyReportScreenTest, ShowsAndSavesTheReportOfTheDay) {
     EXPECT_NEAR(grid.TextMatrix(0, 6).toDouble(), monthflow / 9, 0.005);  // on the ninth
     EXPECT_NEAR(grid.TextMatrix(0, 7).toDouble(), logged.Number("currentprs"), 0.005);
 
-    // Another day: nothing of the one before stays, and what was not collected is 0.
+    EXPECT_THAT(grid.TextMatrix(0, 9).toStdString(), testing::HasSubstr(" by schedule"));
+
+    // Another day: nothing of the one before stays, and what was not collected is no zero.
     date.setFocus();
     QTest::keyClick(&date, Qt::Key_Down);
     EXPECT_EQ(date.date(), QDate(2026, 3, 8));
     EXPECT_EQ(grid.Rows(), 0);
     EXPECT_FALSE(The(form, "cmdsavertf").isEnabled());
     Click(form, "cmddaily");
-    EXPECT_EQ(grid.TextMatrix(0, 5), "0.00");
+    EXPECT_EQ(grid.TextMatrix(0, 5), "no data");
 
     // Meanwhile the scheduled mail has made the report of today.
     desk.dbconn.Execute("update daily_rep set monthflow=777");
