@@ -182,7 +182,9 @@ int Start(QApplication& application, const StartOptions& options) {
     QObject::connect(&frmLogin, &desk::frmLogin::Abandoned, &mainfrm,
                      [&] { mainfrm.AskToEnd(&frmLogin, [&] { frmLogin.hide(); }); });
     QObject::connect(&mainfrm, &desk::mainfrm::LoggedOff, &frmLogin, &QWidget::show);
-    QObject::connect(&mainfrm, &desk::mainfrm::Ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    // quit() would ask the windows, and the login's asks the operator.
+    QObject::connect(
+        &mainfrm, &desk::mainfrm::Ended, &application, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
     const EndSignals endSignals([&] { mainfrm.EndProgram(); });
 
     if (options.unattended) {

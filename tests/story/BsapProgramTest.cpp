@@ -59,7 +59,7 @@ TEST(BsapProgram, CollectsStationsOfAnotherHandInBothLayouts) {
     std::filesystem::create_directory(scratch.path / "scheduler");
     std::filesystem::copy_file(NORWEN_DATABASE, scratch.path / "Kolmar.mdb");
     support::BsapPeer dialled({"--layout", "long", "--modem", "--not-ready", "0.3", "--noise", "0.3", "--seed", "5",
-                               "--analogs", "260", "--logicals", "78", "--version", "1034", "--delay", "20"});
+                               "--analogs", "270", "--logicals", "78", "--version", "1034", "--delay", "20"});
     support::BsapPeer direct({"--layout", "cw", "--address", "16", "--not-ready", "0.3", "--noise", "0.3", "--seed",
                               "6", "--analogs", "230", "--logicals", "60", "--version", "1010", "--delay", "20"});
     core::Database dbconn(scratch.path / "Kolmar.mdb");
