@@ -137,7 +137,8 @@ create table outcome (
   asked integer,                        -- values
   received integer,
   result text,                          -- 'collected', 'partly', 'not reached', 'no answer', 'refused', 'broken off'
-  reason text                           -- a sentence
+  reason text,                          -- a sentence
+  doubtful boolean                      -- true: the clock was set back behind `begun`
 );
 create index outcome_day on outcome (locationID, gasday);
 
@@ -149,7 +150,8 @@ create table gasday (
   readat text,
   dayflow double,
   monthflow double,
-  pressure double
+  pressure double,
+  doubtful boolean                      -- true: the clock was set back behind `readat`
 );
 create unique index gasday_day on gasday (locationID, gasday);
 

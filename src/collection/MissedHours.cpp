@@ -25,8 +25,10 @@ std::vector<MissedHour> MissedHours::Tick(const core::DateTime& now) {
     const core::DateTime minute = MinuteOf(now);
     core::DateTime from = lastTick_ ? *lastTick_ : Begin(minute);
     if (from > Later(minute, summerTime)) {
-        TakeBackFuture(now);
+        DoubtFuture(now);
         from = Later(minute, -secondsADay);
+    } else if (lastTick_ && from < Later(minute, -summerTime)) {
+        TrustPast(now);
     }
     lastTick_ = minute;
     std::vector<MissedHour> missed;
@@ -73,7 +75,7 @@ bool MissedHours::Served(std::int64_t locationID, const core::DateTime& due) con
     return dbconn_
         .First(
             "select 1 from outcome where locationID=? and gasday=? and due=? and how in ('schedule', 'late') and "
-            "ifnull(reason, '')<>?",
+            "ifnull(reason, '')<>? and doubtful is null",
             {locationID, core::IsoText(due).substr(0, 10), core::IsoText(due), programEnds})
         .has_value();
 }
@@ -83,20 +85,28 @@ bool MissedHours::DayServed(std::int64_t locationID, const core::DateTime& due) 
     return dbconn_
         .First(
             "select 1 from outcome where locationID=? and gasday=? and (how in ('schedule', 'late') and "
-            "ifnull(reason, '')<>? or result='collected')",
+            "ifnull(reason, '')<>? or result='collected') and doubtful is null",
             {locationID, core::IsoText(due).substr(0, 10), programEnds})
         .has_value();
 }
 
-// The clock was wrong, and was set back. The days that it claims to have served are yet to come.
-void MissedHours::TakeBackFuture(const core::DateTime& now) {
+// The clock was set back by more than summer time: it was ahead, and the days that it claims to have served are yet to
+// come; or it is wrong now, as where a machine starts without the time. Until that shows, such rows serve no hour and
+// speak for no day. Nothing is deleted.
+void MissedHours::DoubtFuture(const core::DateTime& now) {
     const std::string moment = core::IsoText(now);
     dbconn_.InTransaction([&] {
-        dbconn_.Execute(
-            "update outcome set gasday=null, due=null, reason=trim(ifnull(reason,'') || ' The clock was wrong: it was "
-            "set back to ' || ?1) where begun > ?1",
-            {moment});
-        dbconn_.Execute("delete from gasday where readat > ?", {moment});
+        dbconn_.Execute("update outcome set doubtful=true where begun > ?", {moment});
+        dbconn_.Execute("update gasday set doubtful=true where readat > ?", {moment});
+    });
+}
+
+// The clock was set forward past them: they were right, and it was wrong in between.
+void MissedHours::TrustPast(const core::DateTime& now) {
+    const std::string moment = core::IsoText(now);
+    dbconn_.InTransaction([&] {
+        dbconn_.Execute("update outcome set doubtful=null where doubtful and begun <= ?", {moment});
+        dbconn_.Execute("update gasday set doubtful=null where doubtful and readat <= ?", {moment});
     });
 }
 

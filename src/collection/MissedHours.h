@@ -39,7 +39,8 @@ class MissedHours {
 
   private:
     core::DateTime Begin(const core::DateTime& minute);
-    void TakeBackFuture(const core::DateTime& now);
+    void DoubtFuture(const core::DateTime& now);
+    void TrustPast(const core::DateTime& now);
     bool DayServed(std::int64_t locationID, const core::DateTime& due) const;
     void WriteDown(const core::DateTime& minute);
 

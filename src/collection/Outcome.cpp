@@ -50,7 +50,8 @@ Outcome OutcomeIn(const core::Row& row) {
 }
 
 constexpr const char* bestFirst =
-    " order by gasday desc, case result when 'collected' then 0 when 'partly' then 1 else 2 end, rowid desc limit 1";
+    " and doubtful is null order by gasday desc, case result when 'collected' then 0 when 'partly' then 1 else 2 end, "
+    "rowid desc limit 1";
 
 constexpr std::int64_t farthestGasDay = 62;  // days: a run of today serves no earlier one
 
@@ -115,14 +116,17 @@ void RecordGasDay(core::Database& dbconn, std::int64_t locationID, const std::st
     }
     dbconn.Execute(
         "insert into gasday(locationID, gasday, readat, dayflow, monthflow, pressure) values(?,?,?,?,?,?) on "
-        "conflict(locationID, gasday) do update set readat=excluded.readat, dayflow=ifnull(excluded.dayflow,dayflow), "
-        "monthflow=ifnull(excluded.monthflow,monthflow), pressure=ifnull(excluded.pressure,pressure)",
+        "conflict(locationID, gasday) do update set readat=excluded.readat, doubtful=null, "
+        "dayflow=ifnull(excluded.dayflow,iif(doubtful,null,dayflow)), "
+        "monthflow=ifnull(excluded.monthflow,iif(doubtful,null,monthflow)), "
+        "pressure=ifnull(excluded.pressure,iif(doubtful,null,pressure))",
         {locationID, gasday, core::IsoText(readat), Nullable(figures.dayflow), Nullable(figures.monthflow),
          Nullable(figures.pressure)});
 }
 
 std::optional<DayFigures> GasDayOf(core::Database& dbconn, std::int64_t locationID, const std::string& gasday) {
-    const auto row = dbconn.First("select * from gasday where locationID=? and gasday=?", {locationID, gasday});
+    const auto row =
+        dbconn.First("select * from gasday where locationID=? and gasday=? and doubtful is null", {locationID, gasday});
     return row ? std::optional(DayFigures{Figure(*row, "dayflow"), Figure(*row, "monthflow"), Figure(*row, "pressure")})
                : std::nullopt;
 }

@@ -50,7 +50,8 @@ void Retries::Load(const core::DateTime& now) {
         const std::string gasday = due ? DayText(*due) : std::string();
         const auto row = dbconn_.First(
             "select ended, result, (select count(*) from outcome where locationID=?1 and gasday=?2 and how='retry') as "
-            "rounds from outcome where locationID=?1 and gasday=?2 and how<>'hand' order by rowid desc limit 1",
+            "rounds from outcome where locationID=?1 and gasday=?2 and how<>'hand' and doubtful is null order by rowid "
+            "desc limit 1",
             {schedule.locationID, gasday});
         if (!row || waiting_.contains(schedule.locationID) || row->Text("result") == ResultText(Result::Partly) ||
             IsCollected(dbconn_, schedule.locationID, gasday)) {

@@ -22,10 +22,10 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "update modbus_para set floatcount = 265 where (model = 'TeleFlow' and floatcount = 236) or "
     "(model = 'TeleCorrector' and floatcount = 256)",
     "create table outcome (locationID integer, gasday text, due text, begun text, ended text, how text, "
-    "attempts integer, line text, asked integer, received integer, result text, reason text)",
+    "attempts integer, line text, asked integer, received integer, result text, reason text, doubtful boolean)",
     "create index outcome_day on outcome (locationID, gasday)",
     "create table gasday (locationID integer, gasday text, readat text, dayflow double, monthflow double, "
-    "pressure double)",
+    "pressure double, doubtful boolean)",
     "create unique index gasday_day on gasday (locationID, gasday)",
     "create table tArchiveMark (NodeId integer, StreamNo integer, HistoryTypeId integer, recordnumber integer, "
     "Time1 text)",

@@ -83,7 +83,7 @@ struct OutcomeTest : testing::Test {
         return desk.dbconn.Texts(
             "select m.consumer || ' ' || ifnull(substr(o.gasday,9), '-') || ' ' || ifnull(substr(o.due,12,5), '-') || "
             "': ' || substr(o.begun,9,8) || ' ' || o.how || ', ' || o.attempts || ', ' || o.result from outcome o join "
-            "configdata_master m using (locationID) order by o.rowid");
+            "configdata_master m using (locationID) where o.doubtful is null order by o.rowid");
     }
     std::string LineNow(std::int64_t location) {
         return collection::LineNow(desk.dbconn, location, desk.clock.Now(), program->StandOf(location)).text;
@@ -215,12 +215,34 @@ TEST_F(OutcomeTest, DaysThatAWrongClockServedAreServedAgain) {
     RunTo({2026, 3, 12, 9, 0, 0});
     EXPECT_THAT(
         Rows(),
-        ElementsAre("Farm - -: 11 08:00 schedule, 1, collected", "Mill - -: 11 23:00 schedule, 1, collected",
-                    "Farm - -: 12 08:00 schedule, 1, collected", "Farm 10 08:00: 10 09:00 late, 1, collected",
-                    "Mill 09 23:00: 10 09:00 late, 1, collected", "Mill 10 23:00: 10 23:00 schedule, 1, collected",
-                    "Farm 11 08:00: 11 08:00 schedule, 1, collected", "Mill 11 23:00: 11 23:00 schedule, 1, collected",
+        ElementsAre("Farm 10 08:00: 10 09:00 late, 1, collected", "Mill 09 23:00: 10 09:00 late, 1, collected",
+                    "Mill 10 23:00: 10 23:00 schedule, 1, collected", "Farm 11 08:00: 11 08:00 schedule, 1, collected",
+                    "Mill 11 23:00: 11 23:00 schedule, 1, collected",
                     "Farm 12 08:00: 12 08:00 schedule, 1, collected"));
-    EXPECT_EQ(desk.Count("gasday"), 6);
+    EXPECT_EQ(desk.Count("gasday where doubtful is null"), 6);
+    EXPECT_EQ(desk.Count("outcome where doubtful"), 3) << "they are kept";
+}
+
+// A machine that starts without the time, and is given it later.
+TEST_F(OutcomeTest, AClockThatIsWrongForAWhileTakesNoDayAway) {
+    AddFarmAndMill("08:00", "23:00");
+    Start();
+    RunTo({2026, 3, 9, 9, 0, 0});
+    const auto farmsDay = [&] {
+        return desk.dbconn.Texts(
+            "select gasday || ' ' || dayflow || ' ' || readat from gasday where locationID=? and gasday='2026-03-09' "
+            "and doubtful is null",
+            {farm});
+    };
+    const auto before = farmsDay();
+    ASSERT_EQ(before.size(), 1U);
+    SetClock({1970, 1, 1, 0, 0, 10});
+    RunTo({1970, 1, 1, 0, 30, 0});
+    EXPECT_FALSE(collection::OutcomeOf(desk.dbconn, farm, "2026-03-09")) << "as long as that day is ahead";
+    SetClock({2026, 3, 9, 9, 31, 0});
+    RunTo({2026, 3, 9, 10, 0, 0});
+    EXPECT_EQ(farmsDay(), before);
+    EXPECT_EQ(desk.Count("outcome where locationID=? and gasday='2026-03-09' and doubtful is null", {farm}), 1);
 }
 
 // What waited or was in hand when the power failed has no outcome, and is served when it is back.
