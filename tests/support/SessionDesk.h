@@ -49,6 +49,11 @@ struct RecordingView final : session::SessionView {
     void FinishLater() override { finishLater = true; }
 };
 
+// What stands on a port and does not answer.
+struct Silence final : fieldsim::Device {
+    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
+};
+
 // A desk with one session in front of a simulated field, on the virtual clock. What the operator does while the session
 // runs is put behind a moment or a poll.
 class SessionDesk : public CollectionDesk {
