@@ -8,6 +8,7 @@
 
 #include "session/Session.h"
 #include "support/CollectionDesk.h"
+#include "support/Silence.h"
 
 namespace support {
 
@@ -47,11 +48,6 @@ struct RecordingView final : session::SessionView {
     }
     void Ended(const std::string& reason, bool) override { ends.push_back(reason); }
     void FinishLater() override { finishLater = true; }
-};
-
-// What stands on a port and does not answer.
-struct Silence final : fieldsim::Device {
-    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
 };
 
 // A desk with one session in front of a simulated field, on the virtual clock. What the operator does while the session
