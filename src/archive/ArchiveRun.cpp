@@ -74,7 +74,7 @@ class Run {
     bool ReadInformation() {
         const auto information =
             tries_.Insist([&] { return BuildArchiveInfoRequest(talk_.counters, Node(), file_); },
-                          {routine_.informationOver, routine_.polls, routine_.information},
+                          {routine_.informationOver, routine_.information},
                           [&](const std::string& answer) { return ParseFileInformation(answer, routine_.layout); },
                           {.endsAtRefusal = true});
         if (!information) {
@@ -115,7 +115,7 @@ class Run {
     // A reply without a definition, where one is missing, is none.
     std::optional<FieldDefinitions> AskDefinitions(int index) {
         return tries_.Insist([&] { return BuildArchiveFieldRequest(talk_.counters, Node(), file_, index); },
-                             {routine_.definitionOver, routine_.polls, routine_.definition},
+                             {routine_.definitionOver, routine_.definition},
                              [&](const std::string& answer) {
                                  auto definitions = ParseFieldDefinitions(answer, routine_.layout);
                                  const bool empty =
@@ -144,11 +144,10 @@ class Run {
 
     template <typename Build>
     std::optional<RecordReply> AskRecords(const Build& build) {
-        auto reply = tries_.Insist(build, {routine_.recordOver, routine_.polls, routine_.records},
-                                   [&](const std::string& answer) {
-                                       auto parsed = ParseRecordReply(answer, routine_.layout, fields_);
-                                       return parsed && parsed->records.empty() && parsed->more ? std::nullopt : parsed;
-                                   });
+        auto reply = tries_.Insist(build, {routine_.recordOver, routine_.records}, [&](const std::string& answer) {
+            auto parsed = ParseRecordReply(answer, routine_.layout, fields_);
+            return parsed && parsed->records.empty() && parsed->more ? std::nullopt : parsed;
+        });
         if (!reply) {
             FailRequest(routine_.tellsBadReply ? "Bad Response" : "");
         }

@@ -12,7 +12,6 @@ namespace archive {
 // How a reply is got and when it counts.
 struct Asking {
     std::size_t over;  // it must be longer than this, its doubled bytes undone
-    bool polls;        // what the screen did of old; a station that acknowledges is polled now in any case
     FrameTitles titles{};
 };
 

@@ -46,8 +46,7 @@ class Run {
                                         const char* failure = "Error In response", Tries::Patience patience = {}) {
         auto reply = tries_.Insist(
             [&] { return BuildAuditRequest(talk_.counters, talk_.station.slaveaddress, cursors, position, count); },
-            {over, routine_.polls}, [&](const std::string& answer) { return ParseAuditReply(answer, routine_.layout); },
-            patience);
+            {over}, [&](const std::string& answer) { return ParseAuditReply(answer, routine_.layout); }, patience);
         if (!reply) {
             Fail(tries_.End(), failure, tries_.Reason());
         }

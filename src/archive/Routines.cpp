@@ -11,13 +11,12 @@ constexpr const char* longHeader = "Time ::                         ";
 constexpr const char* shortHeader = "Time ::                               ";
 constexpr const char* rangeHeader = "Time ::                                                     ";
 
-const ArchiveRoutine archivePlain = {
-    ArchiveOrder::OldestFirst, longArchive, 21, 0, 10, "Time ::         ", "Global ID       ", 0, false, false, true};
+const ArchiveRoutine archivePlain = {ArchiveOrder::OldestFirst, longArchive,        21, 0,     10,
+                                     "Time ::         ",        "Global ID       ", 0,  false, true};
 
-const ArchiveRoutine cwLong = {
-    ArchiveOrder::OldestFirst, longArchive, 21, 0, 22, longHeader, globla, 4, true, false, true};
+const ArchiveRoutine cwLong = {ArchiveOrder::OldestFirst, longArchive, 21, 0, 22, longHeader, globla, 4, false, true};
 const ArchiveRoutine cwShort = {
-    ArchiveOrder::OldestFirst, shortArchive, 25, 20, 20, shortHeader, globla, 4, true, false, true};
+    ArchiveOrder::OldestFirst, shortArchive, 25, 20, 20, shortHeader, globla, 4, false, true};
 const ArchiveRoutine cwShortNewest = {ArchiveOrder::NewestFirst,
                                       shortArchive,
                                       25,
@@ -26,45 +25,19 @@ const ArchiveRoutine cwShortNewest = {ArchiveOrder::NewestFirst,
                                       shortHeader,
                                       globla,
                                       4,
-                                      true,
                                       false,
                                       false,
                                       {"GET Archive Num of Record", "Receive Archive"},
                                       {"Archive Defination", "Receive Archive Defination"},
                                       {"Get Archive data", "Receive Archive"}};
 
-const ArchiveRoutine paraLong = {
-    ArchiveOrder::DateRange, longArchive, 26, 23, 22, longHeader, globla, 4, true, false, true};
+const ArchiveRoutine paraLong = {ArchiveOrder::DateRange, longArchive, 26, 23, 22, longHeader, globla, 4, false, true};
 const ArchiveRoutine paraLongNewest = {
-    ArchiveOrder::NewestFirst, longArchive, 26, 0, 10, longHeader, globla, 4, true, true, false};
-const ArchiveRoutine paraShort = {ArchiveOrder::DateRange,
-                                  shortArchive,
-                                  25,
-                                  22,
-                                  20,
-                                  rangeHeader,
-                                  globla,
-                                  4,
-                                  true,
-                                  false,
-                                  true,
-                                  frames,
-                                  frames,
-                                  frames};
-const ArchiveRoutine paraShortNewest = {ArchiveOrder::NewestFirst,
-                                        shortArchive,
-                                        25,
-                                        22,
-                                        20,
-                                        shortHeader,
-                                        globla,
-                                        4,
-                                        true,
-                                        false,
-                                        false,
-                                        frames,
-                                        frames,
-                                        frames};
+    ArchiveOrder::NewestFirst, longArchive, 26, 0, 10, longHeader, globla, 4, true, false};
+const ArchiveRoutine paraShort = {
+    ArchiveOrder::DateRange, shortArchive, 25, 22, 20, rangeHeader, globla, 4, false, true, frames, frames, frames};
+const ArchiveRoutine paraShortNewest = {
+    ArchiveOrder::NewestFirst, shortArchive, 25, 22, 20, shortHeader, globla, 4, false, false, frames, frames, frames};
 
 }  // namespace
 
@@ -92,7 +65,6 @@ AuditRoutine AuditRoutineOf(Screen screen, bool isCW, bool newFirst) {
                 .archivecount = 0,
                 .replydelay = 1000,
                 .mostEvents = 1000,
-                .polls = false,
                 .endsByCount = true,
                 .numbered = false,
                 .codes = EventCodes::LowestBit};
@@ -104,7 +76,6 @@ AuditRoutine AuditRoutineOf(Screen screen, bool isCW, bool newFirst) {
             .archivecount = 4,
             .replydelay = 0,
             .mostEvents = 0,
-            .polls = true,
             .endsByCount = false,
             .numbered = true,
             .codes = EventCodes::All};

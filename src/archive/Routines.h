@@ -32,7 +32,6 @@ struct ArchiveRoutine {
     const char* timeHeader;
     const char* globalHeader;
     int archivecount;    // asked for at first; 0: as many as the station gives at once
-    bool polls;          // a station may acknowledge first and answer when it is polled
     bool startsAbove;    // newest first: from above the newest number
     bool tellsBadReply;  // "Bad Response"; otherwise the download gives up without a word
     FrameTitles information{};
@@ -51,9 +50,8 @@ struct AuditRoutine {
     int archivecount;
     int replydelay;          // ms; 0: as the conversation has it
     std::size_t mostEvents;  // of a download; 0: no bound
-    bool polls;
-    bool endsByCount;  // at the record count of the last reply; otherwise where that reads 0
-    bool numbered;     // a column "No" in front
+    bool endsByCount;        // at the record count of the last reply; otherwise where that reads 0
+    bool numbered;           // a column "No" in front
     EventCodes codes;
 };
 

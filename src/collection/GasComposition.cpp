@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "collection/Claim.h"
 #include "core/Text.h"
 #include "protocols/ModbusReadBack.h"
 
@@ -18,6 +19,11 @@ std::optional<int> RegisterOf(const std::string& startaddress) {
     const auto read = std::from_chars(digits.data(), end, number);
     const bool isRegister = read.ec == std::errc() && read.ptr == end && number >= 1 && number <= 65536;
     return isRegister ? std::optional(number) : std::nullopt;
+}
+
+// Of a row of write_gc.
+std::optional<double> Wanted(const core::Row& row) {
+    return row.IsNull("lastvalue") ? std::nullopt : std::optional(row.Number("lastvalue"));
 }
 
 constexpr const char* confirmed = "confirmed";
@@ -55,13 +61,15 @@ std::vector<GasStation> GasStations(core::Database& dbconn) {
 }
 
 std::vector<GasComponent> GasComposition(core::Database& dbconn, std::int64_t locationID) {
-    auto rows = dbconn.Query("select * from write_gc where locationid=?", {locationID});
-    if (rows.empty()) {
-        rows = dbconn.Query("select * from configdata_detail where aga = 'GC' and locationid=?", {locationID});
-    }
     std::vector<GasComponent> components;
-    for (const core::Row& row : rows) {
-        components.push_back({row.Text("startaddress"), row.Text("description"), row.Number("lastvalue")});
+    for (const core::Row& row : dbconn.Query("select * from write_gc where locationid=?", {locationID})) {
+        components.push_back({row.Text("startaddress"), row.Text("description"), Wanted(row)});
+    }
+    if (components.empty()) {
+        for (const core::Row& row :
+             dbconn.Query("select * from configdata_detail where aga = 'GC' and locationid=?", {locationID})) {
+            components.push_back({row.Text("startaddress"), row.Text("description"), ClaimOf(row, {}).value});
+        }
     }
     return components;
 }
@@ -71,7 +79,8 @@ void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const s
         dbconn.Execute("delete from write_gc where locationid=?", {locationID});
         for (const GasComponent& component : components) {
             dbconn.Execute("insert into write_gc(locationid,description,startaddress,lastvalue) values(?,?,?,?)",
-                           {locationID, component.description, component.startaddress, component.value});
+                           {locationID, component.description, component.startaddress,
+                            component.value ? core::Value(*component.value) : core::Value()});
         }
     });
 }
@@ -79,7 +88,7 @@ void SaveGasComposition(core::Database& dbconn, std::int64_t locationID, const s
 double GasSum(const std::vector<GasComponent>& components) {
     double sum = 0;
     for (const GasComponent& component : components) {
-        sum += component.value;
+        sum += component.value.value_or(0);
     }
     return core::RoundTo(sum, 4);
 }
@@ -89,14 +98,16 @@ bool write_gascomposition(Workplace& place, protocols::Conversation& talk) {
     for (const core::Row& row :
          place.dbconn.Query("select * from write_gc where locationid=? order by cast(startaddress as integer)",
                             {talk.station.locationID})) {
+        const auto value = Wanted(row);
+        if (!value) {
+            continue;
+        }
         const auto number = RegisterOf(row.Text("startaddress"));
-        const std::string answer =
-            number ? Put(talk, *number, row.Number("lastvalue")) : "not sent, it has no register";
+        const std::string answer = number ? Put(talk, *number, *value) : "not sent, it has no register";
         core::Guarded(place.logs, [&] {
             place.logs.WriteAudit(place.logs.Stamp() + ": User " + talk.currentuser + " asked for " +
-                                  core::NumberText(row.Number("lastvalue")) + " in " +
-                                  core::Trim(row.Text("description")) + " of the gas composition of RTU " +
-                                  talk.station.consumer + ": " + answer + ".");
+                                  core::NumberText(*value) + " in " + core::Trim(row.Text("description")) +
+                                  " of the gas composition of RTU " + talk.station.consumer + ": " + answer + ".");
         });
         if (answer != confirmed) {
             place.logs.WriteRtuErr("Gas composition write not complete / RTU not available");

@@ -63,6 +63,11 @@ double BitsToFloat(std::uint32_t word) {
     return std::bit_cast<float>(word);
 }
 
+double BsapFloat(std::uint32_t word) {
+    constexpr std::uint32_t negativeZero = 0x80000000;
+    return word == negativeZero ? 0 : BitsToFloat(word);
+}
+
 double BitsToFloat(std::string_view bits) {
     std::uint32_t word = 0;
     for (std::size_t i = 0; i < wordBits; ++i) {

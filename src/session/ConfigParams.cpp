@@ -1,7 +1,9 @@
 #include "session/ConfigParams.h"
 
+#include <set>
 #include <stdexcept>
 
+#include "collection/Claim.h"
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/Logs.h"
@@ -16,11 +18,16 @@ namespace {
 
 constexpr const char* lineEnd = "\r\n";
 
-std::string Value(const core::Row& row, bool isCW) {
-    if (KindOf(row.Text("type")) == DataKind::Logical) {
-        return valueText(isCW, row.Text("description"), row.Number("lastvalue"));
+// "1250.25 SCMH", "1250.25 SCMH (of 08/03/2026 08:00:07)", "- (not read yet)".
+std::string Value(const core::Row& row, bool isCW, const core::DateTime& today) {
+    const collection::Claim claim = collection::ClaimOf(row, today);
+    std::string text = "-";
+    if (claim.value && KindOf(row.Text("type")) == DataKind::Logical) {
+        text = valueText(isCW, row.Text("description"), *claim.value);
+    } else if (claim.value) {
+        text = core::Trim(core::NumberText(*claim.value) + " " + claim.unit);
     }
-    return core::Trim(core::NumberText(row.Number("lastvalue")) + " " + row.Text("unit"));
+    return text + (claim.mark.empty() ? "" : " (" + claim.mark + ")");
 }
 
 }  // namespace
@@ -36,12 +43,15 @@ ConfigParams fetch_params(core::Database& dbconn, core::Logs& logs, const core::
     list.text = "                 Meter ID :-   " + std::to_string(station) + lineEnd +
                 "                 Customer Name :-  " + master->consumer + lineEnd + "                 Time :-      " +
                 core::DateText(now) + " " + core::TimeText(now) + lineEnd + "** PARAMETERS **" + lineEnd;
+    const core::DateTime midnight{now.year, now.month, now.day, 0, 0, 0};
+    std::set<std::string> lines;
     for (const core::Row& row :
-         dbconn.Query("select distinct description,locationID,lastvalue,CFP,type,unit from ConfigData_Detail where "
+         dbconn.Query("select description,lastvalue,CFP,type,unit,quality,readat from ConfigData_Detail where "
                       "streamNo=? and locationID = ? order by description",
                       {streamno, station})) {
-        if (row.Bool("CFP")) {
-            list.text += "\t" + row.Text("description") + " = " + Value(row, master->isCW) + lineEnd;
+        const std::string line = "\t" + row.Text("description") + " = " + Value(row, master->isCW, midnight) + lineEnd;
+        if (row.Bool("CFP") && lines.insert(line).second) {
+            list.text += line;
         }
     }
     list.written = logs.WriteConfParams(list.text);

@@ -17,9 +17,9 @@ struct ConfigParams {
     bool written = false;  // it stands in confparams.txt
 };
 
-// Lists the parameters of a stream that are marked as configurable, with their values as they are in the station's map,
-// and writes the list to confparams.txt in place of the one before. Throws DatabaseError, and std::runtime_error when
-// the register has no such station.
+// Lists the parameters of a stream that are marked as configurable, with their values as they are in the station's map:
+// a dash where none was read, and its moment beside what is not of today. Writes the list to confparams.txt in place of
+// the one before. Throws DatabaseError, and std::runtime_error when the register has no such station.
 ConfigParams fetch_params(core::Database& dbconn, core::Logs& logs, const core::Clock& clock, std::int64_t station,
                           int streamno);
 

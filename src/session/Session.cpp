@@ -42,6 +42,7 @@ StationLook LookOf(core::Database& dbconn, std::int64_t locationID) {
 Session::Session(const collection::Workplace& place, const collection::Scheduler& scheduler, SessionView& view,
                  std::int64_t locationID)
     : view_(view),
+      feedback_(view),
       place_{place.dbconn, place.shared, place.clock, view, place.logs, place.line, place.counters},
       scheduler_(scheduler),
       station_(StationOf(place.dbconn, locationID)),
@@ -114,7 +115,7 @@ bool Session::TakeLine() {
     }
     lease->WhenEnded([this] { LineEnded(); });
     talk_ = std::make_unique<protocols::Conversation>(protocols::Conversation{
-        lease, place_.clock, view_, place_.logs, place_.counters, station_, place_.shared.currentuser, streamno_});
+        lease, place_.clock, feedback_, place_.logs, place_.counters, station_, place_.shared.currentuser, streamno_});
     talk_->modbus.rtu32bit = station_.rtuBitsMode;
     talk_->wanted = [this] {
         const bool turns = pendingStream_ && sent_.empty() && !timeSent_;
@@ -167,13 +168,15 @@ void Session::Loop() {
             return;
         }
         const core::DateTime begun = place_.clock.Now();
-        const collection::ReadOutcome outcome = poll_->Read();
+        collection::ReadOutcome outcome = collection::ReadOutcome::Failed;
+        const auto boxes = feedback_.KeepBoxes([&] { outcome = poll_->Read(); });
         if (talk_->Ended()) {
             return;
         }
         Refresh(outcome != collection::ReadOutcome::Failed);
         Store();
         const bool survives = Survives(outcome);
+        ShowBoxes(boxes, survives && outcome == collection::ReadOutcome::Failed);
         Judge(outcome, begun);
         place_.clock.WaitMs(0);
         if (!survives && !talk_->Ended()) {
@@ -192,6 +195,17 @@ bool Session::Survives(collection::ReadOutcome outcome) {
                       std::to_string(survived_ + 1) + ".");
     }
     return failedPolls_ <= survived_;
+}
+
+// The last box of a failed poll says that it failed. While the session goes on, the count in the status says so, and
+// no box stays behind.
+void Session::ShowBoxes(std::vector<std::string> boxes, bool blip) {
+    if (blip && !boxes.empty()) {
+        boxes.pop_back();
+    }
+    for (const std::string& text : boxes) {
+        view_.Box(text);
+    }
 }
 
 void Session::Refresh(bool received) {
@@ -341,9 +355,8 @@ void Session::MarkSampled(bool sampled) {
     if (std::exchange(marked_, true)) {
         return;
     }
-    core::Guarded(place_.logs, [&] {
-        collection::MarkSampled(place_.dbconn, place_.clock.Now(), station_.locationID, sampled);
-    });
+    core::Guarded(place_.logs,
+                  [&] { collection::MarkSampled(place_.dbconn, place_.clock.Now(), station_.locationID, sampled); });
 }
 
 }  // namespace session

@@ -14,6 +14,7 @@
 #include "core/Station.h"
 #include "session/AlarmLimits.h"
 #include "session/ParameterSet.h"
+#include "session/PollFeedback.h"
 #include "session/WriteAnswer.h"
 #include "session/WriteRequest.h"
 
@@ -149,6 +150,7 @@ class Session {
     void ServeGuest();
     void Refresh(bool received);
     bool Survives(collection::ReadOutcome outcome);
+    void ShowBoxes(std::vector<std::string> boxes, bool blip);
     // What the poll that began then shows of what was sent.
     void Judge(collection::ReadOutcome outcome, const core::DateTime& begun);
     bool IsLate(const core::DateTime& sentAt) const;
@@ -170,6 +172,7 @@ class Session {
     void Fail(const std::string& reason);
 
     SessionView& view_;
+    PollFeedback feedback_;
     collection::Workplace place_;
     const collection::Scheduler& scheduler_;
     core::Station station_;

@@ -126,6 +126,9 @@ TEST(ArchiveRecordsTest, ARecordOfOneField) {
     EXPECT_EQ(record.localID, 2);
     EXPECT_EQ(record.globalID, 1);
     EXPECT_EQ(record.values, (std::vector<double>{12.35}));  // the float lies above 12.345
+    // Either zero is 0; what is not quite zero has its leading one.
+    const std::string zeros = "4A 43 30 2A 02 00 01 00 00 00 00 00 00 00 00 80 00 00 40 80";
+    EXPECT_EQ(DecodeArchiveRecord(Bytes(zeros)).values, (std::vector<double>{0, 0, -1.5}));
 }
 
 TEST(ArchiveRecordsTest, AClockWithNonsenseIsShownAsReceived) {

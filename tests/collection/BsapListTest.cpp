@@ -298,6 +298,7 @@ TEST(BsapListRecords, Kinds) {
     const std::string minus = Bytes("00 00 C0 BF");
     const Case cases[] = {
         {Analog(minus, 0, 2), false, -1.5, "Analog(2)"},
+        {Analog(Bytes("00 00 00 80"), 0, 2), false, 0, "Analog(2)"},  // a negative zero
         {Analog(nine, 0, 6), false, 9, "Analog Alarm(6)"},
         {Analog(nine, 0, 50), false, 9, "System Signal(50)"},
         {Analog(nine, 0, 255), false, 9, "Unknown(255)"},

@@ -68,7 +68,7 @@ TEST_F(GasCompositionTest, TheLastReadOneIsOfferedUntilOneIsSaved) {
     auto components = collection::GasComposition(desk.dbconn, location);
     ASSERT_EQ(components.size(), 21U);
     EXPECT_EQ(components[0].description, "Methane");
-    EXPECT_TRUE(field->WasServed(location, 1, "Methane", components[0].value));
+    EXPECT_TRUE(field->WasServed(location, 1, "Methane", components[0].value.value()));
     components[0].value = 91.25;
     components[1].description = "it's";
     collection::SaveGasComposition(desk.dbconn, location, components);
@@ -85,6 +85,23 @@ TEST_F(GasCompositionTest, TheLastReadOneIsOfferedUntilOneIsSaved) {
     EXPECT_THROW(collection::SaveGasComposition(desk.dbconn, location, {{"1", "Methane", 1}, {"3", "Nitrogen", 2}}),
                  core::DatabaseError);
     EXPECT_EQ(collection::GasComposition(desk.dbconn, location).size(), 21U);
+}
+
+// It would replace what the station calculates with.
+TEST_F(GasCompositionTest, WhatWasNeverReadIsNoZero) {
+    field = &desk.OpenField();
+    ASSERT_TRUE(field->Values(location, 1, "Methane")->Fix("Methane", 90.5));
+    auto components = collection::GasComposition(desk.dbconn, location);
+    for (const GasComponent& component : components) {
+        EXPECT_EQ(component.value, std::nullopt) << component.description;
+    }
+    components[1].value = 7;
+    collection::SaveGasComposition(desk.dbconn, location, components);
+    EXPECT_EQ(collection::GasComposition(desk.dbconn, location)[0].value, std::nullopt);
+    EXPECT_EQ(collection::GasSum(components), 7);
+    ASSERT_TRUE(Write()) << desk.RtuErr();
+    EXPECT_EQ(Held("Methane"), 90.5);
+    EXPECT_EQ(Held("Nitrogen"), 7);
 }
 
 // A written composition is what the station then gives out, and nothing beside it has moved.
@@ -171,7 +188,9 @@ TEST_F(GasCompositionTest, AFaultAtARowEndsIt) {
 }
 
 TEST_F(GasCompositionTest, ARunThatTakesTheLineEndsIt) {
-    collection::SaveGasComposition(desk.dbconn, location, collection::GasComposition(desk.dbconn, location));
+    const auto offered = collection::GasComposition(desk.dbconn, location);
+    collection::SaveGasComposition(
+        desk.dbconn, location, {{offered[0].startaddress, "Methane", 88}, {offered[1].startaddress, "Nitrogen", 7}});
     field = &desk.OpenField();
     auto talk = Connect();
     desk.clock.After(1250, [this] { desk.fieldLine.TakeOver("A scheduled collection has taken the line"); });

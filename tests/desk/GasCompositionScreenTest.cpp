@@ -96,7 +96,17 @@ TEST_F(GasCompositionScreenTest, AValueIsEditedByKeysAndSaved) {
     EXPECT_EQ(desk.Count("write_gc where locationid=? and lastvalue=91.25 and description='Methane'", {mill}), 1);
     EXPECT_EQ(desk.Count("write_gc"), The<desk::Grid>(form, "gcgrid").Rows());
     QTest::keyClick(form.focusWidget(), Qt::Key_Down);
-    EXPECT_EQ(Cell(form, 0, 2), "0");
+    EXPECT_EQ(Cell(form, 0, 2), "-");
+    EXPECT_EQ(The<QLabel>(form, "lblsum").text(), "");
+    Click(form, "cmdedit");
+    QTest::keyClick(form.focusWidget(), Qt::Key_Return);
+    window = Window(form);
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(The<QLineEdit>(*window, "txtvalue").text(), "");
+    Give(*window, "88");
+    EXPECT_EQ(The<QLabel>(form, "lblsum").text(), "Sum: 88 (20 without a value)");
+    Click(form, "cmdsave");
+    EXPECT_EQ(desk.Count("write_gc where locationid=? and lastvalue is null", {farm}), 20);
     QTest::keyClick(form.focusWidget(), Qt::Key_Up);
     EXPECT_EQ(Cell(form, 0, 2), "91.25");
 }

@@ -15,6 +15,7 @@ namespace {
 
 using session::State;
 using support::SessionDesk;
+using support::Silence;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -41,10 +42,6 @@ void ExpectServed(const SessionDesk& desk, std::size_t atLeast) {
     }
     EXPECT_GE(seen, atLeast);
 }
-
-struct Silence final : fieldsim::Device {
-    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
-};
 
 std::vector<std::string> WritesOf(const SessionDesk& desk) {
     return desk.field->Station(desk.locationID)->written->WritesText();

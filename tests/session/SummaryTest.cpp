@@ -156,15 +156,15 @@ TEST_F(SummaryTest, TheOperatorsOwnFiguresAreStoredWithoutALine) {
 }
 
 TEST_F(SummaryTest, TheListOfConfigurableParametersIsTheFileOfItsName) {
-    const auto set = [&](const char* description, double value) {
-        ASSERT_GT(desk.dbconn.Execute(
-                      "update configdata_detail set lastvalue=? where locationID=? and streamNo=1 and description=?",
-                      {value, teleFlow, description}),
+    const auto set = [&](const char* description, double value, const char* readat) {
+        ASSERT_GT(desk.dbconn.Execute("update configdata_detail set lastvalue=?, quality='good', readat=? where "
+                                      "locationID=? and streamNo=1 and description=?",
+                                      {value, readat, teleFlow, description}),
                   0);
     };
-    set("Tap Type", 1);
-    set("Contract Hour", 6);
-    set("PID Flow Set Point", 1250.25);
+    set("Tap Type", 1, "2026-03-09 07:59:00");
+    set("Contract Hour", 6, "2026-03-09 07:58:00");
+    set("PID Flow Set Point", 1250.25, "2026-03-08 08:00:07");
     const auto list = fetch_params(desk.dbconn, desk.logs, desk.clock, teleFlow, 1);
     EXPECT_TRUE(list.written);
     EXPECT_EQ(list.text, support::FileText(desk.shared.confparamspath));
@@ -174,7 +174,8 @@ TEST_F(SummaryTest, TheListOfConfigurableParametersIsTheFileOfItsName) {
     EXPECT_EQ(list.text.substr(0, head.size()), head);
     EXPECT_THAT(list.text,
                 AllOf(HasSubstr("\r\n\tTap Type = PIPE\r\n"), HasSubstr("\r\n\tContract Hour = 6 hour\r\n"),
-                      HasSubstr("\r\n\tPID Flow Set Point = 1250.25 SCMH\r\n"), Not(HasSubstr("Valve Position"))));
+                      HasSubstr("\r\n\tPID Flow Set Point = 1250.25 SCMH (of 08/03/2026 08:00:07)\r\n"),
+                      HasSubstr(" = - (not read yet)\r\n"), Not(HasSubstr(" = 0")), Not(HasSubstr("Valve Position"))));
     std::filesystem::remove(desk.shared.confparamspath);
     std::filesystem::create_directory(desk.shared.confparamspath);
     EXPECT_FALSE(fetch_params(desk.dbconn, desk.logs, desk.clock, teleFlow, 1).written);

@@ -19,6 +19,7 @@ using support::SessionDesk;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -327,28 +328,42 @@ TEST(WriteOutcomeTest, AStreamThatCannotBeTakenLeavesTheOldOne) {
     EXPECT_EQ(desk.session->StreamNo(), 1);
 }
 
+// The box that tells of the silence comes with the end; while the session goes on, the count tells.
 TEST(WriteOutcomeTest, ASessionSurvivesAsManyFailedPollsAsTheSettingSays) {
-    for (const int survived : {2, 0}) {
+    const demo::DemoStation quantum{"Quay", "TeleFlow", "Quantum", "", 1, 5};
+    const struct {
+        const demo::DemoStation& station;
+        int survived;
+        const char* box;
+    } cases[] = {
+        {modbus, 3, "There was No Response from the controller!\rCheck Settings and try again!"},
+        {modbus, 0, "There was No Response from the controller!\rCheck Settings and try again!"},
+        {quantum, 3, "Quantum Not Responding"},
+        {quantum, 0, "Quantum Not Responding"},
+    };
+    for (const auto& [station, survived, box] : cases) {
+        support::Silence silence;
         WriteDesk desk;
         desk.dbconn.Execute("update settings set value=? where name='failedpolls'", {survived});
-        desk.Begin(modbus);
-        auto& dead = desk.field->Station(desk.locationID)->written->Manners().dead;
-        std::vector<support::Script::Step> steps = {{"silence", [&] { return desk.Idle(); }, [&] { dead = true; }}};
+        desk.Begin(station);
+        std::vector<support::Script::Step> steps = {
+            {"silence", [&] { return desk.Idle(); }, [&] { desk.line.Attach(1, silence); }}};
         if (survived > 0) {
             steps.push_back({"the count", [&] { return desk.view.requests.size() > 1; },
                              [&] {
                                  EXPECT_EQ(desk.view.requests.back(),
-                                           "Failed polls in a row: 2. The session ends at 3.");
-                                 dead = false;
+                                           "Failed polls in a row: 2. The session ends at 4.");
+                                 desk.line.Attach(1, *desk.field->Station(desk.locationID)->device);
                              }});
             steps.push_back(
                 {"back again", [&] { return desk.view.requests.back().empty(); }, [&] { desk.session->Disconnect(); }});
         }
         desk.Run(steps);
         EXPECT_THAT(desk.view.ends, ElementsAre(survived == 0 ? "Remote Station not Responding" : ""));
+        EXPECT_THAT(desk.view.boxes, ElementsAreArray(std::vector<std::string>(survived == 0 ? 1 : 0, box)));
         const auto polls = std::count_if(desk.view.requests.begin(), desk.view.requests.end(),
                                          [](const auto& text) { return text.starts_with("Failed polls in a row"); });
-        EXPECT_EQ(polls, survived);
+        EXPECT_EQ(polls > 0, survived > 0);
     }
 }
 

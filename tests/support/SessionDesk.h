@@ -8,6 +8,7 @@
 
 #include "session/Session.h"
 #include "support/CollectionDesk.h"
+#include "support/Silence.h"
 
 namespace support {
 

@@ -1,5 +1,7 @@
 #include "desk/collection/frmGCWrite.h"
 
+#include <algorithm>
+
 #include "core/Feedback.h"
 #include "desk/collection/frmvalue.h"
 #include "desk/core/EngineText.h"
@@ -10,6 +12,11 @@ namespace desk {
 namespace {
 
 constexpr int gasColumn = 2;
+
+// A dash where there is none.
+QString ValueText(const std::optional<double>& value) {
+    return value ? Number(*value) : "-";
+}
 
 }  // namespace
 
@@ -50,7 +57,7 @@ void frmGCWrite::ShowStored() {
     std::vector<QStringList> rows;
     for (const auto& component : components_) {
         rows.push_back({QString::fromStdString(component.startaddress), QString::fromStdString(component.description),
-                        Number(component.value)});
+                        ValueText(component.value)});
     }
     ui_->gcgrid->AddItems(rows);
     ui_->gcgrid->SelectRow(0);
@@ -60,7 +67,11 @@ void frmGCWrite::ShowStored() {
 
 // A help for whoever types: a whole composition comes to 100.
 void frmGCWrite::ShowSum() {
-    ui_->lblsum->setText(components_.empty() ? "" : "Sum: " + Number(collection::GasSum(components_)));
+    const auto missing =
+        std::count_if(components_.begin(), components_.end(), [](const auto& component) { return !component.value; });
+    const QString rest = missing > 0 ? " (" + QString::number(missing) + " without a value)" : QString();
+    const bool none = missing == static_cast<std::ptrdiff_t>(components_.size());
+    ui_->lblsum->setText(none ? "" : "Sum: " + Number(collection::GasSum(components_)) + rest);
 }
 
 void frmGCWrite::Edit(bool editing) {

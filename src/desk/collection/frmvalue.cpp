@@ -8,13 +8,13 @@
 
 namespace desk {
 
-frmvalue::frmvalue(const Desk& desk, QWidget* over, const QString& description, double value)
+frmvalue::frmvalue(const Desk& desk, QWidget* over, const QString& description, std::optional<double> value)
     : QDialog(over), ui_(std::make_unique<Ui::frmvalue>()) {
     ui_->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle("Value" + QString::fromStdString(desk.shared.versionsuffix));
     ui_->lbldescription->setText(description);
-    ui_->txtvalue->setText(Number(value));
+    ui_->txtvalue->setText(value ? Number(*value) : QString());
     ui_->txtvalue->selectAll();
     ui_->txtvalue->installEventFilter(this);
     connect(ui_->cmdOk, &QPushButton::clicked, this, &frmvalue::cmdOk);

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <memory>
+#include <optional>
 
 #include "desk/core/Desk.h"
 
@@ -16,7 +17,8 @@ class frmvalue : public QDialog {
     Q_OBJECT
 
   public:
-    frmvalue(const Desk& desk, QWidget* over, const QString& description, double value);
+    // The field begins empty where there is no value yet.
+    frmvalue(const Desk& desk, QWidget* over, const QString& description, std::optional<double> value);
     ~frmvalue() override;
 
   Q_SIGNALS:
