@@ -71,7 +71,9 @@ Screen Online(const std::string& name, bool running, const Work& choose) {
 
 QWidget* MicroMenu(Stage& stage) {
     core::Database& dbconn = stage.Surroundings().dbconn;
-    stage.Open<desk::frm_CWM>(AddStation(dbconn, {"Mill Street", "CW_Micro", "BSAP", "", 4, 9}));
+    DemoStation micro{"Mill Street", "CW_Micro", "BSAP", "", 4, 9};
+    micro.duration = "NO";
+    stage.Open<desk::frm_CWM>(AddStation(dbconn, micro));
     return &stage.Shell();
 }
 

@@ -186,7 +186,7 @@ const std::vector<Screen>& Screens() {
             {"menu", [](Stage& stage) { return Click(stage, "cmdMenu"); }},
             {"group", Page<desk::frmshowdata>(1)},
             {"utility", Page<desk::frmHisErrLog>()},
-            {"stations", Page<desk::frmconfigstation>()},
+            {"stations", [](Stage& stage) { return ShowStation(stage, 1); }},
             {"station_new", NewStation},
             {"station_multistream", [](Stage& stage) { return ShowStation(stage, 3); }},
             {"port_setting", PortSetting},

@@ -46,7 +46,7 @@ std::vector<Screen> SignalScreens() {
     return {
         InSession("signal_list_running", "cmdfetch",
                   [](Stage& stage, desk::Page& page, const std::function<void()>& look) {
-                      stage.Clock().After(900, look);
+                      stage.Clock().After(1500, look);
                       ReadList(page, "cmdfetch");
                   }),
         InSession("signal_list", "cmdfetch",

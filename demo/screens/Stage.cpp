@@ -64,6 +64,8 @@ void AddToWall(core::Database& dbconn, const WallStation& station, const core::D
             "update configdata_detail set lastvalue=?, readat=?, quality='good' where locationID=? and description="
             "'Volume This Month'",
             {81234.5 + 4321.25 * minute, day + " 08:20:00", locationID});
+        collection::RecordGasDay(dbconn, locationID, day, now,
+                                 {3700.5 + 190.25 * minute, 81234.5 + 4321.25 * minute, 12 + 0.25 * minute});
     }
     if (station.morning == Morning::Due || station.morning == Morning::NoSchedule) {
         return;

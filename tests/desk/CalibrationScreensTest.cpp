@@ -123,7 +123,7 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
                                        "Value now: 99.5 INH2O, read at 09:0"));
                 EXPECT_EQ(Label(page, "lblstate"), "Reading");
                 Click(page, "cmdCalibSpan");
-                EXPECT_THAT(Answer(page, QMessageBox::Yes), EndsWith("\nValue then: 100 INH2O"));
+                EXPECT_THAT(Answer(page, QMessageBox::Yes), EndsWith("\nValue after: 100 INH2O"));
                 EXPECT_EQ(Label(page, "lblstate"), "Busy with DP");
                 for (const char* locked : {"cmdCalibZero", "cmdCalibSpan", "cmdRestore", "txtDPApplied", "cmdClose"}) {
                     EXPECT_FALSE(Enabled(page, locked)) << locked;
@@ -154,7 +154,7 @@ TEST_F(CalibrationScreens, ATechnicianCalibratesTwoTransmittersAndLeaves) {
             [&] {
                 The(page, "cmdCalibZero1").setFocus();
                 QTest::keyClick(&The(page, "cmdCalibZero1"), Qt::Key_Return);
-                EXPECT_THAT(Answer(page, QMessageBox::Yes), EndsWith("\nValue then: 0 KG/CM2"));
+                EXPECT_THAT(Answer(page, QMessageBox::Yes), EndsWith("\nValue after: 0 KG/CM2"));
             }},
            {"zeroed", [&] { return Label(page, "lblmsg") == "SP Calibration Completed"; },
             [&] { QTest::keyClick(&page, Qt::Key_Escape); }}});

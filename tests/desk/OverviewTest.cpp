@@ -155,7 +155,7 @@ TEST_F(OverviewTest, AnOperatorCollectsAStationOrAllThatAreMissing) {
     desk.clock.After(1000, [&] {
         now = Label("lblnow").toStdString();
         QTest::keyClick(&Node(11), Qt::Key_F5);
-        EXPECT_EQ(desk.feedback.status.back(), "O'Brien & <b>Sons</b> is being collected already, or waits for it");
+        EXPECT_EQ(desk.feedback.status.back(), "O'Brien & <b>Sons</b> is already being collected or queued");
     });
     QTest::keyClick(&Node(11), Qt::Key_F5);
     QCoreApplication::processEvents();

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QScrollArea>
 #include <QTableView>
 #include <QTest>
 #include <set>
@@ -111,6 +112,10 @@ TEST_F(ScreensTest, FitTheSmallestScreenWithNothingCutOff) {
             EXPECT_LE(window->width(), width);
             EXPECT_LE(window->height(), height);
             ExpectNothingCutOff(*window);
+            if (window == &stage.Shell()) {
+                const auto* room = window->findChild<QScrollArea*>();
+                EXPECT_LE(room->widget()->width(), room->viewport()->width()) << "the page is wider than the window";
+            }
             const QWidget& page = window == &stage.Shell() ? stage.Front() : *window;
             ExpectKeysAreUnique(page);
             ExpectTabReachesEverything(page);

@@ -253,7 +253,7 @@ TEST_F(SessionStory, AnOutputIsWrittenBehindAQuestion) {
           [&] {
               enterOff();
               EXPECT_EQ(Answer(*page, QMessageBox::No),
-                        "Digital Output 1 State of Hill Farm: ON now, OFF then. Write it?");
+                        "Digital Output 1 State of Hill Farm: change ON to OFF?");
               EXPECT_FALSE(session->WritePending());
           }},
          {"yes", polled,

@@ -51,7 +51,7 @@ TEST_F(ShellTest, EveryWayOutAsksAndHasItsOwnAuditLine) {
     demo::AddStation(desk.dbconn, station);
     LogIn();
     const std::string question =
-        "Nothing is collected from now on until the program is started again.\nNext: Mill at 14:30.\n\nEnd the "
+        "Nothing will be collected until the program is started again.\nNext: Mill at 14:30.\n\nEnd the "
         "program?";
     shell.close();
     EXPECT_EQ(support::Answer(shell, QMessageBox::No), question);
@@ -90,7 +90,7 @@ TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
     desk.clock.After(700, [this] {
         shell.close();
         EXPECT_THAT(support::Answer(shell, QMessageBox::Yes),
-                    testing::HasSubstr("The collection of Mill is broken off."));
+                    testing::HasSubstr("The collection of Mill will be broken off."));
         EXPECT_EQ(ended.count(), 0);
         EXPECT_TRUE(desk.scheduler.Busy());
     });

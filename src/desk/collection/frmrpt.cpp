@@ -26,14 +26,14 @@ QString Figure(const std::optional<double>& value, bool cumulative = false) {
 QStringList Cells(const collection::DailyLine& line) {
     return {QString::number(line.number),
             QString::fromStdString(line.consumer),
+            QString::fromStdString(line.status),
             Figure(line.presentallocation),
             Figure(line.MGO_Qty),
             Figure(line.dayflow, line.cumulative),
             Figure(line.monthflow, line.cumulative),
             line.cumulative ? QString() : Figure(line.averageflow),
             Figure(line.pressure),
-            Figure(line.Cont_Pr),
-            QString::fromStdString(line.status)};
+            Figure(line.Cont_Pr)};
 }
 
 }  // namespace
@@ -43,8 +43,8 @@ frmrpt::frmrpt(Desk& desk) : Page(desk, "Daily Report "), ui_(std::make_unique<U
     Title("Daily Report ");
     CloseCommand(ui_->cmdClose);
     ui_->Grid->FormatString(
-        ">Sr. No|<Consumer|>Allocation\n(SCM)|>MGO Qty\n(SCM)|>Day Flow\n(SCM)|>Month Flow\n(SCM)|"
-        ">Average\n(SCM/day)|>Pressure\n(kg/cm2)|>Cont. Pr.\n(kg/cm2)|<Status");
+        ">Sr. No|<Consumer|<Status|>Allocation\n(SCM)|>MGO Qty\n(SCM)|>Day Flow\n(SCM)|>Month Flow\n(SCM)|"
+        ">Average\n(SCM/day)|>Pressure\n(kg/cm2)|>Cont. Pr.\n(kg/cm2)");
     const core::DateTime today = desk_.clock.Now();
     ui_->dtpicker->setDate(QDate(today.year, today.month, today.day));
     connect(ui_->dtpicker, &QDateEdit::dateChanged, this, &frmrpt::Clear);

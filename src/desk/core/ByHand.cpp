@@ -29,7 +29,7 @@ void CollectNow(Desk& desk, std::int64_t locationID, const std::string& consumer
     if (desk.scheduler.CollectNow(locationID)) {
         ServeLater(desk);
     } else {
-        desk.feedback.Status(consumer + " is being collected already, or waits for it");
+        desk.feedback.Status(consumer + " is already being collected or queued");
     }
 }
 

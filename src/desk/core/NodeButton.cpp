@@ -28,7 +28,7 @@ struct Sign {
 // In the order of DayState.
 constexpr std::array<Sign, 7> signs = {{{u"\u2013", "No schedule"},
                                         {u"\u25CB", "Not yet due"},
-                                        {u"\u2026", "Waits for its turn"},
+                                        {u"\u2026", "Waiting for its turn"},
                                         {u"\u25B6", "Collecting now"},
                                         {u"\u2713", "Collected today"},
                                         {u"\u25D0", "Partly collected today"},

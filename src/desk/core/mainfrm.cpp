@@ -167,14 +167,14 @@ void mainfrm::AskToEnd(QWidget* over, std::function<void()> before) {
 }
 
 QString mainfrm::WhatStops() const {
-    QString text = "Nothing is collected from now on until the program is started again.";
+    QString text = "Nothing will be collected until the program is started again.";
     core::Guarded(desk_.logs, [&] {
         const auto inHand = desk_.scheduler.InHand();
         const auto station = inHand ? core::ReadStation(desk_.dbconn, *inHand) : std::nullopt;
         if (station) {
-            text += "\nThe collection of " + QString::fromStdString(station->consumer) + " is broken off.";
+            text += "\nThe collection of " + QString::fromStdString(station->consumer) + " will be broken off.";
         } else if (desk_.line.InUse()) {
-            text += "\nThe connection to a station is cut off.";
+            text += "\nThe connection to a station will be cut.";
         }
         text += "\n" + overview_->NextDue() + ".";
     });

@@ -57,7 +57,7 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
     ui_.cmd_arc->setText(Speaks(station, "BSAP") ? "&Archive/Audit" : "&Archive");
     if (!Speaks(station, "BSAP")) {
         for (QPushButton* command : {ui_.cmdfetch, ui_.cmdSignalSearch, ui_.cmdDataVerify, ui_.cmdCalib}) {
-            command->setToolTip("A " + Text(station.protocol) + " station has no signals with names");
+            command->setToolTip("A " + Text(station.protocol) + " station has no named signals");
             command->setAccessibleDescription(command->toolTip());
         }
     }
@@ -166,7 +166,7 @@ void LiveScreen::OpenArchive() {
     } else if (Speaks(station, "BSAP")) {
         desk_.navigator.Open(new frmparaarchive(desk_, session_));
     } else {
-        ShowBox(&page_, "A " + Text(station.protocol) + " station has no archive that could be read.",
+        ShowBox(&page_, "A " + Text(station.protocol) + " station has no archive that can be read.",
                 page_.windowTitle(), QMessageBox::Information);
     }
 }

@@ -146,7 +146,7 @@ void LiveWriting::AskOutput(const session::RowPlace& place, const std::string& t
     then.lastvalue = core::EnteredNumber(text).value_or(0);
     const bool picked = row.kind == session::DataKind::Logical && core::EnteredNumber(text);
     const QString question =
-        QString("%1 of %2: %3 now, %4 then. Write it?")
+        QString("%1 of %2: change %3 to %4?")
             .arg(Text(row.Description), Text(session_.GetStation().consumer), Text(session::ValueCell(row, isCW)),
                  Text(picked ? session::ValueCell(then, isCW) : text));
     AskBox(&tabs_, question, "Write an output", [this, stream = session_.StreamNo(), place, text] {

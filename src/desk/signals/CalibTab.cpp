@@ -24,15 +24,15 @@ struct Hints {
 Hints HintsOf(Transmitter transmitter) {
     switch (transmitter) {
         case Transmitter::DP:
-            return {"Isolated and equalised, nothing between high and low: the live value is to be 0.",
+            return {"Isolated and equalised, no difference between high and low: the live value should be 0.",
                     "Apply a pressure to the high side, low side vented; enter it as the applied value."};
         case Transmitter::SP:
-            return {"Isolated and vented to atmosphere: the live value is to be 0.",
+            return {"Isolated and vented to atmosphere: the live value should be 0.",
                     "Apply a pressure and enter it as the applied value."};
         case Transmitter::Temp:
             break;
     }
-    return {"The sensor in melting ice, or the decade box at its 0 value: the live value is to be 0.",
+    return {"The sensor in melting ice, or the decade box at its 0 value: the live value should be 0.",
             "Bring the sensor to a temperature, or set the decade box; enter it as the applied value."};
 }
 

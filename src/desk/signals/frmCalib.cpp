@@ -130,14 +130,14 @@ void frmCalib::Ask(CalibTab& tab, signals::CalibrationCommand command) {
             break;
         case signals::CalibrationCommand::Restore:
             act = "Restore the calibration of " + name;
-            then = "as by the calibration that is restored";
+            then = "as in the factory calibration";
             break;
     }
     const QString now = !reading.live ? QString("not read")
                                       : CalibTab::Shown(*reading.live) + unit + ", read at " +
                                             QString::fromStdString(core::TimeText(reading.at));
     Page::Ask(act + " at " + QString::fromStdString(session_.GetStation().consumer) + "?\n\nValue now: " + now +
-                  "\nValue then: " + then,
+                  "\nValue after: " + then,
               [this, &tab, command, value = tab.Applied()] { Guarded([&] { Give(tab, command, value); }); });
 }
 

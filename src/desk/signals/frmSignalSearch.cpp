@@ -53,7 +53,7 @@ void frmSignalSearch::ChooseKind(SearchKind kind) {
     const bool byName = kind == SearchKind::Name;
     ui_->txtSigName->clear();
     ui_->txtSigName->setMaxLength(byName ? longestName : longestAttribute);
-    ui_->lblhint->setText(byName ? "how the name begins, * for any characters" : "what stands behind the last point");
+    ui_->lblhint->setText(byName ? "how the name begins, * for any characters" : "what follows the last point");
     ui_->txtSigName->setFocus();
 }
 
