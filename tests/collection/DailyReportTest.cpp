@@ -89,7 +89,8 @@ TEST_F(DailyReportTest, SaysWhatCameOfTheDay) {
         "(4,'2026-03-09','2026-03-10 07:00:00','hand',1,'COM5',9,9,'collected'),"
         "(6,'2026-03-10','2026-03-10 06:10:00','schedule',1,'COM5',9,8,'partly')");
     desk.dbconn.Execute(
-        "insert into gasday values(1,'2026-03-10','',500,12000,7.25),(3,'2026-03-10','',888,99999,4),"
+        "insert into gasday(locationID, gasday, readat, dayflow, monthflow, pressure) "
+        "values(1,'2026-03-10','',500,12000,7.25),(3,'2026-03-10','',888,99999,4),"
         "(4,'2026-03-09','',77,77,77),(6,'2026-03-10','',60,null,2)");
     // A row that a run by hand left under this day, of yesterday's gas day.
     desk.dbconn.Execute("insert into LogParam values(4,'2026-03-10 07:00:00','',77,77,77)");
