@@ -53,7 +53,7 @@ int EventCode(unsigned char flags, EventCodes codes) {
 
 double DecodeFloat(std::string_view bytes) {
     const std::uint32_t word = Byte(bytes, 0) | Byte(bytes, 1) << 8U | Byte(bytes, 2) << 16U | Byte(bytes, 3) << 24U;
-    return protocols::BsapFloat(word);
+    return protocols::WireFloat(word);
 }
 
 ArchiveRecord DecodeArchiveRecord(std::string_view record) {

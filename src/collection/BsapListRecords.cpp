@@ -68,7 +68,7 @@ ListSignal ReadNumber(std::string_view record, const RecordLayout& layout, bool 
         signal.value = ByteAt(record, 1) != 0 ? 1 : 0;
     } else {
         const std::uint32_t word = AnalogWord(record);
-        signal.value = core::RoundTo(protocols::BsapFloat(word), 6);
+        signal.value = core::RoundTo(protocols::WireFloat(word), 6);
         signal.outOfRange = protocols::IsOutOfRange(word);
     }
     if (units) {

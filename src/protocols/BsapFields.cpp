@@ -77,7 +77,7 @@ void TakeValue(BodyFields& body) {
             for (std::size_t i = 4; i > 0; --i) {
                 word = word << 8U | static_cast<std::uint32_t>(std::max(body.Peek(i - 1), 0));
             }
-            body.Take(4, "value", core::NumberText(BsapFloat(word)));
+            body.Take(4, "value", core::NumberText(WireFloat(word)));
             break;
         }
         case 0x0D:

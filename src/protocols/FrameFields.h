@@ -25,8 +25,8 @@ struct Wire {
 enum class Direction { TX, RX };
 
 // The fields of one line of bytes that was sent (TX) or received (RX). They stand in the order of the bytes and every
-// byte is in just one of them; what cannot be named is "not recognised". Where a frame or a line ends too early, a field
-// "cut short" tells what is missing; it may be without bytes.
+// byte is in just one of them; what cannot be named is "not recognised". Where a frame or a line ends too early, a
+// field "cut short" tells what is missing; it may be without bytes.
 //
 // `request` is the line that a received one answers; without it the values of an answer that does not say what it is
 // have general names.

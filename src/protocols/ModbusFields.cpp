@@ -103,7 +103,7 @@ std::string Floats(std::string_view bytes) {
         for (const char c : bytes.substr(at, 4)) {
             word = word << 8U | static_cast<unsigned char>(c);
         }
-        text += (text.empty() ? "" : " ") + core::NumberText(core::RoundTo(BitsToFloat(word), 6));
+        text += (text.empty() ? "" : " ") + core::NumberText(core::RoundTo(WireFloat(word), 6));
     }
     return text + (bytes.size() > most * 4 ? " ..." : "");
 }

@@ -63,7 +63,7 @@ double BitsToFloat(std::uint32_t word) {
     return std::bit_cast<float>(word);
 }
 
-double BsapFloat(std::uint32_t word) {
+double WireFloat(std::uint32_t word) {
     constexpr std::uint32_t negativeZero = 0x80000000;
     return word == negativeZero ? 0 : BitsToFloat(word);
 }

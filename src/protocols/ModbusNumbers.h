@@ -24,9 +24,9 @@ std::int32_t PowerOfTwo(int exponent);
 //    only the word without any bit set is 0.
 double BitsToFloat(std::uint32_t word);
 
-// The same of a number that came by BSAP, where a negative zero, 80000000, is 0: a value that went down to zero from
-// below is what operators expect there, not -1.
-double BsapFloat(std::uint32_t word);
+// The same of a number as it came over the line, where a negative zero, 80000000, is 0: a flow that went to zero from
+// below is no -1. Whatever decodes a reply uses this one.
+double WireFloat(std::uint32_t word);
 
 // Whether that 0 stands for a number which is too large for it: from 2^31 on, infinities and NaN.
 bool IsOutOfRange(std::uint32_t word);

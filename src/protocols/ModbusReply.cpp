@@ -37,13 +37,13 @@ class Values {
     void AddFloat(std::uint32_t word) {
         constexpr double scale = 1e6;
         Judge(word);
-        Add(static_cast<double>(std::llrint(BitsToFloat(word) * scale)) / scale);
+        Add(static_cast<double>(std::llrint(WireFloat(word) * scale)) / scale);
     }
 
     // As it came.
     void AddUnrounded(std::uint32_t word) {
         Judge(word);
-        Add(BitsToFloat(word));
+        Add(WireFloat(word));
     }
 
     // Eight coils, the lowest bit first.

@@ -49,6 +49,7 @@ TEST(ModbusRtuReply, Outcomes) {
         {"a large float", Rtu("01 03 04 4E 93 2C 06"), true, Kind::Values, {1234567936, 0}},
         {"floats, fewer counted", Rtu("01 03 04 42 C8 00 00 BF C0 00 00"), true, Kind::Values, {100, 0}},
         {"floats, more counted", Rtu("01 03 10 42 C8 00 00 BF C0"), true, Kind::Values, {100, 0}},
+        {"a negative zero", Rtu("01 03 04 80 00 00 00"), true, Kind::Values, {0, 0}},
         {"no float at all", Rtu("01 03 00"), true, Kind::Empty, {0, 0}},
         {"signed integers", Rtu("01 03 06 7F FF 80 00 FF FE"), false, Kind::Values, {32767, -32768, -2}},
         {"input registers", Rtu("01 04 02 00 05"), false, Kind::Values, {5}},
