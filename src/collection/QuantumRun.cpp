@@ -19,6 +19,7 @@ std::optional<protocols::QuantumReply> Ask(protocols::Conversation& talk, int me
     const std::string number = std::to_string(message);
     const std::string request = protocols::BuildQuantumRequest(talk.station.slaveaddress, "A", message);
     std::optional<protocols::QuantumReply> best;
+    std::size_t longer = 0;  // the last reply that was longer than it should be
     for (int asked = 0; asked < mostAsks && (asked == 0 || (!talk.Ended() && !talk.Wanted())); ++asked) {
         talk.feedback.Status("Sending Request Message " + number);
         talk.feedback.Status("Waiting For Reply- Message " + number);
@@ -26,7 +27,11 @@ std::optional<protocols::QuantumReply> Ask(protocols::Conversation& talk, int me
         if (talk.Ended()) {
             return std::nullopt;
         }
-        const protocols::QuantumReply decoded = protocols::DecodeQuantumReply(reply, message);
+        // Noise ahead of a reply moves its fields, which may then read as other numbers. Two replies of one length are
+        // that of the unit.
+        const bool isNoisy = reply.size() > protocols::quantumReplyLength && reply.size() != longer;
+        longer = isNoisy ? reply.size() : longer;
+        const auto decoded = isNoisy ? protocols::QuantumReply{} : protocols::DecodeQuantumReply(reply, message);
         talk.requests.Note(decoded.Whole());
         if (reply.empty() && !best) {
             return std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,10 @@ struct QuantumReply {
     int Received() const;
     bool Whole() const { return Received() == static_cast<int>(fields.size()); }
 };
+
+// A reply is so long: its readers on a line with echo keep so many characters of what came. A longer one has noise in it,
+// and where its fields stand is not known.
+constexpr std::size_t quantumReplyLength = 137;
 
 // Takes a reply to `message` apart: its head, whose contents are not known, and eight fields of 13 characters. A field
 // is received if all of it is there and reads as a number, or, as the first of message 3, as a date. A comma is as good

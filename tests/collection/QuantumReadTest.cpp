@@ -12,6 +12,7 @@ constexpr std::size_t whole = std::string::npos;
 constexpr std::size_t echo = 9;
 constexpr std::size_t head = 23;
 constexpr std::size_t field = 13;
+const std::string everyValue = "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 ";
 
 // Value n of all is n + 0.5; the first of message 3 is a date.
 std::shared_ptr<fieldsim::SignalList> Values() {
@@ -25,16 +26,20 @@ std::shared_ptr<fieldsim::SignalList> Values() {
     return std::make_shared<fieldsim::SignalList>(signals);
 }
 
-// Each answer keeps so many of its bytes; those behind the last are whole.
+// Each answer keeps so many of its bytes; those behind the last are whole. Noise stands behind the echo.
 struct CutUnit final : fieldsim::Device {
     fieldsim::QuantumUnit unit{5, Values(), {.echo = true}};
     std::vector<std::size_t> kept;
+    std::vector<std::string> noise;
+    std::string padding;  // behind each reply
     std::size_t asked = 0;
 
     std::vector<fieldsim::Answer> Receive(std::string_view bytes, const fieldsim::Moment& now) override {
         auto answers = unit.Receive(bytes, now);
         for (fieldsim::Answer& answer : answers) {
             answer.bytes = answer.bytes.substr(0, asked < kept.size() ? kept[asked] : whole);
+            answer.bytes.insert(std::min(echo, answer.bytes.size()), asked < noise.size() ? noise[asked] : "");
+            answer.bytes += padding;
             ++asked;
         }
         return answers;
@@ -74,9 +79,8 @@ struct QuantumReadTest : testing::Test {
 };
 
 TEST_F(QuantumReadTest, AReplyThatWasCutIsAskedForAgain) {
-    const std::string all = "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 ";
     EXPECT_TRUE(Collect({echo + head + 30, echo + head + 5 * field, whole, whole, echo + 4}));
-    EXPECT_EQ(Stored(), all);
+    EXPECT_EQ(Stored(), everyValue);
     EXPECT_EQ(unit.asked, 6U);
 }
 
@@ -84,6 +88,21 @@ TEST_F(QuantumReadTest, WhatStaysMissingIsZeroAndTheBestReplyCounts) {
     EXPECT_TRUE(Collect({whole, echo + head + 2 * field, echo + head + 3 * field, echo}));
     EXPECT_EQ(unit.asked, 5U);
     EXPECT_EQ(Stored(), "1 2 3 4 5 6 7 8 9 10 11 17 18 19 20 21 22 23 24 ");
+}
+
+// Digits as noise make other numbers of every field. A unit whose replies are always longer is read.
+TEST_F(QuantumReadTest, NoiseAheadOfAReplyMovesNoField) {
+    unit.noise = {"7", "", "", "12", "1"};
+    EXPECT_TRUE(Collect({}));
+    EXPECT_EQ(unit.asked, 6U);
+    EXPECT_EQ(Stored(), everyValue);
+    desk.dbconn.Execute("update configdata_detail set lastvalue=0");
+    unit.asked = 0;
+    unit.noise.clear();
+    unit.padding = "  ";
+    EXPECT_TRUE(Collect({}));
+    EXPECT_EQ(unit.asked, 6U);
+    EXPECT_EQ(Stored(), everyValue);
 }
 
 TEST_F(QuantumReadTest, AnEchoAloneIsSilence) {

@@ -58,7 +58,7 @@ void ThirtyDays::ExpectTheLineWasBusy(std::uint64_t from, std::uint64_t until, c
         busy += begin < end ? end - begin : 0;
         others += begin < end ? 1 : 0;
     }
-    EXPECT_LE(until - from, busy + (others + 1) * 5000 + 65000) << who << " waited while the line was free";
+    EXPECT_LE(until, from + busy + (others + 1) * 5000 + 65000) << who << " waited while the line was free";
 }
 
 // A turn for each contract hour, and none besides; those that a power cut took away are there after the next start.
@@ -113,6 +113,9 @@ void ThirtyDays::ExpectTheRetries() const {
             round = turn.how == "retry" ? round + 1 : 0;
             const Turn* following = k + 1 < own.size() ? own[k + 1] : nullptr;
             const bool retried = following != nullptr && following->how == "retry";
+            if (turn.result == "partly" && round < std::size(pauses)) {
+                continue;  // what a bad line cut short may be tried again
+            }
             if (!GaveNoData(turn) || round == std::size(pauses)) {
                 EXPECT_FALSE(retried) << Name(turn) << "\n  then " << Name(*following);
                 continue;
@@ -181,7 +184,8 @@ void ThirtyDays::ExpectOnlyWhatWasSent(std::int64_t location) const {
                 << what;
         }
     }
-    for (const core::Row& day : dbconn.Query("select * from gasday where locationID=?", {location})) {
+    for (const core::Row& day :
+         dbconn.Query("select * from gasday where locationID=? order by gasday desc limit 3", {location})) {
         EXPECT_FALSE(day.IsNull("readat"));
         for (const auto& [column, description] : {std::pair{"dayflow", "Volume Yesterday"},
                                                   {"monthflow", "Volume This Month"},
@@ -193,12 +197,13 @@ void ThirtyDays::ExpectOnlyWhatWasSent(std::int64_t location) const {
     }
 }
 
-// What a turn counts as received is in the map, read in this turn; and nothing else is.
+// What a turn counts as received is in the map, read in this turn; and nothing else is. Its last attempt may have got
+// less.
 void ThirtyDays::ExpectWhatItCounts(const Turn& turn) const {
     core::Database dbconn(life.database);
-    const auto rows = dbconn.First(
-        "select count(*) from configdata_detail where locationID=? and quality='good' and readat between ? and ?",
-        {turn.location, LocalText(turn.begun), LocalText(turn.ended)});
+    const auto rows =
+        dbconn.First("select count(*) from configdata_detail where locationID=? and readat between ? and ?",
+                     {turn.location, LocalText(turn.begun), LocalText(turn.ended)});
     EXPECT_EQ((*rows)[0].Long(), turn.received) << Name(turn);
 }
 
