@@ -217,12 +217,18 @@ void Scheduler::ServeStation(const Turn& turn) {
     }
 }
 
-// What was missed, or gave nothing, may have been collected while its turn waited.
+// What was missed, or gave nothing, may have been collected while its turn waited; or the next contract hour has come,
+// and what the station has now is of another gas day.
 bool Scheduler::StillWanted(const Turn& turn) const {
     if (turn.how != How::Late && turn.how != How::Retry) {
         return true;
     }
-    const auto outcome = OutcomeOf(place_.dbconn, turn.locationID, turn.GasDay(place_.clock.Now()));
+    const core::DateTime now = place_.clock.Now();
+    const auto schedule = ReadSchedule(place_.dbconn, turn.locationID);
+    if (!schedule || LatestDue(*schedule, now) != turn.due) {
+        return false;
+    }
+    const auto outcome = OutcomeOf(place_.dbconn, turn.locationID, turn.GasDay(now));
     return !outcome || outcome->result != Result::Collected;
 }
 

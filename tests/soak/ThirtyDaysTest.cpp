@@ -77,7 +77,9 @@ void ThirtyDays::ExpectTheDues() const {
         std::vector<std::string> served;
         for (const Running& time : life.running) {
             auto counted = served;
-            for (const Due& due : DuesOf(station, time, life.local, firstTick, counted)) {
+            const std::vector<Due> dues = DuesOf(station, time, life.local, firstTick, counted);
+            for (std::size_t k = 0; k < dues.size(); ++k) {
+                const Due& due = dues[k];
                 const std::string who = station.consumer + " (contract hour " + station.contracthour + ", " +
                                         station.duration + ") gas day " + due.gasday;
                 if (next < primary.size() && primary[next]->gasday == due.gasday && primary[next]->ended < time.until) {
@@ -85,6 +87,9 @@ void ThirtyDays::ExpectTheDues() const {
                     EXPECT_EQ(turn.how, due.late ? "late" : "schedule") << Name(turn);
                     ExpectTheLineWasBusy(due.from, turn.begun, Name(turn));
                     served.push_back(due.gasday);
+                } else if (k + 1 < dues.size()) {
+                    // Others had their turns until the next contract hour came.
+                    ExpectTheLineWasBusy(due.from, dues[k + 1].from, who + ", which has no turn,");
                 } else {
                     // Cut off before its end: the turns of others and its own filled the time until then.
                     std::uint64_t last = due.from;
