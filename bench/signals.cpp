@@ -60,6 +60,8 @@ bool LongList() {
     for (int n = 1; n <= listLength; ++n) {
         signals.push_back({n, "METER.SIGNAL." + std::to_string(n), "M3/H", fieldsim::Kind::Float, n * 1.25});
     }
+    // A poll for an answer that is not ready yet is a wait of its own.
+    field.Station(locationID)->bsap->Options().notReadyOneIn = 0;
     *field.Station(locationID)->bsap->Lists().at(54) = fieldsim::SignalList(signals);
     const std::filesystem::path port = scratch.shared.directory / "COM1";
     const Served served(port, *field.Ports().at(1));
