@@ -66,7 +66,8 @@ std::vector<PlannedStation> DrawStations(Draw& draw) {
 // Spans of one kind that do not touch each other.
 void Add(std::vector<TroubleSpan>& troubles, const TroubleSpan& more) {
     const bool inTheWay = std::any_of(troubles.begin(), troubles.end(), [&](const TroubleSpan& other) {
-        return other.port == more.port && other.span.Overlaps(more.span.from, more.span.until);
+        return other.port == more.port &&
+               other.span.Overlaps(std::max<std::uint64_t>(more.span.from, 1) - 1, more.span.until + 1);
     });
     if (!inTheWay) {
         troubles.push_back(more);
