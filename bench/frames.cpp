@@ -5,10 +5,10 @@
 #include <map>
 
 #include "bench/Figure.h"
-#include "protocols/BsapCheck.h"
-#include "protocols/ModbusCheck.h"
-#include "protocols/ModbusReply.h"
-#include "protocols/ModbusRequest.h"
+#include "protocols/bsap/BsapCheck.h"
+#include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusReply.h"
+#include "protocols/modbus/ModbusRequest.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 # so the list behind BELOW is the list of rooms that it may know.
 function(norwen_room room)
   cmake_parse_arguments(ROOM "" "" "BELOW" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.h)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.h)
   add_library(norwen_${room} STATIC ${sources})
   target_include_directories(norwen_${room} PUBLIC ${CMAKE_SOURCE_DIR}/src)
   foreach(below ${ROOM_BELOW})

@@ -14,7 +14,7 @@ set(below_signals core protocols stations collection archive session signals)
 
 set(broken "")
 foreach(room ${rooms})
-  file(GLOB files ${HOUSE}/src/${room}/*.h ${HOUSE}/src/${room}/*.cpp)
+  file(GLOB_RECURSE files ${HOUSE}/src/${room}/*.h ${HOUSE}/src/${room}/*.cpp)
   foreach(file ${files})
     file(STRINGS ${file} includes REGEX "^#include ")
     foreach(include ${includes})

@@ -7,7 +7,7 @@
 
 #include "fieldsim/Device.h"
 #include "fieldsim/VirtualClock.h"
-#include "protocols/Line.h"
+#include "protocols/line/Line.h"
 
 namespace fieldsim {
 

@@ -15,7 +15,7 @@
 #include "core/MAIN_Module.h"
 #include "fieldsim/BsapFrame.h"
 #include "fieldsim/VirtualClock.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 // A BSAP station that answers with the fuzzer's bytes, and the desk in front of it.
 namespace fuzz {

@@ -5,8 +5,8 @@
 
 #include "AnyStation.h"
 #include "collection/BsapList.h"
-#include "protocols/BsapLink.h"
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/BsapLink.h"
+#include "protocols/bsap/BsapReply.h"
 
 using namespace fuzz;
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "protocols/FrameFields.h"
+#include "protocols/inspect/FrameFields.h"
 
 using namespace protocols;
 

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string>
 
-#include "protocols/ModbusCheck.h"
-#include "protocols/ModbusNumbers.h"
-#include "protocols/ModbusReply.h"
-#include "protocols/ModbusRequest.h"
+#include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusNumbers.h"
+#include "protocols/modbus/ModbusReply.h"
+#include "protocols/modbus/ModbusRequest.h"
 
 using namespace protocols;
 

@@ -1,5 +1,5 @@
 // Replies of any bytes to the decoding of Quantum messages.
-#include "protocols/Quantum.h"
+#include "protocols/quantum/Quantum.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "AnyStation.h"
-#include "protocols/BsapLink.h"
+#include "protocols/bsap/BsapLink.h"
 #include "signals/SignalAccess.h"
 #include "signals/SignalFetch.h"
 

@@ -1,6 +1,6 @@
 #include "archive/Archive.h"
 
-#include "protocols/BsapFrame.h"
+#include "protocols/bsap/BsapFrame.h"
 
 namespace archive {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/Clock.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 // The requests for a station's archive files and its audit trail, as finished frames. They draw on the same sequence
 // numbers as the other BSAP messages. Of a node, a file, a field index, a cursor and a count the low byte is sent, of a

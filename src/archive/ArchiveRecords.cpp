@@ -6,7 +6,7 @@
 
 #include "archive/Archive.h"
 #include "core/Text.h"
-#include "protocols/ModbusNumbers.h"
+#include "protocols/modbus/ModbusNumbers.h"
 
 namespace archive {
 

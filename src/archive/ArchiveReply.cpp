@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/Text.h"
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/BsapReply.h"
 
 namespace archive {
 

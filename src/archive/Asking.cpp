@@ -1,7 +1,7 @@
 #include "archive/Asking.h"
 
 #include "core/Text.h"
-#include "protocols/BsapLink.h"
+#include "protocols/bsap/BsapLink.h"
 
 namespace archive {
 

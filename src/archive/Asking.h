@@ -5,7 +5,7 @@
 #include <string>
 
 #include "archive/Routines.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 namespace archive {
 

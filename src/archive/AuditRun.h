@@ -6,7 +6,7 @@
 #include "archive/Download.h"
 #include "archive/Routines.h"
 #include "archive/RunView.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 namespace archive {
 

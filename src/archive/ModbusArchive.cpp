@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/Text.h"
-#include "protocols/ModbusTransact.h"
+#include "protocols/modbus/ModbusTransact.h"
 
 namespace archive {
 

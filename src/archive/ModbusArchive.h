@@ -6,7 +6,7 @@
 #include "archive/ModbusRecords.h"
 #include "archive/RunView.h"
 #include "core/Database.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 // The archive of a station that speaks Modbus. It has no message of its own: the station shows a window of registers.
 // One register tells the number of the newest record, one takes the number of the record that is wanted, and from a

@@ -1,6 +1,6 @@
 #include "archive/Tries.h"
 
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/BsapReply.h"
 
 namespace archive {
 

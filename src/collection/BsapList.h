@@ -6,7 +6,7 @@
 
 #include "collection/BsapListRecords.h"
 #include "collection/ListInfo.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 namespace collection {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "core/Text.h"
-#include "protocols/BsapReply.h"
-#include "protocols/ModbusNumbers.h"
+#include "protocols/bsap/BsapReply.h"
+#include "protocols/modbus/ModbusNumbers.h"
 
 namespace collection {
 

@@ -7,7 +7,7 @@
 #include "collection/RunTally.h"
 #include "collection/StoreValues.h"
 #include "collection/StreamLists.h"
-#include "protocols/BsapLink.h"
+#include "protocols/bsap/BsapLink.h"
 
 namespace collection {
 

@@ -5,7 +5,7 @@
 #include "collection/LogicalText.h"
 #include "collection/Outcome.h"
 #include "core/Text.h"
-#include "protocols/ModbusTransact.h"
+#include "protocols/modbus/ModbusTransact.h"
 
 namespace collection {
 

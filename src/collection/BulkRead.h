@@ -14,7 +14,7 @@
 #include "collection/RunTally.h"
 #include "collection/ValueStore.h"
 #include "collection/Workplace.h"
-#include "protocols/ModbusTransact.h"
+#include "protocols/modbus/ModbusTransact.h"
 
 namespace collection {
 

@@ -2,7 +2,7 @@
 
 #include "collection/ProtocolRuns.h"
 #include "core/Text.h"
-#include "protocols/Modem.h"
+#include "protocols/line/Modem.h"
 
 namespace collection {
 

@@ -4,7 +4,7 @@
 
 #include "collection/Claim.h"
 #include "core/Text.h"
-#include "protocols/ModbusReadBack.h"
+#include "protocols/modbus/ModbusReadBack.h"
 
 namespace collection {
 

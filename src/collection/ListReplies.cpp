@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/BsapReply.h"
 
 namespace collection {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "collection/BsapListRecords.h"
-#include "protocols/BsapLink.h"
-#include "protocols/Conversation.h"
+#include "protocols/bsap/BsapLink.h"
+#include "protocols/line/Conversation.h"
 
 namespace collection {
 

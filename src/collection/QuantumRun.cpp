@@ -5,7 +5,7 @@
 #include "collection/QuantumRead.h"
 #include "collection/RunTally.h"
 #include "core/Text.h"
-#include "protocols/Quantum.h"
+#include "protocols/quantum/Quantum.h"
 
 namespace collection {
 

@@ -5,7 +5,7 @@
 #include "core/Feedback.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 namespace collection {
 

@@ -1,7 +1,7 @@
 #include "session/LineUp.h"
 
-#include "protocols/BsapLink.h"
-#include "protocols/Modem.h"
+#include "protocols/bsap/BsapLink.h"
+#include "protocols/line/Modem.h"
 #include "session/Speaks.h"
 #include "session/WriteAnswer.h"
 

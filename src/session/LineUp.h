@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "protocols/BsapLink.h"
-#include "protocols/Conversation.h"
+#include "protocols/bsap/BsapLink.h"
+#include "protocols/line/Conversation.h"
 
 // The line of a session, from the closed port to the station that answers, and back.
 namespace session {

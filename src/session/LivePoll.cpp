@@ -5,7 +5,7 @@
 #include "collection/BsapList.h"
 #include "collection/QuantumRead.h"
 #include "collection/StreamLists.h"
-#include "protocols/Quantum.h"
+#include "protocols/quantum/Quantum.h"
 #include "session/Speaks.h"
 
 namespace session {

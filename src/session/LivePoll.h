@@ -10,7 +10,7 @@
 #include "collection/BulkPlan.h"
 #include "collection/BulkRead.h"
 #include "collection/Workplace.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "session/ParameterSet.h"
 
 namespace session {

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "collection/Scheduler.h"
-#include "protocols/Modem.h"
+#include "protocols/line/Modem.h"
 
 namespace session {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/Text.h"
-#include "protocols/Bsap.h"
-#include "protocols/ModbusReadBack.h"
+#include "protocols/bsap/Bsap.h"
+#include "protocols/modbus/ModbusReadBack.h"
 #include "session/Figures.h"
 #include "session/Speaks.h"
 

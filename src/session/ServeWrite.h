@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/Clock.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "session/ParameterSet.h"
 #include "session/WriteAnswer.h"
 

@@ -7,7 +7,7 @@
 #include "collection/Scheduler.h"
 #include "core/Database.h"
 #include "core/Settings.h"
-#include "protocols/Modem.h"
+#include "protocols/line/Modem.h"
 #include "session/LineUp.h"
 #include "session/LivePoll.h"
 #include "session/Speaks.h"

@@ -5,7 +5,7 @@
 
 #include "core/Database.h"
 #include "core/Text.h"
-#include "protocols/ModbusReadBack.h"
+#include "protocols/modbus/ModbusReadBack.h"
 #include "session/Figures.h"
 #include "session/ServeWrite.h"
 #include "session/Session.h"

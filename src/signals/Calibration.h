@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/Clock.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "signals/CalibrationSignals.h"
 #include "signals/SignalAccess.h"
 

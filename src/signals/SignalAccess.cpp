@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/BsapReply.h"
 
 namespace signals {
 

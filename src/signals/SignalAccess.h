@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "protocols/Bsap.h"
-#include "protocols/BsapLink.h"
-#include "protocols/Conversation.h"
+#include "protocols/bsap/Bsap.h"
+#include "protocols/bsap/BsapLink.h"
+#include "protocols/line/Conversation.h"
 #include "signals/SignalText.h"
 
 // Single signals of a station that is signed on, by their addresses or by their names.

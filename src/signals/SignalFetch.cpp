@@ -4,8 +4,8 @@
 
 #include "collection/ListReplies.h"
 #include "core/Text.h"
-#include "protocols/Bsap.h"
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/Bsap.h"
+#include "protocols/bsap/BsapReply.h"
 
 namespace signals {
 

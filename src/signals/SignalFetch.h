@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "signals/SignalText.h"
 
 // How signals are read from a station with their names: a list by its number, or what fits a pattern.

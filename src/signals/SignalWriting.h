@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "session/WriteLevels.h"
 #include "signals/SignalText.h"
 

@@ -4,7 +4,7 @@
 
 #include "collection/CollectionRun.h"
 #include "core/Text.h"
-#include "protocols/ModbusTransact.h"
+#include "protocols/modbus/ModbusTransact.h"
 #include "session/OwnCall.h"
 #include "support/ChildProcess.h"
 #include "support/PortDesk.h"

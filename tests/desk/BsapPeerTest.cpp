@@ -10,7 +10,7 @@
 
 #include "archive/Collecting.h"
 #include "core/Text.h"
-#include "protocols/BsapLink.h"
+#include "protocols/bsap/BsapLink.h"
 #include "session/Session.h"
 #include "signals/Calibration.h"
 #include "signals/SignalAccess.h"

@@ -11,7 +11,7 @@
 #include "collection/CollectionRun.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/SerialLine.h"
-#include "protocols/Modem.h"
+#include "protocols/line/Modem.h"
 #include "session/OwnCall.h"
 #include "support/PortDesk.h"
 #include "support/SessionDesk.h"

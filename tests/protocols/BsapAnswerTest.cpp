@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "fieldsim/BsapFrame.h"
-#include "protocols/BsapAnswer.h"
-#include "protocols/BsapReply.h"
+#include "protocols/bsap/BsapAnswer.h"
+#include "protocols/bsap/BsapReply.h"
 #include "support/Hex.h"
 
 using namespace protocols;

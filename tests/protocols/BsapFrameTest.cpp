@@ -5,9 +5,9 @@
 #include <tuple>
 #include <vector>
 
-#include "protocols/Bsap.h"
-#include "protocols/BsapCheck.h"
-#include "protocols/BsapFrame.h"
+#include "protocols/bsap/Bsap.h"
+#include "protocols/bsap/BsapCheck.h"
+#include "protocols/bsap/BsapFrame.h"
 #include "support/Hex.h"
 
 using namespace protocols;

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "fieldsim/BsapFrame.h"
-#include "protocols/Bsap.h"
-#include "protocols/BsapLink.h"
 #include "protocols/FieldTalk.h"
+#include "protocols/bsap/Bsap.h"
+#include "protocols/bsap/BsapLink.h"
 #include "support/Hex.h"
 
 using namespace protocols;

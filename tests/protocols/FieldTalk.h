@@ -3,7 +3,7 @@
 #include <type_traits>
 
 #include "fieldsim/SimLine.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "support/ScratchDesk.h"
 #include "support/ScriptedLine.h"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "protocols/FrameFields.h"
+#include "protocols/inspect/FrameFields.h"
 #include "support/Hex.h"
 
 using namespace protocols;

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "protocols/FieldTalk.h"
-#include "protocols/LineLease.h"
+#include "protocols/line/LineLease.h"
 
 using namespace protocols;
 using testing::ElementsAre;

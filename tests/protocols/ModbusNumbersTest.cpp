@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "protocols/ModbusNumbers.h"
+#include "protocols/modbus/ModbusNumbers.h"
 #include "support/Hex.h"
 
 using namespace protocols;

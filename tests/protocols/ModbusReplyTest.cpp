@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fieldsim/ModbusSlave.h"
-#include "protocols/ModbusReply.h"
+#include "protocols/modbus/ModbusReply.h"
 #include "support/Hex.h"
 
 using namespace protocols;

@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "fieldsim/ModbusSlave.h"
-#include "protocols/ModbusCheck.h"
-#include "protocols/ModbusRequest.h"
+#include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusRequest.h"
 #include "support/Hex.h"
 
 using namespace protocols;

@@ -3,7 +3,7 @@
 
 #include "fieldsim/ModbusSlave.h"
 #include "protocols/FieldTalk.h"
-#include "protocols/ModbusTransact.h"
+#include "protocols/modbus/ModbusTransact.h"
 #include "support/Hex.h"
 
 using namespace protocols;

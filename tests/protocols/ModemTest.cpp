@@ -3,7 +3,7 @@
 
 #include "fieldsim/HayesModem.h"
 #include "protocols/FieldTalk.h"
-#include "protocols/Modem.h"
+#include "protocols/line/Modem.h"
 
 using namespace protocols;
 using testing::Contains;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fieldsim/QuantumUnit.h"
-#include "protocols/Quantum.h"
+#include "protocols/quantum/Quantum.h"
 #include "support/Hex.h"
 
 using namespace protocols;

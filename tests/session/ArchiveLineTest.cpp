@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "archive/Collecting.h"
-#include "protocols/BsapLink.h"
+#include "protocols/bsap/BsapLink.h"
 #include "session/ArchiveLine.h"
 #include "support/Downloads.h"
 #include "support/SessionDesk.h"

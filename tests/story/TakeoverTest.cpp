@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "protocols/ModbusTransact.h"
+#include "protocols/modbus/ModbusTransact.h"
 #include "support/CollectionDesk.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/LineFaults.h"
 #include "fieldsim/SimLine.h"
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 #include "support/ScratchDesk.h"
 
 namespace support {

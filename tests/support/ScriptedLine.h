@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "protocols/Line.h"
+#include "protocols/line/Line.h"
 
 namespace support {
 

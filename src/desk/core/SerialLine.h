@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "protocols/Line.h"
+#include "protocols/line/Line.h"
 
 namespace desk {
 

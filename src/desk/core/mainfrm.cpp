@@ -15,7 +15,7 @@
 #include "desk/core/Navigator.h"
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/frmmain.h"
-#include "protocols/LineLease.h"
+#include "protocols/line/LineLease.h"
 #include "ui_mainfrm.h"
 
 namespace desk {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "protocols/FrameFields.h"
+#include "protocols/inspect/FrameFields.h"
 
 namespace desk {
 

@@ -9,7 +9,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include "protocols/Conversation.h"
+#include "protocols/line/Conversation.h"
 
 namespace desk {
 

@@ -11,7 +11,7 @@
 #include "core/Clock.h"
 #include "desk/session/TrafficModel.h"
 #include "desk/session/frmtxrxleds.h"
-#include "protocols/FrameFields.h"
+#include "protocols/inspect/FrameFields.h"
 
 namespace desk {
 

@@ -3,7 +3,7 @@
 #include "collection/Scheduler.h"
 #include "core/Clock.h"
 #include "core/Feedback.h"
-#include "protocols/LineLease.h"
+#include "protocols/line/LineLease.h"
 
 namespace desk {
 

@@ -1,0 +1,295 @@
+#include "core/Text.h"
+#include "protocols/inspect/FieldWriter.h"
+#include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusNumbers.h"
+
+// Modbus by name: both framings carry the same body, slave, function and data, in front of their check.
+namespace protocols {
+
+namespace {
+
+constexpr int writeCoil = 5;
+constexpr int writeRegister = 6;
+constexpr int writeCoils = 15;
+constexpr int writeRegisters = 16;
+constexpr int readStatus = 7;
+constexpr int exceptionBit = 0x80;
+
+std::string FunctionWord(int function) {
+    switch (function & ~exceptionBit) {
+        case 1:
+            return "read coils";
+        case 2:
+            return "read inputs";
+        case 3:
+            return "read holding registers";
+        case 4:
+            return "read input registers";
+        case writeCoil:
+            return "write one coil";
+        case writeRegister:
+            return "write one register";
+        case readStatus:
+            return "read exception status";
+        case writeCoils:
+            return "write coils";
+        case writeRegisters:
+            return "write registers";
+        default:
+            return "not recognised";
+    }
+}
+
+// The words of the Modbus application protocol.
+std::string ExceptionWord(int code) {
+    switch (code) {
+        case 1:
+            return "illegal function";
+        case 2:
+            return "illegal data address";
+        case 3:
+            return "illegal data value";
+        case 4:
+            return "slave device failure";
+        case 5:
+            return "acknowledge";
+        case 6:
+            return "slave device busy";
+        case 8:
+            return "memory parity error";
+        case 10:
+            return "gateway path unavailable";
+        case 11:
+            return "gateway target failed to respond";
+        default:
+            return "not recognised";
+    }
+}
+
+bool Known(int function) {
+    return FunctionWord(function) != "not recognised";
+}
+
+bool IsRead(int function) {
+    return function >= 1 && function <= 4;
+}
+
+bool IsWriteOfMany(int function) {
+    return function == writeCoils || function == writeRegisters;
+}
+
+std::string Unit(int function) {
+    return function == 1 || function == writeCoil || function == writeCoils ? "coil"
+           : function == 2                                                  ? "input"
+                                                                            : "register";
+}
+
+// The maps of the stations count from 1, the line from 0.
+void TakeAddress(BodyFields& body, int function) {
+    const int number = body.HighLow();
+    body.Take(2, Unit(function),
+              std::to_string(number) + " on the line, " + std::to_string(number + 1) + " in the map");
+}
+
+void TakeWord(BodyFields& body, const std::string& name) {
+    body.Take(2, name, std::to_string(body.HighLow()));
+}
+
+std::string Floats(std::string_view bytes) {
+    constexpr std::size_t most = 3;
+    std::string text;
+    for (std::size_t at = 0; at + 4 <= bytes.size() && at < most * 4; at += 4) {
+        std::uint32_t word = 0;
+        for (const char c : bytes.substr(at, 4)) {
+            word = word << 8U | static_cast<unsigned char>(c);
+        }
+        text += (text.empty() ? "" : " ") + core::NumberText(core::RoundTo(WireFloat(word), 6));
+    }
+    return text + (bytes.size() > most * 4 ? " ..." : "");
+}
+
+void TakeData(BodyFields& body, int function, std::size_t count) {
+    const std::string_view bytes = body.PeekAll().substr(0, count);
+    const bool floats = (function == 3 || function == 4 || function == writeRegisters) && count > 0 && count % 4 == 0;
+    body.Take(count, "data", ShortHex(bytes) + (floats ? ", as floats " + Floats(bytes) : ""));
+}
+
+void TakeCoilValue(BodyFields& body) {
+    const int value = body.HighLow();
+    body.Take(2, "value", std::to_string(value) + (value == 0xFF00 ? " on" : value == 0 ? " off" : ""));
+}
+
+void TakeHead(BodyFields& body) {
+    body.TakeByte("slave");
+    const int function = std::max(body.Peek(), 0);
+    const std::string number = std::to_string(function & ~exceptionBit);
+    body.Take(1, "function",
+              number + " " + FunctionWord(function) + ((function & exceptionBit) != 0 ? ", refused" : ""));
+}
+
+void TakeAddressAndDatum(BodyFields& body, int function) {
+    TakeAddress(body, function);
+    if (function == writeCoil) {
+        TakeCoilValue(body);
+    } else {
+        TakeWord(body, function == writeRegister ? "value" : "quantity");
+    }
+}
+
+void TakeRequest(BodyFields& body) {
+    const int function = body.Peek(1);
+    TakeHead(body);
+    TakeAddressAndDatum(body, function);
+    if (IsWriteOfMany(function)) {
+        body.TakeByte("byte count");
+        // The requests of this master do not always carry what they count, so the data is what is there.
+        TakeData(body, function, body.Left());
+    }
+    body.TakeRest("data");
+}
+
+void TakeReply(BodyFields& body) {
+    const int function = body.Peek(1);
+    TakeHead(body);
+    if ((function & exceptionBit) != 0) {
+        const int code = std::max(body.Peek(), 0);
+        body.Take(1, "exception", std::to_string(code) + " " + ExceptionWord(code));
+    } else if (IsRead(function)) {
+        const int count = std::max(body.Peek(), 0);
+        body.TakeByte("byte count");
+        TakeData(body, function, static_cast<std::size_t>(count));
+    } else if (function == readStatus) {
+        body.TakeByte("status");
+    } else {
+        TakeAddressAndDatum(body, function);
+    }
+    body.TakeRest("not recognised");
+}
+
+// False: the body is cut short.
+bool TakeBody(const Body& bytes, Naming& naming) {
+    BodyFields body(bytes, naming.fields);
+    if (!Known(body.Peek(1))) {
+        TakeHead(body);
+        body.TakeRest("not recognised");
+    } else if (naming.direction == Direction::TX) {
+        TakeRequest(body);
+    } else {
+        TakeReply(body);
+    }
+    naming.next = bytes.at.back();
+    return !body.CutShort();
+}
+
+constexpr std::size_t rtuCheck = 2;
+
+std::string RtuCheck(std::string_view body) {
+    const int check = ModbusCrc(body);
+    return {static_cast<char>(check & 0xFF), static_cast<char>(check >> 8)};
+}
+
+bool IsRightRtu(std::string_view frame) {
+    return frame.size() >= 2 + rtuCheck && frame.ends_with(RtuCheck(frame.substr(0, frame.size() - rtuCheck)));
+}
+
+// How long the body of a reply says that it is; one that does not say so ends with the line.
+std::size_t ReplyLength(std::string_view line) {
+    const int function = static_cast<unsigned char>(line[1]);
+    if ((function & exceptionBit) != 0 || function == readStatus) {
+        return 3;
+    }
+    if (IsRead(function)) {
+        return line.size() < 3 ? 3 : 3 + static_cast<std::size_t>(static_cast<unsigned char>(line[2]));
+    }
+    return 6;
+}
+
+// The digits of a frame in ASCII framing, and how many of them, at their end, are its check.
+struct AsciiDigits {
+    std::string_view digits;
+    std::size_t check = 0;
+    bool right = false;
+    std::string expected{};
+};
+
+// The check of this master's own requests has no padding: "A" for 0A, and "100" where the protocol has 00. In front of
+// it there are pairs.
+AsciiDigits SplitCheck(std::string_view digits) {
+    const bool pairs = digits.size() % 2 == 0;
+    const std::size_t usual = pairs ? 2 : 1;
+    for (const std::size_t length : {usual, usual + 2}) {
+        if (digits.size() > length && length < 4) {
+            const int lrc = ModbusLrc(digits.substr(0, digits.size() - length));
+            const int given = HexNumber(digits.substr(digits.size() - length));
+            if (given == lrc || (pairs && given == lrc % 256)) {
+                return {digits, length, true};
+            }
+        }
+    }
+    const std::size_t check = std::min(digits.size(), usual);
+    return {digits, check, false, HexByte(ModbusLrc(digits.substr(0, digits.size() - check)) & 0xFF)};
+}
+
+// The bytes of hexadecimal pairs that begin at `from`; a digit that is left over is a byte of its own.
+Body PairsBody(std::string_view digits, std::size_t from) {
+    Body body;
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        body.bytes += static_cast<char>(HexNumber(digits.substr(i, 2)));
+        body.at.push_back(from + i);
+    }
+    body.at.push_back(from + digits.size());
+    return body;
+}
+
+void NameAsciiFrame(Naming& naming) {
+    naming.Take(1, "start", ":");
+    const std::string_view rest = naming.Rest();
+    const std::string_view digits = rest.substr(0, rest.find_first_not_of("0123456789ABCDEFabcdef"));
+    const std::string_view end = rest.substr(digits.size(), 2);
+    const bool ended = end.starts_with('\r') || end.starts_with('\n');
+    AsciiDigits frame = SplitCheck(digits);
+    if (!ended && !frame.right) {
+        frame.check = 0;  // what came last need not be the check
+    }
+    const bool whole = TakeBody(PairsBody(digits.substr(0, digits.size() - frame.check), naming.next), naming);
+    if (frame.check > 0) {
+        naming.Take(frame.check, "check", CheckWord(frame.right, frame.expected));
+    }
+    if (ended) {
+        naming.Take(end == "\r\n" ? 2 : 1, "end", end == "\r\n" ? "CR LF" : Readable(end.substr(0, 1)));
+    } else if (naming.Rest().empty() && whole) {
+        naming.TakeCut(frame.check > 0 ? "end" : "check");
+    }
+}
+
+}  // namespace
+
+void NameModbusRtu(Naming& naming) {
+    const std::string_view line = naming.Rest();
+    if (line.size() < 2 || (!Known(static_cast<unsigned char>(line[1])) && !IsRightRtu(line))) {
+        return;
+    }
+    std::size_t length = line.size() - std::min(line.size() - 2, rtuCheck);
+    if (naming.direction == Direction::RX && !IsRightRtu(line)) {
+        // More than it says: something came behind it. Less: it was cut.
+        length = std::min(ReplyLength(line), line.size());
+    }
+    if (!TakeBody(PlainBody(naming.line, naming.next, length), naming)) {
+        return;
+    }
+    if (naming.Rest().size() < rtuCheck) {
+        naming.TakeCut("check");
+        return;
+    }
+    const std::string expected = RtuCheck(line.substr(0, length));
+    naming.Take(rtuCheck, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
+}
+
+void NameModbusAscii(Naming& naming) {
+    while (naming.Rest().find(':') != std::string_view::npos) {
+        naming.TakeUnknown(naming.Rest().find(':'));
+        NameAsciiFrame(naming);
+    }
+}
+
+}  // namespace protocols
