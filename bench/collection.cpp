@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "bench/Figure.h"
-#include "collection/StoreValues.h"
+#include "reading/StoreValues.h"
 #include "support/CollectionDesk.h"
 
 namespace {

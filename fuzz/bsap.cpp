@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "AnyStation.h"
-#include "collection/BsapList.h"
 #include "protocols/bsap/BsapLink.h"
 #include "protocols/bsap/BsapReply.h"
+#include "reading/BsapList.h"
 
 using namespace fuzz;
 

@@ -1,13 +1,13 @@
-#include "collection/BsapList.h"
 #include "collection/ClosingSteps.h"
-#include "collection/ListInfo.h"
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
-#include "collection/RunFigures.h"
-#include "collection/RunTally.h"
-#include "collection/StoreValues.h"
-#include "collection/StreamLists.h"
 #include "protocols/bsap/BsapLink.h"
+#include "reading/BsapList.h"
+#include "reading/ListInfo.h"
+#include "reading/RunFigures.h"
+#include "reading/RunTally.h"
+#include "reading/StoreValues.h"
+#include "reading/StreamLists.h"
 
 namespace collection {
 

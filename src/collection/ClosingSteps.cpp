@@ -3,10 +3,10 @@
 #include <optional>
 #include <vector>
 
-#include "collection/Claim.h"
-#include "collection/ListInfo.h"
 #include "collection/Workbook.h"
 #include "core/Text.h"
+#include "reading/Claim.h"
+#include "reading/ListInfo.h"
 
 namespace collection {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "collection/Workplace.h"
 #include "core/Station.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "collection/Workplace.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 

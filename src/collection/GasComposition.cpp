@@ -2,9 +2,9 @@
 
 #include <charconv>
 
-#include "collection/Claim.h"
 #include "core/Text.h"
 #include "protocols/modbus/ModbusReadBack.h"
+#include "reading/Claim.h"
 
 namespace collection {
 

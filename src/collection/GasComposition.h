@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "collection/Workplace.h"
 #include "core/Database.h"
+#include "reading/Workplace.h"
 
 // The gas composition that a station is to calculate with: what the operator wants (table write_gc), and the way to it.
 namespace collection {

@@ -1,9 +1,9 @@
-#include "collection/BulkRead.h"
 #include "collection/ClosingSteps.h"
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
-#include "collection/RunTally.h"
-#include "collection/StoreValues.h"
+#include "reading/BulkRead.h"
+#include "reading/RunTally.h"
+#include "reading/StoreValues.h"
 
 namespace collection {
 

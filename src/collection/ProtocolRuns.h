@@ -1,8 +1,8 @@
 #pragma once
 
 #include "collection/CollectionRun.h"
-#include "collection/Workplace.h"
 #include "core/Station.h"
+#include "reading/Workplace.h"
 
 // The collection of each protocol on a line that is up. Each sets `runfailed` when the station could not be read;
 // all throw DatabaseError.

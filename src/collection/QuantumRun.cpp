@@ -2,10 +2,10 @@
 
 #include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
-#include "collection/QuantumRead.h"
-#include "collection/RunTally.h"
 #include "core/Text.h"
 #include "protocols/quantum/Quantum.h"
+#include "reading/QuantumRead.h"
+#include "reading/RunTally.h"
 
 namespace collection {
 

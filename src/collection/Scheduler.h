@@ -9,7 +9,7 @@
 #include "collection/MissedHours.h"
 #include "collection/Retries.h"
 #include "collection/RunQueue.h"
-#include "collection/Workplace.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 

@@ -4,12 +4,12 @@
 #include <span>
 #include <string>
 
-#include "collection/Claim.h"
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/Feedback.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
+#include "reading/Claim.h"
 
 namespace collection {
 

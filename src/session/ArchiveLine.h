@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "archive/Routines.h"
-#include "collection/Workplace.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 class Scheduler;

@@ -3,12 +3,12 @@
 #include <set>
 #include <stdexcept>
 
-#include "collection/Claim.h"
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/Logs.h"
 #include "core/Station.h"
 #include "core/Text.h"
+#include "reading/Claim.h"
 #include "session/ParameterSet.h"
 #include "session/ValueText.h"
 

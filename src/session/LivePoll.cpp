@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "collection/BsapList.h"
-#include "collection/QuantumRead.h"
-#include "collection/StreamLists.h"
 #include "protocols/quantum/Quantum.h"
+#include "reading/BsapList.h"
+#include "reading/QuantumRead.h"
+#include "reading/StreamLists.h"
 #include "session/Speaks.h"
 
 namespace session {

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "collection/BulkPlan.h"
-#include "collection/BulkRead.h"
-#include "collection/Workplace.h"
 #include "protocols/line/Conversation.h"
+#include "reading/BulkPlan.h"
+#include "reading/BulkRead.h"
+#include "reading/Workplace.h"
 #include "session/ParameterSet.h"
 
 namespace session {

@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "collection/Workplace.h"
 #include "core/Station.h"
+#include "reading/Workplace.h"
 #include "session/LineUp.h"
 
 namespace collection {

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "collection/BulkRead.h"
-#include "collection/Workplace.h"
 #include "core/Clock.h"
 #include "core/Feedback.h"
 #include "core/Station.h"
+#include "reading/BulkRead.h"
+#include "reading/Workplace.h"
 #include "session/AlarmLimits.h"
 #include "session/ParameterSet.h"
 #include "session/PollFeedback.h"

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "collection/Workplace.h"
+#include "reading/Workplace.h"
 #include "session/LineUp.h"
 
 namespace collection {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "collection/Workplace.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 class Scheduler;

@@ -2,10 +2,10 @@
 
 #include <functional>
 
-#include "collection/ListReplies.h"
 #include "core/Text.h"
 #include "protocols/bsap/Bsap.h"
 #include "protocols/bsap/BsapReply.h"
+#include "reading/ListReplies.h"
 
 namespace signals {
 

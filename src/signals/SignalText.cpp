@@ -1,7 +1,7 @@
 #include "signals/SignalText.h"
 
-#include "collection/LogicalText.h"
 #include "core/Text.h"
+#include "reading/LogicalText.h"
 
 namespace signals {
 

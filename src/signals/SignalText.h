@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "collection/BsapListRecords.h"
+#include "reading/BsapListRecords.h"
 
 // A station's signals as the operator reads them.
 namespace signals {

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "collection/BsapList.h"
 #include "fieldsim/BsapFrame.h"
 #include "fieldsim/Device.h"
 #include "protocols/FieldTalk.h"
+#include "reading/BsapList.h"
 #include "support/Hex.h"
 
 using namespace collection;

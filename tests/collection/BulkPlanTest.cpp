@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "collection/BulkPlan.h"
+#include "reading/BulkPlan.h"
 #include "support/ScratchDesk.h"
 
 using namespace collection;

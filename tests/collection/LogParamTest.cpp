@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "collection/LogParam.h"
-#include "collection/RunFigures.h"
+#include "reading/RunFigures.h"
 #include "support/ScratchDesk.h"
 
 using namespace collection;

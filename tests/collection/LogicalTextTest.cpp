@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "collection/LogicalText.h"
+#include "reading/LogicalText.h"
 
 using collection::LogicalText;
 

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "archive/Collecting.h"
-#include "collection/BsapList.h"
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/LineFaults.h"
 #include "protocols/FieldTalk.h"
 #include "protocols/bsap/BsapLink.h"
+#include "reading/BsapList.h"
 #include "signals/SignalAccess.h"
 #include "signals/SignalFetch.h"
 #include "support/Downloads.h"

@@ -2,7 +2,6 @@
 
 #include <QPointer>
 
-#include "collection/Workplace.h"
 #include "core/Logs.h"
 #include "core/Station.h"
 #include "desk/archive/GridFile.h"
@@ -13,6 +12,7 @@
 #include "desk/core/TakenLine.h"
 #include "desk/reports/frmemail.h"
 #include "desk/session/frmtxrxleds.h"
+#include "reading/Workplace.h"
 #include "session/OwnCall.h"
 #include "session/Session.h"
 #include "ui_frmarcmbus.h"

@@ -1,12 +1,12 @@
 #include "desk/signals/frmCalib.h"
 
-#include "collection/Workplace.h"
 #include "core/MAIN_Module.h"
 #include "core/Text.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "desk/core/TakenLine.h"
 #include "desk/signals/CalibTab.h"
+#include "reading/Workplace.h"
 #include "session/Session.h"
 #include "signals/CalibrationLine.h"
 #include "signals/SignalWriting.h"

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "collection/CollectionRun.h"
-#include "collection/ValueStore.h"
+#include "reading/ValueStore.h"
 
 namespace collection {
 

@@ -1,11 +1,11 @@
-#include "collection/BulkRead.h"
+#include "reading/BulkRead.h"
 
 #include <functional>
 
-#include "collection/LogicalText.h"
 #include "collection/Outcome.h"
 #include "core/Text.h"
 #include "protocols/modbus/ModbusTransact.h"
+#include "reading/LogicalText.h"
 
 namespace collection {
 

@@ -1,4 +1,4 @@
-#include "collection/LogicalText.h"
+#include "reading/LogicalText.h"
 
 #include <algorithm>
 #include <array>

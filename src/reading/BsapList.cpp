@@ -1,10 +1,10 @@
-#include "collection/BsapList.h"
+#include "reading/BsapList.h"
 
-#include "collection/ListReplies.h"
-#include "collection/LogicalText.h"
 #include "core/Text.h"
 #include "protocols/bsap/Bsap.h"
 #include "protocols/bsap/BsapReply.h"
+#include "reading/ListReplies.h"
+#include "reading/LogicalText.h"
 
 namespace collection {
 

@@ -1,4 +1,4 @@
-#include "collection/StoreValues.h"
+#include "reading/StoreValues.h"
 
 #include "core/Text.h"
 

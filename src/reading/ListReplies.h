@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "collection/BsapListRecords.h"
 #include "protocols/bsap/BsapLink.h"
 #include "protocols/line/Conversation.h"
+#include "reading/BsapListRecords.h"
 
 namespace collection {
 

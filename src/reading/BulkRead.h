@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "collection/BulkPlan.h"
-#include "collection/ListInfo.h"
-#include "collection/RunFigures.h"
-#include "collection/RunTally.h"
-#include "collection/ValueStore.h"
-#include "collection/Workplace.h"
 #include "protocols/modbus/ModbusTransact.h"
+#include "reading/BulkPlan.h"
+#include "reading/ListInfo.h"
+#include "reading/RunFigures.h"
+#include "reading/RunTally.h"
+#include "reading/ValueStore.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 

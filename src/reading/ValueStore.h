@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "collection/BulkPlan.h"
 #include "core/Quality.h"
 #include "core/Station.h"
+#include "reading/BulkPlan.h"
 
 namespace core {
 class Database;

@@ -1,4 +1,4 @@
-#include "collection/BsapListRecords.h"
+#include "reading/BsapListRecords.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "collection/RunTally.h"
+#include "reading/RunTally.h"
 
 namespace collection {
 

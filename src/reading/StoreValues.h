@@ -1,7 +1,7 @@
 #pragma once
 
-#include "collection/BulkRead.h"
-#include "collection/ValueStore.h"
+#include "reading/BulkRead.h"
+#include "reading/ValueStore.h"
 
 namespace collection {
 

@@ -1,4 +1,4 @@
-#include "collection/ListInfo.h"
+#include "reading/ListInfo.h"
 
 #include <unordered_map>
 

@@ -1,4 +1,4 @@
-#include "collection/Claim.h"
+#include "reading/Claim.h"
 
 #include "core/Database.h"
 #include "core/Text.h"

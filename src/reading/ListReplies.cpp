@@ -1,4 +1,4 @@
-#include "collection/ListReplies.h"
+#include "reading/ListReplies.h"
 
 #include <algorithm>
 

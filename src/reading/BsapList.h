@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "collection/BsapListRecords.h"
-#include "collection/ListInfo.h"
 #include "protocols/line/Conversation.h"
+#include "reading/BsapListRecords.h"
+#include "reading/ListInfo.h"
 
 namespace collection {
 

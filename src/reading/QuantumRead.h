@@ -2,9 +2,9 @@
 
 #include <functional>
 
-#include "collection/ValueStore.h"
-#include "collection/Workplace.h"
 #include "protocols/quantum/Quantum.h"
+#include "reading/ValueStore.h"
+#include "reading/Workplace.h"
 
 namespace collection {
 

@@ -1,4 +1,4 @@
-#include "collection/ValueStore.h"
+#include "reading/ValueStore.h"
 
 #include "core/Database.h"
 #include "core/Text.h"

@@ -1,4 +1,4 @@
-#include "collection/BulkPlan.h"
+#include "reading/BulkPlan.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "collection/RunFigures.h"
+#include "reading/RunFigures.h"
 
 #include <algorithm>
 #include <cmath>
