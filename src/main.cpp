@@ -16,7 +16,6 @@
 #include <string>
 
 #include "collection/Scheduler.h"
-#include "collection/SmtpTransport.h"
 #include "core/Database.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
@@ -33,6 +32,7 @@
 #include "desk/core/SingleInstance.h"
 #include "desk/core/frmLogin.h"
 #include "desk/core/mainfrm.h"
+#include "mail/SmtpTransport.h"
 
 namespace {
 

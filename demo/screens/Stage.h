@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "collection/Mail.h"
 #include "collection/Scheduler.h"
 #include "core/Feedback.h"
 #include "core/Logs.h"
@@ -17,6 +16,7 @@
 #include "fieldsim/Field.h"
 #include "fieldsim/SimLine.h"
 #include "fieldsim/VirtualClock.h"
+#include "mail/Mail.h"
 
 // The whole desk on a virtual clock before a simulated field, with weeks of collections behind it: what the pictures of
 // the operator's guide are taken of.

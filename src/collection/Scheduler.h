@@ -5,10 +5,10 @@
 
 #include "collection/CollectionRun.h"
 #include "collection/DayLine.h"
-#include "collection/Mail.h"
 #include "collection/MissedHours.h"
 #include "collection/Retries.h"
 #include "collection/RunQueue.h"
+#include "mail/Mail.h"
 #include "reading/Workplace.h"
 
 namespace collection {

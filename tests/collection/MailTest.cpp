@@ -6,10 +6,10 @@
 #include <array>
 #include <cstdlib>
 
-#include "collection/Mail.h"
-#include "collection/MailHeaders.h"
 #include "collection/Scheduler.h"
-#include "collection/SmtpTransport.h"
+#include "mail/Mail.h"
+#include "mail/MailHeaders.h"
+#include "mail/SmtpTransport.h"
 #include "support/CollectionDesk.h"
 #include "support/MailSink.h"
 

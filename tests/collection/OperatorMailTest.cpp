@@ -3,9 +3,9 @@
 
 #include <fstream>
 
-#include "collection/EmailSettings.h"
-#include "collection/OperatorMail.h"
-#include "collection/SmtpTransport.h"
+#include "mail/EmailSettings.h"
+#include "mail/OperatorMail.h"
+#include "mail/SmtpTransport.h"
 #include "support/CollectionDesk.h"
 #include "support/MailSink.h"
 

@@ -9,11 +9,11 @@
 #include <QPushButton>
 #include <fstream>
 
-#include "collection/EmailSettings.h"
-#include "collection/SmtpTransport.h"
 #include "desk/reports/frmemail.h"
 #include "desk/reports/frmemail_settings.h"
 #include "desk/reports/frmemaildetails.h"
+#include "mail/EmailSettings.h"
+#include "mail/SmtpTransport.h"
 #include "support/MailSink.h"
 #include "support/ScreenDesk.h"
 

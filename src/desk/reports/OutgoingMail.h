@@ -3,8 +3,8 @@
 #include <QObject>
 #include <memory>
 
-#include "collection/Mail.h"
 #include "desk/core/Desk.h"
+#include "mail/Mail.h"
 
 namespace desk {
 

@@ -2,10 +2,10 @@
 
 #include <QFileDialog>
 
-#include "collection/EmailSettings.h"
 #include "core/MAIN_Module.h"
 #include "desk/core/Navigator.h"
 #include "desk/reports/frmemaildetails.h"
+#include "mail/EmailSettings.h"
 #include "ui_frmemail.h"
 
 namespace desk {

@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "collection/OperatorMail.h"
 #include "desk/core/Page.h"
 #include "desk/reports/OutgoingMail.h"
+#include "mail/OperatorMail.h"
 
 namespace Ui {
 class frmemail;

@@ -2,10 +2,10 @@
 
 #include <memory>
 
-#include "collection/EmailSettings.h"
-#include "collection/OperatorMail.h"
 #include "desk/core/Page.h"
 #include "desk/reports/OutgoingMail.h"
+#include "mail/EmailSettings.h"
+#include "mail/OperatorMail.h"
 
 namespace Ui {
 class frmemail_settings;

@@ -1,4 +1,4 @@
-#include "collection/EmailSettings.h"
+#include "mail/EmailSettings.h"
 
 #include "core/Text.h"
 

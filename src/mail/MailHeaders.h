@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "collection/Mail.h"
 #include "core/Clock.h"
+#include "mail/Mail.h"
 
 // The head of a mail, as the Internet message format has it.
 namespace collection {

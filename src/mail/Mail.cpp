@@ -1,4 +1,4 @@
-#include "collection/Mail.h"
+#include "mail/Mail.h"
 
 #include <exception>
 #include <fstream>
@@ -7,8 +7,8 @@
 
 #include "collection/DailyReport.h"
 #include "collection/DayLine.h"
-#include "collection/EmailSettings.h"
 #include "collection/Outcome.h"
+#include "mail/EmailSettings.h"
 
 namespace collection {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <variant>
 
-#include "collection/Mail.h"
+#include "mail/Mail.h"
 
 // The mail that an operator writes.
 namespace collection {

@@ -1,4 +1,4 @@
-#include "collection/SmtpTransport.h"
+#include "mail/SmtpTransport.h"
 
 #include <curl/curl.h>
 #include <sys/socket.h>
@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "collection/MailHeaders.h"
 #include "core/Text.h"
+#include "mail/MailHeaders.h"
 
 namespace collection {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "collection/Mail.h"
 #include "core/Database.h"
+#include "mail/Mail.h"
 
 // What the mails of this desk are made with: the row of email_settings and the row of mail_server.
 namespace collection {

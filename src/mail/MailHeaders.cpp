@@ -1,4 +1,4 @@
-#include "collection/MailHeaders.h"
+#include "mail/MailHeaders.h"
 
 #include <algorithm>
 #include <array>

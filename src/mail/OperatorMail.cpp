@@ -1,10 +1,10 @@
-#include "collection/OperatorMail.h"
+#include "mail/OperatorMail.h"
 
 #include <exception>
 #include <utility>
 
-#include "collection/MailHeaders.h"
 #include "core/Text.h"
+#include "mail/MailHeaders.h"
 
 namespace collection {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "collection/Mail.h"
+#include "mail/Mail.h"
 
 namespace collection {
 
