@@ -5,10 +5,10 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "collection/DailyReport.h"
 #include "collection/DayLine.h"
 #include "collection/Outcome.h"
 #include "mail/EmailSettings.h"
+#include "reports/DailyReport.h"
 
 namespace collection {
 

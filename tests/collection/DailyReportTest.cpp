@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "collection/DailyReport.h"
 #include "collection/DayLine.h"
+#include "reports/DailyReport.h"
 #include "support/ScratchDesk.h"
 
 using testing::HasSubstr;

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "collection/TotalsReport.h"
+#include "reports/TotalsReport.h"
 #include "support/ScratchDesk.h"
 
 namespace {

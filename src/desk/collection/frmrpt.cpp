@@ -4,9 +4,9 @@
 #include <optional>
 #include <system_error>
 
-#include "collection/DailyReport.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/WholeFile.h"
+#include "reports/DailyReport.h"
 #include "ui_frmrpt.h"
 
 namespace desk {

@@ -3,12 +3,12 @@
 #include <QMetaObject>
 #include <algorithm>
 
-#include "collection/NodeOverview.h"
 #include "collection/Scheduler.h"
 #include "core/Clock.h"
 #include "core/Feedback.h"
 #include "core/MAIN_Module.h"
 #include "desk/core/Navigator.h"
+#include "reports/NodeOverview.h"
 
 namespace desk {
 

@@ -6,9 +6,9 @@
 #include <memory>
 #include <vector>
 
-#include "collection/NodeOverview.h"
 #include "collection/Scheduler.h"
 #include "desk/core/Page.h"
+#include "reports/NodeOverview.h"
 
 namespace Ui {
 class frmGraphicRept;

@@ -1,12 +1,12 @@
 #include "desk/core/frmshowdata.h"
 
-#include "collection/NodeOverview.h"
 #include "core/Clock.h"
 #include "core/Text.h"
 #include "desk/core/ByHand.h"
 #include "desk/core/EngineText.h"
 #include "desk/core/Look.h"
 #include "reading/Claim.h"
+#include "reports/NodeOverview.h"
 #include "ui_frmshowdata.h"
 
 namespace desk {

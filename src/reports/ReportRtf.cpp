@@ -1,4 +1,4 @@
-#include "collection/ReportRtf.h"
+#include "reports/ReportRtf.h"
 
 #include <algorithm>
 #include <array>

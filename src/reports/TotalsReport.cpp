@@ -1,4 +1,4 @@
-#include "collection/TotalsReport.h"
+#include "reports/TotalsReport.h"
 
 #include <array>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "collection/DailyReport.h"
+#include "reports/DailyReport.h"
 
 #include <cerrno>
 #include <fstream>
@@ -8,8 +8,8 @@
 
 #include "collection/DayLine.h"
 #include "collection/Outcome.h"
-#include "collection/ReportRtf.h"
 #include "core/Text.h"
+#include "reports/ReportRtf.h"
 
 namespace collection {
 

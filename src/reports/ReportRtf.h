@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "collection/DailyReport.h"
 #include "core/Clock.h"
+#include "reports/DailyReport.h"
 
 namespace collection {
 

@@ -1,4 +1,4 @@
-#include "collection/NodeOverview.h"
+#include "reports/NodeOverview.h"
 
 #include "core/Text.h"
 
