@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "archive/ArchiveRecords.h"
-#include "archive/ArchiveStore.h"
-#include "archive/HistoryView.h"
+#include "archive/bsap/ArchiveRecords.h"
+#include "archive/store/ArchiveStore.h"
+#include "archive/view/HistoryView.h"
 #include "bench/Figure.h"
 #include "desk/core/Grid.h"
 #include "support/ScratchDesk.h"

@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "AnyStation.h"
-#include "archive/ArchiveRun.h"
-#include "archive/AuditRun.h"
+#include "archive/bsap/ArchiveRun.h"
+#include "archive/bsap/AuditRun.h"
 
 using namespace archive;
 using namespace fuzz;

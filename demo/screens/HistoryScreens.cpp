@@ -4,7 +4,7 @@
 #include <QMessageBox>
 #include <cmath>
 
-#include "archive/ArchiveStore.h"
+#include "archive/store/ArchiveStore.h"
 #include "core/Text.h"
 #include "demo/screens/Screens.h"
 #include "desk/archive/frmHistory.h"

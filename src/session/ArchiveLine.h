@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "archive/Routines.h"
+#include "archive/bsap/Routines.h"
 #include "reading/Workplace.h"
 
 namespace collection {

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "archive/ArchiveStore.h"
+#include "archive/store/ArchiveStore.h"
 #include "support/ScratchDesk.h"
 
 using namespace archive;

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "archive/Archive.h"
-#include "archive/ArchiveRecords.h"
-#include "archive/ArchiveReply.h"
+#include "archive/bsap/Archive.h"
+#include "archive/bsap/ArchiveRecords.h"
+#include "archive/bsap/ArchiveReply.h"
 #include "core/Text.h"
 #include "support/Hex.h"
 

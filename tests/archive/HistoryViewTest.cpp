@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "archive/HistoryLines.h"
-#include "archive/HistoryView.h"
+#include "archive/view/HistoryLines.h"
+#include "archive/view/HistoryView.h"
 #include "support/ScratchDesk.h"
 
 using namespace archive;

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "archive/ModbusArchive.h"
+#include "archive/modbus/ModbusArchive.h"
 #include "demo/DemoRegister.h"
 #include "fieldsim/Field.h"
 #include "fieldsim/SimLine.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/Collecting.h"
+#include "archive/bsap/Collecting.h"
 #include "core/Text.h"
 #include "protocols/bsap/BsapLink.h"
 #include "session/Session.h"

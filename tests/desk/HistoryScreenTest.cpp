@@ -10,7 +10,7 @@
 #include <QRadioButton>
 #include <QWheelEvent>
 
-#include "archive/ArchiveStore.h"
+#include "archive/store/ArchiveStore.h"
 #include "desk/archive/HistoryDrawing.h"
 #include "desk/archive/frmHistory.h"
 #include "desk/core/Grid.h"

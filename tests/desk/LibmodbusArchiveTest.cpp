@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/ModbusArchive.h"
+#include "archive/modbus/ModbusArchive.h"
 #include "support/LibmodbusSlave.h"
 #include "support/PortDesk.h"
 

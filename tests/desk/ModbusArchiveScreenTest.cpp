@@ -7,7 +7,7 @@
 #include <QLabel>
 #include <QRadioButton>
 
-#include "archive/ModbusRecords.h"
+#include "archive/modbus/ModbusRecords.h"
 #include "desk/archive/frmarcmbus.h"
 #include "desk/core/Grid.h"
 #include "desk/reports/frmemail.h"

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "archive/Collecting.h"
+#include "archive/bsap/Collecting.h"
 #include "protocols/bsap/BsapLink.h"
 #include "session/ArchiveLine.h"
 #include "support/Downloads.h"

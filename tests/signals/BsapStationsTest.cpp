@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "archive/Collecting.h"
+#include "archive/bsap/Collecting.h"
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/LineFaults.h"
 #include "protocols/FieldTalk.h"

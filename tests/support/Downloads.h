@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "archive/Collecting.h"
 #include "archive/RunView.h"
+#include "archive/bsap/Collecting.h"
 #include "core/Text.h"
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/LineFaults.h"

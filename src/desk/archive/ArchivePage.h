@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "archive/Collecting.h"
+#include "archive/bsap/Collecting.h"
 #include "desk/core/Page.h"
 
 class QComboBox;

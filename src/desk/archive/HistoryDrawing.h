@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "archive/HistoryLines.h"
+#include "archive/view/HistoryLines.h"
 
 class QCategoryAxis;
 class QValueAxis;

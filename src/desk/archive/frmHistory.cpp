@@ -2,7 +2,7 @@
 
 #include <QListWidget>
 
-#include "archive/HistoryLines.h"
+#include "archive/view/HistoryLines.h"
 #include "core/Station.h"
 #include "desk/archive/GridFile.h"
 #include "desk/archive/HistoryDrawing.h"

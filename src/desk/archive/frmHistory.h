@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "archive/HistoryView.h"
+#include "archive/view/HistoryView.h"
 #include "desk/core/Page.h"
 
 namespace Ui {

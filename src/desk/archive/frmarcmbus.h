@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "archive/ModbusArchive.h"
+#include "archive/modbus/ModbusArchive.h"
 #include "core/Feedback.h"
 #include "desk/core/Page.h"
 

@@ -1,4 +1,4 @@
-#include "archive/HistoryView.h"
+#include "archive/view/HistoryView.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "archive/Download.h"
-#include "archive/Routines.h"
 #include "archive/RunView.h"
+#include "archive/bsap/Routines.h"
 #include "protocols/line/Conversation.h"
 
 namespace archive {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/HistoryView.h"
+#include "archive/view/HistoryView.h"
 
 // The columns of a history as lines over time. Times are seconds as core::ToSeconds counts them.
 namespace archive {

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "archive/ArchiveRecords.h"
-#include "archive/ArchiveReply.h"
+#include "archive/bsap/ArchiveRecords.h"
+#include "archive/bsap/ArchiveReply.h"
 
 // What distinguishes the downloads of the three screens from each other. Everything else they have in common.
 namespace archive {

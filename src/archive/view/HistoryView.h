@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/ArchiveStore.h"
+#include "archive/store/ArchiveStore.h"
 
 // What was stored of an archive, in order of time.
 namespace archive {

@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-#include "archive/ArchiveStore.h"
 #include "archive/Download.h"
-#include "archive/Routines.h"
 #include "archive/RunView.h"
+#include "archive/bsap/Routines.h"
+#include "archive/store/ArchiveStore.h"
 #include "protocols/line/Conversation.h"
 
 namespace archive {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "archive/Routines.h"
+#include "archive/bsap/Routines.h"
 #include "protocols/line/Conversation.h"
 
 namespace archive {

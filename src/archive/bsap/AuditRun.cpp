@@ -1,11 +1,11 @@
-#include "archive/AuditRun.h"
+#include "archive/bsap/AuditRun.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "archive/Archive.h"
-#include "archive/Tries.h"
+#include "archive/bsap/Archive.h"
+#include "archive/bsap/Tries.h"
 
 namespace archive {
 

@@ -1,8 +1,8 @@
-#include "archive/Collecting.h"
+#include "archive/bsap/Collecting.h"
 
-#include "archive/ArchiveStore.h"
-#include "archive/AuditRun.h"
-#include "archive/ReportTables.h"
+#include "archive/bsap/AuditRun.h"
+#include "archive/store/ArchiveStore.h"
+#include "archive/store/ReportTables.h"
 #include "core/BsapModels.h"
 #include "core/Database.h"
 #include "core/Text.h"

@@ -1,4 +1,4 @@
-#include "archive/ModbusRecords.h"
+#include "archive/modbus/ModbusRecords.h"
 
 namespace archive {
 

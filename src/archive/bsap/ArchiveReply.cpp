@@ -1,4 +1,4 @@
-#include "archive/ArchiveReply.h"
+#include "archive/bsap/ArchiveReply.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "archive/ArchiveStore.h"
+#include "archive/store/ArchiveStore.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "archive/ArchiveRun.h"
-#include "archive/Routines.h"
 #include "archive/RunView.h"
+#include "archive/bsap/ArchiveRun.h"
+#include "archive/bsap/Routines.h"
 
 namespace core {
 class Database;

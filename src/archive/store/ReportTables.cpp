@@ -1,4 +1,4 @@
-#include "archive/ReportTables.h"
+#include "archive/store/ReportTables.h"
 
 #include "core/Database.h"
 #include "core/Text.h"

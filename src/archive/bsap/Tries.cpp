@@ -1,4 +1,4 @@
-#include "archive/Tries.h"
+#include "archive/bsap/Tries.h"
 
 #include "protocols/bsap/BsapReply.h"
 

@@ -1,4 +1,4 @@
-#include "archive/ModbusArchive.h"
+#include "archive/modbus/ModbusArchive.h"
 
 #include <algorithm>
 #include <cmath>

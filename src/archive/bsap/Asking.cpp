@@ -1,4 +1,4 @@
-#include "archive/Asking.h"
+#include "archive/bsap/Asking.h"
 
 #include "core/Text.h"
 #include "protocols/bsap/BsapLink.h"

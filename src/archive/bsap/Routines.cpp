@@ -1,4 +1,4 @@
-#include "archive/Routines.h"
+#include "archive/bsap/Routines.h"
 
 namespace archive {
 

@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "archive/ArchiveReply.h"
-#include "archive/Asking.h"
 #include "archive/RunView.h"
+#include "archive/bsap/ArchiveReply.h"
+#include "archive/bsap/Asking.h"
 
 namespace archive {
 

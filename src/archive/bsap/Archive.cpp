@@ -1,4 +1,4 @@
-#include "archive/Archive.h"
+#include "archive/bsap/Archive.h"
 
 #include "protocols/bsap/BsapFrame.h"
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "archive/ModbusRecords.h"
 #include "archive/RunView.h"
+#include "archive/modbus/ModbusRecords.h"
 #include "core/Database.h"
 #include "protocols/line/Conversation.h"
 

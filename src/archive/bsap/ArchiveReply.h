@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/Archive.h"
+#include "archive/bsap/Archive.h"
 
 // The replies to the archive and audit requests. They are taken apart here only; what their records hold is a matter of
 // ArchiveRecords.

@@ -1,11 +1,11 @@
-#include "archive/ArchiveRun.h"
+#include "archive/bsap/ArchiveRun.h"
 
 #include <algorithm>
 #include <deque>
 #include <utility>
 
-#include "archive/Archive.h"
-#include "archive/Tries.h"
+#include "archive/bsap/Archive.h"
+#include "archive/bsap/Tries.h"
 #include "core/Text.h"
 
 namespace archive {

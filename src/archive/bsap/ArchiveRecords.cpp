@@ -1,10 +1,10 @@
-#include "archive/ArchiveRecords.h"
+#include "archive/bsap/ArchiveRecords.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 
-#include "archive/Archive.h"
+#include "archive/bsap/Archive.h"
 #include "core/Text.h"
 #include "protocols/modbus/ModbusNumbers.h"
 

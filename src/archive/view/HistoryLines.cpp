@@ -1,4 +1,4 @@
-#include "archive/HistoryLines.h"
+#include "archive/view/HistoryLines.h"
 
 #include <algorithm>
 #include <cmath>
