@@ -11,8 +11,8 @@
 #include "desk/session/DrsDrawing.h"
 #include "desk/session/frm_summary.h"
 #include "desk/session/frmconfparams.h"
-#include "session/ConfigParams.h"
 #include "session/Session.h"
+#include "session/editor/ConfigParams.h"
 #include "support/ScreenDesk.h"
 #include "support/SessionDesk.h"
 

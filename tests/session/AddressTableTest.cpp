@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "session/AddressTable.h"
+#include "session/editor/AddressTable.h"
 
 namespace session {
 namespace {

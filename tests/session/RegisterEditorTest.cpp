@@ -6,7 +6,7 @@
 #include <set>
 
 #include "demo/DemoRegister.h"
-#include "session/RegisterEditor.h"
+#include "session/editor/RegisterEditor.h"
 #include "support/ScratchDesk.h"
 
 namespace session {

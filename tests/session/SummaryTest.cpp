@@ -3,9 +3,9 @@
 
 #include <gmock/gmock.h>
 
-#include "session/ConfigParams.h"
 #include "session/Session.h"
 #include "session/Summary.h"
+#include "session/editor/ConfigParams.h"
 #include "support/SessionDesk.h"
 
 namespace session {

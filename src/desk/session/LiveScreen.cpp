@@ -24,8 +24,8 @@
 #include "desk/signals/frmDataVerification.h"
 #include "desk/signals/frmSignalSearch.h"
 #include "session/Buttons.h"
-#include "session/ConfigParams.h"
 #include "session/Speaks.h"
+#include "session/editor/ConfigParams.h"
 #include "ui_frmparalist.h"
 
 namespace desk {

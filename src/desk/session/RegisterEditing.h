@@ -5,7 +5,7 @@
 
 #include "desk/core/Desk.h"
 #include "desk/session/ParameterTabs.h"
-#include "session/RegisterEditor.h"
+#include "session/editor/RegisterEditor.h"
 
 namespace desk {
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "desk/core/Desk.h"
-#include "session/RegisterEditor.h"
+#include "session/editor/RegisterEditor.h"
 
 namespace Ui {
 class frmdata;

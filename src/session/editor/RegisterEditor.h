@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "session/AddressTable.h"
 #include "session/ParameterGroups.h"
+#include "session/editor/AddressTable.h"
 #include "stations/MapBuilder.h"
 
 // The register map of a station as an operator lays it out by hand: its rows, the check of each address, the storing.

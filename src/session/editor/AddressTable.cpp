@@ -1,4 +1,4 @@
-#include "session/AddressTable.h"
+#include "session/editor/AddressTable.h"
 
 #include "core/Text.h"
 

@@ -1,4 +1,4 @@
-#include "session/ConfigParams.h"
+#include "session/editor/ConfigParams.h"
 
 #include <set>
 #include <stdexcept>

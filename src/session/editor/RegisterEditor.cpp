@@ -1,4 +1,4 @@
-#include "session/RegisterEditor.h"
+#include "session/editor/RegisterEditor.h"
 
 #include <algorithm>
 #include <map>
