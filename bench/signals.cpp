@@ -20,8 +20,8 @@
 #include "desk/signals/FetchPanel.h"
 #include "desk/signals/frmVerify.h"
 #include "session/StationLine.h"
-#include "signals/ChangeStore.h"
-#include "signals/VerificationBook.h"
+#include "signals/change/ChangeStore.h"
+#include "signals/change/VerificationBook.h"
 #include "support/CollectionDesk.h"
 
 namespace {

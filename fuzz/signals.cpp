@@ -5,8 +5,8 @@
 
 #include "AnyStation.h"
 #include "protocols/bsap/BsapLink.h"
-#include "signals/SignalAccess.h"
-#include "signals/SignalFetch.h"
+#include "signals/lists/SignalAccess.h"
+#include "signals/lists/SignalFetch.h"
 
 using namespace fuzz;
 

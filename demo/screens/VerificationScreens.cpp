@@ -10,7 +10,7 @@
 #include "desk/signals/frmDataVerification.h"
 #include "desk/signals/frmVerify.h"
 #include "session/Session.h"
-#include "signals/ChangeStore.h"
+#include "signals/change/ChangeStore.h"
 
 namespace demo {
 

@@ -15,7 +15,7 @@
 #include "desk/signals/ListPage.h"
 #include "desk/signals/frmSignalSearch.h"
 #include "session/Session.h"
-#include "signals/SignalText.h"
+#include "signals/lists/SignalText.h"
 #include "support/ScreenDesk.h"
 
 namespace {

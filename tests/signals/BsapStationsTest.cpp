@@ -9,8 +9,8 @@
 #include "protocols/FieldTalk.h"
 #include "protocols/bsap/BsapLink.h"
 #include "reading/BsapList.h"
-#include "signals/SignalAccess.h"
-#include "signals/SignalFetch.h"
+#include "signals/lists/SignalAccess.h"
+#include "signals/lists/SignalFetch.h"
 #include "support/Downloads.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "fieldsim/BsapStation.h"
 #include "fieldsim/SimLine.h"
 #include "fieldsim/Transmitters.h"
-#include "signals/Calibration.h"
+#include "signals/calibration/Calibration.h"
 #include "support/ScratchDesk.h"
 #include "support/Script.h"
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "signals/ChangeStore.h"
+#include "signals/change/ChangeStore.h"
 #include "support/ScratchDesk.h"
 
 namespace {

@@ -8,9 +8,9 @@
 #include "fieldsim/LineFaults.h"
 #include "protocols/FieldTalk.h"
 #include "protocols/bsap/BsapLink.h"
-#include "signals/SignalAccess.h"
-#include "signals/SignalFetch.h"
-#include "signals/SignalWriting.h"
+#include "signals/lists/SignalAccess.h"
+#include "signals/lists/SignalFetch.h"
+#include "signals/lists/SignalWriting.h"
 #include "support/Hex.h"
 
 namespace {

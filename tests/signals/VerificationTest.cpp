@@ -7,9 +7,9 @@
 
 #include <fstream>
 
-#include "signals/ChangeStore.h"
-#include "signals/Verification.h"
-#include "signals/VerificationBook.h"
+#include "signals/change/ChangeStore.h"
+#include "signals/change/Verification.h"
+#include "signals/change/VerificationBook.h"
 #include "support/BookCells.h"
 #include "support/ScratchDesk.h"
 

@@ -3,7 +3,7 @@
 #include <QWidget>
 #include <memory>
 
-#include "signals/Calibration.h"
+#include "signals/calibration/Calibration.h"
 
 class QLineEdit;
 namespace Ui {

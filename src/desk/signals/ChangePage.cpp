@@ -9,7 +9,7 @@
 #include "desk/signals/ListNumber.h"
 #include "session/Session.h"
 #include "session/StationLine.h"
-#include "signals/BsapStations.h"
+#include "signals/lists/BsapStations.h"
 #include "ui_ChangePage.h"
 
 namespace desk {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "desk/core/Page.h"
-#include "signals/ChangeStore.h"
-#include "signals/SignalFetch.h"
+#include "signals/change/ChangeStore.h"
+#include "signals/lists/SignalFetch.h"
 
 class QLabel;
 

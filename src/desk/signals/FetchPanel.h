@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/Feedback.h"
-#include "signals/SignalFetch.h"
+#include "signals/lists/SignalFetch.h"
 
 namespace Ui {
 class FetchPanel;

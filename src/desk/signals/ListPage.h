@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "desk/signals/SignalPage.h"
-#include "signals/BsapStations.h"
+#include "signals/lists/BsapStations.h"
 
 namespace Ui {
 class ListPage;

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "desk/core/Page.h"
-#include "signals/SignalFetch.h"
-#include "signals/SignalWriting.h"
+#include "signals/lists/SignalFetch.h"
+#include "signals/lists/SignalWriting.h"
 
 class QLabel;
 

@@ -8,8 +8,8 @@
 #include "desk/signals/CalibTab.h"
 #include "reading/Workplace.h"
 #include "session/Session.h"
-#include "signals/CalibrationLine.h"
-#include "signals/SignalWriting.h"
+#include "signals/calibration/CalibrationLine.h"
+#include "signals/lists/SignalWriting.h"
 #include "ui_frmCalib.h"
 
 namespace desk {

@@ -6,7 +6,7 @@
 
 #include "core/Feedback.h"
 #include "desk/core/Page.h"
-#include "signals/Calibration.h"
+#include "signals/calibration/Calibration.h"
 
 namespace Ui {
 class frmCalib;

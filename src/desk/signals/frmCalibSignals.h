@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "desk/core/Page.h"
-#include "signals/CalibrationSignals.h"
+#include "signals/calibration/CalibrationSignals.h"
 
 class QLineEdit;
 namespace Ui {

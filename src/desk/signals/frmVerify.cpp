@@ -8,7 +8,7 @@
 #include "desk/core/Grid.h"
 #include "desk/core/Look.h"
 #include "desk/core/WholeFile.h"
-#include "signals/VerificationBook.h"
+#include "signals/change/VerificationBook.h"
 #include "ui_frmVerify.h"
 
 namespace desk {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "desk/core/Page.h"
-#include "signals/Verification.h"
+#include "signals/change/Verification.h"
 
 namespace Ui {
 class frmVerify;

@@ -2,7 +2,7 @@
 
 #include "core/MAIN_Module.h"
 #include "desk/signals/CalibFile.h"
-#include "signals/CalibrationPages.h"
+#include "signals/calibration/CalibrationPages.h"
 #include "ui_frm_cali.h"
 
 namespace desk {

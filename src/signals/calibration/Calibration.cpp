@@ -1,6 +1,6 @@
 // The cycle: the signals are found, then read until something ends it.
 
-#include "signals/Calibration.h"
+#include "signals/calibration/Calibration.h"
 
 #include <algorithm>
 #include <span>
@@ -8,7 +8,7 @@
 
 #include "core/Text.h"
 #include "session/WriteRequest.h"
-#include "signals/SignalWriting.h"
+#include "signals/lists/SignalWriting.h"
 
 namespace signals {
 

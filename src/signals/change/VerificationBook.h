@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "signals/Verification.h"
+#include "signals/change/Verification.h"
 
 namespace signals {
 

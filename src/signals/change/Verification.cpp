@@ -1,11 +1,11 @@
-#include "signals/Verification.h"
+#include "signals/change/Verification.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 
 #include "core/Text.h"
-#include "signals/ChangeStore.h"
+#include "signals/change/ChangeStore.h"
 
 namespace signals {
 

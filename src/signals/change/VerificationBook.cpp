@@ -1,4 +1,4 @@
-#include "signals/VerificationBook.h"
+#include "signals/change/VerificationBook.h"
 
 #include <xlsxwriter.h>
 
@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <system_error>
 
-#include "signals/VerificationBookCheck.h"
+#include "signals/change/VerificationBookCheck.h"
 
 namespace signals {
 

@@ -8,8 +8,8 @@
 
 #include "core/Clock.h"
 #include "protocols/line/Conversation.h"
-#include "signals/CalibrationSignals.h"
-#include "signals/SignalAccess.h"
+#include "signals/calibration/CalibrationSignals.h"
+#include "signals/lists/SignalAccess.h"
 
 namespace core {
 class Database;

@@ -1,4 +1,4 @@
-#include "signals/SignalAccess.h"
+#include "signals/lists/SignalAccess.h"
 
 #include <functional>
 #include <optional>

@@ -8,7 +8,7 @@
 #include "protocols/bsap/Bsap.h"
 #include "protocols/bsap/BsapLink.h"
 #include "protocols/line/Conversation.h"
-#include "signals/SignalText.h"
+#include "signals/lists/SignalText.h"
 
 // Single signals of a station that is signed on, by their addresses or by their names.
 namespace signals {

@@ -1,4 +1,4 @@
-#include "signals/CalibrationSignals.h"
+#include "signals/calibration/CalibrationSignals.h"
 
 #include <algorithm>
 

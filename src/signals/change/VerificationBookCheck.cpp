@@ -1,4 +1,4 @@
-#include "signals/VerificationBookCheck.h"
+#include "signals/change/VerificationBookCheck.h"
 
 #include <zlib.h>
 

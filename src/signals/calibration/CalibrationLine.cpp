@@ -1,4 +1,4 @@
-#include "signals/CalibrationLine.h"
+#include "signals/calibration/CalibrationLine.h"
 
 #include "session/Session.h"
 #include "session/Speaks.h"

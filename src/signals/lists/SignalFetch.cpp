@@ -1,4 +1,4 @@
-#include "signals/SignalFetch.h"
+#include "signals/lists/SignalFetch.h"
 
 #include <functional>
 

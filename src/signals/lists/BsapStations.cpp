@@ -1,4 +1,4 @@
-#include "signals/BsapStations.h"
+#include "signals/lists/BsapStations.h"
 
 #include "core/BsapModels.h"
 #include "core/Database.h"

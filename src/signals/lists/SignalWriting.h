@@ -6,7 +6,7 @@
 
 #include "protocols/line/Conversation.h"
 #include "session/WriteLevels.h"
-#include "signals/SignalText.h"
+#include "signals/lists/SignalText.h"
 
 namespace core {
 class Database;

@@ -1,4 +1,4 @@
-#include "signals/CalibrationPages.h"
+#include "signals/calibration/CalibrationPages.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "signals/ChangeStore.h"
+#include "signals/change/ChangeStore.h"
 
 #include <cstdio>
 

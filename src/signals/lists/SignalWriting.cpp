@@ -1,11 +1,11 @@
-#include "signals/SignalWriting.h"
+#include "signals/lists/SignalWriting.h"
 
 #include "core/Settings.h"
 #include "core/Text.h"
 #include "core/Users.h"
 #include "session/WriteAnswer.h"
 #include "session/WriteLevels.h"
-#include "signals/SignalAccess.h"
+#include "signals/lists/SignalAccess.h"
 
 namespace signals {
 

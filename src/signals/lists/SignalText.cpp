@@ -1,4 +1,4 @@
-#include "signals/SignalText.h"
+#include "signals/lists/SignalText.h"
 
 #include "core/Text.h"
 #include "reading/LogicalText.h"

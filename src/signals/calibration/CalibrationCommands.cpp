@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "core/Text.h"
-#include "signals/Calibration.h"
+#include "signals/calibration/Calibration.h"
 
 namespace signals {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "protocols/line/Conversation.h"
-#include "signals/SignalText.h"
+#include "signals/lists/SignalText.h"
 
 // How signals are read from a station with their names: a list by its number, or what fits a pattern.
 namespace signals {
