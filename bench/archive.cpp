@@ -18,7 +18,7 @@
 #include "archive/store/ArchiveStore.h"
 #include "archive/view/HistoryView.h"
 #include "bench/Figure.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "support/ScratchDesk.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <QAbstractButton>
 #include <QMessageBox>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 // What an operator does on a page.
 namespace demo {

@@ -5,7 +5,7 @@
 #include "core/MAIN_Module.h"
 #include "demo/screens/Acting.h"
 #include "demo/screens/Screens.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"

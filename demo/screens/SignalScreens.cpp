@@ -2,7 +2,7 @@
 
 #include "demo/screens/Acting.h"
 #include "demo/screens/Screens.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/frmparalist.h"
 #include "desk/signals/ListPage.h"
 

@@ -3,7 +3,7 @@
 
 #include "demo/screens/Acting.h"
 #include "demo/screens/Screens.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/frmparalist.h"
 #include "desk/signals/frmAfterChange.h"
 #include "desk/signals/frmBeforeChange.h"

@@ -8,7 +8,7 @@
 #include <iostream>
 
 #include "demo/screens/Screens.h"
-#include "desk/core/Look.h"
+#include "desk/kit/Look.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/stations/frmconfigstation.h"
 #include "desk/stations/frmportsetting.h"
 #include "support/ScreenDesk.h"

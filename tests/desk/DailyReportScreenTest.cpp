@@ -5,7 +5,7 @@
 #include <QPushButton>
 
 #include "desk/collection/frmrpt.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "support/ScreenDesk.h"
 
 using support::Answer;

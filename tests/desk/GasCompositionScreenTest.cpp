@@ -8,7 +8,7 @@
 #include "collection/CollectionRun.h"
 #include "desk/collection/frmGCWrite.h"
 #include "desk/collection/frmvalue.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "support/ScreenDesk.h"
 
 using support::Answer;

@@ -11,7 +11,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "support/ScreenDesk.h"
 
 using namespace desk;

@@ -13,7 +13,7 @@
 #include "archive/store/ArchiveStore.h"
 #include "desk/archive/HistoryDrawing.h"
 #include "desk/archive/frmHistory.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"

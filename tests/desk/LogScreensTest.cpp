@@ -4,9 +4,9 @@
 #include <QGuiApplication>
 #include <QLabel>
 
-#include "desk/core/LogView.h"
 #include "desk/core/frmlog.h"
 #include "desk/core/frmtts.h"
+#include "desk/kit/LogView.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -9,10 +9,10 @@
 
 #include "archive/modbus/ModbusRecords.h"
 #include "desk/archive/frmarcmbus.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
+#include "desk/kit/frmtxrxleds.h"
 #include "desk/reports/frmemail.h"
 #include "desk/session/frmparalist.h"
-#include "desk/session/frmtxrxleds.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
 

@@ -4,10 +4,10 @@
 #include <QListWidget>
 #include <QPushButton>
 
-#include "desk/core/Grid.h"
-#include "desk/core/NodeButton.h"
 #include "desk/core/frmGraphicRept.h"
 #include "desk/core/mainfrm.h"
+#include "desk/kit/Grid.h"
+#include "desk/kit/NodeButton.h"
 #include "desk/session/frm_CWM.h"
 #include "support/ScreenDesk.h"
 

@@ -3,7 +3,7 @@
 #include <QPushButton>
 #include <QTest>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/ParameterTabs.h"
 
 namespace {

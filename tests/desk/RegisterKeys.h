@@ -2,7 +2,7 @@
 
 #include <QLineEdit>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/frmdata.h"
 #include "support/ScreenDesk.h"
 

@@ -15,8 +15,8 @@
 #include <algorithm>
 #include <csignal>
 
-#include "desk/core/Grid.h"
-#include "desk/reports/FirstColumn.h"
+#include "desk/kit/FirstColumn.h"
+#include "desk/kit/Grid.h"
 #include "desk/reports/MonthDrawing.h"
 #include "desk/reports/frmHistLog.h"
 #include "desk/reports/frmchart.h"

@@ -7,7 +7,7 @@
 
 #include "desk/collection/frmScheduler.h"
 #include "desk/collection/frm_Sch_Data.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "support/ScreenDesk.h"
 #include "support/Silence.h"
 

@@ -10,8 +10,8 @@
 #include <set>
 
 #include "demo/screens/Screens.h"
-#include "desk/core/Look.h"
-#include "desk/core/NodeButton.h"
+#include "desk/kit/Look.h"
+#include "desk/kit/NodeButton.h"
 #include "support/ScreenDesk.h"
 
 namespace {

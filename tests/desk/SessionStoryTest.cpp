@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"
@@ -252,8 +252,7 @@ TEST_F(SessionStory, AnOutputIsWrittenBehindAQuestion) {
     Run({{"no", polled,
           [&] {
               enterOff();
-              EXPECT_EQ(Answer(*page, QMessageBox::No),
-                        "Digital Output 1 State of Hill Farm: change ON to OFF?");
+              EXPECT_EQ(Answer(*page, QMessageBox::No), "Digital Output 1 State of Hill Farm: change ON to OFF?");
               EXPECT_FALSE(session->WritePending());
           }},
          {"yes", polled,

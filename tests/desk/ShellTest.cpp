@@ -6,10 +6,10 @@
 #include <QScreen>
 #include <QSignalSpy>
 
-#include "desk/core/Look.h"
 #include "desk/core/RunFeedback.h"
 #include "desk/core/SingleInstance.h"
 #include "desk/core/mainfrm.h"
+#include "desk/kit/Look.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
-#include "desk/core/Grid.h"
 #include "desk/core/frmHisErrLog.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
 #include "desk/signals/ListPage.h"

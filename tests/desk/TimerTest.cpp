@@ -3,9 +3,9 @@
 #include <QTest>
 #include <QTimer>
 
-#include "desk/core/Boxes.h"
 #include "desk/core/EventLoopClock.h"
 #include "desk/core/Minutes.h"
+#include "desk/kit/Boxes.h"
 
 TEST(NextTick, ComesOnceAMinuteAtTheSameSecond) {
     struct Case {

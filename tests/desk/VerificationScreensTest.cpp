@@ -7,7 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/frmparalist.h"
 #include "desk/signals/frmAfterChange.h"
 #include "desk/signals/frmBeforeChange.h"

@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "desk/core/Desk.h"
-#include "desk/core/Navigator.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Desk.h"
+#include "desk/kit/Navigator.h"
+#include "desk/kit/Page.h"
 #include "support/CollectionDesk.h"
 #include "support/Script.h"
 

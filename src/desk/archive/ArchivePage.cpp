@@ -4,10 +4,10 @@
 #include <QPushButton>
 
 #include "desk/archive/DownloadPanel.h"
-#include "desk/archive/GridFile.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Navigator.h"
-#include "desk/core/TakenLine.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/GridFile.h"
+#include "desk/kit/Navigator.h"
+#include "desk/kit/TakenLine.h"
 #include "desk/reports/frmemail.h"
 #include "session/ArchiveLine.h"
 #include "session/Session.h"

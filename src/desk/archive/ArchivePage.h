@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "archive/bsap/Collecting.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 class QComboBox;
 

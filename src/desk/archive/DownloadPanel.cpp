@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "desk/archive/GridFile.h"
-#include "desk/core/Boxes.h"
-#include "desk/core/EngineText.h"
+#include "desk/kit/Boxes.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/GridFile.h"
 #include "ui_DownloadPanel.h"
 
 namespace desk {

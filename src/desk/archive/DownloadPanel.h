@@ -5,7 +5,7 @@
 
 #include "archive/RunView.h"
 #include "core/Feedback.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/WholeFile.h"
 
 class QPushButton;
 

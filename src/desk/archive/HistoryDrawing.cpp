@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <array>
 
-#include "desk/core/ChartLook.h"
+#include "desk/kit/ChartLook.h"
 
 namespace desk {
 

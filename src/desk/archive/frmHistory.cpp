@@ -4,12 +4,12 @@
 
 #include "archive/view/HistoryLines.h"
 #include "core/Station.h"
-#include "desk/archive/GridFile.h"
 #include "desk/archive/HistoryDrawing.h"
-#include "desk/core/Dates.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Look.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/Dates.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/GridFile.h"
+#include "desk/kit/Look.h"
+#include "desk/kit/WholeFile.h"
 #include "ui_frmHistory.h"
 
 namespace desk {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "archive/view/HistoryView.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frmHistory;

@@ -2,7 +2,7 @@
 
 #include "core/Station.h"
 #include "desk/archive/frmCW_archive.h"
-#include "desk/core/Navigator.h"
+#include "desk/kit/Navigator.h"
 #include "ui_frmarchive.h"
 
 namespace desk {

@@ -5,7 +5,7 @@
 
 #include "archive/modbus/ModbusArchive.h"
 #include "core/Feedback.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frmarcmbus;

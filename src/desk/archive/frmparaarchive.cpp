@@ -1,8 +1,8 @@
 #include "desk/archive/frmparaarchive.h"
 
 #include "desk/archive/frmCW_archive.h"
-#include "desk/core/Dates.h"
-#include "desk/core/Navigator.h"
+#include "desk/kit/Dates.h"
+#include "desk/kit/Navigator.h"
 #include "session/Session.h"
 #include "ui_frmparaarchive.h"
 

@@ -4,7 +4,7 @@
 
 #include "core/Feedback.h"
 #include "desk/collection/frmvalue.h"
-#include "desk/core/EngineText.h"
+#include "desk/kit/EngineText.h"
 #include "ui_frmGCWrite.h"
 
 namespace desk {

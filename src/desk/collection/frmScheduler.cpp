@@ -5,8 +5,8 @@
 #include "collection/Schedule.h"
 #include "collection/Scheduler.h"
 #include "core/Clock.h"
-#include "desk/core/ByHand.h"
-#include "desk/core/EngineText.h"
+#include "desk/kit/ByHand.h"
+#include "desk/kit/EngineText.h"
 #include "ui_frmScheduler.h"
 
 namespace desk {

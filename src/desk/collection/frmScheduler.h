@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frmScheduler;

@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frm_Sch_Data;

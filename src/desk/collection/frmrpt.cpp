@@ -4,8 +4,8 @@
 #include <optional>
 #include <system_error>
 
-#include "desk/core/EngineText.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/WholeFile.h"
 #include "reports/DailyReport.h"
 #include "ui_frmrpt.h"
 

@@ -2,8 +2,8 @@
 
 #include "core/MAIN_Module.h"
 #include "core/Text.h"
-#include "desk/core/Boxes.h"
-#include "desk/core/EngineText.h"
+#include "desk/kit/Boxes.h"
+#include "desk/kit/EngineText.h"
 #include "ui_frmvalue.h"
 
 namespace desk {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 
 namespace Ui {
 class frmvalue;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "collection/Scheduler.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "reports/NodeOverview.h"
 
 namespace Ui {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "desk/core/MenuPage.h"
+#include "desk/kit/MenuPage.h"
 
 namespace Ui {
 class frmmain;

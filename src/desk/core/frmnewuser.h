@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frmnewuser;

@@ -2,9 +2,9 @@
 
 #include "core/Clock.h"
 #include "core/Text.h"
-#include "desk/core/ByHand.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Look.h"
+#include "desk/kit/ByHand.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Look.h"
 #include "reading/Claim.h"
 #include "reports/NodeOverview.h"
 #include "ui_frmshowdata.h"

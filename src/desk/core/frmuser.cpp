@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "core/UserRegister.h"
-#include "desk/core/Navigator.h"
 #include "desk/core/frmnewuser.h"
+#include "desk/kit/Navigator.h"
 #include "ui_frmuser.h"
 
 namespace desk {

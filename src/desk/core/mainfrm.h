@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "desk/core/Desk.h"
 #include "desk/core/Minutes.h"
+#include "desk/kit/Desk.h"
 
 namespace Ui {
 class mainfrm;

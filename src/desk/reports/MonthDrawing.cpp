@@ -11,7 +11,7 @@
 #include <QValueAxis>
 #include <algorithm>
 
-#include "desk/core/ChartLook.h"
+#include "desk/kit/ChartLook.h"
 
 namespace desk {
 

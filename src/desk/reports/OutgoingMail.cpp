@@ -6,7 +6,7 @@
 #include "core/Clock.h"
 #include "core/Feedback.h"
 #include "core/Logs.h"
-#include "desk/core/Navigator.h"
+#include "desk/kit/Navigator.h"
 
 namespace desk {
 

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <memory>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 #include "mail/Mail.h"
 
 namespace desk {

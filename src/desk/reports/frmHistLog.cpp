@@ -1,7 +1,7 @@
 #include "desk/reports/frmHistLog.h"
 
-#include "desk/core/Dates.h"
-#include "desk/reports/FirstColumn.h"
+#include "desk/kit/Dates.h"
+#include "desk/kit/FirstColumn.h"
 #include "reports/HistoryLog.h"
 #include "ui_frmHistLog.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "core/Clock.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frmHistLog;

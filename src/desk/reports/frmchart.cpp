@@ -3,8 +3,8 @@
 #include <QLocale>
 
 #include "core/Text.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/WholeFile.h"
 #include "desk/reports/MonthDrawing.h"
 #include "stations/StationRegister.h"
 #include "ui_frmchart.h"

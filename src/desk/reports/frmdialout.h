@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "reports/Dialout.h"
 
 namespace Ui {

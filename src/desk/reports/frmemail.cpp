@@ -3,7 +3,7 @@
 #include <QFileDialog>
 
 #include "core/MAIN_Module.h"
-#include "desk/core/Navigator.h"
+#include "desk/kit/Navigator.h"
 #include "desk/reports/frmemaildetails.h"
 #include "mail/EmailSettings.h"
 #include "ui_frmemail.h"

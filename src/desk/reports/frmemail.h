@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "desk/reports/OutgoingMail.h"
 #include "mail/OperatorMail.h"
 

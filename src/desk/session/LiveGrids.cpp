@@ -1,8 +1,8 @@
 #include "desk/session/LiveGrids.h"
 
 #include "core/Station.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/SessionStatus.h"
 #include "session/Session.h"

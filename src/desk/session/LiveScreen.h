@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 #include "desk/session/LiveGrids.h"
 #include "desk/session/LiveWriting.h"
 #include "session/Session.h"

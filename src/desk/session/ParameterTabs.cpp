@@ -4,7 +4,7 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 
 namespace desk {
 

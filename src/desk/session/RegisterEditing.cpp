@@ -1,7 +1,7 @@
 #include "desk/session/RegisterEditing.h"
 
 #include "core/MAIN_Module.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 #include "desk/session/frmdata.h"
 
 namespace desk {

@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <string>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 #include "desk/session/ParameterTabs.h"
 #include "session/editor/RegisterEditor.h"
 

@@ -2,7 +2,7 @@
 
 #include <QGridLayout>
 
-#include "desk/core/Look.h"
+#include "desk/kit/Look.h"
 #include "session/HealthTexts.h"
 #include "session/Session.h"
 

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "core/Clock.h"
+#include "desk/kit/frmtxrxleds.h"
 #include "desk/session/TrafficModel.h"
-#include "desk/session/frmtxrxleds.h"
 #include "protocols/inspect/FrameFields.h"
 
 namespace desk {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "session/Session.h"
 
 namespace Ui {

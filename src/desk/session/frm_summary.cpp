@@ -4,8 +4,8 @@
 #include <QTimer>
 
 #include "core/MAIN_Module.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Look.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Look.h"
 #include "session/Session.h"
 #include "ui_frm_summary.h"
 

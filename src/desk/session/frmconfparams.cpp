@@ -5,7 +5,7 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 
-#include "desk/core/WholeFile.h"
+#include "desk/kit/WholeFile.h"
 #include "ui_frmconfparams.h"
 
 namespace desk {

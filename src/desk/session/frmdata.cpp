@@ -1,7 +1,7 @@
 #include "desk/session/frmdata.h"
 
 #include "core/MAIN_Module.h"
-#include "desk/core/Boxes.h"
+#include "desk/kit/Boxes.h"
 #include "ui_frmdata.h"
 
 namespace desk {

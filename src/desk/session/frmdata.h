@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <memory>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 #include "session/editor/RegisterEditor.h"
 
 namespace Ui {

@@ -1,7 +1,7 @@
 #include "desk/session/frmparalist.h"
 
-#include "desk/core/Grid.h"
-#include "desk/core/Look.h"
+#include "desk/kit/Grid.h"
+#include "desk/kit/Look.h"
 #include "desk/session/LiveScreen.h"
 #include "ui_frmparalist.h"
 

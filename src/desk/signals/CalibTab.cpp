@@ -1,8 +1,8 @@
 #include "desk/signals/CalibTab.h"
 
 #include "core/Text.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Look.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Look.h"
 #include "ui_CalibTab.h"
 
 namespace desk {

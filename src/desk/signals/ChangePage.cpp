@@ -3,8 +3,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-#include "desk/core/EngineText.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Grid.h"
 #include "desk/signals/FetchPanel.h"
 #include "desk/signals/ListNumber.h"
 #include "session/Session.h"

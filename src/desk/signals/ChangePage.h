@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "signals/change/ChangeStore.h"
 #include "signals/lists/SignalFetch.h"
 

@@ -1,8 +1,8 @@
 #include "desk/signals/FetchPanel.h"
 
-#include "desk/archive/GridFile.h"
-#include "desk/core/Boxes.h"
-#include "desk/core/EngineText.h"
+#include "desk/kit/Boxes.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/GridFile.h"
 #include "ui_FetchPanel.h"
 
 namespace desk {

@@ -1,6 +1,6 @@
 #include "desk/signals/ListPage.h"
 
-#include "desk/core/EngineText.h"
+#include "desk/kit/EngineText.h"
 #include "desk/signals/FetchPanel.h"
 #include "desk/signals/ListNumber.h"
 #include "session/Session.h"

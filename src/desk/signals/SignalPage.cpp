@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "core/MAIN_Module.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Grid.h"
-#include "desk/core/TakenLine.h"
-#include "desk/session/WriteFrame.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Grid.h"
+#include "desk/kit/TakenLine.h"
+#include "desk/kit/WriteFrame.h"
 #include "desk/signals/FetchPanel.h"
 #include "session/Session.h"
 #include "session/StationLine.h"

@@ -4,7 +4,7 @@
 #include <functional>
 #include <optional>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "signals/lists/SignalFetch.h"
 #include "signals/lists/SignalWriting.h"
 

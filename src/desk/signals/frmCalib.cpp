@@ -2,9 +2,9 @@
 
 #include "core/MAIN_Module.h"
 #include "core/Text.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Look.h"
-#include "desk/core/TakenLine.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Look.h"
+#include "desk/kit/TakenLine.h"
 #include "desk/signals/CalibTab.h"
 #include "reading/Workplace.h"
 #include "session/Session.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/Feedback.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "signals/calibration/Calibration.h"
 
 namespace Ui {

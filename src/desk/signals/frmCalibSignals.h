@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "signals/calibration/CalibrationSignals.h"
 
 class QLineEdit;

@@ -1,6 +1,6 @@
 #include "desk/signals/frmDataVerification.h"
 
-#include "desk/core/Look.h"
+#include "desk/kit/Look.h"
 #include "desk/signals/frmAfterChange.h"
 #include "desk/signals/frmBeforeChange.h"
 #include "desk/signals/frmVerify.h"

@@ -1,7 +1,7 @@
 #include "desk/signals/frmSignalSearch.h"
 
-#include "desk/core/EngineText.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Grid.h"
 #include "desk/signals/FetchPanel.h"
 #include "session/Session.h"
 #include "ui_frmSignalSearch.h"

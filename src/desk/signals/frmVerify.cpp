@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "core/Station.h"
-#include "desk/archive/GridFile.h"
-#include "desk/core/EngineText.h"
-#include "desk/core/Grid.h"
-#include "desk/core/Look.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/EngineText.h"
+#include "desk/kit/Grid.h"
+#include "desk/kit/GridFile.h"
+#include "desk/kit/Look.h"
+#include "desk/kit/WholeFile.h"
 #include "signals/change/VerificationBook.h"
 #include "ui_frmVerify.h"
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace Ui {
 class frm_NewCali;

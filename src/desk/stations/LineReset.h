@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 
 namespace desk {
 

@@ -5,7 +5,7 @@
 #include "core/Station.h"
 #include "core/Text.h"
 #include "core/Users.h"
-#include "desk/core/Navigator.h"
+#include "desk/kit/Navigator.h"
 #include "desk/session/frmparalist.h"
 #include "desk/stations/frmconfigstation.h"
 #include "stations/StationRegister.h"

@@ -5,8 +5,8 @@
 
 #include "core/Feedback.h"
 #include "core/Text.h"
-#include "desk/core/ByHand.h"
-#include "desk/core/Look.h"
+#include "desk/kit/ByHand.h"
+#include "desk/kit/Look.h"
 #include "desk/stations/LineReset.h"
 #include "desk/stations/StationFieldRules.h"
 #include "desk/stations/frmportsetting.h"

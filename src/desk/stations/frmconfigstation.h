@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 #include "desk/stations/StationFields.h"
 
 namespace Ui {

@@ -3,7 +3,7 @@
 #include "core/Feedback.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
-#include "desk/core/Boxes.h"
+#include "desk/kit/Boxes.h"
 #include "stations/StationRules.h"
 #include "ui_frmportsetting.h"
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 
 namespace Ui {
 class frmportsetting;

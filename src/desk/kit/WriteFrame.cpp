@@ -1,4 +1,4 @@
-#include "desk/session/WriteFrame.h"
+#include "desk/kit/WriteFrame.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

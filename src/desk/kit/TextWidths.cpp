@@ -1,4 +1,4 @@
-#include "desk/core/TextWidths.h"
+#include "desk/kit/TextWidths.h"
 
 #include <QFontMetricsF>
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "collection/DayLine.h"
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 
 // Collections that an operator asks for.
 namespace desk {

@@ -1,4 +1,4 @@
-#include "desk/session/frmtxrxleds.h"
+#include "desk/kit/frmtxrxleds.h"
 
 #include <QHBoxLayout>
 #include <QPainter>

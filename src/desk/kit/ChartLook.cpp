@@ -1,12 +1,12 @@
-#include "desk/core/ChartLook.h"
+#include "desk/kit/ChartLook.h"
 
 #include <QAbstractAxis>
 #include <QBuffer>
 #include <QGraphicsLayout>
 #include <QLegend>
 
-#include "desk/core/Look.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/Look.h"
+#include "desk/kit/WholeFile.h"
 
 namespace desk {
 

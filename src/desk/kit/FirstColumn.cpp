@@ -1,10 +1,10 @@
-#include "desk/reports/FirstColumn.h"
+#include "desk/kit/FirstColumn.h"
 
 #include <QEvent>
 #include <QHeaderView>
 #include <QScrollBar>
 
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 
 namespace desk {
 

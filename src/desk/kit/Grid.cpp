@@ -1,4 +1,4 @@
-#include "desk/core/Grid.h"
+#include "desk/kit/Grid.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "desk/core/Boxes.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/Boxes.h"
+#include "desk/kit/WholeFile.h"
 
 namespace desk {
 

@@ -1,7 +1,7 @@
-#include "desk/archive/GridFile.h"
+#include "desk/kit/GridFile.h"
 
-#include "desk/core/Boxes.h"
-#include "desk/core/Grid.h"
+#include "desk/kit/Boxes.h"
+#include "desk/kit/Grid.h"
 
 namespace desk {
 

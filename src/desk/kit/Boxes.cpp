@@ -1,4 +1,4 @@
-#include "desk/core/Boxes.h"
+#include "desk/kit/Boxes.h"
 
 namespace desk {
 

@@ -1,4 +1,4 @@
-#include "desk/core/Look.h"
+#include "desk/kit/Look.h"
 
 #include <QApplication>
 #include <QWidget>

@@ -3,8 +3,8 @@
 #include <QLabel>
 #include <QTableView>
 
-#include "desk/core/GridModel.h"
-#include "desk/core/TextWidths.h"
+#include "desk/kit/GridModel.h"
+#include "desk/kit/TextWidths.h"
 
 namespace desk {
 

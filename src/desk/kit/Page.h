@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <functional>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 
 class QAbstractButton;
 

@@ -1,4 +1,4 @@
-#include "desk/core/RevealButton.h"
+#include "desk/kit/RevealButton.h"
 
 namespace desk {
 

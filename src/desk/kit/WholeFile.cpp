@@ -1,9 +1,9 @@
-#include "desk/core/WholeFile.h"
+#include "desk/kit/WholeFile.h"
 
 #include <QFileDialog>
 #include <QSaveFile>
 
-#include "desk/core/Boxes.h"
+#include "desk/kit/Boxes.h"
 
 namespace desk {
 

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "desk/core/WholeFile.h"
+#include "desk/kit/WholeFile.h"
 
 namespace desk {
 

@@ -1,4 +1,4 @@
-#include "desk/reports/PathLabel.h"
+#include "desk/kit/PathLabel.h"
 
 #include <QPainter>
 #include <QStyle>

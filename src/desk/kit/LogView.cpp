@@ -1,4 +1,4 @@
-#include "desk/core/LogView.h"
+#include "desk/kit/LogView.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -6,8 +6,8 @@
 #include <QMenu>
 
 #include "core/Logs.h"
-#include "desk/core/Boxes.h"
-#include "desk/core/WholeFile.h"
+#include "desk/kit/Boxes.h"
+#include "desk/kit/WholeFile.h"
 
 namespace desk {
 

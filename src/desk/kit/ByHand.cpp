@@ -1,4 +1,4 @@
-#include "desk/core/ByHand.h"
+#include "desk/kit/ByHand.h"
 
 #include <QMetaObject>
 #include <algorithm>
@@ -7,7 +7,7 @@
 #include "core/Clock.h"
 #include "core/Feedback.h"
 #include "core/MAIN_Module.h"
-#include "desk/core/Navigator.h"
+#include "desk/kit/Navigator.h"
 #include "reports/NodeOverview.h"
 
 namespace desk {

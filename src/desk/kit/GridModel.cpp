@@ -1,4 +1,4 @@
-#include "desk/core/GridModel.h"
+#include "desk/kit/GridModel.h"
 
 #include <QFont>
 #include <QGuiApplication>

@@ -1,9 +1,9 @@
-#include "desk/core/MenuButton.h"
+#include "desk/kit/MenuButton.h"
 
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
-#include "desk/core/Look.h"
+#include "desk/kit/Look.h"
 
 namespace desk {
 

@@ -1,4 +1,4 @@
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
@@ -6,7 +6,7 @@
 #include "core/Feedback.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
-#include "desk/core/Boxes.h"
+#include "desk/kit/Boxes.h"
 
 namespace desk {
 

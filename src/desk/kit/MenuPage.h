@@ -2,8 +2,8 @@
 
 #include <QAbstractButton>
 
-#include "desk/core/Navigator.h"
-#include "desk/core/Page.h"
+#include "desk/kit/Navigator.h"
+#include "desk/kit/Page.h"
 
 namespace desk {
 

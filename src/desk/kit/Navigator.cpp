@@ -1,8 +1,8 @@
-#include "desk/core/Navigator.h"
+#include "desk/kit/Navigator.h"
 
 #include <algorithm>
 
-#include "desk/core/Page.h"
+#include "desk/kit/Page.h"
 
 namespace desk {
 

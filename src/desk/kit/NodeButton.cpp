@@ -1,9 +1,9 @@
-#include "desk/core/NodeButton.h"
+#include "desk/kit/NodeButton.h"
 
 #include <QPainter>
 #include <array>
 
-#include "desk/core/Look.h"
+#include "desk/kit/Look.h"
 
 namespace desk {
 

@@ -4,7 +4,7 @@
 #include <QString>
 #include <functional>
 
-#include "desk/core/Desk.h"
+#include "desk/kit/Desk.h"
 
 namespace desk {
 

@@ -1,4 +1,4 @@
-#include "desk/core/EngineText.h"
+#include "desk/kit/EngineText.h"
 
 #include <QLocale>
 

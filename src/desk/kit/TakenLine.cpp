@@ -1,11 +1,11 @@
-#include "desk/core/TakenLine.h"
+#include "desk/kit/TakenLine.h"
 
 #include <QTimer>
 
 #include "collection/Scheduler.h"
 #include "core/Logs.h"
 #include "core/Station.h"
-#include "desk/core/ByHand.h"
+#include "desk/kit/ByHand.h"
 
 namespace desk {
 
