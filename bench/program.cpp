@@ -13,8 +13,8 @@
 #include "bench/Figure.h"
 #include "core/Ports.h"
 #include "core/Text.h"
-#include "desk/core/EventLoopClock.h"
-#include "desk/core/SerialLine.h"
+#include "desk/platform/EventLoopClock.h"
+#include "desk/platform/SerialLine.h"
 #include "support/ChildProcess.h"
 #include "support/CollectionDesk.h"
 

@@ -13,9 +13,9 @@
 
 #include "bench/Figure.h"
 #include "bench/Served.h"
-#include "desk/core/EventLoopClock.h"
-#include "desk/core/SerialLine.h"
 #include "desk/kit/Navigator.h"
+#include "desk/platform/EventLoopClock.h"
+#include "desk/platform/SerialLine.h"
 #include "desk/session/LiveScreen.h"
 #include "desk/session/frmparalist.h"
 #include "support/CollectionDesk.h"

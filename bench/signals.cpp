@@ -13,10 +13,10 @@
 
 #include "bench/Figure.h"
 #include "bench/Served.h"
-#include "desk/core/EventLoopClock.h"
-#include "desk/core/SerialLine.h"
 #include "desk/kit/Grid.h"
 #include "desk/kit/Navigator.h"
+#include "desk/platform/EventLoopClock.h"
+#include "desk/platform/SerialLine.h"
 #include "desk/signals/FetchPanel.h"
 #include "desk/signals/frmVerify.h"
 #include "session/StationLine.h"

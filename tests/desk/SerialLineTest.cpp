@@ -9,8 +9,8 @@
 #include <functional>
 
 #include "collection/CollectionRun.h"
-#include "desk/core/EventLoopClock.h"
-#include "desk/core/SerialLine.h"
+#include "desk/platform/EventLoopClock.h"
+#include "desk/platform/SerialLine.h"
 #include "protocols/line/Modem.h"
 #include "session/OwnCall.h"
 #include "support/PortDesk.h"

@@ -6,10 +6,10 @@
 #include <QScreen>
 #include <QSignalSpy>
 
-#include "desk/core/RunFeedback.h"
-#include "desk/core/SingleInstance.h"
 #include "desk/core/mainfrm.h"
 #include "desk/kit/Look.h"
+#include "desk/platform/RunFeedback.h"
+#include "desk/platform/SingleInstance.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -3,9 +3,9 @@
 #include <QTest>
 #include <QTimer>
 
-#include "desk/core/EventLoopClock.h"
-#include "desk/core/Minutes.h"
 #include "desk/kit/Boxes.h"
+#include "desk/platform/EventLoopClock.h"
+#include "desk/platform/Minutes.h"
 
 TEST(NextTick, ComesOnceAMinuteAtTheSameSecond) {
     struct Case {

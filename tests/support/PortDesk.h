@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
-#include "desk/core/EventLoopClock.h"
-#include "desk/core/SerialLine.h"
+#include "desk/platform/EventLoopClock.h"
+#include "desk/platform/SerialLine.h"
 #include "support/CollectionDesk.h"
 
 namespace support {

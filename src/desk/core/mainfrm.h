@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "desk/core/Minutes.h"
 #include "desk/kit/Desk.h"
+#include "desk/platform/Minutes.h"
 
 namespace Ui {
 class mainfrm;

@@ -1,4 +1,4 @@
-#include "desk/core/EventLoopClock.h"
+#include "desk/platform/EventLoopClock.h"
 
 #include <QDateTime>
 #include <QEventLoop>

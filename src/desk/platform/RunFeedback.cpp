@@ -1,4 +1,4 @@
-#include "desk/core/RunFeedback.h"
+#include "desk/platform/RunFeedback.h"
 
 namespace desk {
 

@@ -1,4 +1,4 @@
-#include "desk/core/Minutes.h"
+#include "desk/platform/Minutes.h"
 
 #include <QDateTime>
 #include <algorithm>

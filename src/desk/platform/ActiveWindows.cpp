@@ -1,4 +1,4 @@
-#include "desk/core/ActiveWindows.h"
+#include "desk/platform/ActiveWindows.h"
 
 #include <QApplication>
 #include <QEvent>

@@ -1,4 +1,4 @@
-#include "desk/core/SerialLine.h"
+#include "desk/platform/SerialLine.h"
 
 #include <poll.h>
 #include <sys/ioctl.h>

@@ -1,4 +1,4 @@
-#include "desk/core/SingleInstance.h"
+#include "desk/platform/SingleInstance.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
