@@ -16,7 +16,7 @@
 #include "desk/archive/frmparaarchive.h"
 #include "desk/core/frmHisErrLog.h"
 #include "desk/kit/Grid.h"
-#include "desk/reports/frmemail.h"
+#include "desk/mail/frmemail.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"

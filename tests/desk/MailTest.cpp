@@ -9,9 +9,9 @@
 #include <QPushButton>
 #include <fstream>
 
-#include "desk/reports/frmemail.h"
-#include "desk/reports/frmemail_settings.h"
-#include "desk/reports/frmemaildetails.h"
+#include "desk/mail/frmemail.h"
+#include "desk/mail/frmemail_settings.h"
+#include "desk/mail/frmemaildetails.h"
 #include "mail/EmailSettings.h"
 #include "mail/SmtpTransport.h"
 #include "support/MailSink.h"

@@ -11,7 +11,7 @@
 #include "desk/archive/frmarcmbus.h"
 #include "desk/kit/Grid.h"
 #include "desk/kit/frmtxrxleds.h"
-#include "desk/reports/frmemail.h"
+#include "desk/mail/frmemail.h"
 #include "desk/session/frmparalist.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"

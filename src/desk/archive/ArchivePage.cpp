@@ -8,7 +8,7 @@
 #include "desk/kit/GridFile.h"
 #include "desk/kit/Navigator.h"
 #include "desk/kit/TakenLine.h"
-#include "desk/reports/frmemail.h"
+#include "desk/mail/frmemail.h"
 #include "session/ArchiveLine.h"
 #include "session/Session.h"
 

@@ -11,7 +11,7 @@
 #include "desk/kit/Navigator.h"
 #include "desk/kit/TakenLine.h"
 #include "desk/kit/frmtxrxleds.h"
-#include "desk/reports/frmemail.h"
+#include "desk/mail/frmemail.h"
 #include "reading/Workplace.h"
 #include "session/OwnCall.h"
 #include "session/Session.h"

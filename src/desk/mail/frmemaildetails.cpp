@@ -1,4 +1,4 @@
-#include "desk/reports/frmemaildetails.h"
+#include "desk/mail/frmemaildetails.h"
 
 #include "core/Feedback.h"
 #include "core/MAIN_Module.h"

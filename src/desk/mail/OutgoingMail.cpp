@@ -1,4 +1,4 @@
-#include "desk/reports/OutgoingMail.h"
+#include "desk/mail/OutgoingMail.h"
 
 #include <QPointer>
 

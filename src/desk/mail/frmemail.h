@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "desk/kit/Page.h"
-#include "desk/reports/OutgoingMail.h"
+#include "desk/mail/OutgoingMail.h"
 #include "mail/OperatorMail.h"
 
 namespace Ui {

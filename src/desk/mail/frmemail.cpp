@@ -1,10 +1,10 @@
-#include "desk/reports/frmemail.h"
+#include "desk/mail/frmemail.h"
 
 #include <QFileDialog>
 
 #include "core/MAIN_Module.h"
 #include "desk/kit/Navigator.h"
-#include "desk/reports/frmemaildetails.h"
+#include "desk/mail/frmemaildetails.h"
 #include "mail/EmailSettings.h"
 #include "ui_frmemail.h"
 

@@ -1,4 +1,4 @@
-#include "desk/reports/frmemail_settings.h"
+#include "desk/mail/frmemail_settings.h"
 
 #include "ui_frmemail_settings.h"
 
