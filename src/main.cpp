@@ -21,8 +21,6 @@
 #include "core/MAIN_Module.h"
 #include "core/Ports.h"
 #include "core/Schema.h"
-#include "desk/core/frmLogin.h"
-#include "desk/core/mainfrm.h"
 #include "desk/kit/Boxes.h"
 #include "desk/kit/Desk.h"
 #include "desk/kit/Look.h"
@@ -32,6 +30,8 @@
 #include "desk/platform/RunFeedback.h"
 #include "desk/platform/SerialLine.h"
 #include "desk/platform/SingleInstance.h"
+#include "desk/shell/frmLogin.h"
+#include "desk/shell/mainfrm.h"
 #include "mail/SmtpTransport.h"
 
 namespace {

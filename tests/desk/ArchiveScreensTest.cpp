@@ -14,11 +14,11 @@
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmarchive.h"
 #include "desk/archive/frmparaarchive.h"
-#include "desk/core/frmHisErrLog.h"
 #include "desk/kit/Grid.h"
 #include "desk/mail/frmemail.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
+#include "desk/shell/frmHisErrLog.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
 

@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "desk/core/frmHisErrLog.h"
 #include "desk/session/frmparalist.h"
+#include "desk/shell/frmHisErrLog.h"
 #include "desk/signals/frmCalib.h"
 #include "desk/signals/frmCalibSignals.h"
 #include "desk/signals/frmCalibration.h"

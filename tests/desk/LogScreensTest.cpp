@@ -4,9 +4,9 @@
 #include <QGuiApplication>
 #include <QLabel>
 
-#include "desk/core/frmlog.h"
-#include "desk/core/frmtts.h"
 #include "desk/kit/LogView.h"
+#include "desk/shell/frmlog.h"
+#include "desk/shell/frmtts.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <QTest>
 #include <QToolButton>
 
-#include "desk/core/frmLogin.h"
 #include "desk/kit/Boxes.h"
+#include "desk/shell/frmLogin.h"
 #include "support/ScratchDesk.h"
 
 namespace {

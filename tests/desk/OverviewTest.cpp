@@ -4,11 +4,11 @@
 #include <QListWidget>
 #include <QPushButton>
 
-#include "desk/core/frmGraphicRept.h"
-#include "desk/core/mainfrm.h"
 #include "desk/kit/Grid.h"
 #include "desk/kit/NodeButton.h"
 #include "desk/session/frm_CWM.h"
+#include "desk/shell/frmGraphicRept.h"
+#include "desk/shell/mainfrm.h"
 #include "support/ScreenDesk.h"
 
 namespace {

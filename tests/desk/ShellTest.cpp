@@ -6,10 +6,10 @@
 #include <QScreen>
 #include <QSignalSpy>
 
-#include "desk/core/mainfrm.h"
 #include "desk/kit/Look.h"
 #include "desk/platform/RunFeedback.h"
 #include "desk/platform/SingleInstance.h"
+#include "desk/shell/mainfrm.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -8,10 +8,10 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
-#include "desk/core/frmHisErrLog.h"
 #include "desk/kit/Grid.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
+#include "desk/shell/frmHisErrLog.h"
 #include "desk/signals/ListPage.h"
 #include "desk/signals/frmSignalSearch.h"
 #include "session/Session.h"

@@ -6,9 +6,9 @@
 #include <QToolButton>
 
 #include "core/UserRegister.h"
-#include "desk/core/frmnewuser.h"
-#include "desk/core/frmuser.h"
 #include "desk/kit/Grid.h"
+#include "desk/shell/frmnewuser.h"
+#include "desk/shell/frmuser.h"
 #include "support/ScreenDesk.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "desk/core/frmlog.h"
+#include "desk/shell/frmlog.h"
 
 #include "core/Feedback.h"
 #include "core/Logs.h"

@@ -1,4 +1,4 @@
-#include "desk/core/frmshowdata.h"
+#include "desk/shell/frmshowdata.h"
 
 #include "core/Clock.h"
 #include "core/Text.h"

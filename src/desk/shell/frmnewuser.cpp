@@ -1,4 +1,4 @@
-#include "desk/core/frmnewuser.h"
+#include "desk/shell/frmnewuser.h"
 
 #include <array>
 #include <utility>

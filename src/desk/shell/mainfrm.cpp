@@ -1,4 +1,4 @@
-#include "desk/core/mainfrm.h"
+#include "desk/shell/mainfrm.h"
 
 #include <QCloseEvent>
 #include <QLabel>
@@ -10,11 +10,11 @@
 #include "core/MAIN_Module.h"
 #include "core/Station.h"
 #include "core/Users.h"
-#include "desk/core/frmGraphicRept.h"
-#include "desk/core/frmmain.h"
 #include "desk/kit/Boxes.h"
 #include "desk/kit/Look.h"
 #include "desk/kit/Navigator.h"
+#include "desk/shell/frmGraphicRept.h"
+#include "desk/shell/frmmain.h"
 #include "protocols/line/LineLease.h"
 #include "ui_mainfrm.h"
 

@@ -1,4 +1,4 @@
-#include "desk/core/frmtts.h"
+#include "desk/shell/frmtts.h"
 
 #include "core/Feedback.h"
 #include "core/Logs.h"

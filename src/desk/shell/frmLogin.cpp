@@ -1,4 +1,4 @@
-#include "desk/core/frmLogin.h"
+#include "desk/shell/frmLogin.h"
 
 #include <QCloseEvent>
 #include <QFont>

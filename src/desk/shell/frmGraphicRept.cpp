@@ -1,4 +1,4 @@
-#include "desk/core/frmGraphicRept.h"
+#include "desk/shell/frmGraphicRept.h"
 
 #include <QAction>
 #include <QListWidget>
@@ -13,7 +13,6 @@
 #include "core/MAIN_Module.h"
 #include "core/Station.h"
 #include "core/Text.h"
-#include "desk/core/frmshowdata.h"
 #include "desk/kit/ByHand.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Look.h"
@@ -21,6 +20,7 @@
 #include "desk/kit/NodeButton.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
+#include "desk/shell/frmshowdata.h"
 #include "ui_frmGraphicRept.h"
 
 namespace desk {

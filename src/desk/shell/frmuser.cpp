@@ -1,10 +1,10 @@
-#include "desk/core/frmuser.h"
+#include "desk/shell/frmuser.h"
 
 #include <algorithm>
 
 #include "core/UserRegister.h"
-#include "desk/core/frmnewuser.h"
 #include "desk/kit/Navigator.h"
+#include "desk/shell/frmnewuser.h"
 #include "ui_frmuser.h"
 
 namespace desk {
