@@ -21,7 +21,7 @@ bool StoringAStream() {
     core::Station station;
     station.locationID = 1;
     station.protocol = "BSAP";
-    collection::ListValues values;
+    reading::ListValues values;
     desk.dbconn.InTransaction([&] {
         for (int n = 1; n <= 400; ++n) {
             desk.dbconn.Execute("insert into configdata_detail(locationID,startaddress,type,StreamNo) values(1,?,?,1)",
@@ -45,9 +45,9 @@ bool StoringAStream() {
     for (int round = 0; round < rounds; ++round) {
         values.floats[1]->value = round;
         desk.dbconn.InTransaction([&] {
-            collection::ValueStore store(desk.dbconn, station, 1);
+            reading::ValueStore store(desk.dbconn, station, 1);
             store.AskLists();
-            collection::StoreValues(store, station, values);
+            reading::StoreValues(store, station, values);
         });
     }
     return bench::Report("store 400 floats, 80 logicals", Seconds(start) / rounds * 1000, "ms", Goal::AtMost, 60);

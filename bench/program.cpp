@@ -123,8 +123,8 @@ bool Collect(support::ScratchDesk& desk, core::Clock& clock, protocols::Line& li
     protocols::FieldLine fieldLine(line, clock);
     protocols::BsapCounters counters;
     core::Logs logs(desk.dbconn, desk.shared, clock);
-    collection::Workplace place{desk.dbconn, desk.shared, clock, desk.feedback, logs, fieldLine, counters};
-    collection::RunState state;
+    reading::Workplace place{desk.dbconn, desk.shared, clock, desk.feedback, logs, fieldLine, counters};
+    reading::RunState state;
     collection::collectiong_Data(place, location, state);
     return !state.runfailed;
 }

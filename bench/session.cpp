@@ -18,6 +18,7 @@
 #include "desk/platform/SerialLine.h"
 #include "desk/session/LiveScreen.h"
 #include "desk/session/frmparalist.h"
+#include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
 
 namespace {
@@ -46,9 +47,10 @@ bool OnePoll() {
     desk::SerialLine serial([&](int) { return port.string(); });
     protocols::FieldLine line(serial, clock);
     protocols::BsapCounters counters;
-    collection::Workplace place{scratch.dbconn, scratch.shared, clock, scratch.feedback, logs, line, counters};
+    reading::Workplace place{scratch.dbconn, scratch.shared, clock, scratch.feedback, logs, line, counters};
     support::RecordingMail mail;
-    collection::Scheduler scheduler(place, mail);
+    reports::ReportMail reportMail(place, mail);
+    collection::Scheduler scheduler(place, reportMail);
     scratch.shared.rights.rightOnline = true;
     desk::Navigator window;
     desk::Desk desk{scratch.dbconn, scratch.shared, logs,      clock, scratch.feedback,

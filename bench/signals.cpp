@@ -19,6 +19,7 @@
 #include "desk/platform/SerialLine.h"
 #include "desk/signals/FetchPanel.h"
 #include "desk/signals/frmVerify.h"
+#include "reports/ReportMail.h"
 #include "session/StationLine.h"
 #include "signals/change/ChangeStore.h"
 #include "signals/change/VerificationBook.h"
@@ -74,10 +75,11 @@ bool LongList() {
     CountingPanel panel;
     panel.resize(1000, 600);
     panel.show();
-    const collection::Workplace place{scratch.dbconn, scratch.shared, clock, panel, logs, line, counters};
+    const reading::Workplace place{scratch.dbconn, scratch.shared, clock, panel, logs, line, counters};
     support::RecordingMail mail;
-    collection::Workplace ofScheduler = place;
-    const collection::Scheduler scheduler(ofScheduler, mail);
+    reading::Workplace ofScheduler = place;
+    reports::ReportMail reportMail(ofScheduler, mail);
+    const collection::Scheduler scheduler(ofScheduler, reportMail);
     std::optional<signals::FetchEnd> end;
     double took = 0;
     session::OnStationLine(

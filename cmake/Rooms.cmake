@@ -1,21 +1,21 @@
-# A room is one folder of the house: a static library of all its sources. It may include only what it links,
-# so the list behind BELOW is the list of rooms that it may know.
+# A room is a folder right under src/: a static library of all its sources. It links the rooms that its folders may
+# include, as Layers.cmake says.
 function(norwen_room room)
-  cmake_parse_arguments(ROOM "" "" "BELOW" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.h)
   add_library(norwen_${room} STATIC ${sources})
   target_include_directories(norwen_${room} PUBLIC ${CMAKE_SOURCE_DIR}/src)
-  foreach(below ${ROOM_BELOW})
-    target_link_libraries(norwen_${room} PUBLIC norwen_${below})
+  set(rooms "")
+  foreach(layer ${NORWEN_LAYERS})
+    if(layer MATCHES "^(${room}(/[a-z]+)?):")
+      norwen_below(${CMAKE_MATCH_1} below)
+      list(APPEND rooms ${below})
+    endif()
   endforeach()
-endfunction()
-
-# Compiles several files at a time: with Qt's headers, reading them is most of the work. Not in the debug build, the one
-# to develop in, where each file stands for itself.
-function(norwen_joined target)
-  if(CMAKE_BUILD_TYPE STREQUAL "Release" OR NORWEN_SANITIZE)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
-  endif()
+  list(TRANSFORM rooms REPLACE "/.*" "")
+  list(REMOVE_DUPLICATES rooms)
+  list(REMOVE_ITEM rooms ${room})
+  list(TRANSFORM rooms PREPEND norwen_)
+  target_link_libraries(norwen_${room} PUBLIC ${rooms})
 endfunction()
 
 # One test executable a folder of tests/, labelled with the folder's name.

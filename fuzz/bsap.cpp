@@ -12,8 +12,8 @@ using namespace fuzz;
 
 namespace {
 
-void CheckSignals(const std::vector<collection::ListSignal>& signals) {
-    for (const collection::ListSignal& signal : signals) {
+void CheckSignals(const std::vector<reading::ListSignal>& signals) {
+    for (const reading::ListSignal& signal : signals) {
         Check(std::isfinite(signal.value) && signal.MSD >= 0 && signal.MSD <= 0xFFFF);
         Check(!signal.logical || signal.value == 0 || signal.value == 1);
     }
@@ -44,9 +44,9 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     talk.bsap.listunits = (flags & 16) == 0;
 
     protocols::SignOn(talk);
-    const auto kind = (flags & 32) != 0 ? collection::ListKind::Boolean : collection::ListKind::Float;
-    const std::vector<collection::ListEntry> names(20, {"Tap Type", ""});
-    const collection::BsapList list = collection::getdata_BSAP(talk, 54, kind, names);
+    const auto kind = (flags & 32) != 0 ? reading::ListKind::Boolean : reading::ListKind::Float;
+    const std::vector<reading::ListEntry> names(20, {"Tap Type", ""});
+    const reading::BsapList list = reading::getdata_BSAP(talk, 54, kind, names);
     Check(!list.signals.empty() && list.signals.size() <= 401);
     CheckSignals(list.signals);
     // At most 400 replies of 4 sends, each with a poll and its acknowledgement and up to 4 waits for what is behind
@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Desk desk;
     static core::Database dbconn(desk.shared.DatabasePath());
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    CheckSignals(collection::ReadRecords(text, {1 + size % 20, size % 2 == 0, size % 3 == 0}).signals);
+    CheckSignals(reading::ReadRecords(text, {1 + size % 20, size % 2 == 0, size % 3 == 0}).signals);
     CheckAnswers(text, size % 2 == 0);
     Bytes bytes(data, size);
     Converse(dbconn, desk.shared, bytes);

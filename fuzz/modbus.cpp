@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
-#include "protocols/modbus/ModbusNumbers.h"
 #include "protocols/modbus/ModbusReply.h"
 #include "protocols/modbus/ModbusRequest.h"
 

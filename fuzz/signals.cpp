@@ -66,8 +66,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Desk desk;
     static core::Database dbconn(desk.shared.DatabasePath());
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    const auto fields = size % 2 == 0 ? collection::RecordFields::Names : collection::RecordFields::ValuesOrTexts;
-    CheckSignals(collection::ReadRecords(text, {1 + size % 20, true, size % 3 == 0, fields}).signals);
+    const auto fields = size % 2 == 0 ? reading::RecordFields::Names : reading::RecordFields::ValuesOrTexts;
+    CheckSignals(reading::ReadRecords(text, {1 + size % 20, true, size % 3 == 0, fields}).signals);
     Bytes bytes(data, size);
     Converse(dbconn, desk.shared, bytes);
     return 0;

@@ -33,6 +33,7 @@
 #include "desk/shell/frmLogin.h"
 #include "desk/shell/mainfrm.h"
 #include "mail/SmtpTransport.h"
+#include "reports/ReportMail.h"
 
 namespace {
 
@@ -160,9 +161,10 @@ int Start(QApplication& application, const StartOptions& options) {
     protocols::BsapCounters counters;
     desk::mainfrm* shell = nullptr;
     desk::RunFeedback feedback(logs, [&shell](const QString& text) { shell->Status(text); });
-    collection::Workplace place{*dbconn, shared, clock, feedback, logs, line, counters};
-    collection::SmtpTransport mail;
-    collection::Scheduler scheduler(place, mail);
+    reading::Workplace place{*dbconn, shared, clock, feedback, logs, line, counters};
+    mail::SmtpTransport mail;
+    reports::ReportMail reportMail(place, mail);
+    collection::Scheduler scheduler(place, reportMail);
     try {
         scheduler.ResetDailyFlags();
     } catch (const std::exception& failure) {

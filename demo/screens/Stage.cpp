@@ -2,6 +2,7 @@
 
 #include "collection/Outcome.h"
 #include "demo/DemoRegister.h"
+#include "stations/SampledMark.h"
 
 namespace demo {
 
@@ -82,25 +83,24 @@ void AddToWall(core::Database& dbconn, const WallStation& station, const core::D
     outcome.received = station.morning == Morning::Partly ? 201 : 263;
     switch (station.morning) {
         case Morning::Partly:
-            outcome.result = collection::Result::Partly;
+            outcome.result = reading::Result::Partly;
             outcome.reason = "The station refused registers 7441 to 7502";
             break;
         case Morning::NotReached:
-            outcome.result = collection::Result::NotReached;
+            outcome.result = reading::Result::NotReached;
             outcome.reason = "The modem said NO CARRIER";
             break;
         case Morning::NoAnswer:
-            outcome.result = collection::Result::NoAnswer;
+            outcome.result = reading::Result::NoAnswer;
             outcome.reason = "There was no response from the station";
             break;
         default:
-            outcome.result = collection::Result::Collected;
+            outcome.result = reading::Result::Collected;
             break;
     }
     collection::RecordOutcome(dbconn, outcome);
-    const bool sampled =
-        outcome.result == collection::Result::Collected || outcome.result == collection::Result::Partly;
-    collection::MarkSampled(dbconn, now, locationID, sampled);
+    const bool sampled = outcome.result == reading::Result::Collected || outcome.result == reading::Result::Partly;
+    stations::MarkSampled(dbconn, now, locationID, sampled);
 }
 
 std::filesystem::path Copied(const std::filesystem::path& delivered, const std::filesystem::path& directory) {

@@ -17,6 +17,7 @@
 #include "fieldsim/SimLine.h"
 #include "fieldsim/VirtualClock.h"
 #include "mail/Mail.h"
+#include "reports/ReportMail.h"
 
 // The whole desk on a virtual clock before a simulated field, with weeks of collections behind it: what the pictures of
 // the operator's guide are taken of.
@@ -48,9 +49,9 @@ class Stage {
         void Status(const std::string& text) override;
         void Box(const std::string& text) override { Status(text); }
     };
-    struct NoMail final : collection::MailTransport {
-        collection::MailOutcome Send(const collection::MailMessage&, const collection::MailServer&, core::Clock&,
-                                     const std::function<bool()>&) override {
+    struct NoMail final : mail::MailTransport {
+        mail::MailOutcome Send(const mail::MailMessage&, const mail::MailServer&, core::Clock&,
+                               const std::function<bool()>&) override {
             return {true, ""};
         }
     };
@@ -65,9 +66,10 @@ class Stage {
     fieldsim::SimLine serial_{clock_};
     protocols::FieldLine line_{serial_, clock_};
     protocols::BsapCounters counters_;
-    collection::Workplace place_{dbconn_, shared_, clock_, feedback_, logs_, line_, counters_};
+    reading::Workplace place_{dbconn_, shared_, clock_, feedback_, logs_, line_, counters_};
     NoMail mail_;
-    collection::Scheduler scheduler_{place_, mail_};
+    reports::ReportMail reportMail_{place_, mail_};
+    collection::Scheduler scheduler_{place_, reportMail_};
     desk::Navigator navigator_;
     desk::Desk desk_{dbconn_, shared_, logs_, clock_, feedback_, line_, counters_, scheduler_, mail_, navigator_};
     std::unique_ptr<desk::mainfrm> shell_;

@@ -1,9 +1,9 @@
 #include "collection/ClosingSteps.h"
-#include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
 #include "protocols/bsap/BsapLink.h"
 #include "reading/BsapList.h"
 #include "reading/ListInfo.h"
+#include "reading/LogParam.h"
 #include "reading/RunFigures.h"
 #include "reading/RunTally.h"
 #include "reading/StoreValues.h"
@@ -15,11 +15,11 @@ namespace {
 
 // Takes a list into the values of the stream, by position.
 template <std::size_t size>
-void Take(const BsapList& list, const std::array<ListEntry, size>& names, const std::string& readat,
-          std::array<std::optional<StoredValue>, size>& values, RunFigures& figures) {
+void Take(const reading::BsapList& list, const std::array<reading::ListEntry, size>& names, const std::string& readat,
+          std::array<std::optional<reading::StoredValue>, size>& values, reading::RunFigures& figures) {
     for (std::size_t n = 1; n < list.signals.size() && n < size; ++n) {
-        const ListSignal& signal = list.signals[n];
-        values[n] = StoredValue{signal.value, QualityOf(signal), readat, signal.unit, signal.MSD};
+        const reading::ListSignal& signal = list.signals[n];
+        values[n] = reading::StoredValue{signal.value, reading::QualityOf(signal), readat, signal.unit, signal.MSD};
         if (!signal.outOfRange) {
             figures.Note(names[n].description, signal.value);
         }
@@ -28,23 +28,25 @@ void Take(const BsapList& list, const std::array<ListEntry, size>& names, const 
 
 // Both lists of a stream, and what follows a good collection. False: a list could not be read, and nothing of the
 // stream is stored.
-bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& figures, RunTally& tally) {
+bool CollectStream(reading::Workplace& place, protocols::Conversation& talk, reading::RunFigures& figures,
+                   reading::RunTally& tally) {
     const core::Station& station = talk.station;
     const core::DateTime begun = place.clock.Now();
-    const ListInfo names = ReadListInfo(place.dbconn, station, talk.streamno);
-    const ListNumbers numbers = ListsOf(station, talk.streamno);
-    ValueStore store(place.dbconn, station, talk.streamno);
-    ListValues values;
-    const BsapList booleans = getdata_BSAP(talk, numbers.boolean, ListKind::Boolean, names.booleans);
+    const reading::ListInfo names = reading::ReadListInfo(place.dbconn, station, talk.streamno);
+    const reading::ListNumbers numbers = reading::ListsOf(station, talk.streamno);
+    reading::ValueStore store(place.dbconn, station, talk.streamno);
+    reading::ListValues values;
+    const reading::BsapList booleans =
+        reading::getdata_BSAP(talk, numbers.boolean, reading::ListKind::Boolean, names.booleans);
     Take(booleans, names.booleans, core::IsoText(place.clock.Now()), values.booleans, figures);
-    const BsapList floats = getdata_BSAP(talk, numbers.real, ListKind::Float, names.floats);
+    const reading::BsapList floats = reading::getdata_BSAP(talk, numbers.real, reading::ListKind::Float, names.floats);
     Take(floats, names.floats, core::IsoText(place.clock.Now()), values.floats, figures);
     const bool whole = booleans.collstatus && floats.collstatus;
     place.feedback.Status(whole ? "Data logging......" : "Error in Communication!!!");
     place.dbconn.InTransaction([&] {
         store.AskLists();
         if (whole) {
-            StoreValues(store, station, values);
+            reading::StoreValues(store, station, values);
         }
     });
     tally.Add(store);
@@ -59,10 +61,10 @@ bool CollectStream(Workplace& place, protocols::Conversation& talk, RunFigures& 
 }
 
 // The rows of all streams, of a station that does not sign on.
-void MarkNotReceived(Workplace& place, const core::Station& station, RunTally& tally) {
+void MarkNotReceived(reading::Workplace& place, const core::Station& station, reading::RunTally& tally) {
     place.dbconn.InTransaction([&] {
         for (int streamno = 1; streamno <= station.No_Stream; ++streamno) {
-            ValueStore store(place.dbconn, station, streamno);
+            reading::ValueStore store(place.dbconn, station, streamno);
             store.AskLists();
             tally.Add(store);
         }
@@ -71,10 +73,10 @@ void MarkNotReceived(Workplace& place, const core::Station& station, RunTally& t
 
 }  // namespace
 
-void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& state) {
+void CollectBsap(reading::Workplace& place, protocols::Conversation& talk, reading::RunState& state) {
     const core::Station& station = talk.station;
     const std::string location = "[" + std::to_string(station.locationID) + "]";
-    RunTally tally;
+    reading::RunTally tally;
     if (!protocols::SignOnInTries(talk)) {
         if (!talk.Ended()) {
             place.logs.WriteRtuErr("RTU Dead" + location);
@@ -85,14 +87,14 @@ void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& stat
         tally.Conclude(talk, state);
         return;
     }
-    RunFigures figures;
+    reading::RunFigures figures;
     for (talk.streamno = 1; talk.streamno <= station.No_Stream && !talk.Ended(); ++talk.streamno) {
         const bool read = CollectStream(place, talk, figures, tally);
-        const DayFigures day = figures.TakeDay();
+        const reading::DayFigures day = figures.TakeDay();
         if (talk.streamno == 1) {
-            state.figures = read ? day : DayFigures{};
+            state.figures = read ? day : reading::DayFigures{};
         } else {
-            state.figures.AddStream(read ? day : DayFigures{});
+            state.figures.AddStream(read ? day : reading::DayFigures{});
         }
         if (!read) {
             state.runfailed = true;
@@ -107,8 +109,8 @@ void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& stat
     }
     tally.Conclude(talk, state);
     // LogParam says of a BSAP station only that it was collected; its flows are in the gas day's record.
-    UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
-                   place.clock.Now(), {});
+    reading::UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
+                            place.clock.Now(), {});
 }
 
 }  // namespace collection

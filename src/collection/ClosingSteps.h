@@ -11,7 +11,7 @@ namespace collection {
 // values that the model's list names, and the station's workbook. `model` is the station's model or, on a multistream
 // station, the metering method of the stream; `begun` is when the stream's reading began. A workbook that cannot be
 // written is reported and does not undo the rest. Throws DatabaseError.
-void RecordCollection(Workplace& place, const core::Station& station, int streamno, const std::string& model,
+void RecordCollection(reading::Workplace& place, const core::Station& station, int streamno, const std::string& model,
                       const core::DateTime& begun);
 
 }  // namespace collection

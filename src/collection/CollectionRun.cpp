@@ -8,7 +8,7 @@ namespace collection {
 
 namespace {
 
-protocols::Conversation Begin(Workplace& place, core::Station station) {
+protocols::Conversation Begin(reading::Workplace& place, core::Station station) {
     protocols::Conversation talk{place.line.TakeOver("A scheduled collection has taken the line"),
                                  place.clock,
                                  place.feedback,
@@ -20,7 +20,7 @@ protocols::Conversation Begin(Workplace& place, core::Station station) {
     return talk;
 }
 
-core::ModelCounts Counts(Workplace& place, const protocols::Conversation& talk) {
+core::ModelCounts Counts(reading::Workplace& place, const protocols::Conversation& talk) {
     const auto counts = core::ReadModelCounts(place.dbconn, talk.station, talk.streamno);
     if (!counts) {
         place.feedback.Box("Value is not defined in Modbus Parameter Table");
@@ -29,20 +29,20 @@ core::ModelCounts Counts(Workplace& place, const protocols::Conversation& talk) 
 }
 
 // What was read is not known to be on the disk, so the attempt does not count as good.
-void Fail(Workplace& place, RunState& state, const std::exception& failure) {
+void Fail(reading::Workplace& place, reading::RunState& state, const std::exception& failure) {
     place.logs.WriteRtuErr(failure.what());
     state.runfailed = true;
-    state.result = Result::BrokenOff;
+    state.result = reading::Result::BrokenOff;
     state.reason = failure.what();
 }
 
-void NotReached(RunState& state, const std::string& reason) {
-    state.result = Result::NotReached;
+void NotReached(reading::RunState& state, const std::string& reason) {
+    state.result = reading::Result::NotReached;
     state.reason = reason;
 }
 
 // Opens the port of the station. An "IP" station has none: its transactions fail as those of a silent one.
-bool OpenPort(Workplace& place, protocols::Conversation& talk, RunState& state) {
+bool OpenPort(reading::Workplace& place, protocols::Conversation& talk, reading::RunState& state) {
     const core::Station& station = talk.station;
     talk.line->PortOpen(false);
     if (!station.ip.empty()) {
@@ -67,7 +67,8 @@ bool OpenPort(Workplace& place, protocols::Conversation& talk, RunState& state) 
     return true;
 }
 
-void Collect(Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts, RunState& state) {
+void Collect(reading::Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts,
+             reading::RunState& state) {
     place.feedback.Status("Collecting Data");
     try {
         if (core::SameText(talk.station.protocol, "BSAP")) {
@@ -84,7 +85,7 @@ void Collect(Workplace& place, protocols::Conversation& talk, const core::ModelC
 
 // Whether there is somebody to talk to: always on a line without a modem. A modem that is not there and a number that
 // is not reached leave `runfailed` clear, which makes the day count as sampled: that is what the operators go by.
-bool LineUp(protocols::Conversation& talk, RunState& state) {
+bool LineUp(protocols::Conversation& talk, reading::RunState& state) {
     if (talk.station.phoneno.empty()) {
         return true;
     }
@@ -111,7 +112,7 @@ bool LineUp(protocols::Conversation& talk, RunState& state) {
     return false;
 }
 
-void HangUp(Workplace& place, protocols::Conversation& talk) {
+void HangUp(reading::Workplace& place, protocols::Conversation& talk) {
     if (!talk.station.phoneno.empty() && talk.line->PortOpen()) {
         place.feedback.Status("Disconnecting" + talk.station.phoneno);
         protocols::HangUp(*talk.line, place.clock, place.feedback, protocols::redialGuardMs);
@@ -120,15 +121,15 @@ void HangUp(Workplace& place, protocols::Conversation& talk) {
 }
 
 // A conversation that was told to end before all was in.
-void NoteEnd(const protocols::Conversation& talk, RunState& state) {
-    if (talk.Ended() && state.result != Result::Collected) {
-        state.result = Result::BrokenOff;
+void NoteEnd(const protocols::Conversation& talk, reading::RunState& state) {
+    if (talk.Ended() && state.result != reading::Result::Collected) {
+        state.result = reading::Result::BrokenOff;
         state.reason = talk.line->Reason();
         state.runfailed = true;
     }
 }
 
-void Run(Workplace& place, std::int64_t locationID, RunState& state) {
+void Run(reading::Workplace& place, std::int64_t locationID, reading::RunState& state) {
     auto station = core::ReadStation(place.dbconn, locationID);
     if (!station) {
         return;
@@ -154,16 +155,8 @@ void Run(Workplace& place, std::int64_t locationID, RunState& state) {
 
 }  // namespace
 
-void DayFigures::AddStream(const DayFigures& stream) {
-    const auto add = [](std::optional<double>& sum, const std::optional<double>& part) {
-        sum = sum && part ? std::optional(*sum + *part) : std::nullopt;
-    };
-    add(dayflow, stream.dayflow);
-    add(monthflow, stream.monthflow);
-}
-
-void collectiong_Data(Workplace& place, std::int64_t locationID, RunState& state) {
-    state.result = Result::NoAnswer;
+void collectiong_Data(reading::Workplace& place, std::int64_t locationID, reading::RunState& state) {
+    state.result = reading::Result::NoAnswer;
     state.asked = 0;
     state.received = 0;
     state.reason.clear();

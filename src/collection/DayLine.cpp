@@ -40,18 +40,18 @@ DayLine LineOf(const Outcome& outcome) {
     const std::string time = TimeOf(outcome.ended);
     const std::string result(ResultText(outcome.result));
     switch (outcome.result) {
-        case Result::Collected:
+        case reading::Result::Collected:
             return {DayState::Collected, time + HowWords(outcome.how), outcome.reason};
-        case Result::Partly:
+        case reading::Result::Partly:
             return {DayState::Partly,
                     result + ", " + std::to_string(outcome.received) + " of " + std::to_string(outcome.asked) +
                         " values, " + time,
                     outcome.reason};
-        case Result::NotReached:
-        case Result::NoAnswer:
+        case reading::Result::NotReached:
+        case reading::Result::NoAnswer:
             return {DayState::Failed, result + ", " + Attempts(outcome) + ", " + time, outcome.reason};
-        case Result::Refused:
-        case Result::BrokenOff:
+        case reading::Result::Refused:
+        case reading::Result::BrokenOff:
             break;
     }
     return {DayState::Failed, result + ", " + time, outcome.reason};
@@ -93,7 +93,7 @@ bool IsMissing(core::Database& dbconn, const Schedule& schedule, const core::Dat
         return false;
     }
     if (const auto outcome = OutcomeOf(dbconn, schedule.locationID, core::IsoText(*due).substr(0, 10))) {
-        return outcome->result != Result::Collected;
+        return outcome->result != reading::Result::Collected;
     }
     const auto row =
         dbconn.First("select sampledtoday from configdata_master where locationID=?", {schedule.locationID});
@@ -110,7 +110,7 @@ DayCount CountDay(core::Database& dbconn, const core::DateTime& day, const core:
         const auto outcome = OutcomeOf(dbconn, schedule.locationID, core::IsoText(day).substr(0, 10));
         if (!outcome || Rank(outcome->result) > 1) {
             ++count.missing;
-        } else if (outcome->result == Result::Partly) {
+        } else if (outcome->result == reading::Result::Partly) {
             ++count.partly;
         }
     }

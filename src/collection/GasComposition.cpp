@@ -68,7 +68,7 @@ std::vector<GasComponent> GasComposition(core::Database& dbconn, std::int64_t lo
     if (components.empty()) {
         for (const core::Row& row :
              dbconn.Query("select * from configdata_detail where aga = 'GC' and locationid=?", {locationID})) {
-            components.push_back({row.Text("startaddress"), row.Text("description"), ClaimOf(row, {}).value});
+            components.push_back({row.Text("startaddress"), row.Text("description"), reading::ClaimOf(row, {}).value});
         }
     }
     return components;
@@ -93,7 +93,7 @@ double GasSum(const std::vector<GasComponent>& components) {
     return core::RoundTo(sum, 4);
 }
 
-bool write_gascomposition(Workplace& place, protocols::Conversation& talk) {
+bool write_gascomposition(reading::Workplace& place, protocols::Conversation& talk) {
     place.feedback.Status("Writing Gas Composition");
     for (const core::Row& row :
          place.dbconn.Query("select * from write_gc where locationid=? order by cast(startaddress as integer)",

@@ -44,6 +44,6 @@ double GasSum(const std::vector<GasComponent>& components);
 // written; what came of each is in the audit trail. Throws DatabaseError.
 //
 // It stands ready: no run starts it, whatever `gasauto` says.
-bool write_gascomposition(Workplace& place, protocols::Conversation& talk);
+bool write_gascomposition(reading::Workplace& place, protocols::Conversation& talk);
 
 }  // namespace collection

@@ -46,7 +46,7 @@ std::vector<MissedHour> MissedHours::Tick(const core::DateTime& now) {
 
 core::DateTime MissedHours::Begin(const core::DateTime& minute) {
     const auto row = dbconn_.First("select servedto from schedule_state");
-    writtenDown_ = row ? MomentOf((*row)[0].Text()) : std::nullopt;
+    writtenDown_ = row ? core::MomentOf((*row)[0].Text()) : std::nullopt;
     if (!writtenDown_) {
         WriteDown(Later(minute, -secondsAMinute));
     }

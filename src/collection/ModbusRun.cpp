@@ -1,7 +1,7 @@
 #include "collection/ClosingSteps.h"
-#include "collection/LogParam.h"
 #include "collection/ProtocolRuns.h"
 #include "reading/BulkRead.h"
+#include "reading/LogParam.h"
 #include "reading/RunTally.h"
 #include "reading/StoreValues.h"
 
@@ -9,44 +9,46 @@ namespace collection {
 
 namespace {
 
-DayRow DayRowOf(const RunFigures& figures) {
+reading::DayRow DayRowOf(const reading::RunFigures& figures) {
     return {figures.resultline, figures.CurrentDayFlow, figures.CurrentMonthFlow, figures.currentprs};
 }
 
 }  // namespace
 
-void CollectModbus(Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts, RunState& state) {
+void CollectModbus(reading::Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts,
+                   reading::RunState& state) {
     const core::Station& station = talk.station;
     const core::DateTime begun = place.clock.Now();
-    const BlockPlan plan = PlanBlocks(place.dbconn, place.logs, station, talk.streamno, counts);
+    const reading::BlockPlan plan = reading::PlanBlocks(place.dbconn, place.logs, station, talk.streamno, counts);
     if (!plan.fault.empty()) {
         place.logs.WriteRtuErr(plan.fault + " [" + std::to_string(station.locationID) + "]");
         state.runfailed = true;
-        state.result = Result::NotReached;
+        state.result = reading::Result::NotReached;
         state.reason = plan.fault;
         return;
     }
-    RunFigures figures;
-    RunTally tally;
-    ValueStore store(place.dbconn, station, talk.streamno);
-    ListValues values;
+    reading::RunFigures figures;
+    reading::RunTally tally;
+    reading::ValueStore store(place.dbconn, station, talk.streamno);
+    reading::ListValues values;
     bool whole = false;
     if (station.MB_CONFIG) {
         place.dbconn.InTransaction([&] { store.Ask(plan.blocks); });
-        whole = GetDataInBunches(place, talk, plan.blocks, store, figures, tally);
+        whole = reading::GetDataInBunches(place, talk, plan.blocks, store, figures, tally);
     } else {
-        const ListInfo names = ReadListInfo(place.dbconn, station, talk.streamno);
-        whole = GetDataInBunches1(place, talk, plan.blocks, names, values, figures, tally);
+        const reading::ListInfo names = reading::ReadListInfo(place.dbconn, station, talk.streamno);
+        whole = reading::GetDataInBunches1(place, talk, plan.blocks, names, values, figures, tally);
     }
     place.feedback.Status(whole ? "Data logging......" : "Error in Communication!!!");
     place.dbconn.InTransaction([&] {
         if (!station.MB_CONFIG) {
             store.Ask(plan.blocks);
-            StoreValues(store, station, whole ? values : ListValues{});
+            reading::StoreValues(store, station, whole ? values : reading::ListValues{});
         }
         if (whole) {
-            UpsertLogParam(place.dbconn, station.locationID, figures.StationClock().value_or(place.clock.Now()),
-                           place.clock.Now(), DayRowOf(figures));
+            reading::UpsertLogParam(place.dbconn, station.locationID,
+                                    figures.StationClock().value_or(place.clock.Now()), place.clock.Now(),
+                                    DayRowOf(figures));
             state.figures = figures.TakeDay();
         }
     });

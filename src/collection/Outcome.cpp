@@ -44,7 +44,7 @@ Outcome OutcomeIn(const core::Row& row) {
     outcome.line = row.Text("line");
     outcome.asked = static_cast<int>(row.Long("asked"));
     outcome.received = static_cast<int>(row.Long("received"));
-    outcome.result = static_cast<Result>(IndexOf(results, row.Text("result")));
+    outcome.result = static_cast<reading::Result>(IndexOf(results, row.Text("result")));
     outcome.reason = row.Text("reason");
     return outcome;
 }
@@ -57,23 +57,16 @@ constexpr std::int64_t farthestGasDay = 62;  // days: a run of today serves no e
 
 }  // namespace
 
-std::optional<core::DateTime> MomentOf(const std::string& isoText) {
-    core::DateTime at;
-    const int read = std::sscanf(isoText.c_str(), "%4d-%2d-%2d %2d:%2d:%2d", &at.year, &at.month, &at.day, &at.hour,
-                                 &at.minute, &at.second);
-    return read == 6 && at.Valid() ? std::optional(at) : std::nullopt;
-}
-
 std::string_view HowText(How how) {
     return hows.at(static_cast<std::size_t>(how));
 }
 
-std::string_view ResultText(Result result) {
+std::string_view ResultText(reading::Result result) {
     return results.at(static_cast<std::size_t>(result));
 }
 
-int Rank(Result result) {
-    return result == Result::Collected ? 0 : result == Result::Partly ? 1 : 2;
+int Rank(reading::Result result) {
+    return result == reading::Result::Collected ? 0 : result == reading::Result::Partly ? 1 : 2;
 }
 
 void RecordOutcome(core::Database& dbconn, const Outcome& outcome) {
@@ -110,7 +103,7 @@ bool HasOutcomes(core::Database& dbconn, std::int64_t locationID, const core::Da
 }
 
 void RecordGasDay(core::Database& dbconn, std::int64_t locationID, const std::string& gasday,
-                  const core::DateTime& readat, const DayFigures& figures) {
+                  const core::DateTime& readat, const reading::DayFigures& figures) {
     if (!figures.dayflow && !figures.monthflow && !figures.pressure) {
         return;
     }
@@ -124,16 +117,13 @@ void RecordGasDay(core::Database& dbconn, std::int64_t locationID, const std::st
          Nullable(figures.pressure)});
 }
 
-std::optional<DayFigures> GasDayOf(core::Database& dbconn, std::int64_t locationID, const std::string& gasday) {
+std::optional<reading::DayFigures> GasDayOf(core::Database& dbconn, std::int64_t locationID,
+                                            const std::string& gasday) {
     const auto row =
         dbconn.First("select * from gasday where locationID=? and gasday=? and doubtful is null", {locationID, gasday});
-    return row ? std::optional(DayFigures{Figure(*row, "dayflow"), Figure(*row, "monthflow"), Figure(*row, "pressure")})
+    return row ? std::optional(
+                     reading::DayFigures{Figure(*row, "dayflow"), Figure(*row, "monthflow"), Figure(*row, "pressure")})
                : std::nullopt;
-}
-
-void MarkSampled(core::Database& dbconn, const core::DateTime& now, std::int64_t locationID, bool sampled) {
-    dbconn.Execute("update configdata_master set sampledtoday=?, sampleddate=? where locationID=?",
-                   {sampled, now.day, locationID});
 }
 
 }  // namespace collection

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "collection/CollectionRun.h"
 #include "core/Clock.h"
 #include "core/Database.h"
+#include "reading/RunState.h"
 
 // What came of a station's runs, day by day: the tables `outcome` and `gasday`, and the flag `sampledtoday`.
 namespace collection {
@@ -35,20 +35,17 @@ struct Outcome {
     std::string line;  // "COM1", "COM3 5550100" behind a modem, "IP 10.0.0.1"
     int asked = 0;     // values, of the last attempt
     int received = 0;
-    Result result = Result::NoAnswer;
+    reading::Result result = reading::Result::NoAnswer;
     std::string reason;  // a sentence; empty for a whole collection
 };
-
-// A moment as stored; nothing for a text that is none.
-std::optional<core::DateTime> MomentOf(const std::string& isoText);
 
 // As stored: 'schedule', 'late', 'retry', 'hand'; 'collected', 'partly', 'not reached', 'no answer', 'refused',
 // 'broken off'.
 std::string_view HowText(How how);
-std::string_view ResultText(Result result);
+std::string_view ResultText(reading::Result result);
 
 // 0 for all values, 1 for some, 2 for none.
-int Rank(Result result);
+int Rank(reading::Result result);
 
 // Adds a row; it is on the disk when this returns. Throws DatabaseError.
 void RecordOutcome(core::Database& dbconn, const Outcome& outcome);
@@ -65,12 +62,9 @@ bool HasOutcomes(core::Database& dbconn, std::int64_t locationID, const core::Da
 
 // Adds to the record of a gas day what a run received; what is not given stays as it is. Throws DatabaseError.
 void RecordGasDay(core::Database& dbconn, std::int64_t locationID, const std::string& gasday,
-                  const core::DateTime& readat, const DayFigures& figures);
+                  const core::DateTime& readat, const reading::DayFigures& figures);
 
 // The record of a gas day; nothing when none of its figures was ever received. Throws DatabaseError.
-std::optional<DayFigures> GasDayOf(core::Database& dbconn, std::int64_t locationID, const std::string& gasday);
-
-// Sets sampledtoday and sampleddate of a station: the one place that does. Throws DatabaseError.
-void MarkSampled(core::Database& dbconn, const core::DateTime& now, std::int64_t locationID, bool sampled);
+std::optional<reading::DayFigures> GasDayOf(core::Database& dbconn, std::int64_t locationID, const std::string& gasday);
 
 }  // namespace collection

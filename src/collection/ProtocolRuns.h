@@ -8,10 +8,11 @@
 // all throw DatabaseError.
 namespace collection {
 
-void CollectModbus(Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts, RunState& state);
+void CollectModbus(reading::Workplace& place, protocols::Conversation& talk, const core::ModelCounts& counts,
+                   reading::RunState& state);
 
-void CollectBsap(Workplace& place, protocols::Conversation& talk, RunState& state);
+void CollectBsap(reading::Workplace& place, protocols::Conversation& talk, reading::RunState& state);
 
-void CollectQuantum(Workplace& place, protocols::Conversation& talk, RunState& state);
+void CollectQuantum(reading::Workplace& place, protocols::Conversation& talk, reading::RunState& state);
 
 }  // namespace collection

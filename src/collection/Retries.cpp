@@ -17,18 +17,18 @@ std::string DayText(const core::DateTime& at) {
 
 bool IsCollected(core::Database& dbconn, std::int64_t locationID, const std::string& gasday) {
     const auto outcome = OutcomeOf(dbconn, locationID, gasday);
-    return outcome && outcome->result == Result::Collected;
+    return outcome && outcome->result == reading::Result::Collected;
 }
 
 }  // namespace
 
 void Retries::Note(const Turn& turn, const Outcome& outcome, bool again) {
-    if (outcome.result == Result::Collected) {
+    if (outcome.result == reading::Result::Collected) {
         waiting_.erase(turn.locationID);
     } else if (turn.how != How::Hand) {
         waiting_.erase(turn.locationID);
         if (again) {
-            const auto ended = MomentOf(outcome.ended);
+            const auto ended = core::MomentOf(outcome.ended);
             Add(turn.locationID, outcome.gasday, turn.round + 1, ended ? core::ToSeconds(*ended) : 0);
         }
     }
@@ -53,11 +53,12 @@ void Retries::Load(const core::DateTime& now) {
             "rounds from outcome where locationID=?1 and gasday=?2 and how<>'hand' and doubtful is null order by rowid "
             "desc limit 1",
             {schedule.locationID, gasday});
-        if (!row || waiting_.contains(schedule.locationID) || row->Text("result") == ResultText(Result::Partly) ||
+        if (!row || waiting_.contains(schedule.locationID) ||
+            row->Text("result") == ResultText(reading::Result::Partly) ||
             IsCollected(dbconn_, schedule.locationID, gasday)) {
             continue;
         }
-        const auto ended = MomentOf(row->Text("ended"));
+        const auto ended = core::MomentOf(row->Text("ended"));
         Add(schedule.locationID, gasday, static_cast<int>(row->Long("rounds")) + 1,
             ended ? core::ToSeconds(*ended) : 0);
     }

@@ -7,6 +7,7 @@
 #include "collection/Schedule.h"
 #include "core/Settings.h"
 #include "core/Text.h"
+#include "stations/SampledMark.h"
 
 namespace collection {
 
@@ -199,7 +200,7 @@ void Scheduler::ServeTurn(const Turn& turn) {
 void Scheduler::ServeStation(const Turn& turn) {
     if (!turn.collects) {
         // A station of the selection that is not due today is marked as not sampled.
-        MarkSampled(place_.dbconn, place_.clock.Now(), turn.locationID, false);
+        stations::MarkSampled(place_.dbconn, place_.clock.Now(), turn.locationID, false);
         Tell(&RunWatcher::Collected, turn);
         return;
     }
@@ -229,7 +230,7 @@ bool Scheduler::StillWanted(const Turn& turn) const {
         return false;
     }
     const auto outcome = OutcomeOf(place_.dbconn, turn.locationID, turn.GasDay(now));
-    return !outcome || outcome->result != Result::Collected;
+    return !outcome || outcome->result != reading::Result::Collected;
 }
 
 void Scheduler::Collect(const Turn& turn, const core::Station& station) {
@@ -252,15 +253,15 @@ void Scheduler::Collect(const Turn& turn, const core::Station& station) {
     if (core::SameText(turn.duration, "Daily")) {
         place_.clock.WaitMs(pauseMs, [this] { return leaving_; });
     }
-    const RunState state = Attempts(turn, outcome);
+    const reading::RunState state = Attempts(turn, outcome);
     outcome.ended = core::IsoText(place_.clock.Now());
     Record(served, state, outcome);
 }
 
-RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
-    RunState state;
+reading::RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
+    reading::RunState state;
     state.runfailed = true;
-    std::optional<RunState> best;
+    std::optional<reading::RunState> best;
     overdue_ = false;
     while (state.runfailed && state.attemptcount < maxAttempts && !leaving_ && !overdue_) {
         state.runfailed = false;
@@ -278,7 +279,7 @@ RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
         ++outcome.attempts;
     }
     if (!best) {
-        state.result = Result::BrokenOff;
+        state.result = reading::Result::BrokenOff;
         state.reason = programEnds;
         best = state;
     }
@@ -291,7 +292,7 @@ RunState Scheduler::Attempts(const Turn& turn, Outcome& outcome) {
     return *best;
 }
 
-void Scheduler::Record(const Turn& turn, const RunState& state, const Outcome& outcome) {
+void Scheduler::Record(const Turn& turn, const reading::RunState& state, const Outcome& outcome) {
     const core::DateTime now = place_.clock.Now();
     // A figure that was read a day after its contract hour is another day's.
     const bool isOfTheDay = !turn.due || core::ToSeconds(now) - core::ToSeconds(*turn.due) < secondsADay;
@@ -304,19 +305,18 @@ void Scheduler::Record(const Turn& turn, const RunState& state, const Outcome& o
         // A station that was cut off by the end of the program keeps its mark, as does one that is collected and was
         // only tried once more.
         const auto today = byItself ? std::nullopt : OutcomeOfToday(place_.dbconn, turn.locationID, now);
-        const bool collected = today && today->result == Result::Collected;
+        const bool collected = today && today->result == reading::Result::Collected;
         if (!leaving_) {
-            MarkSampled(place_.dbconn, now, turn.locationID, !state.runfailed || collected);
+            stations::MarkSampled(place_.dbconn, now, turn.locationID, !state.runfailed || collected);
         }
     });
-    const bool partlyAsItIs = outcome.result == Result::Partly && !state.runfailed;
+    const bool partlyAsItIs = outcome.result == reading::Result::Partly && !state.runfailed;
     retries_.Note(turn, outcome, !partlyAsItIs);
 }
 
 void Scheduler::MailReport(const Turn& turn) {
     mailed_ = place_.clock.Milliseconds();
-    sendmail(place_.dbconn, place_.shared, place_.clock, turn.due.value_or(place_.clock.Now()), place_.feedback,
-             place_.logs, mail_, [this] { return leaving_; });
+    reporter_.sendmail(turn.due.value_or(place_.clock.Now()), [this] { return leaving_; });
 }
 
 // What no server took is tried again from time to time, for the first time when the program has started.
@@ -325,8 +325,7 @@ void Scheduler::MailUnsent() {
         return;
     }
     mailed_ = place_.clock.Milliseconds();
-    SendUnsent(place_.dbconn, place_.shared, place_.clock, place_.feedback, place_.logs, mail_,
-               [this] { return leaving_; });
+    reporter_.SendUnsent([this] { return leaving_; });
 }
 
 void Scheduler::Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn) {

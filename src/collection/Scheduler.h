@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "collection/CollectionRun.h"
@@ -8,7 +9,6 @@
 #include "collection/MissedHours.h"
 #include "collection/Retries.h"
 #include "collection/RunQueue.h"
-#include "mail/Mail.h"
 #include "reading/Workplace.h"
 
 namespace collection {
@@ -26,13 +26,26 @@ class RunWatcher {
     virtual void Collected(std::int64_t locationID) = 0;
 };
 
+// What becomes of what was collected: the day's report and its mail. Both may wait, and end early as soon as `ended`
+// holds.
+class Reporter {
+  public:
+    virtual ~Reporter() = default;
+
+    // The stations of the contract hour `day` have been served.
+    virtual void sendmail(const core::DateTime& day, const std::function<bool()>& ended) = 0;
+
+    // Sends what could not be sent before.
+    virtual void SendUnsent(const std::function<bool()>& ended) = 0;
+};
+
 // What runs by itself each minute: collects the stations whose contract hour is the present minute, one after the
 // other, records the outcome of each, and mails the day's report behind them. What an operator asks for, contract hours
 // that were missed, and retries follow behind whoever is due.
 class Scheduler {
   public:
-    Scheduler(Workplace& place, MailTransport& mail)
-        : place_(place), mail_(mail), missed_(place.dbconn), retries_(place.dbconn) {}
+    Scheduler(reading::Workplace& place, Reporter& reporter)
+        : place_(place), reporter_(reporter), missed_(place.dbconn), retries_(place.dbconn) {}
 
     // The minute's tick. A tick that comes while stations are being collected selects its own stations at its own
     // minute and puts them behind the ones in hand; the call in hand serves them. While a conversation keeps the line
@@ -84,14 +97,14 @@ class Scheduler {
     void ServeStation(const Turn& turn);
     bool StillWanted(const Turn& turn) const;
     void Collect(const Turn& turn, const core::Station& station);
-    RunState Attempts(const Turn& turn, Outcome& outcome);
-    void Record(const Turn& turn, const RunState& state, const Outcome& outcome);
+    reading::RunState Attempts(const Turn& turn, Outcome& outcome);
+    void Record(const Turn& turn, const reading::RunState& state, const Outcome& outcome);
     void MailReport(const Turn& turn);
     void MailUnsent();
     void Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn);
 
-    Workplace& place_;
-    MailTransport& mail_;
+    reading::Workplace& place_;
+    Reporter& reporter_;
     MissedHours missed_;
     Retries retries_;
     RunQueue queue_;

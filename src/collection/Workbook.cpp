@@ -75,7 +75,7 @@ std::string Cell(const std::string& text) {
 }
 
 std::string Block(core::Database& dbconn, const core::DateTime& now, const std::string& consumer, int streamno,
-                  const std::string& model, std::span<const Claim> claims) {
+                  const std::string& model, std::span<const reading::Claim> claims) {
     const auto rows = dbconn.Query("select * from sched_temp");
     std::string block;
     if (!rows.empty()) {
@@ -153,7 +153,7 @@ std::filesystem::path SharedWorkbookPath(const core::MAIN_Module& shared, const 
 
 void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared, const core::Clock& clock,
                         core::Feedback& feedback, core::Logs& logs, const std::string& consumer, int streamno,
-                        const std::string& model, std::span<const Claim> claims) {
+                        const std::string& model, std::span<const reading::Claim> claims) {
     try {
         const core::DateTime now = clock.Now();
         std::filesystem::create_directories(shared.schedulerDirectory);

@@ -31,6 +31,6 @@ std::filesystem::path SharedWorkbookPath(const core::MAIN_Module& shared, const 
 // the status bar and RTU_Err.log, and the run goes on.
 void WriteSchedulerFile(core::Database& dbconn, const core::MAIN_Module& shared, const core::Clock& clock,
                         core::Feedback& feedback, core::Logs& logs, const std::string& consumer, int streamno,
-                        const std::string& model, std::span<const Claim> claims = {});
+                        const std::string& model, std::span<const reading::Claim> claims = {});
 
 }  // namespace collection

@@ -50,6 +50,13 @@ std::string IsoText(const DateTime& at) {
     return Print("%04d-%02d-%02d %02d:%02d:%02d", at.year, at.month, at.day, at.hour, at.minute, at.second);
 }
 
+std::optional<DateTime> MomentOf(const std::string& isoText) {
+    DateTime at;
+    const int read = std::sscanf(isoText.c_str(), "%4d-%2d-%2d %2d:%2d:%2d", &at.year, &at.month, &at.day, &at.hour,
+                                 &at.minute, &at.second);
+    return read == 6 && at.Valid() ? std::optional(at) : std::nullopt;
+}
+
 DateTime FromSeconds(std::int64_t seconds) {
     const std::chrono::sys_seconds moment{std::chrono::seconds(seconds)};
     const auto midnight = std::chrono::floor<days>(moment);

@@ -3,6 +3,7 @@
 #include <compare>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 // The time, from wherever it comes. Whatever asks for the time or waits asks a Clock.
@@ -31,6 +32,9 @@ std::string TimeText(const DateTime& at);
 
 // "2026-11-24 08:05:09": what is stored.
 std::string IsoText(const DateTime& at);
+
+// The moment of such a text; nothing for a text that is none.
+std::optional<DateTime> MomentOf(const std::string& isoText);
 
 // Local time from seconds since 1970 as if that were a zone without offset, and back. For clocks that count.
 DateTime FromSeconds(std::int64_t seconds);

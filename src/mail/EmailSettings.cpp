@@ -2,7 +2,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace mail {
 
 EmailSettings ReadEmailSettings(core::Database& dbconn) {
     const auto row = dbconn.First("select * from email_settings");
@@ -49,4 +49,4 @@ MailMessage TestMail(const EmailSettings& settings, const MailServer& server) {
     return message;
 }
 
-}  // namespace collection
+}  // namespace mail

@@ -6,7 +6,7 @@
 #include "mail/Mail.h"
 
 // What the mails of this desk are made with: the row of email_settings and the row of mail_server.
-namespace collection {
+namespace mail {
 
 // The scheduled mail's addressees and texts. Each of the three fields holds one address or is empty.
 struct EmailSettings {
@@ -30,4 +30,4 @@ MailMessage ScheduledMail(const EmailSettings& settings);
 // A short mail by which an operator sees whether the settings work: like the scheduled one, and it says what it is.
 MailMessage TestMail(const EmailSettings& settings, const MailServer& server);
 
-}  // namespace collection
+}  // namespace mail

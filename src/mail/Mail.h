@@ -6,12 +6,8 @@
 #include <string>
 
 #include "core/Clock.h"
-#include "core/Database.h"
-#include "core/Feedback.h"
-#include "core/Logs.h"
-#include "core/MAIN_Module.h"
 
-namespace collection {
+namespace mail {
 
 // One mail. Each of the three recipient fields holds one address or is empty.
 struct MailMessage {
@@ -62,18 +58,4 @@ std::string Sender(const MailServer& server, const MailMessage& message);
 // read.
 void Attach(MailMessage& message, const std::filesystem::path& file);
 
-// The mail behind a minute's collections: to whom email_settings says, with the daily report of `day`, the contract
-// hour that was served. Its subject says how many of the stations due by then are missing. Without an addressee nothing
-// happens. The report is kept (see SendUnsent) until a server has taken it. A failure leaves the last status text and a
-// line in RTU_Err.log. Throws DatabaseError.
-void sendmail(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, const core::DateTime& day,
-              core::Feedback& feedback, core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
-
-// Sends the reports that are kept in unsent_mail, the oldest first, each with its own date, to whom the settings say
-// now; the first that fails ends it. One that could not be sent for a week is given up, as is the oldest of more than
-// 30, with a line in RTU_Err.log. A mail keeps its Message-ID, so one that was taken just before a power cut is known
-// as the same. Throws DatabaseError.
-void SendUnsent(core::Database& dbconn, const core::MAIN_Module& shared, core::Clock& clock, core::Feedback& feedback,
-                core::Logs& logs, MailTransport& transport, const std::function<bool()>& ended);
-
-}  // namespace collection
+}  // namespace mail

@@ -8,7 +8,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace mail {
 
 namespace {
 
@@ -140,4 +140,4 @@ std::vector<std::string> MailHeaders(const MailMessage& message, const core::Dat
     return headers;
 }
 
-}  // namespace collection
+}  // namespace mail

@@ -7,7 +7,7 @@
 #include "mail/Mail.h"
 
 // The head of a mail, as the Internet message format has it.
-namespace collection {
+namespace mail {
 
 // Whether a text can stand as the one address of an envelope: no blank, control character, bracket, comma or
 // semicolon, so that it is neither two addresses nor a header or a command of its own.
@@ -36,4 +36,4 @@ std::string Disposition(const std::string& fileName);
 // second apart.
 std::vector<std::string> MailHeaders(const MailMessage& message, const core::DateTime& now, const std::string& unique);
 
-}  // namespace collection
+}  // namespace mail

@@ -6,7 +6,7 @@
 #include "core/Text.h"
 #include "mail/MailHeaders.h"
 
-namespace collection {
+namespace mail {
 
 std::optional<MailFault> FaultOf(const MailMessage& message) {
     if (!HasAddressee(message)) {
@@ -53,4 +53,4 @@ std::variant<MailMessage, MailFault> Compose(const OperatorMail& mail, const Mai
     return message;
 }
 
-}  // namespace collection
+}  // namespace mail

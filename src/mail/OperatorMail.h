@@ -8,7 +8,7 @@
 #include "mail/Mail.h"
 
 // The mail that an operator writes.
-namespace collection {
+namespace mail {
 
 // As it was typed; an empty path is no attachment.
 struct OperatorMail {
@@ -37,4 +37,4 @@ void NameWhatIsEmpty(OperatorMail& mail);
 // since the attachment has a place in the text of some mail programs.
 std::variant<MailMessage, MailFault> Compose(const OperatorMail& mail, const MailServer& server);
 
-}  // namespace collection
+}  // namespace mail

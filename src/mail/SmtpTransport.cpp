@@ -16,7 +16,7 @@
 #include "core/Text.h"
 #include "mail/MailHeaders.h"
 
-namespace collection {
+namespace mail {
 
 namespace {
 
@@ -258,4 +258,4 @@ MailOutcome SmtpTransport::Send(const MailMessage& message, const MailServer& se
     }
 }
 
-}  // namespace collection
+}  // namespace mail

@@ -2,7 +2,7 @@
 
 #include "mail/Mail.h"
 
-namespace collection {
+namespace mail {
 
 // Mail through an SMTP server, by libcurl. It is driven inside the clock's waits, so neither the window nor the
 // schedule stands still for a slow server or name service, and it gives up after its own time limit. To a server that
@@ -19,4 +19,4 @@ class SmtpTransport final : public MailTransport {
     double timeLimitMs_;
 };
 
-}  // namespace collection
+}  // namespace mail

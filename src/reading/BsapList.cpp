@@ -6,7 +6,7 @@
 #include "reading/ListReplies.h"
 #include "reading/LogicalText.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -82,4 +82,4 @@ BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, ListKind ki
     return list;
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -8,7 +8,7 @@
 #include "reading/BsapListRecords.h"
 #include "reading/ListInfo.h"
 
-namespace collection {
+namespace reading {
 
 // What a list's values are taken for. The kind also bounds its positions: 400 and 80.
 enum class ListKind { Float, Boolean };
@@ -31,4 +31,4 @@ struct BsapList {
 BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, ListKind kind, std::span<const ListEntry> names,
                       bool logAcknowledge = true);
 
-}  // namespace collection
+}  // namespace reading

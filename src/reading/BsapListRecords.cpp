@@ -4,10 +4,10 @@
 #include <cstdint>
 
 #include "core/Text.h"
+#include "protocols/WireNumbers.h"
 #include "protocols/bsap/BsapReply.h"
-#include "protocols/modbus/ModbusNumbers.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -191,4 +191,4 @@ ListRecords ReadRecords(std::string_view reply, const RecordForm& form) {
     return records;
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -8,7 +8,7 @@
 
 #include "core/Quality.h"
 
-namespace collection {
+namespace reading {
 
 // A signal of a station's list as the station sends it.
 struct ListSignal {
@@ -56,4 +56,4 @@ struct ListRecords {
 // not among them.
 ListRecords ReadRecords(std::string_view reply, const RecordForm& form);
 
-}  // namespace collection
+}  // namespace reading

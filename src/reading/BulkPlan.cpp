@@ -8,7 +8,7 @@
 #include "core/Text.h"
 #include "stations/MapBuilder.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -140,4 +140,4 @@ BlockPlan PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Stati
     return plan;
 }
 
-}  // namespace collection
+}  // namespace reading

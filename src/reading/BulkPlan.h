@@ -8,7 +8,7 @@
 #include "core/Station.h"
 
 // How the parameters of a Modbus station become a few large reads.
-namespace collection {
+namespace reading {
 
 enum class BlockType { Coil = 0, Integer = 1, Float = 2 };
 
@@ -51,4 +51,4 @@ struct BlockPlan {
 BlockPlan PlanBlocks(core::Database& dbconn, core::Logs& logs, const core::Station& station, int streamno,
                      const core::ModelCounts& counts);
 
-}  // namespace collection
+}  // namespace reading

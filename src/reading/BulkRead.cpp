@@ -2,12 +2,12 @@
 
 #include <functional>
 
-#include "collection/Outcome.h"
 #include "core/Text.h"
 #include "protocols/modbus/ModbusTransact.h"
 #include "reading/LogicalText.h"
+#include "stations/SampledMark.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -38,7 +38,7 @@ bool ReadStation(Workplace& place, protocols::Conversation& talk, const std::vec
     if (outcome != ReadOutcome::Whole) {
         tally.Failure(why);
         if (!talk.Ended()) {
-            MarkSampled(place.dbconn, place.clock.Now(), talk.station.locationID, false);
+            stations::MarkSampled(place.dbconn, place.clock.Now(), talk.station.locationID, false);
         }
     }
     return outcome == ReadOutcome::Whole;
@@ -136,4 +136,4 @@ bool GetDataInBunches1(Workplace& place, protocols::Conversation& talk, const st
     });
 }
 
-}  // namespace collection
+}  // namespace reading

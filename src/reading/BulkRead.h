@@ -16,7 +16,7 @@
 #include "reading/ValueStore.h"
 #include "reading/Workplace.h"
 
-namespace collection {
+namespace reading {
 
 // What a stream's collection has read, by position of its lists from 1. Positions that were not read are empty, so
 // that no value is ever stored where none was received.
@@ -58,4 +58,4 @@ bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std
 bool GetDataInBunches1(Workplace& place, protocols::Conversation& talk, const std::vector<Block>& blocks,
                        const ListInfo& names, ListValues& values, RunFigures& figures, RunTally& tally);
 
-}  // namespace collection
+}  // namespace reading

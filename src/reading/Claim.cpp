@@ -3,7 +3,7 @@
 #include "core/Database.h"
 #include "core/Text.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::string MomentText(const std::string& iso) {
                            : iso.substr(8, 2) + "/" + iso.substr(5, 2) + "/" + iso.substr(0, 4) + iso.substr(10, 9);
 }
 
-}  // namespace collection
+}  // namespace reading

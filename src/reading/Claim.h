@@ -13,7 +13,7 @@ class Database;
 class Row;
 }  // namespace core
 
-namespace collection {
+namespace reading {
 
 // What may be claimed of a stored value, for whoever shows, prints or mails it.
 struct Claim {
@@ -38,4 +38,4 @@ std::optional<Claim> ClaimOf(core::Database& dbconn, std::int64_t locationID, in
 // A stored moment as people read it: "08/03/2026 08:00:07".
 std::string MomentText(const std::string& iso);
 
-}  // namespace collection
+}  // namespace reading

@@ -4,7 +4,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -44,4 +44,4 @@ ListInfo ReadListInfo(core::Database& dbconn, const core::Station& station, int 
     return info;
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -7,7 +7,7 @@
 #include "core/Database.h"
 #include "core/Station.h"
 
-namespace collection {
+namespace reading {
 
 // The most values of one collection of a stream.
 constexpr int maxFloats = 400;
@@ -35,4 +35,4 @@ std::string BooleanAddress(const core::Station& station, int position);
 // Reads the names of a stream's positions from the station's map. Throws DatabaseError.
 ListInfo ReadListInfo(core::Database& dbconn, const core::Station& station, int streamno);
 
-}  // namespace collection
+}  // namespace reading

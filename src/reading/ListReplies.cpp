@@ -4,7 +4,7 @@
 
 #include "protocols/bsap/BsapReply.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -89,4 +89,4 @@ void ListReplies::LetLateRepliesPass(int repeats) {
     }
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -9,7 +9,7 @@
 #include "protocols/line/Conversation.h"
 #include "reading/BsapListRecords.h"
 
-namespace collection {
+namespace reading {
 
 // A reply of something that a station gives in several: a list, or what a search found.
 struct ListReply {
@@ -55,4 +55,4 @@ class ListReplies {
     bool none_ = false;
 };
 
-}  // namespace collection
+}  // namespace reading

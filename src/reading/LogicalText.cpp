@@ -6,7 +6,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -108,4 +108,4 @@ std::string LogicalText(std::string_view description, double value) {
     return std::string(std::abs(value) == 1 ? words->first : words->other);
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -6,7 +6,7 @@
 #include "reading/ValueStore.h"
 #include "reading/Workplace.h"
 
-namespace collection {
+namespace reading {
 
 struct QuantumOptions {
     bool unattended;  // a silent unit goes to RTU_Err.log, otherwise to a box
@@ -20,4 +20,4 @@ struct QuantumOptions {
 bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options, ValueStore& store,
                  const std::function<void(int message, const protocols::QuantumReply& reply)>& stored);
 
-}  // namespace collection
+}  // namespace reading

@@ -6,7 +6,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::optional<core::DateTime> RunFigures::StationClock() const {
     return clock.Valid() ? std::optional(clock) : std::nullopt;
 }
 
-}  // namespace collection
+}  // namespace reading

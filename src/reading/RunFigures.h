@@ -5,10 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "collection/CollectionRun.h"
 #include "core/Clock.h"
+#include "reading/RunState.h"
 
-namespace collection {
+namespace reading {
 
 // What a run keeps of its values for the day's LogParam row: their text and the figures that reports show.
 class RunFigures {
@@ -35,4 +35,4 @@ class RunFigures {
     std::array<std::optional<double>, 6> clockElements_;
 };
 
-}  // namespace collection
+}  // namespace reading

@@ -1,6 +1,6 @@
 #include "reading/RunTally.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -64,4 +64,4 @@ std::string RunTally::Reason() const {
     return reason;
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -2,10 +2,11 @@
 
 #include <string>
 
-#include "collection/CollectionRun.h"
+#include "protocols/line/Conversation.h"
+#include "reading/RunState.h"
 #include "reading/ValueStore.h"
 
-namespace collection {
+namespace reading {
 
 // What an attempt asked for and what came, over all streams of its station.
 class RunTally {
@@ -30,4 +31,4 @@ class RunTally {
     std::string failure_;
 };
 
-}  // namespace collection
+}  // namespace reading

@@ -2,7 +2,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -24,4 +24,4 @@ void StoreValues(ValueStore& store, const core::Station& station, const ListValu
     PutAll(store, station, values.booleans, BooleanAddress, TypeText(BlockType::Coil));
 }
 
-}  // namespace collection
+}  // namespace reading

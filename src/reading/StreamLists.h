@@ -2,7 +2,7 @@
 
 #include "core/Station.h"
 
-namespace collection {
+namespace reading {
 
 // The numbers of a stream's two lists on a BSAP station. A multistream station has a pair for each metering method of
 // a stream.
@@ -17,4 +17,4 @@ inline ListNumbers ListsOf(const core::Station& station, int streamno) {
     return {streamno * 10 + 45 + offset, streamno * 10 + 44 + offset};
 }
 
-}  // namespace collection
+}  // namespace reading

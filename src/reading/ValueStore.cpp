@@ -3,7 +3,7 @@
 #include "core/Database.h"
 #include "core/Text.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -81,4 +81,4 @@ void ValueStore::Count(core::Quality quality, int rows) {
     }
 }
 
-}  // namespace collection
+}  // namespace reading

@@ -14,7 +14,7 @@ namespace core {
 class Database;
 }
 
-namespace collection {
+namespace reading {
 
 // A value as a reading brought it.
 struct StoredValue {
@@ -67,4 +67,4 @@ class ValueStore {
     int refused_ = 0;
 };
 
-}  // namespace collection
+}  // namespace reading

@@ -7,7 +7,7 @@
 #include "core/MAIN_Module.h"
 #include "protocols/line/Conversation.h"
 
-namespace collection {
+namespace reading {
 
 // What every routine of the collection works with: the desk's shared things and the line to the field.
 struct Workplace {
@@ -20,4 +20,4 @@ struct Workplace {
     protocols::BsapCounters& counters;
 };
 
-}  // namespace collection
+}  // namespace reading

@@ -11,13 +11,14 @@
 #include "core/Text.h"
 #include "reports/ReportRtf.h"
 
-namespace collection {
+namespace reports {
 
 namespace {
 
-DayFigures FiguresOf(core::Database& dbconn, std::int64_t locationID, const core::DateTime& day) {
-    if (HasOutcomes(dbconn, locationID, day)) {
-        return GasDayOf(dbconn, locationID, core::IsoText(day).substr(0, 10)).value_or(DayFigures{});
+reading::DayFigures FiguresOf(core::Database& dbconn, std::int64_t locationID, const core::DateTime& day) {
+    if (collection::HasOutcomes(dbconn, locationID, day)) {
+        return collection::GasDayOf(dbconn, locationID, core::IsoText(day).substr(0, 10))
+            .value_or(reading::DayFigures{});
     }
     const auto row =
         dbconn.First("select * from logparam where locationid=? and day(date)=? and month(date)=? and year(date)=?",
@@ -34,7 +35,7 @@ std::vector<DailyLine> DailyLines(core::Database& dbconn, const core::DateTime& 
     std::vector<DailyLine> lines;
     for (const core::Row& station : dbconn.Query("select * from configdata_master order by locationID")) {
         const std::int64_t locationID = station.Long("locationID");
-        const DayFigures figures = FiguresOf(dbconn, locationID, day);
+        const reading::DayFigures figures = FiguresOf(dbconn, locationID, day);
         DailyLine line;
         line.number = static_cast<int>(lines.size()) + 1;
         line.consumer = station.Text("consumer");
@@ -48,7 +49,7 @@ std::vector<DailyLine> DailyLines(core::Database& dbconn, const core::DateTime& 
         if (line.monthflow && !line.cumulative) {
             line.averageflow = *line.monthflow / day.day;
         }
-        line.status = LineOfDay(dbconn, locationID, day, now).text;
+        line.status = collection::LineOfDay(dbconn, locationID, day, now).text;
         lines.push_back(std::move(line));
     }
     return lines;
@@ -94,4 +95,4 @@ void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const c
     }
 }
 
-}  // namespace collection
+}  // namespace reports

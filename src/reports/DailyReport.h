@@ -9,7 +9,7 @@
 #include "core/Database.h"
 #include "core/Feedback.h"
 
-namespace collection {
+namespace reports {
 
 // A station's line of the report of a day: SCM, the average in SCM a day, the pressures in kg/cm2. What was not
 // received for the gas day is nothing.
@@ -42,4 +42,4 @@ void makereport_daily(core::Database& dbconn, const core::DateTime& day, const c
 void WriteDailyReport(core::Database& dbconn, const core::DateTime& day, const core::DateTime& now,
                       const std::filesystem::path& file);
 
-}  // namespace collection
+}  // namespace reports

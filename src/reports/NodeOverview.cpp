@@ -2,7 +2,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace reports {
 
 std::vector<Node> ReadNodes(core::Database& dbconn) {
     std::vector<Node> nodes;
@@ -57,4 +57,4 @@ std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno) {
     return volumes;
 }
 
-}  // namespace collection
+}  // namespace reports

@@ -8,7 +8,7 @@
 #include "core/Database.h"
 
 // What the overview of the stations shows.
-namespace collection {
+namespace reports {
 
 constexpr int groups = 4;
 constexpr int stationsAGroup = 10;
@@ -42,4 +42,4 @@ struct GroupVolume {
 // The stations of a group by location; together they are the group's sum. Throws DatabaseError.
 std::vector<GroupVolume> GroupVolumes(core::Database& dbconn, int groupno);
 
-}  // namespace collection
+}  // namespace reports

@@ -9,7 +9,7 @@
 
 #include "core/Text.h"
 
-namespace collection {
+namespace reports {
 
 namespace {
 
@@ -156,4 +156,4 @@ std::string ReportRtf(const std::vector<DailyLine>& lines, const core::DateTime&
     return page + Totals(lines) + "\\pard\\par}\n";
 }
 
-}  // namespace collection
+}  // namespace reports

@@ -6,7 +6,7 @@
 #include "core/Clock.h"
 #include "reports/DailyReport.h"
 
-namespace collection {
+namespace reports {
 
 // The lines of a day as a landscape A4 page in RTF: a line a station, numbers to two places, the totals at the foot. A
 // figure that was not received is "no data" and stands in no total, and neither does a cumulative one. Many stations
@@ -14,4 +14,4 @@ namespace collection {
 // and what is no text becomes "?".
 std::string ReportRtf(const std::vector<DailyLine>& lines, const core::DateTime& day);
 
-}  // namespace collection
+}  // namespace reports

@@ -9,7 +9,7 @@
 #include "core/Station.h"
 #include "core/Text.h"
 
-namespace collection {
+namespace reports {
 
 namespace {
 
@@ -74,4 +74,4 @@ bool makereport(core::Database& dbconn, std::int64_t location, int streamno) {
     return true;
 }
 
-}  // namespace collection
+}  // namespace reports

@@ -4,7 +4,7 @@
 
 #include "core/Database.h"
 
-namespace collection {
+namespace reports {
 
 // Fills tblmail with the totals of one station's stream, from the values of its last collection: volumes, uncorrected
 // volumes and flow times, of a TeleCorrector the energies as well. A total that the station has not, or that its last
@@ -12,4 +12,4 @@ namespace collection {
 // whether it was filled. Throws DatabaseError.
 bool makereport(core::Database& dbconn, std::int64_t location, int streamno);
 
-}  // namespace collection
+}  // namespace reports

@@ -37,7 +37,7 @@ bool AsksAnotherStation(const core::Station& station) {
 
 }  // namespace
 
-void OnArchiveLine(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+void OnArchiveLine(const reading::Workplace& place, const collection::Scheduler& scheduler, Session* session,
                    Screen screen, std::int64_t locationID, std::function<void(protocols::Conversation& talk)> work,
                    std::function<void()> over) {
     const bool asksNodeOne = screen == Screen::frmarchive;

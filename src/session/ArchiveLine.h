@@ -24,7 +24,7 @@ class Session;
 // its own is down again: at once, or behind a read of the session's loop. What fails is told to the feedback of
 // `place`, which must stay until then. Throws DatabaseError when the register cannot be read, `over` having been
 // called.
-void OnArchiveLine(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+void OnArchiveLine(const reading::Workplace& place, const collection::Scheduler& scheduler, Session* session,
                    archive::Screen screen, std::int64_t locationID,
                    std::function<void(protocols::Conversation& talk)> work, std::function<void()> over);
 

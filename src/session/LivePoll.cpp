@@ -12,15 +12,15 @@ namespace session {
 
 namespace {
 
-using collection::ReadOutcome;
+using reading::ReadOutcome;
 
-DataKind KindOf(collection::BlockType type) {
+DataKind KindOf(reading::BlockType type) {
     switch (type) {
-        case collection::BlockType::Coil:
+        case reading::BlockType::Coil:
             return DataKind::Logical;
-        case collection::BlockType::Integer:
+        case reading::BlockType::Integer:
             return DataKind::Integer;
-        case collection::BlockType::Float:
+        case reading::BlockType::Float:
             break;
     }
     return DataKind::Float;
@@ -41,8 +41,8 @@ bool LivePoll::Prepare() {
         return true;
     }
     const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
-    auto plan = collection::PlanBlocks(place_.dbconn, place_.logs, talk_.station, talk_.streamno,
-                                       counts.value_or(core::ModelCounts{}));
+    auto plan = reading::PlanBlocks(place_.dbconn, place_.logs, talk_.station, talk_.streamno,
+                                    counts.value_or(core::ModelCounts{}));
     blocks_ = std::move(plan.blocks);
     if (!plan.fault.empty()) {
         place_.logs.WriteRtuErr(plan.fault + " [" + std::to_string(talk_.station.locationID) + "]");
@@ -82,23 +82,23 @@ ReadOutcome LivePoll::ReadByProtocol() {
 }
 
 ReadOutcome LivePoll::ReadModbus() {
-    std::erase_if(blocks_, [this](const collection::Block& block) {
+    std::erase_if(blocks_, [this](const reading::Block& block) {
         return refused_.contains({block.type, block.start});
     });
     if (blocks_.empty()) {
         return ReadOutcome::Failed;
     }
     total_ = 0;
-    for (const collection::Block& block : blocks_) {
-        total_ += block.count / collection::RegistersPerValue(block.type, talk_.modbus.rtu32bit);
+    for (const reading::Block& block : blocks_) {
+        total_ += block.count / reading::RegistersPerValue(block.type, talk_.modbus.rtu32bit);
     }
     progress_(0, total_);
-    return collection::ReadBlocks(talk_, blocks_, protocols::onlineTransact,
-                                  [this](const collection::BlockReply& reply) { TakeBlock(reply); });
+    return reading::ReadBlocks(talk_, blocks_, protocols::onlineTransact,
+                               [this](const reading::BlockReply& reply) { TakeBlock(reply); });
 }
 
-void LivePoll::TakeBlock(const collection::BlockReply& reply) {
-    const int step = collection::RegistersPerValue(reply.block.type, talk_.modbus.rtu32bit);
+void LivePoll::TakeBlock(const reading::BlockReply& reply) {
+    const int step = reading::RegistersPerValue(reply.block.type, talk_.modbus.rtu32bit);
     for (std::size_t k = 0; k < reply.values.size(); ++k) {
         const auto rows = byRegister_.find({KindOf(reply.block.type), reply.block.start + static_cast<int>(k) * step});
         if (rows == byRegister_.end()) {
@@ -121,7 +121,7 @@ void LivePoll::TakeBlock(const collection::BlockReply& reply) {
 
 ReadOutcome LivePoll::ReadBsap() {
     progress_(0, total_);
-    const auto lists = collection::ListsOf(talk_.station, talk_.streamno);
+    const auto lists = reading::ListsOf(talk_.station, talk_.streamno);
     ReadOutcome outcome = ReadOutcome::Whole;
     if (ReadList(lists.boolean, true, outcome) && ReadList(lists.real, false, outcome)) {
         total_ = done_;
@@ -132,8 +132,8 @@ ReadOutcome LivePoll::ReadBsap() {
 
 // A list counts when it was read whole. Its rows have the number of the first stream's list, whatever the stream.
 bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
-    const auto kind = boolean ? collection::ListKind::Boolean : collection::ListKind::Float;
-    const auto list = collection::getdata_BSAP(talk_, number, kind, {}, false);
+    const auto kind = boolean ? reading::ListKind::Boolean : reading::ListKind::Float;
+    const auto list = reading::getdata_BSAP(talk_, number, kind, {}, false);
     if (!list.collstatus) {
         outcome = list.brokenOff ? ReadOutcome::BrokenOff : ReadOutcome::Failed;
         return false;
@@ -147,7 +147,7 @@ bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
         for (ParameterRow* row : rows->second) {
             row->MSD = list.signals[n].MSD;
             row->unit = list.signals[n].unit.empty() ? row->unit : list.signals[n].unit;
-            Take(*row, list.signals[n].value, collection::QualityOf(list.signals[n]));
+            Take(*row, list.signals[n].value, reading::QualityOf(list.signals[n]));
         }
     }
     done_ += static_cast<int>(list.signals.size()) - 1;
@@ -170,9 +170,9 @@ ReadOutcome LivePoll::ReadQuantumUnit() {
         progress_(message, protocols::quantumMessages);
     };
     progress_(0, protocols::quantumMessages);
-    const collection::QuantumOptions options{false, static_cast<double>(talk_.CommTimeout())};
-    collection::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
-    return collection::ReadQuantum(place_, talk_, options, store, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;
+    const reading::QuantumOptions options{false, static_cast<double>(talk_.CommTimeout())};
+    reading::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
+    return reading::ReadQuantum(place_, talk_, options, store, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;
 }
 
 void LivePoll::Take(ParameterRow& row, double value, core::Quality quality) {
@@ -181,7 +181,7 @@ void LivePoll::Take(ParameterRow& row, double value, core::Quality quality) {
 }
 
 void LivePoll::Store() {
-    collection::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
+    reading::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
     const bool isBsap = Speaks(talk_.station, "BSAP");
     const auto typeOf = [&](const ParameterRow& row) { return isBsap ? std::string() : row.type; };
     place_.dbconn.InTransaction([&] {

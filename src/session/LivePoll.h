@@ -23,14 +23,14 @@ class LivePoll {
     using Progress = std::function<void(int done, int total)>;
 
     // The set stands while this does; after it is loaded anew, Prepare is called again.
-    LivePoll(collection::Workplace& place, protocols::Conversation& talk, ParameterSet& set, Progress progress)
+    LivePoll(reading::Workplace& place, protocols::Conversation& talk, ParameterSet& set, Progress progress)
         : place_(place), talk_(talk), set_(set), progress_(std::move(progress)) {}
 
     // Finds out what is to be read of the stream. False: a Modbus station without an address. Throws DatabaseError.
     bool Prepare();
 
     // Reads the station once. Throws DatabaseError.
-    collection::ReadOutcome Read();
+    reading::ReadOutcome Read();
 
     // Puts what was read since the last time into the station's map, all or nothing, and marks what a whole reading
     // did not bring. Throws DatabaseError; then it is tried again the next time.
@@ -39,22 +39,21 @@ class LivePoll {
   private:
     using Key = std::pair<DataKind, int>;  // what a Modbus address holds, and the address
 
-    collection::ReadOutcome ReadModbus();
-    collection::ReadOutcome ReadBsap();
-    collection::ReadOutcome ReadQuantumUnit();
-    bool ReadList(int number, bool boolean, collection::ReadOutcome& outcome);
-    collection::ReadOutcome ReadByProtocol();
-    void TakeBlock(const collection::BlockReply& reply);
+    reading::ReadOutcome ReadModbus();
+    reading::ReadOutcome ReadBsap();
+    reading::ReadOutcome ReadQuantumUnit();
+    bool ReadList(int number, bool boolean, reading::ReadOutcome& outcome);
+    reading::ReadOutcome ReadByProtocol();
+    void TakeBlock(const reading::BlockReply& reply);
     void MarkMissed();
     void Take(ParameterRow& row, double value, core::Quality quality);
 
-    collection::Workplace& place_;
+    reading::Workplace& place_;
     protocols::Conversation& talk_;
     ParameterSet& set_;
     Progress progress_;
-    std::vector<collection::Block> blocks_;
-    std::set<std::pair<collection::BlockType, int>>
-        refused_;  // blocks, by type and start: they are not asked for again
+    std::vector<reading::Block> blocks_;
+    std::set<std::pair<reading::BlockType, int>> refused_;  // blocks, by type and start: they are not asked for again
     std::map<Key, std::vector<ParameterRow*>> byRegister_;
     std::map<std::string, std::vector<ParameterRow*>> byPosition_;  // "54-83"
     std::vector<ParameterRow*> unstored_;

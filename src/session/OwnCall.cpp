@@ -8,7 +8,7 @@
 
 namespace session {
 
-bool OwnCall(const collection::Workplace& place, const collection::Scheduler& scheduler, const core::Station& station,
+bool OwnCall(const reading::Workplace& place, const collection::Scheduler& scheduler, const core::Station& station,
              const LineUpOptions& options, const std::function<void(protocols::Conversation& talk)>& work) {
     auto lease = scheduler.Busy() ? nullptr : place.line.TakeIfFree();
     if (lease == nullptr) {

@@ -17,7 +17,7 @@ namespace session {
 // up; while stations are collected it does not. A scheduled run may take the line away meanwhile, as from a session,
 // unless the options keep it.
 // What `work` throws comes out when the line is down.
-bool OwnCall(const collection::Workplace& place, const collection::Scheduler& scheduler, const core::Station& station,
+bool OwnCall(const reading::Workplace& place, const collection::Scheduler& scheduler, const core::Station& station,
              const LineUpOptions& options, const std::function<void(protocols::Conversation& talk)>& work);
 
 }  // namespace session

@@ -11,14 +11,6 @@ namespace session {
 
 namespace {
 
-// A moment as it is stored: "2026-03-09 08:00:07".
-std::optional<core::DateTime> MomentOf(const std::string& iso) {
-    core::DateTime at;
-    const int read = std::sscanf(iso.c_str(), "%4d-%2d-%2d %2d:%2d:%2d", &at.year, &at.month, &at.day, &at.hour,
-                                 &at.minute, &at.second);
-    return read == 6 && at.Valid() ? std::optional(at) : std::nullopt;
-}
-
 ParameterRow RowOf(const core::Row& row, bool isModbus) {
     ParameterRow out;
     out.Description = core::Trim(row.Text("description"));
@@ -26,7 +18,7 @@ ParameterRow RowOf(const core::Row& row, bool isModbus) {
     out.type = core::Trim(row.Text("type"));
     out.unit = core::Trim(row.Text("unit"));
     out.lastvalue = row.Number("lastvalue");
-    out.readat = MomentOf(row.Text("readat"));
+    out.readat = core::MomentOf(row.Text("readat"));
     out.quality = core::QualityOf(row.Text("quality"));
     out.MSD = isModbus ? static_cast<std::int64_t>(core::Val(out.startaddress)) : row.Long("MSD");
     out.kind = KindOf(out.type);

@@ -11,6 +11,7 @@
 #include "session/LineUp.h"
 #include "session/LivePoll.h"
 #include "session/Speaks.h"
+#include "stations/SampledMark.h"
 
 namespace session {
 
@@ -39,7 +40,7 @@ StationLook LookOf(core::Database& dbconn, std::int64_t locationID) {
 
 }  // namespace
 
-Session::Session(const collection::Workplace& place, const collection::Scheduler& scheduler, SessionView& view,
+Session::Session(const reading::Workplace& place, const collection::Scheduler& scheduler, SessionView& view,
                  std::int64_t locationID)
     : view_(view),
       feedback_(view),
@@ -168,15 +169,15 @@ void Session::Loop() {
             return;
         }
         const core::DateTime begun = place_.clock.Now();
-        collection::ReadOutcome outcome = collection::ReadOutcome::Failed;
+        reading::ReadOutcome outcome = reading::ReadOutcome::Failed;
         const auto boxes = feedback_.KeepBoxes([&] { outcome = poll_->Read(); });
         if (talk_->Ended()) {
             return;
         }
-        Refresh(outcome != collection::ReadOutcome::Failed);
+        Refresh(outcome != reading::ReadOutcome::Failed);
         Store();
         const bool survives = Survives(outcome);
-        ShowBoxes(boxes, survives && outcome == collection::ReadOutcome::Failed);
+        ShowBoxes(boxes, survives && outcome == reading::ReadOutcome::Failed);
         Judge(outcome, begun);
         place_.clock.WaitMs(0);
         if (!survives && !talk_->Ended()) {
@@ -186,11 +187,11 @@ void Session::Loop() {
 }
 
 // One poll that fails is weather; the operator sees how many have.
-bool Session::Survives(collection::ReadOutcome outcome) {
-    if (outcome == collection::ReadOutcome::Whole && std::exchange(failedPolls_, 0) > 0) {
+bool Session::Survives(reading::ReadOutcome outcome) {
+    if (outcome == reading::ReadOutcome::Whole && std::exchange(failedPolls_, 0) > 0) {
         view_.Request("");
     }
-    if (outcome == collection::ReadOutcome::Failed && ++failedPolls_ <= survived_) {
+    if (outcome == reading::ReadOutcome::Failed && ++failedPolls_ <= survived_) {
         view_.Request("Failed polls in a row: " + std::to_string(failedPolls_) + ". The session ends at " +
                       std::to_string(survived_ + 1) + ".");
     }
@@ -356,7 +357,7 @@ void Session::MarkSampled(bool sampled) {
         return;
     }
     core::Guarded(place_.logs,
-                  [&] { collection::MarkSampled(place_.dbconn, place_.clock.Now(), station_.locationID, sampled); });
+                  [&] { stations::MarkSampled(place_.dbconn, place_.clock.Now(), station_.locationID, sampled); });
 }
 
 }  // namespace session

@@ -72,7 +72,7 @@ class Session {
   public:
     // Throws DatabaseError; std::runtime_error when the register has no such station, std::length_error when its map
     // does not fit the groups.
-    Session(const collection::Workplace& place, const collection::Scheduler& scheduler, SessionView& view,
+    Session(const reading::Workplace& place, const collection::Scheduler& scheduler, SessionView& view,
             std::int64_t locationID);
     ~Session();
     Session(const Session&) = delete;
@@ -149,10 +149,10 @@ class Session {
     void ServeStream();
     void ServeGuest();
     void Refresh(bool received);
-    bool Survives(collection::ReadOutcome outcome);
+    bool Survives(reading::ReadOutcome outcome);
     void ShowBoxes(std::vector<std::string> boxes, bool blip);
     // What the poll that began then shows of what was sent.
-    void Judge(collection::ReadOutcome outcome, const core::DateTime& begun);
+    void Judge(reading::ReadOutcome outcome, const core::DateTime& begun);
     bool IsLate(const core::DateTime& sentAt) const;
     bool JudgeWrite(SentWrite& sent, bool counts);
     void JudgeTime(bool counts, const core::DateTime& begun);
@@ -173,7 +173,7 @@ class Session {
 
     SessionView& view_;
     PollFeedback feedback_;
-    collection::Workplace place_;
+    reading::Workplace place_;
     const collection::Scheduler& scheduler_;
     core::Station station_;
     StationLook look_;

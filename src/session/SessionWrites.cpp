@@ -168,8 +168,8 @@ void Session::TellAnswers(bool inBox) {
     }
 }
 
-void Session::Judge(collection::ReadOutcome outcome, const core::DateTime& begun) {
-    const bool counts = outcome != collection::ReadOutcome::BrokenOff;
+void Session::Judge(reading::ReadOutcome outcome, const core::DateTime& begun) {
+    const bool counts = outcome != reading::ReadOutcome::BrokenOff;
     if (!sent_.empty()) {
         std::erase_if(sent_, [&](SentWrite& sent) { return JudgeWrite(sent, counts); });
         if (sent_.empty()) {

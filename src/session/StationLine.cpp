@@ -31,7 +31,7 @@ void OnLentLine(protocols::Conversation& talk, const StationLineOptions& options
     }
 }
 
-bool Lend(const collection::Workplace& place, Session& session, const StationLineOptions& options, const Work& work,
+bool Lend(const reading::Workplace& place, Session& session, const StationLineOptions& options, const Work& work,
           const std::function<void()>& over) {
     return session.Lend(place.feedback, [=, &feedback = place.feedback](protocols::Conversation* talk) {
         if (talk == nullptr) {
@@ -43,7 +43,7 @@ bool Lend(const collection::Workplace& place, Session& session, const StationLin
     });
 }
 
-void Bring(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+void Bring(const reading::Workplace& place, const collection::Scheduler& scheduler, Session* session,
            const StationLineOptions& options, std::int64_t locationID, const Work& toDo,
            const std::function<void()>& over) {
     const Work work = [toDo, &logs = place.logs](protocols::Conversation& talk) {
@@ -67,7 +67,7 @@ void Bring(const collection::Workplace& place, const collection::Scheduler& sche
 
 }  // namespace
 
-void OnStationLine(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+void OnStationLine(const reading::Workplace& place, const collection::Scheduler& scheduler, Session* session,
                    const StationLineOptions& options, std::int64_t locationID, Work toDo, std::function<void()> over) {
     const auto once = [over = std::move(over), done = std::make_shared<bool>(false)] {
         if (!std::exchange(*done, true)) {

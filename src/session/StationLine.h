@@ -28,7 +28,7 @@ struct StationLineOptions {
 // `over` once, when all is done and a line of its own is down again: at once, or behind a read of the session's loop.
 // What fails is told to the feedback of `place`, which must stay until then; what `work` throws is in RTU_Err.log.
 // Throws DatabaseError when the register cannot be read; `over` has been called then, too.
-void OnStationLine(const collection::Workplace& place, const collection::Scheduler& scheduler, Session* session,
+void OnStationLine(const reading::Workplace& place, const collection::Scheduler& scheduler, Session* session,
                    const StationLineOptions& options, std::int64_t locationID,
                    std::function<void(protocols::Conversation& talk)> work, std::function<void()> over);
 

@@ -13,7 +13,7 @@
 #include "reading/BsapList.h"
 #include "support/Hex.h"
 
-using namespace collection;
+using namespace reading;
 using support::Bytes;
 using support::Hex;
 

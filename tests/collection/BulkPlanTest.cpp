@@ -3,7 +3,7 @@
 #include "reading/BulkPlan.h"
 #include "support/ScratchDesk.h"
 
-using namespace collection;
+using namespace reading;
 
 namespace {
 

@@ -13,8 +13,8 @@ struct DailyReportTest : testing::Test {
     const core::DateTime day = desk.clock.Now();
 
     void Make() {
-        collection::makereport_daily(desk.dbconn, day, desk.clock.Now(), desk.feedback);
-        collection::WriteDailyReport(desk.dbconn, day, desk.clock.Now(), desk.shared.dailyReportPath);
+        reports::makereport_daily(desk.dbconn, day, desk.clock.Now(), desk.feedback);
+        reports::WriteDailyReport(desk.dbconn, day, desk.clock.Now(), desk.shared.dailyReportPath);
     }
     std::string Page() const { return support::FileText(desk.shared.dailyReportPath); }
 };
@@ -101,7 +101,7 @@ TEST_F(DailyReportTest, SaysWhatCameOfTheDay) {
         bool operator==(const Line&) const = default;
     };
     std::vector<Line> lines;
-    for (const auto& line : collection::DailyLines(desk.dbconn, day, day)) {
+    for (const auto& line : reports::DailyLines(desk.dbconn, day, day)) {
         lines.push_back({line.dayflow, line.monthflow, line.averageflow, line.pressure, line.status});
     }
     const std::vector<Line> expected = {{500, 12000, 1200, 7.25, "06:01 by schedule"},

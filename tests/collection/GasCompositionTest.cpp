@@ -33,7 +33,7 @@ struct GasCompositionTest : testing::Test {
         return collection::write_gascomposition(desk.place, talk);
     }
     void Collect() {
-        collection::RunState state;
+        reading::RunState state;
         collection::collectiong_Data(desk.place, location, state);
         EXPECT_FALSE(state.runfailed) << desk.RtuErr();
     }

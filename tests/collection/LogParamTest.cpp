@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "collection/LogParam.h"
+#include "reading/LogParam.h"
 #include "reading/RunFigures.h"
 #include "support/ScratchDesk.h"
 
-using namespace collection;
+using namespace reading;
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "reading/LogicalText.h"
 
-using collection::LogicalText;
+using reading::LogicalText;
 
 TEST(LogicalText, WordsByDescription) {
     const std::tuple<const char*, double, const char*> cases[] = {

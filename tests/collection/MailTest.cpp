@@ -10,6 +10,7 @@
 #include "mail/Mail.h"
 #include "mail/MailHeaders.h"
 #include "mail/SmtpTransport.h"
+#include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
 #include "support/MailSink.h"
 
@@ -23,7 +24,7 @@ namespace {
 struct MailTest : testing::Test {
     support::CollectionDesk desk;
     support::MailSink sink;
-    collection::SmtpTransport smtp;
+    mail::SmtpTransport smtp;
 
     void Settings(const std::string& to, const std::string& cc, const std::string& bcc, const std::string& subject = "",
                   const std::string& message = "") {
@@ -32,8 +33,7 @@ struct MailTest : testing::Test {
         desk.dbconn.Execute("insert into email_settings values(?,?,?,?,?)", {to, cc, bcc, subject, message});
     }
     void Send() {
-        collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.clock.Now(), desk.feedback, desk.logs, smtp,
-                             [] { return false; });
+        reports::ReportMail(desk.place, smtp).sendmail(desk.clock.Now(), [] { return false; });
     }
     std::string Received(int number, const std::string& ending = "eml") const { return sink.Received(number, ending); }
 };
@@ -172,7 +172,7 @@ TEST_F(MailTest, AServerThatNeverAnswersIsGivenUp) {
     const SilentServer silent;
     Settings("to@x", "", "");
     desk.dbconn.Execute("update mail_server set url=?", {silent.Url()});
-    smtp = collection::SmtpTransport(10000);
+    smtp = mail::SmtpTransport(10000);
     const auto before = desk.clock.Elapsed();
     int turns = 0;
     desk.clock.Every(100, [&] { ++turns; });
@@ -187,7 +187,7 @@ TEST_F(MailTest, WhatRunsInsideTheWaitIsNotTheServersTime) {
     const SilentServer silent;
     Settings("to@x", "", "");
     desk.dbconn.Execute("update mail_server set url=?", {silent.Url()});
-    smtp = collection::SmtpTransport(3000);
+    smtp = mail::SmtpTransport(3000);
     desk.clock.After(1500, [this] { desk.clock.WaitMs(180000); });
     const auto before = desk.clock.Elapsed();
     Send();
@@ -202,18 +202,17 @@ TEST_F(MailTest, TheEndOfTheProgramEndsAMail) {
     bool leaving = false;
     desk.clock.After(2000, [&] { leaving = true; });
     const auto before = desk.clock.Elapsed();
-    collection::sendmail(desk.dbconn, desk.shared, desk.clock, desk.clock.Now(), desk.feedback, desk.logs, smtp,
-                         [&] { return leaving; });
+    reports::ReportMail(desk.place, smtp).sendmail(desk.clock.Now(), [&] { return leaving; });
     EXPECT_LT(desk.clock.Elapsed() - before, 2100U);
     EXPECT_THAT(desk.RtuErr(), HasSubstr("the program ends"));
 }
 
 // A server that can be out of order, and what it took.
-struct MoodyServer final : collection::MailTransport {
+struct MoodyServer final : mail::MailTransport {
     bool works = false;
-    std::vector<collection::MailMessage> taken;
-    collection::MailOutcome Send(const collection::MailMessage& message, const collection::MailServer&, core::Clock&,
-                                 const std::function<bool()>&) override {
+    std::vector<mail::MailMessage> taken;
+    mail::MailOutcome Send(const mail::MailMessage& message, const mail::MailServer&, core::Clock&,
+                           const std::function<bool()>&) override {
         if (works) {
             taken.push_back(message);
         }
@@ -223,7 +222,8 @@ struct MoodyServer final : collection::MailTransport {
 
 TEST_F(MailTest, WhatNoServerTookIsSentLaterInOrderWithItsOwnDateAndOnce) {
     MoodyServer server;
-    collection::Scheduler scheduler(desk.place, server);
+    reports::ReportMail reportMail(desk.place, server);
+    collection::Scheduler scheduler(desk.place, reportMail);
     desk.clock.Every(60000, [&] { scheduler.Tick(); });
     demo::DemoStation mill{"Mill", "TeleFlow", "Modbus", "RTU", 9, 1};
     mill.contracthour = "08:00";
@@ -258,11 +258,11 @@ TEST(MailHeadersTest, TheDateIsInEnglishWithTheZone) {
     const std::string before = zone ? zone : "";
     setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
     tzset();
-    EXPECT_EQ(collection::MailDate({2026, 3, 10, 8, 0, 5}), "Tue, 10 Mar 2026 08:00:05 +0100");
-    EXPECT_EQ(collection::MailDate({2026, 8, 2, 23, 59, 59}), "Sun, 02 Aug 2026 23:59:59 +0200");
+    EXPECT_EQ(mail::MailDate({2026, 3, 10, 8, 0, 5}), "Tue, 10 Mar 2026 08:00:05 +0100");
+    EXPECT_EQ(mail::MailDate({2026, 8, 2, 23, 59, 59}), "Sun, 02 Aug 2026 23:59:59 +0200");
     setenv("TZ", "NST3:30", 1);
     tzset();
-    EXPECT_EQ(collection::MailDate({2026, 12, 31, 0, 0, 0}), "Thu, 31 Dec 2026 00:00:00 -0330");
+    EXPECT_EQ(mail::MailDate({2026, 12, 31, 0, 0, 0}), "Thu, 31 Dec 2026 00:00:00 -0330");
     zone ? setenv("TZ", before.c_str(), 1) : unsetenv("TZ");
     tzset();
 }

@@ -11,10 +11,10 @@
 
 namespace {
 
-using collection::MailField;
-using collection::OperatorMail;
+using mail::MailField;
+using mail::OperatorMail;
 
-const collection::MailServer server{"", "", "", "desk@here"};
+const mail::MailServer server{"", "", "", "desk@here"};
 
 TEST(OperatorMail, SaysWhatKeepsItFromGoingAndWhere) {
     const support::ScratchDirectory files;
@@ -23,7 +23,7 @@ TEST(OperatorMail, SaysWhatKeepsItFromGoingAndWhere) {
     std::filesystem::resize_file(large, (25U << 20U) + 1);
     struct Case {
         OperatorMail mail;
-        collection::MailServer server;
+        mail::MailServer server;
         MailField field;
         std::string text;
     };
@@ -44,8 +44,8 @@ TEST(OperatorMail, SaysWhatKeepsItFromGoingAndWhere) {
          "large is larger than 25 MB, which no mail server takes"},
     };
     for (const Case& c : cases) {
-        const auto composed = collection::Compose(c.mail, c.server);
-        const auto* fault = std::get_if<collection::MailFault>(&composed);
+        const auto composed = mail::Compose(c.mail, c.server);
+        const auto* fault = std::get_if<mail::MailFault>(&composed);
         ASSERT_NE(fault, nullptr) << c.text;
         EXPECT_EQ(fault->text, c.text);
         EXPECT_EQ(fault->field, c.field) << c.text;
@@ -55,7 +55,7 @@ TEST(OperatorMail, SaysWhatKeepsItFromGoingAndWhere) {
 TEST(OperatorMail, FilesOfEveryNameAndKindArriveWhole) {
     support::MailSink sink;
     support::CollectionDesk desk;
-    collection::SmtpTransport smtp;
+    mail::SmtpTransport smtp;
     std::string bytes;
     for (int i = 0; i < 300000; ++i) {
         bytes += static_cast<char>(i * 7 + i / 256);
@@ -65,9 +65,9 @@ TEST(OperatorMail, FilesOfEveryNameAndKindArriveWhole) {
         const std::string content = name == "none" ? "" : bytes;
         const support::ScratchDirectory files;
         std::ofstream(files.path / name, std::ios::binary) << content;
-        const auto composed = collection::Compose({"", "cc@x", "", "", "Two\nlines", files.path / name},
-                                                  {sink.Url(), "", "", "desk@here"});
-        const auto& message = std::get<collection::MailMessage>(composed);
+        const auto composed =
+            mail::Compose({"", "cc@x", "", "", "Two\nlines", files.path / name}, {sink.Url(), "", "", "desk@here"});
+        const auto& message = std::get<mail::MailMessage>(composed);
         const auto outcome = smtp.Send(message, {sink.Url(), "", "", ""}, desk.clock, [] { return false; });
         ASSERT_TRUE(outcome.sent) << outcome.reason;
         EXPECT_EQ(sink.Received(++number, "name"), name);
@@ -81,20 +81,20 @@ TEST(OperatorMail, FilesOfEveryNameAndKindArriveWhole) {
 
 TEST(MailSettings, TakeThePlaceOfWhateverRowsThereWere) {
     support::CollectionDesk desk;
-    EXPECT_EQ(collection::ReadEmailSettings(desk.dbconn).to, "");
+    EXPECT_EQ(mail::ReadEmailSettings(desk.dbconn).to, "");
     desk.dbconn.Execute("insert into email_settings(\"to\") values('old@x'), ('older@x')");
-    collection::SaveMailSettings(desk.dbconn, {"o'neil@x", "", "b@x", "", "It's \"done\""},
-                                 {"smtps://h", "me", "pa'ss", "s@x"});
+    mail::SaveMailSettings(desk.dbconn, {"o'neil@x", "", "b@x", "", "It's \"done\""},
+                           {"smtps://h", "me", "pa'ss", "s@x"});
     EXPECT_EQ(desk.Count("email_settings"), 1);
     EXPECT_EQ(desk.Count("mail_server"), 1);
     EXPECT_EQ(desk.Count("email_settings where cc='' and subject=''"), 1);  // empty, not null
-    const auto settings = collection::ReadEmailSettings(desk.dbconn);
+    const auto settings = mail::ReadEmailSettings(desk.dbconn);
     EXPECT_EQ(settings.to + settings.bcc + settings.message, "o'neil@xb@xIt's \"done\"");
-    const auto stored = collection::ReadMailServer(desk.dbconn);
+    const auto stored = mail::ReadMailServer(desk.dbconn);
     EXPECT_EQ(stored.url + stored.user + stored.password + stored.sender, "smtps://hmepa'sss@x");
     desk.dbconn.Execute("drop table mail_server");
-    EXPECT_THROW(collection::SaveMailSettings(desk.dbconn, {}, {}), core::DatabaseError);
-    EXPECT_EQ(collection::ReadEmailSettings(desk.dbconn).to, "o'neil@x");
+    EXPECT_THROW(mail::SaveMailSettings(desk.dbconn, {}, {}), core::DatabaseError);
+    EXPECT_EQ(mail::ReadEmailSettings(desk.dbconn).to, "o'neil@x");
 }
 
 }  // namespace

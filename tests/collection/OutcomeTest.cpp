@@ -50,7 +50,7 @@ struct OutcomeTest : testing::Test {
         });
         desk.clock.Run(30000);
     }
-    void Start() { program = std::make_unique<collection::Scheduler>(desk.place, desk.mail); }
+    void Start() { program = std::make_unique<collection::Scheduler>(desk.place, desk.reportMail); }
     void End() {
         program->Leave();
         program.reset();
@@ -389,7 +389,7 @@ TEST_F(OutcomeTest, AStationOfTwoStreamsHasTheFlowOfBoth) {
     EXPECT_EQ(desk.Count("outcome where result='collected'"), 5);
     EXPECT_EQ(desk.Count("gasday where dayflow is not null and monthflow is not null and pressure is not null"), 5);
 
-    collection::DayFigures partly{10, 20, 3};
+    reading::DayFigures partly{10, 20, 3};
     partly.AddStream({5, {}, 4});
     EXPECT_EQ(partly.dayflow, 15);
     EXPECT_EQ(partly.monthflow, std::nullopt);

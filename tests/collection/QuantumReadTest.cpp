@@ -54,7 +54,7 @@ struct QuantumReadTest : testing::Test {
     bool Collect(const std::vector<std::size_t>& kept) {
         desk.line.Attach(1, unit);
         unit.kept = kept;
-        collection::RunState state;
+        reading::RunState state;
         collection::collectiong_Data(desk.place, locationID, state);
         return !state.runfailed;
     }

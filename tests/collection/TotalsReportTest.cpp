@@ -30,7 +30,7 @@ TEST_F(TotalsReportTest, ATotalIsFoundByItsName) {
         desk.dbconn.Execute("delete from configdata_master");
         desk.dbconn.Execute("delete from configdata_detail");
         Station(c.model);
-        EXPECT_TRUE(collection::makereport(desk.dbconn, 7, 1));
+        EXPECT_TRUE(reports::makereport(desk.dbconn, 7, 1));
         ASSERT_EQ(Rows().size(), 1U);
         const core::Row row = Rows()[0];
         EXPECT_EQ(row.Text("Node Name"), "O'Brien");
@@ -46,7 +46,7 @@ TEST_F(TotalsReportTest, WhatWasNotReceivedIsNoTotal) {
     desk.dbconn.Execute(
         "update configdata_detail set readat='2026-03-09 06:00:00', quality=case description when 'Energy Today' then "
         "'not received' when 'volume today' then 'refused' else 'good' end");
-    EXPECT_TRUE(collection::makereport(desk.dbconn, 7, 1));
+    EXPECT_TRUE(reports::makereport(desk.dbconn, 7, 1));
     EXPECT_TRUE(Rows()[0].IsNull("Energy Today"));
     EXPECT_TRUE(Rows()[0].IsNull("Volume Today"));
     EXPECT_EQ(Rows()[0].Number("Uncorrected Volume Today"), 2);
@@ -55,8 +55,8 @@ TEST_F(TotalsReportTest, WhatWasNotReceivedIsNoTotal) {
 TEST_F(TotalsReportTest, AnotherModelLeavesTheTableAsItIs) {
     desk.dbconn.Execute("insert into tblmail(\"Node Name\") values('before')");
     Station("TeleRTU");
-    EXPECT_FALSE(collection::makereport(desk.dbconn, 7, 1));
-    EXPECT_FALSE(collection::makereport(desk.dbconn, 8, 1));
+    EXPECT_FALSE(reports::makereport(desk.dbconn, 7, 1));
+    EXPECT_FALSE(reports::makereport(desk.dbconn, 8, 1));
     ASSERT_EQ(Rows().size(), 1U);
     EXPECT_EQ(Rows()[0].Text("Node Name"), "before");
 }

@@ -11,8 +11,8 @@
 #include "support/CollectionDesk.h"
 #include "support/RefusingSlave.h"
 
-using collection::Result;
 using core::Row;
+using reading::Result;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -64,10 +64,10 @@ struct ValueQuality : testing::Test {
         }
     }
 
-    collection::RunState Run(std::int64_t location) {
+    reading::RunState Run(std::int64_t location) {
         desk.clock.Run(60000);
         begun = core::IsoText(desk.clock.Now());
-        collection::RunState state;
+        reading::RunState state;
         collection::collectiong_Data(desk.place, location, state);
         EXPECT_FALSE(desk.line.PortOpen());
         return state;
@@ -228,8 +228,7 @@ TEST_F(ValueQuality, AQuantumReplyThatStaysCutGivesNoFigureForWhatIsMissing) {
     EXPECT_TRUE(day.IsNull("CurrentDayFlow"));
     EXPECT_FALSE(day.IsNull("CurrentMonthFlow") || day.IsNull("currentprs"));
     EXPECT_THAT(day.Text("desc"), Not(HasSubstr("Cumulative Flowing Volume")));
-    const auto claim =
-        collection::ClaimOf(desk.dbconn, location, 1, "Cumulative Flowing Volume", {2026, 3, 9, 0, 0, 0});
+    const auto claim = reading::ClaimOf(desk.dbconn, location, 1, "Cumulative Flowing Volume", {2026, 3, 9, 0, 0, 0});
     EXPECT_FALSE(claim->value);
     EXPECT_EQ(claim->mark, "not received");
 

@@ -25,8 +25,8 @@ struct AsciiSlaveTest : testing::Test {
         desk.dbconn.Execute("update configdata_master set mode='ASCII', slaveaddress=1");
         desk.dbconn.Execute("update configdata_detail set lastvalue=-1");
     }
-    collection::RunState Collect() {
-        collection::RunState state;
+    reading::RunState Collect() {
+        reading::RunState state;
         collection::collectiong_Data(desk.place, locationID, state);
         return state;
     }

@@ -27,7 +27,7 @@ struct GasCompositionScreenTest : testing::Test {
     desk::frmGCWrite& Open() {
         auto& field = desk.OpenField();
         field.Values(mill, 1, "Methane")->Fix("Methane", 90.5);
-        collection::RunState state;
+        reading::RunState state;
         collection::collectiong_Data(desk.place, mill, state);
         EXPECT_FALSE(state.runfailed) << desk.RtuErr();
         return desk.Open<desk::frmGCWrite>();

@@ -30,22 +30,22 @@ using testing::Not;
 namespace {
 
 // A server that takes its time.
-struct SlowMail final : collection::MailTransport {
-    std::vector<collection::MailMessage> sent;
+struct SlowMail final : mail::MailTransport {
+    std::vector<mail::MailMessage> sent;
     double takesMs = 0;
-    collection::MailOutcome outcome{true, ""};
+    mail::MailOutcome outcome{true, ""};
 
-    collection::MailOutcome Send(const collection::MailMessage& message, const collection::MailServer&,
-                                 core::Clock& clock, const std::function<bool()>& ended) override {
+    mail::MailOutcome Send(const mail::MailMessage& message, const mail::MailServer&, core::Clock& clock,
+                           const std::function<bool()>& ended) override {
         sent.push_back(message);
-        return clock.WaitMs(takesMs, ended) ? outcome : collection::MailOutcome{false, "the program ends"};
+        return clock.WaitMs(takesMs, ended) ? outcome : mail::MailOutcome{false, "the program ends"};
     }
 };
 
 struct MailScreens : testing::Test {
     support::ScreenDesk screen;
     SlowMail slow;
-    collection::SmtpTransport smtp;
+    mail::SmtpTransport smtp;
     desk::Desk slowDesk = With(slow);
     desk::Desk smtpDesk = With(smtp);
 
@@ -53,7 +53,7 @@ struct MailScreens : testing::Test {
 
     MailScreens() { screen.window.Home(&home); }
 
-    desk::Desk With(collection::MailTransport& mail) {
+    desk::Desk With(mail::MailTransport& mail) {
         return {screen.dbconn,    screen.shared,   screen.logs,      screen.clock, screen.feedback,
                 screen.fieldLine, screen.counters, screen.scheduler, mail,         screen.window};
     }
@@ -332,7 +332,7 @@ TEST_F(MailScreens, SettingsAreSavedAsTypedAndReadAgain) {
     Type(form, "txtmailto", "new@x");
     Click(form, "cmdsave");
     EXPECT_EQ(screen.feedback.status.back(), "no such table: mail_server");
-    EXPECT_EQ(collection::ReadEmailSettings(screen.dbconn).to, "a@x,b@x");
+    EXPECT_EQ(mail::ReadEmailSettings(screen.dbconn).to, "a@x,b@x");
     EXPECT_EQ(Text(form, "txtmailto"), "new@x");
 }
 

@@ -5,10 +5,11 @@
 #include <QPushButton>
 
 #include "desk/kit/Grid.h"
-#include "desk/kit/NodeButton.h"
 #include "desk/session/frm_CWM.h"
+#include "desk/shell/NodeButton.h"
 #include "desk/shell/frmGraphicRept.h"
 #include "desk/shell/mainfrm.h"
+#include "stations/SampledMark.h"
 #include "support/ScreenDesk.h"
 
 namespace {
@@ -42,17 +43,17 @@ struct OverviewTest : testing::Test {
 };
 
 TEST_F(OverviewTest, ShowsEveryStationAtItsPlaceInTheColourOfItsState) {
-    collection::MarkSampled(desk.dbconn, desk.clock.Now(), second, true);
+    stations::MarkSampled(desk.dbconn, desk.clock.Now(), second, true);
     collection::Outcome byHand;
     byHand.locationID = second;
     byHand.gasday = "2026-03-09";
     byHand.begun = "2026-03-09 07:45:00";
     byHand.ended = "2026-03-09 07:46:10";
     byHand.how = collection::How::Hand;
-    byHand.result = collection::Result::Collected;
+    byHand.result = reading::Result::Collected;
     collection::RecordOutcome(desk.dbconn, byHand);
     const std::int64_t read = Add("Read in a session", 3);
-    collection::MarkSampled(desk.dbconn, desk.clock.Now(), read, true);
+    stations::MarkSampled(desk.dbconn, desk.clock.Now(), read, true);
     const std::int64_t watched = Add("Watched", 4);
     desk.dbconn.Execute("update configdata_master set duration='NO' where locationID=?", {watched});
     LogIn();

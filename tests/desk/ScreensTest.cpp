@@ -11,7 +11,7 @@
 
 #include "demo/screens/Screens.h"
 #include "desk/kit/Look.h"
-#include "desk/kit/NodeButton.h"
+#include "desk/shell/NodeButton.h"
 #include "support/ScreenDesk.h"
 
 namespace {

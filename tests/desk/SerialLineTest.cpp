@@ -188,7 +188,7 @@ TEST(SerialLine, AConversationEndsWithTheReasonThatItsDeviceIsGone) {
          }},
         {"a collection",
          [&] {
-             collection::RunState state;
+             reading::RunState state;
              collection::collectiong_Data(desk.place, locationID, state);
              EXPECT_TRUE(state.runfailed);
              EXPECT_NE(desk.scratch.RtuErr().find(gone + " [" + std::to_string(locationID) + "]"), std::string::npos)

@@ -91,7 +91,7 @@ struct BsapStations : testing::Test, support::SimulatedTalk {
         EXPECT_EQ(talk.bsap.loadversion2, station->Options().loadVersion2);
     }
     void ReadList() {
-        const auto read = collection::getdata_BSAP(talk, list, collection::ListKind::Float, {});
+        const auto read = reading::getdata_BSAP(talk, list, reading::ListKind::Float, {});
         EXPECT_TRUE(read.collstatus);
         ASSERT_EQ(read.signals.size(), places + 1U);
         for (int position = 1; position <= places; ++position) {
@@ -198,7 +198,7 @@ TEST_F(BsapStations, AnothersAnswerIsPassedOverAndOursIsWaitedFor) {
         ReadAndWriteSingles();
         between = std::make_unique<OneBehind>(*station);
         line.Attach(1, *between);
-        collection::getdata_BSAP(talk, list, collection::ListKind::Float, {});  // the first has nothing in front
+        reading::getdata_BSAP(talk, list, reading::ListKind::Float, {});  // the first has nothing in front
         talk.requests = {};
         ReadList();
         ReadNames();

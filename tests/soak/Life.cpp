@@ -1,6 +1,7 @@
 #include "soak/Life.h"
 
 #include "collection/Scheduler.h"
+#include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
 
 namespace soak {
@@ -47,9 +48,10 @@ class Program final : public collection::RunWatcher {
     support::RecordingFeedback feedback_;
     protocols::FieldLine line_{life_.line, life_.clock};
     protocols::BsapCounters counters_;
-    collection::Workplace place_{dbconn_, shared_, life_.clock, feedback_, logs_, line_, counters_};
+    reading::Workplace place_{dbconn_, shared_, life_.clock, feedback_, logs_, line_, counters_};
     support::RecordingMail mail_;
-    collection::Scheduler scheduler_{place_, mail_};
+    reports::ReportMail reportMail_{place_, mail_};
+    collection::Scheduler scheduler_{place_, reportMail_};
     std::uint64_t begun_ = 0;
 };
 

@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
 
 namespace {
@@ -43,9 +44,10 @@ class ReportingFeedback final : public core::Feedback {
     fieldsim::SimLine line(clock);
     protocols::FieldLine fieldLine(line, clock);
     protocols::BsapCounters counters;
-    collection::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
+    reading::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
     support::RecordingMail mail;
-    collection::Scheduler scheduler(place, mail);
+    reports::ReportMail reportMail(place, mail);
+    collection::Scheduler scheduler(place, reportMail);
     fieldsim::Field field(dbconn, {});
     field.AttachTo(line);
     for (;;) {

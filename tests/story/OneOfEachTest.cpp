@@ -116,7 +116,7 @@ TEST_P(FaultAtEveryPoint, EndsWithoutAWrongValue) {
         faults.script.push_back(fault);
         auto& field = desk.OpenField({.faults = {{location, faults}}});
         desk.clock.Run(60000);  // what is still on its way is lost on the closed port
-        collection::RunState state;
+        reading::RunState state;
         const auto before = desk.clock.Elapsed();
         collection::collectiong_Data(desk.place, location, state);
         EXPECT_LT(desk.clock.Elapsed() - before, 10U * 60000);

@@ -6,15 +6,16 @@
 #include "demo/DemoRegister.h"
 #include "fieldsim/Field.h"
 #include "fieldsim/SimLine.h"
+#include "reports/ReportMail.h"
 #include "support/ScratchDesk.h"
 
 namespace support {
 
 // Mail that goes nowhere but into a list.
-struct RecordingMail final : collection::MailTransport {
-    std::vector<collection::MailMessage> sent;
-    collection::MailOutcome Send(const collection::MailMessage& message, const collection::MailServer&, core::Clock&,
-                                 const std::function<bool()>&) override {
+struct RecordingMail final : mail::MailTransport {
+    std::vector<mail::MailMessage> sent;
+    mail::MailOutcome Send(const mail::MailMessage& message, const mail::MailServer&, core::Clock&,
+                           const std::function<bool()>&) override {
         sent.push_back(message);
         return {true, ""};
     }
@@ -28,9 +29,10 @@ class CollectionDesk : public ScratchDesk {
     fieldsim::SimLine line{clock};
     protocols::FieldLine fieldLine{line, clock};
     protocols::BsapCounters counters;
-    collection::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
+    reading::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
     RecordingMail mail;
-    collection::Scheduler scheduler{place, mail};
+    reports::ReportMail reportMail{place, mail};
+    collection::Scheduler scheduler{place, reportMail};
 
     // Every station of the register gets its far side.
     fieldsim::Field& OpenField(const fieldsim::FieldOptions& options = {}) {

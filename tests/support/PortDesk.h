@@ -5,6 +5,7 @@
 
 #include "desk/platform/EventLoopClock.h"
 #include "desk/platform/SerialLine.h"
+#include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
 
 namespace support {
@@ -23,9 +24,10 @@ struct PortDesk {
     desk::SerialLine serial{[this](int) { return path; }};
     protocols::FieldLine line{serial, clock};
     protocols::BsapCounters counters;
-    collection::Workplace place{dbconn, shared, clock, feedback, logs, line, counters};
+    reading::Workplace place{dbconn, shared, clock, feedback, logs, line, counters};
     RecordingMail mail;
-    collection::Scheduler scheduler{place, mail};
+    reports::ReportMail reportMail{place, mail};
+    collection::Scheduler scheduler{place, reportMail};
 
     std::int64_t AddStation() {
         return demo::AddStation(dbconn, {"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 17, "", 1, {}, "00:00", 60});

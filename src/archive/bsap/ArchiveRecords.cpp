@@ -6,7 +6,7 @@
 
 #include "archive/bsap/Archive.h"
 #include "core/Text.h"
-#include "protocols/modbus/ModbusNumbers.h"
+#include "protocols/WireNumbers.h"
 
 namespace archive {
 

@@ -4,10 +4,10 @@
 #include <QPushButton>
 
 #include "desk/archive/DownloadPanel.h"
+#include "desk/collection/TakenLine.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/GridFile.h"
 #include "desk/kit/Navigator.h"
-#include "desk/kit/TakenLine.h"
 #include "desk/mail/frmemail.h"
 #include "session/ArchiveLine.h"
 #include "session/Session.h"
@@ -70,8 +70,8 @@ void ArchivePage::Go() {
     panel_->Running(true);
     choices_->setEnabled(false);
     panel_->cmd_stop().setFocus();
-    const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
-                                      desk_.logs,   desk_.line,   desk_.counters};
+    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
+                                   desk_.logs,   desk_.line,   desk_.counters};
     session::OnArchiveLine(
         place, desk_.scheduler, session_, screen_, node->locationID,
         [this, wish = *wish](protocols::Conversation& talk) {

@@ -4,12 +4,12 @@
 
 #include "core/Logs.h"
 #include "core/Station.h"
+#include "desk/collection/TakenLine.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Grid.h"
 #include "desk/kit/GridFile.h"
 #include "desk/kit/Look.h"
 #include "desk/kit/Navigator.h"
-#include "desk/kit/TakenLine.h"
 #include "desk/kit/frmtxrxleds.h"
 #include "desk/mail/frmemail.h"
 #include "reading/Workplace.h"
@@ -122,8 +122,8 @@ void frmarcmbus::make_connection() {
         EndRun("This station is no longer in the register");
         return;
     }
-    const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
-                                      desk_.logs,   desk_.line,   desk_.counters};
+    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
+                                   desk_.logs,   desk_.line,   desk_.counters};
     std::string message;
     const bool up = session::OwnCall(place, desk_.scheduler, *station, {},
                                      [&](protocols::Conversation& talk) { message = Collect(&talk); });

@@ -5,7 +5,7 @@
 #include "collection/Schedule.h"
 #include "collection/Scheduler.h"
 #include "core/Clock.h"
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
 #include "desk/kit/EngineText.h"
 #include "ui_frmScheduler.h"
 

@@ -23,7 +23,7 @@ QString Figure(const std::optional<double>& value, bool cumulative = false) {
     return value ? Figure(*value) + (cumulative ? " cumulative" : "") : QString("no data");
 }
 
-QStringList Cells(const collection::DailyLine& line) {
+QStringList Cells(const reports::DailyLine& line) {
     return {QString::number(line.number),
             QString::fromStdString(line.consumer),
             QString::fromStdString(line.status),
@@ -67,9 +67,9 @@ void frmrpt::Clear() {
 
 void frmrpt::Make() {
     Clear();
-    collection::makereport_daily(desk_.dbconn, Day(), desk_.clock.Now(), desk_.feedback);
+    reports::makereport_daily(desk_.dbconn, Day(), desk_.clock.Now(), desk_.feedback);
     std::vector<QStringList> rows;
-    for (const auto& line : collection::DailyLines(desk_.dbconn, Day(), desk_.clock.Now())) {
+    for (const auto& line : reports::DailyLines(desk_.dbconn, Day(), desk_.clock.Now())) {
         rows.push_back(Cells(line));
     }
     ui_->Grid->AddItems(rows);
@@ -96,7 +96,7 @@ void frmrpt::Write(const QString& file) {
     Guarded([this, &file] {
         Make();
         try {
-            collection::WriteDailyReport(desk_.dbconn, Day(), desk_.clock.Now(), file.toStdString());
+            reports::WriteDailyReport(desk_.dbconn, Day(), desk_.clock.Now(), file.toStdString());
             Show("Report saved", QMessageBox::Information);
         } catch (const std::system_error& failure) {
             Show(QString::fromStdString(failure.what()));

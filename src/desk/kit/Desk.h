@@ -8,9 +8,12 @@ class Logs;
 struct MAIN_Module;
 }  // namespace core
 namespace collection {
-class MailTransport;
 class Scheduler;
 }  // namespace collection
+namespace mail {
+class MailTransport;
+}  // namespace mail
+namespace mail {}  // namespace mail
 namespace protocols {
 class FieldLine;
 struct BsapCounters;
@@ -30,7 +33,7 @@ struct Desk {
     protocols::FieldLine& line;
     protocols::BsapCounters& counters;
     collection::Scheduler& scheduler;
-    collection::MailTransport& mail;
+    mail::MailTransport& mail;
     Navigator& navigator;
 };
 

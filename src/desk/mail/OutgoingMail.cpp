@@ -14,11 +14,11 @@ struct OutgoingMail::Parcel {
     Desk& desk;
     QPointer<OutgoingMail> from;  // null once its page is gone
     std::shared_ptr<bool> stopped;
-    collection::MailMessage message;
-    collection::MailServer server;
+    mail::MailMessage message;
+    mail::MailServer server;
 };
 
-void OutgoingMail::Send(collection::MailMessage message, collection::MailServer server) {
+void OutgoingMail::Send(mail::MailMessage message, mail::MailServer server) {
     stopped_ = std::make_shared<bool>(false);
     desk_.feedback.Status("Sending Mail");
     auto parcel = std::make_shared<Parcel>(Parcel{desk_, this, stopped_, std::move(message), std::move(server)});
@@ -29,7 +29,7 @@ void OutgoingMail::Send(collection::MailMessage message, collection::MailServer 
 void OutgoingMail::Deliver(const Parcel& parcel) {
     Desk& desk = parcel.desk;
     const auto ended = [&] { return *parcel.stopped || desk.scheduler.Leaving(); };
-    collection::MailOutcome outcome{false, "stations are being collected; send it again afterwards"};
+    mail::MailOutcome outcome{false, "stations are being collected; send it again afterwards"};
     if (!desk.scheduler.Busy()) {
         outcome = desk.mail.Send(parcel.message, parcel.server, desk.clock, ended);
     }

@@ -19,7 +19,7 @@ class OutgoingMail : public QObject {
 
     // The mail goes as soon as the present command is over; Ended tells how it went, unless the program ends. While
     // stations are being collected it does not go, for the run below would stand still as long as the server is slow.
-    void Send(collection::MailMessage message, collection::MailServer server);
+    void Send(mail::MailMessage message, mail::MailServer server);
 
     void Stop();
     bool Sending() const { return stopped_ != nullptr; }

@@ -117,19 +117,19 @@ void frmemail::AttachFile(const QString& file) {
     ui_->cmdremove->setText(file.isEmpty() ? "&Attatch" : "&Remove");
 }
 
-collection::OperatorMail frmemail::Typed() const {
+mail::OperatorMail frmemail::Typed() const {
     return {ui_->txtmailto->text().toStdString(),     ui_->txtmailcc->text().toStdString(),
             ui_->txtmailbcc->text().toStdString(),    ui_->txtsubject->text().toStdString(),
             ui_->txtmsg->toPlainText().toStdString(), ui_->lblattatch->text().toStdString()};
 }
 
-QWidget& frmemail::FieldOf(collection::MailField field) const {
+QWidget& frmemail::FieldOf(mail::MailField field) const {
     switch (field) {
-        case collection::MailField::Cc:
+        case mail::MailField::Cc:
             return *ui_->txtmailcc;
-        case collection::MailField::Bcc:
+        case mail::MailField::Bcc:
             return *ui_->txtmailbcc;
-        case collection::MailField::Attachment:
+        case mail::MailField::Attachment:
             return *ui_->cmdremove;
         default:
             return *ui_->txtmailto;
@@ -137,30 +137,30 @@ QWidget& frmemail::FieldOf(collection::MailField field) const {
 }
 
 void frmemail::cmdmail() {
-    collection::OperatorMail mail = Typed();
-    const auto composed = collection::Compose(mail, collection::ReadMailServer(desk_.dbconn));
-    if (const auto* fault = std::get_if<collection::MailFault>(&composed)) {
+    mail::OperatorMail mail = Typed();
+    const auto composed = mail::Compose(mail, mail::ReadMailServer(desk_.dbconn));
+    if (const auto* fault = std::get_if<mail::MailFault>(&composed)) {
         FieldOf(fault->field).setFocus();
         Show(QString::fromStdString(fault->text));
         return;
     }
-    collection::NameWhatIsEmpty(mail);
+    mail::NameWhatIsEmpty(mail);
     ui_->txtsubject->setText(QString::fromStdString(mail.subject));
     if (ui_->txtmsg->toPlainText().isEmpty()) {
         ui_->txtmsg->setPlainText(QString::fromStdString(mail.text));
     }
-    AskToSend(mail, std::get<collection::MailMessage>(composed));
+    AskToSend(mail, std::get<mail::MailMessage>(composed));
 }
 
-void frmemail::AskToSend(const collection::OperatorMail& mail, const collection::MailMessage& message) {
+void frmemail::AskToSend(const mail::OperatorMail& mail, const mail::MailMessage& message) {
     const QString question = "Send this mail?\n" + Line("To", message.to) + Line("Cc", message.cc) +
                              Line("Bcc", message.bcc) + Line("Subject", mail.subject) +
                              Line("Attachment", message.attachmentName);
     Ask(question, [this, message] { Guarded([&] { Send(message); }); });
 }
 
-void frmemail::Send(const collection::MailMessage& message) {
-    mail_.Send(message, collection::ReadMailServer(desk_.dbconn));
+void frmemail::Send(const mail::MailMessage& message) {
+    mail_.Send(message, mail::ReadMailServer(desk_.dbconn));
     ShowState();
     ui_->cmdstop->setFocus();
 }

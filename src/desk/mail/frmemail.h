@@ -33,11 +33,11 @@ class frmemail : public Page {
     void ShowState();
     void TakeAddressees();
     void AttachFile(const QString& file);
-    collection::OperatorMail Typed() const;
-    void AskToSend(const collection::OperatorMail& mail, const collection::MailMessage& message);
-    void Send(const collection::MailMessage& message);
+    mail::OperatorMail Typed() const;
+    void AskToSend(const mail::OperatorMail& mail, const mail::MailMessage& message);
+    void Send(const mail::MailMessage& message);
     void Ended(bool sent, const QString& answer);
-    QWidget& FieldOf(collection::MailField field) const;
+    QWidget& FieldOf(mail::MailField field) const;
 
     bool loggedIn_ = false;
     bool closing_ = false;  // as soon as the mail is out

@@ -25,13 +25,13 @@ frmemail_settings::frmemail_settings(Desk& desk)
 frmemail_settings::~frmemail_settings() = default;
 
 void frmemail_settings::Load() {
-    const collection::EmailSettings settings = collection::ReadEmailSettings(desk_.dbconn);
+    const mail::EmailSettings settings = mail::ReadEmailSettings(desk_.dbconn);
     ui_->txtmailto->setText(QString::fromStdString(settings.to));
     ui_->txtmailcc->setText(QString::fromStdString(settings.cc));
     ui_->txtmailbcc->setText(QString::fromStdString(settings.bcc));
     ui_->txtsubject->setText(QString::fromStdString(settings.subject));
     ui_->txtmsg->setPlainText(QString::fromStdString(settings.message));
-    const collection::MailServer server = collection::ReadMailServer(desk_.dbconn);
+    const mail::MailServer server = mail::ReadMailServer(desk_.dbconn);
     ui_->txturl->setText(QString::fromStdString(server.url));
     ui_->txtserveruser->setText(QString::fromStdString(server.user));
     ui_->txtserverpassword->setText(QString::fromStdString(server.password));
@@ -44,24 +44,24 @@ void frmemail_settings::ShowState() {
     ui_->cmdstop->setEnabled(mail_.Sending());
 }
 
-collection::EmailSettings frmemail_settings::Settings() const {
+mail::EmailSettings frmemail_settings::Settings() const {
     return {ui_->txtmailto->text().toStdString(), ui_->txtmailcc->text().toStdString(),
             ui_->txtmailbcc->text().toStdString(), ui_->txtsubject->text().toStdString(),
             ui_->txtmsg->toPlainText().toStdString()};
 }
 
-collection::MailServer frmemail_settings::Server() const {
+mail::MailServer frmemail_settings::Server() const {
     return {ui_->txturl->text().trimmed().toStdString(), ui_->txtserveruser->text().toStdString(),
             ui_->txtserverpassword->text().toStdString(), ui_->txtsender->text().trimmed().toStdString()};
 }
 
-QWidget& frmemail_settings::FieldOf(collection::MailField field) const {
+QWidget& frmemail_settings::FieldOf(mail::MailField field) const {
     switch (field) {
-        case collection::MailField::Cc:
+        case mail::MailField::Cc:
             return *ui_->txtmailcc;
-        case collection::MailField::Bcc:
+        case mail::MailField::Bcc:
             return *ui_->txtmailbcc;
-        case collection::MailField::Sender:
+        case mail::MailField::Sender:
             return *ui_->txtsender;
         default:
             return *ui_->txtmailto;
@@ -71,10 +71,10 @@ QWidget& frmemail_settings::FieldOf(collection::MailField field) const {
 // What cannot be mailed with is saved as well, as it always was, and the operator is told at once, not by a line of
 // the log in the night. No addressee at all is a setting: no mail.
 void frmemail_settings::cmdsave() {
-    collection::SaveMailSettings(desk_.dbconn, Settings(), Server());
-    const collection::MailMessage mail = collection::TestMail(Settings(), Server());
-    const auto fault = collection::FaultOf(mail);
-    if (fault && collection::HasAddressee(mail)) {
+    mail::SaveMailSettings(desk_.dbconn, Settings(), Server());
+    const mail::MailMessage mail = mail::TestMail(Settings(), Server());
+    const auto fault = mail::FaultOf(mail);
+    if (fault && mail::HasAddressee(mail)) {
         FieldOf(fault->field).setFocus();
         Show("The settings are saved, but no mail will go: " + QString::fromStdString(fault->text));
         return;
@@ -83,8 +83,8 @@ void frmemail_settings::cmdsave() {
 }
 
 void frmemail_settings::cmdtest() {
-    const collection::MailMessage mail = collection::TestMail(Settings(), Server());
-    if (const auto fault = collection::FaultOf(mail)) {
+    const mail::MailMessage mail = mail::TestMail(Settings(), Server());
+    if (const auto fault = mail::FaultOf(mail)) {
         FieldOf(fault->field).setFocus();
         Show(QString::fromStdString(fault->text));
         return;

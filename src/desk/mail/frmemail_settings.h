@@ -29,9 +29,9 @@ class frmemail_settings : public Page {
 
     void ShowState();
     void Ended(const QString& answer);
-    collection::EmailSettings Settings() const;
-    collection::MailServer Server() const;
-    QWidget& FieldOf(collection::MailField field) const;
+    mail::EmailSettings Settings() const;
+    mail::MailServer Server() const;
+    QWidget& FieldOf(mail::MailField field) const;
 
     bool closing_ = false;  // as soon as the mail has ended
     OutgoingMail mail_;

@@ -9,12 +9,12 @@
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmarcmbus.h"
 #include "desk/archive/frmparaarchive.h"
+#include "desk/collection/TakenLine.h"
 #include "desk/kit/Boxes.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Grid.h"
 #include "desk/kit/Navigator.h"
 #include "desk/kit/Page.h"
-#include "desk/kit/TakenLine.h"
 #include "desk/session/DrsDrawing.h"
 #include "desk/session/TrafficPanel.h"
 #include "desk/session/frm_summary.h"
@@ -34,7 +34,7 @@ namespace {
 
 using session::Speaks;
 
-collection::Workplace WorkplaceOf(Desk& desk) {
+reading::Workplace WorkplaceOf(Desk& desk) {
     return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.line, desk.counters};
 }
 

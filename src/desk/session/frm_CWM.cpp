@@ -8,11 +8,11 @@
 #include "core/Text.h"
 #include "desk/archive/frmHistory.h"
 #include "desk/archive/frmparaarchive.h"
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
+#include "desk/collection/TakenLine.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Look.h"
 #include "desk/kit/Navigator.h"
-#include "desk/kit/TakenLine.h"
 #include "desk/signals/ListPage.h"
 #include "ui_frm_CWM.h"
 
@@ -40,8 +40,8 @@ frm_CWM::frm_CWM(Desk& desk, std::int64_t locationID)
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frm_CWM::CloseAsked);
     if (core::ReadStation(desk_.dbconn, locationID)) {
-        const collection::Workplace place{desk.dbconn, desk.shared, desk.clock,   *this,
-                                          desk.logs,   desk.line,   desk.counters};
+        const reading::Workplace place{desk.dbconn, desk.shared, desk.clock,   *this,
+                                       desk.logs,   desk.line,   desk.counters};
         session_ = std::make_unique<session::Session>(place, desk.scheduler, *this, locationID);
         ShowStation(session_->GetStation());
         ConnectCommands();

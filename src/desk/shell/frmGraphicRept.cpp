@@ -13,13 +13,13 @@
 #include "core/MAIN_Module.h"
 #include "core/Station.h"
 #include "core/Text.h"
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Look.h"
 #include "desk/kit/Navigator.h"
-#include "desk/kit/NodeButton.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/session/frmparalist.h"
+#include "desk/shell/NodeButton.h"
 #include "desk/shell/frmshowdata.h"
 #include "ui_frmGraphicRept.h"
 
@@ -69,12 +69,12 @@ frmGraphicRept::~frmGraphicRept() {
 // station without a number in its group has, stands over the first.
 void frmGraphicRept::MakeColumns() {
     const QFont large = Larger(font(), fromAfar, true);
-    for (int index = 0; index < collection::nodeButtons; ++index) {
+    for (int index = 0; index < reports::nodeButtons; ++index) {
         auto* button = new NodeButton(this);
         button->setObjectName("cmdLoc" + QString::number(index));
         button->setFont(large);
-        const int place = index == 0 ? 0 : (index - 1) % collection::stationsAGroup + 1;
-        const int group = index == 0 ? 0 : (index - 1) / collection::stationsAGroup;
+        const int place = index == 0 ? 0 : (index - 1) % reports::stationsAGroup + 1;
+        const int group = index == 0 ? 0 : (index - 1) / reports::stationsAGroup;
         ui_->nodes->addWidget(button, place + 1, group);
         ui_->nodes->setRowStretch(place + 1, index == 0 ? 0 : 1);
         connect(button, &QPushButton::clicked, this, [this, index] { cmdLoc(index); });
@@ -88,7 +88,7 @@ void frmGraphicRept::MakeColumns() {
         button->setContextMenuPolicy(Qt::ActionsContextMenu);
         cmdLoc_[static_cast<std::size_t>(index)] = button;
     }
-    for (int group = 0; group < collection::groups; ++group) {
+    for (int group = 0; group < reports::groups; ++group) {
         auto* name = new QLabel("Group " + QString::number(group + 1));
         name->setFont(large);
         ui_->nodes->addWidget(name, 0, group, Qt::AlignHCenter);
@@ -99,7 +99,7 @@ void frmGraphicRept::MakeColumns() {
         total->setToolTip("The volumes of group " + QString::number(group + 1));
         connect(total, &QPushButton::clicked, this,
                 [this, group] { desk_.navigator.Open(new frmshowdata(desk_, group + 1)); });
-        ui_->nodes->addWidget(total, collection::stationsAGroup + 2, group);
+        ui_->nodes->addWidget(total, reports::stationsAGroup + 2, group);
         ui_->nodes->setColumnStretch(group, 1);
         lblgroup_[static_cast<std::size_t>(group)] = total;
     }
@@ -128,7 +128,7 @@ void frmGraphicRept::Activated() {
             collect->setEnabled(MayCollect(desk_));
         }
         std::map<int, std::string> shown;
-        for (const collection::Node& node : nodes_) {
+        for (const reports::Node& node : nodes_) {
             std::string& before = shown[node.index];
             if (node.index < 0) {
                 desk_.feedback.Status("No place in the overview for " + node.consumer);
@@ -148,8 +148,8 @@ void frmGraphicRept::Reset() {
 }
 
 void frmGraphicRept::Refresh() {
-    nodes_ = collection::ReadNodes(desk_.dbconn);
-    for (const collection::Node& node : nodes_) {
+    nodes_ = reports::ReadNodes(desk_.dbconn);
+    for (const reports::Node& node : nodes_) {
         const QString consumer = QString::fromStdString(node.consumer);
         if (node.index < 0) {
             continue;
@@ -163,7 +163,7 @@ void frmGraphicRept::Refresh() {
             consumer, {line.state, node.sampledtoday, (session ? "read, " : "") + Text(line.text), Text(line.reason)});
         button->show();
     }
-    const auto totals = collection::GroupTotals(desk_.dbconn);
+    const auto totals = reports::GroupTotals(desk_.dbconn);
     for (std::size_t group = 0; group < totals.size(); ++group) {
         lblgroup_[group]->setText(QString::fromStdString(totals[group]));
     }
@@ -172,7 +172,7 @@ void frmGraphicRept::Refresh() {
 }
 
 void frmGraphicRept::ShowNow() {
-    for (const collection::Node& node : nodes_) {
+    for (const reports::Node& node : nodes_) {
         if (desk_.scheduler.InHand() == node.locationId) {
             ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer) + Behind(desk_));
             return;
@@ -222,20 +222,20 @@ void frmGraphicRept::Collected(std::int64_t) {
 }
 
 // Of two stations with one place the button names the later one.
-const collection::Node* frmGraphicRept::StationAt(int index) const {
+const reports::Node* frmGraphicRept::StationAt(int index) const {
     const auto node =
-        std::find_if(nodes_.rbegin(), nodes_.rend(), [&](const collection::Node& one) { return one.index == index; });
+        std::find_if(nodes_.rbegin(), nodes_.rend(), [&](const reports::Node& one) { return one.index == index; });
     return node == nodes_.rend() ? nullptr : &*node;
 }
 
 void frmGraphicRept::cmdLoc(int index) {
-    if (const collection::Node* node = StationAt(index)) {
+    if (const reports::Node* node = StationAt(index)) {
         Guarded([&] { OpenStation(node->locationId); });
     }
 }
 
 void frmGraphicRept::Collect(int index) {
-    if (const collection::Node* node = StationAt(index)) {
+    if (const reports::Node* node = StationAt(index)) {
         Guarded([&] {
             CollectNow(desk_, node->locationId, node->consumer);
             Refresh();

@@ -52,14 +52,14 @@ class frmGraphicRept : public Page, public collection::RunWatcher {
     void ShowNow();
     void ShowNext();
     void FollowTheClock();
-    const collection::Node* StationAt(int index) const;
+    const reports::Node* StationAt(int index) const;
     void cmdLoc(int index);
     void Collect(int index);
     void OpenStation(std::int64_t locationId);
 
-    std::array<NodeButton*, collection::nodeButtons> cmdLoc_{};
-    std::array<QPushButton*, collection::groups> lblgroup_{};
-    std::vector<collection::Node> nodes_;
+    std::array<NodeButton*, reports::nodeButtons> cmdLoc_{};
+    std::array<QPushButton*, reports::groups> lblgroup_{};
+    std::vector<reports::Node> nodes_;
     QTimer next_;         // looks whether the minute is another
     std::string minute_;  // that is shown
     std::unique_ptr<Ui::frmGraphicRept> ui_;

@@ -2,7 +2,7 @@
 
 #include "core/Clock.h"
 #include "core/Text.h"
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Look.h"
 #include "reading/Claim.h"
@@ -22,11 +22,11 @@ frmshowdata::frmshowdata(Desk& desk, int groupno)
     Guarded([&] {
         const std::string today = core::IsoText(desk_.clock.Now()).substr(0, 10);
         double total = 0;
-        for (const auto& volume : collection::GroupVolumes(desk_.dbconn, groupno)) {
+        for (const auto& volume : reports::GroupVolumes(desk_.dbconn, groupno)) {
             const collection::DayLine line = LineNow(desk_, volume.locationId);
             QStringList remarks;
             if (!volume.readat.empty() && !volume.readat.starts_with(today)) {
-                remarks.append("volume of " + Text(collection::MomentText(volume.readat)));
+                remarks.append("volume of " + Text(reading::MomentText(volume.readat)));
             }
             if (!line.reason.empty()) {
                 remarks.append(Text(line.reason));

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "core/MAIN_Module.h"
+#include "desk/collection/TakenLine.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Grid.h"
-#include "desk/kit/TakenLine.h"
 #include "desk/kit/WriteFrame.h"
 #include "desk/signals/FetchPanel.h"
 #include "session/Session.h"
@@ -66,8 +66,8 @@ void SignalPage::OnLine(std::function<void(protocols::Conversation& talk)> work,
     way.signsOn = true;  // a session signs on without the password that opens a station's lists
     way.lineUp.signOn = {protocols::screenPassword, protocols::SignOnLog::None, protocols::SignOnTexts::All};
     way.noLine = noLine;
-    const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
-                                      desk_.logs,   desk_.line,   desk_.counters};
+    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
+                                   desk_.logs,   desk_.line,   desk_.counters};
     session::OnStationLine(place, desk_.scheduler, session_, way, LocationID(), std::move(work), std::move(over));
 }
 

@@ -2,9 +2,9 @@
 
 #include "core/MAIN_Module.h"
 #include "core/Text.h"
+#include "desk/collection/TakenLine.h"
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Look.h"
-#include "desk/kit/TakenLine.h"
 #include "desk/signals/CalibTab.h"
 #include "reading/Workplace.h"
 #include "session/Session.h"
@@ -62,8 +62,8 @@ void frmCalib::Start() {
     ShowCommands();
     ShowState();
     MoveFocus();
-    const collection::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
-                                      desk_.logs,   desk_.line,   desk_.counters};
+    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
+                                   desk_.logs,   desk_.line,   desk_.counters};
     try {
         signals::OnCalibrationLine(
             place, desk_.scheduler, session_, [this](protocols::Conversation& talk) { calibration_->Run(talk); },

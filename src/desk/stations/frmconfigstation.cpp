@@ -5,7 +5,7 @@
 
 #include "core/Feedback.h"
 #include "core/Text.h"
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
 #include "desk/kit/Look.h"
 #include "desk/stations/LineReset.h"
 #include "desk/stations/StationFieldRules.h"

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "protocols/WireNumbers.h"
 #include "protocols/bsap/BsapFrame.h"
-#include "protocols/modbus/ModbusNumbers.h"
 
 namespace protocols {
 

@@ -2,12 +2,12 @@
 #include <array>
 
 #include "core/Text.h"
+#include "protocols/WireNumbers.h"
 #include "protocols/bsap/BsapAnswer.h"
 #include "protocols/bsap/BsapCheck.h"
 #include "protocols/bsap/BsapFrame.h"
 #include "protocols/bsap/BsapReply.h"
 #include "protocols/inspect/FieldWriter.h"
-#include "protocols/modbus/ModbusNumbers.h"
 
 // BSAP by name. What the fixed bytes of its messages stand for, beyond what is said here, is not known.
 namespace protocols {

@@ -1,7 +1,7 @@
 #include "core/Text.h"
+#include "protocols/WireNumbers.h"
 #include "protocols/inspect/FieldWriter.h"
 #include "protocols/modbus/ModbusCheck.h"
-#include "protocols/modbus/ModbusNumbers.h"
 
 // Modbus by name: both framings carry the same body, slave, function and data, in front of their check.
 namespace protocols {

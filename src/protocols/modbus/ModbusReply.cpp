@@ -4,8 +4,8 @@
 #include <cmath>
 #include <string_view>
 
+#include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
-#include "protocols/modbus/ModbusNumbers.h"
 
 namespace protocols {
 

@@ -7,8 +7,8 @@
 #include <cmath>
 
 #include "core/Text.h"
+#include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
-#include "protocols/modbus/ModbusNumbers.h"
 
 namespace protocols {
 

@@ -20,7 +20,7 @@ constexpr const char* lineEnd = "\r\n";
 
 // "1250.25 SCMH", "1250.25 SCMH (of 08/03/2026 08:00:07)", "- (not read yet)".
 std::string Value(const core::Row& row, bool isCW, const core::DateTime& today) {
-    const collection::Claim claim = collection::ClaimOf(row, today);
+    const reading::Claim claim = reading::ClaimOf(row, today);
     std::string text = "-";
     if (claim.value && KindOf(row.Text("type")) == DataKind::Logical) {
         text = valueText(isCW, row.Text("description"), *claim.value);

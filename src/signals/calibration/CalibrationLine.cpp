@@ -6,7 +6,7 @@
 
 namespace signals {
 
-void OnCalibrationLine(const collection::Workplace& place, const collection::Scheduler& scheduler,
+void OnCalibrationLine(const reading::Workplace& place, const collection::Scheduler& scheduler,
                        session::Session& session, std::function<void(protocols::Conversation& talk)> work,
                        std::function<void()> over) {
     const core::Station& station = session.GetStation();

@@ -22,8 +22,8 @@ std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const
     if (reply.size() <= tooShort) {
         return std::nullopt;
     }
-    for (const auto fields : {collection::RecordFields::ValuesOrTexts, collection::RecordFields::Names}) {
-        auto records = collection::ReadRecords(
+    for (const auto fields : {reading::RecordFields::ValuesOrTexts, reading::RecordFields::Names}) {
+        auto records = reading::ReadRecords(
             reply, {protocols::ReplyLayout(station.isCW).firstRecord, true, station.isTeleCorrector, fields});
         if (records.whole && records.signals.size() == count) {
             return std::move(records.signals);

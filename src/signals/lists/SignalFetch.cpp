@@ -11,9 +11,9 @@ namespace signals {
 
 namespace {
 
-using collection::ListReading;
-using collection::RecordFields;
-using collection::RecordForm;
+using reading::ListReading;
+using reading::RecordFields;
+using reading::RecordForm;
 
 // Where the records of an answer with names begin. A record has its name behind the long form's bytes, on the CW models
 // too; what a search finds stands where a list's signals do, and so does the place where it goes on.
@@ -43,7 +43,7 @@ class StopEndsTries {
 
 FetchEnd ReadAll(protocols::Conversation& talk, ListReading reading, FetchView& view) {
     const StopEndsTries stopEndsTries(talk, view);
-    collection::ListReplies replies(talk, std::move(reading));
+    reading::ListReplies replies(talk, std::move(reading));
     for (int count = 0; count < mostReplies; ++count) {
         view.BetweenReplies(talk);
         if (view.Stopped() && !talk.Ended()) {
@@ -79,7 +79,7 @@ FetchEnd FetchList(protocols::Conversation& talk, int listNumber, FetchView& vie
     };
     reading.form = NamedRecords(talk.station);
     reading.tooShort = talk.bsap.usepoll ? 22 : 18;
-    reading.saysNone = collection::SaysNone::ByAnyAnswerWithoutData;
+    reading.saysNone = reading::SaysNone::ByAnyAnswerWithoutData;
     reading.paced = true;
     const FetchEnd end = ReadAll(talk, std::move(reading), view);
     talk.bsap.listnames = false;
@@ -96,7 +96,7 @@ FetchEnd SearchSignals(protocols::Conversation& talk, const std::string& pattern
     reading.form = NamedRecords(talk.station);
     // An answer without a signal is one byte shorter than the shortest answer of a list that has one.
     reading.tooShort = reading.form.firstRecord - 1 + protocols::replyTrailer - 1;
-    reading.saysNone = collection::SaysNone::ByItsStatus;
+    reading.saysNone = reading::SaysNone::ByItsStatus;
     reading.paced = true;
     const FetchEnd end = ReadAll(talk, std::move(reading), view);
     return end == FetchEnd::None ? FetchEnd::Whole : end;

@@ -9,7 +9,7 @@ std::string NameText(const Signal& signal) {
     if (signal.name.empty()) {
         return signalNotFound;
     }
-    const std::string kind = collection::SignalTypeName(signal);
+    const std::string kind = reading::SignalTypeName(signal);
     return kind.empty() ? signal.name : signal.name + " (" + kind + ")";
 }
 
@@ -17,11 +17,11 @@ std::string ValueText(const Signal& signal) {
     if (signal.text) {
         return *signal.text;
     }
-    return signal.logical ? collection::LogicalText(signal.name, signal.value) : core::NumberText(signal.value);
+    return signal.logical ? reading::LogicalText(signal.name, signal.value) : core::NumberText(signal.value);
 }
 
 Words WordsOf(const Signal& signal) {
-    return {collection::LogicalText(signal.name, 1), collection::LogicalText(signal.name, 0)};
+    return {reading::LogicalText(signal.name, 1), reading::LogicalText(signal.name, 0)};
 }
 
 std::vector<std::string> SignalRow(std::size_t number, const Signal& signal) {

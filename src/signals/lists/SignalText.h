@@ -8,7 +8,7 @@
 // A station's signals as the operator reads them.
 namespace signals {
 
-using Signal = collection::ListSignal;
+using Signal = reading::ListSignal;
 
 // In place of the name of a signal that the station no longer has.
 inline constexpr const char* signalNotFound = "Signal Not Found";

@@ -1,11 +1,11 @@
-#include "desk/kit/TakenLine.h"
+#include "desk/collection/TakenLine.h"
 
 #include <QTimer>
 
 #include "collection/Scheduler.h"
 #include "core/Logs.h"
 #include "core/Station.h"
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
 
 namespace desk {
 

@@ -1,6 +1,6 @@
-#include "collection/LogParam.h"
+#include "reading/LogParam.h"
 
-namespace collection {
+namespace reading {
 
 namespace {
 
@@ -32,4 +32,4 @@ void UpsertLogParam(core::Database& dbconn, std::int64_t locationID, const core:
     });
 }
 
-}  // namespace collection
+}  // namespace reading

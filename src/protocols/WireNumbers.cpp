@@ -1,4 +1,4 @@
-#include "protocols/modbus/ModbusNumbers.h"
+#include "protocols/WireNumbers.h"
 
 #include <bit>
 #include <cmath>

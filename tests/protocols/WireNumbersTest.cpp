@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "protocols/modbus/ModbusNumbers.h"
+#include "protocols/WireNumbers.h"
 #include "support/Hex.h"
 
 using namespace protocols;

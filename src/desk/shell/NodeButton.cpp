@@ -1,4 +1,4 @@
-#include "desk/kit/NodeButton.h"
+#include "desk/shell/NodeButton.h"
 
 #include <QPainter>
 #include <array>

@@ -7,7 +7,7 @@
 #include "core/Clock.h"
 #include "core/Database.h"
 
-namespace collection {
+namespace reading {
 
 // The columns of a day's row that a run sets; what is not given stays as it is.
 struct DayRow {
@@ -23,4 +23,4 @@ struct DayRow {
 void UpsertLogParam(core::Database& dbconn, std::int64_t locationID, const core::DateTime& stationDate,
                     const core::DateTime& now, const DayRow& values);
 
-}  // namespace collection
+}  // namespace reading

@@ -1,4 +1,4 @@
-#include "desk/kit/ByHand.h"
+#include "desk/collection/ByHand.h"
 
 #include <QMetaObject>
 #include <algorithm>
@@ -48,10 +48,9 @@ collection::DayLine LineNow(Desk& desk, std::int64_t locationID) {
 }
 
 QString Behind(Desk& desk) {
-    const auto nodes = collection::ReadNodes(desk.dbconn);
-    const auto waiting = std::count_if(nodes.begin(), nodes.end(), [&](const collection::Node& node) {
-        return desk.scheduler.Queued(node.locationId);
-    });
+    const auto nodes = reports::ReadNodes(desk.dbconn);
+    const auto waiting = std::count_if(
+        nodes.begin(), nodes.end(), [&](const reports::Node& node) { return desk.scheduler.Queued(node.locationId); });
     return waiting == 0 ? "" : ", " + QString::number(waiting) + (waiting == 1 ? " more waits" : " more wait");
 }
 
