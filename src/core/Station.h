@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/Kinds.h"
+
 namespace core {
 
 class Database;
@@ -36,6 +38,8 @@ struct Station {
     bool isTeleCorrector = false;
     bool isMultiStream = false;
     std::string dialprefix;  // modem dial command
+    Pacing pacing = Pacing::Stated;
+    WordOrder wordOrder = WordOrder::HighFirst;  // of Modbus floats in two registers
 
     // The metering method of a stream from 1, where the model has one; empty otherwise.
     std::string ModelText(int streamno) const;

@@ -5,7 +5,8 @@
 #include <string>
 #include <utility>
 
-// The one serial line to the field, in the operations of its control (`maincomm`).
+// A line to the field, in the operations of the control of a serial port (`maincomm`). A network line has no port
+// number and no settings.
 namespace protocols {
 
 class Line {
@@ -37,7 +38,18 @@ class Line {
     // Called when the device disappears under an open port, which is closed by then. `reason` is for the operator.
     void WhenLost(std::function<void(const std::string& reason)> tell) { lost_ = std::move(tell); }
 
+    // Called when bytes have come that can be read.
+    void WhenReceived(std::function<void()> tell) { received_ = std::move(tell); }
+
+    // Makes an opening that is on its way fail at once. A network line may take seconds to open.
+    virtual void StopOpening() {}
+
   protected:
+    void Received() {
+        if (received_) {
+            received_();
+        }
+    }
     void Lost(const std::string& reason) {
         if (lost_) {
             lost_(reason);
@@ -46,6 +58,7 @@ class Line {
 
   private:
     std::function<void(const std::string& reason)> lost_;
+    std::function<void()> received_;
 };
 
 }  // namespace protocols

@@ -39,6 +39,7 @@ void LineLease::End(const std::string& reason, bool takeLine) {
     if (first) {
         ended_ = true;
         reason_ = reason;
+        line_->StopOpening();
     }
     if (takeLine) {
         line_ = nullptr;
@@ -70,6 +71,12 @@ FieldLine::FieldLine(Line& line, core::Clock& clock) : line_(line), clock_(clock
         }
         EndConversation(reason);
     });
+    line_.WhenReceived([this] { clock_.Wake(); });
+}
+
+FieldLine::~FieldLine() {
+    line_.WhenLost({});
+    line_.WhenReceived({});
 }
 
 std::shared_ptr<LineLease> FieldLine::TakeOver(const std::string& reason) {

@@ -91,7 +91,7 @@ class ConnectingLine {
 class FieldLine {
   public:
     FieldLine(Line& line, core::Clock& clock);
-    ~FieldLine() { line_.WhenLost({}); }
+    ~FieldLine();
     FieldLine(const FieldLine&) = delete;
     FieldLine& operator=(const FieldLine&) = delete;
 
