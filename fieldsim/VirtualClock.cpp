@@ -16,6 +16,25 @@ void VirtualClock::After(std::uint32_t afterMs, std::function<void()> due) {
     timers_.emplace(elapsed_ + afterMs, Timer{0, std::move(due)});
 }
 
+void VirtualClock::Wake() {
+    awake_ = true;
+    Clock::Wake();
+}
+
+void VirtualClock::Arm(std::uint32_t withinMs) {
+    const std::uint64_t at = elapsed_ + withinMs;
+    if (armed_ && *armed_ <= at) {
+        return;
+    }
+    armed_ = at;
+    timers_.emplace(at, Timer{0, [this, at] {
+                                  if (armed_ == at) {
+                                      armed_.reset();
+                                      Resume();
+                                  }
+                              }});
+}
+
 void VirtualClock::Run(std::uint64_t milliseconds) {
     const std::uint64_t end = elapsed_ + milliseconds;
     while (elapsed_ < end) {

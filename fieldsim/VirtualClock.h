@@ -2,12 +2,14 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 
 #include "core/Clock.h"
 
 namespace fieldsim {
 
-// A clock on which a day of waits takes milliseconds: a wait moves the time on, stopping at every timer on its way.
+// A clock on which a day of waits takes milliseconds. A wait outside of a conversation moves the time on, stopping at
+// every timer on its way.
 class VirtualClock final : public core::Clock {
   public:
     // `counter` is the first reading of the millisecond counter, so that its wrap can be put anywhere.
@@ -16,7 +18,7 @@ class VirtualClock final : public core::Clock {
 
     core::DateTime Now() const override;
     std::uint32_t Milliseconds() const override { return counter_ + static_cast<std::uint32_t>(elapsed_); }
-    void Wake() override { awake_ = true; }
+    void Wake() override;
 
     // Milliseconds since the start, without wrap.
     std::uint64_t Elapsed() const { return elapsed_; }
@@ -33,6 +35,7 @@ class VirtualClock final : public core::Clock {
     void Run(std::uint64_t milliseconds);
 
   protected:
+    void Arm(std::uint32_t withinMs) override;
     void Turn(std::uint32_t atMostMs) override;
 
   private:
@@ -45,6 +48,7 @@ class VirtualClock final : public core::Clock {
     std::uint32_t counter_;
     std::uint64_t elapsed_ = 0;
     bool awake_ = false;
+    std::optional<std::uint64_t> armed_;  // when conversations go on
     std::multimap<std::uint64_t, Timer> timers_;
 };
 

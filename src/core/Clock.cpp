@@ -5,6 +5,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <utility>
 
 namespace core {
 
@@ -75,6 +78,15 @@ std::int64_t ToSeconds(const DateTime& at) {
     return midnight + at.hour * 3600 + at.minute * 60 + at.second;
 }
 
+void Clock::Start(std::function<void()> conversation) {
+    if (InConversation()) {
+        begun_.push_back(std::move(conversation));
+        Arm(0);
+    } else {
+        fibers_.Start(std::move(conversation));
+    }
+}
+
 bool Clock::WaitMs(double milliseconds) {
     WaitMs(milliseconds, [] { return false; });
     return true;
@@ -82,6 +94,15 @@ bool Clock::WaitMs(double milliseconds) {
 
 bool Clock::WaitMs(double milliseconds, const std::function<bool()>& ended) {
     const auto delay = static_cast<std::uint32_t>(std::clamp(std::ceil(milliseconds), 0.0, 2147483647.0));
+    CheckMayWait();
+    if (InConversation()) {
+        if (delay == 0 || !ended()) {
+            parked_.push_back({fibers_.Current(), Elapsed() + delay, ++parkings_, &ended});
+            Arm(delay);
+            fibers_.Park();
+        }
+        return !ended();
+    }
     const std::uint32_t start = Milliseconds();
     if (delay == 0) {
         Turn(0);
@@ -94,6 +115,64 @@ bool Clock::WaitMs(double milliseconds, const std::function<bool()>& ended) {
         Turn(delay - passed);
     }
     return !ended();
+}
+
+void Clock::Wake() {
+    woken_ = true;
+    Arm(0);
+}
+
+void Clock::Resume() {
+    const std::uint64_t now = Elapsed();
+    const bool woken = std::exchange(woken_, false);
+    std::vector<Parked> ready;
+    std::erase_if(parked_, [&](const Parked& one) {
+        const bool goesOn = one.due <= now || (woken && (*one.ended)());
+        if (goesOn) {
+            ready.push_back(one);
+        }
+        return goesOn;
+    });
+    std::sort(ready.begin(), ready.end(), [](const Parked& one, const Parked& other) {
+        return std::pair(one.due, one.number) < std::pair(other.due, other.number);
+    });
+    for (const Parked& one : ready) {
+        fibers_.Resume(*one.fiber);
+    }
+    for (auto& conversation : std::exchange(begun_, {})) {
+        fibers_.Start(std::move(conversation));
+    }
+    ArmNext();
+}
+
+void Clock::ArmNext() {
+    if (woken_ || !begun_.empty()) {
+        Arm(0);
+    } else if (!parked_.empty()) {
+        const auto next = std::min_element(parked_.begin(), parked_.end(),
+                                           [](const Parked& one, const Parked& other) { return one.due < other.due; });
+        const std::uint64_t now = Elapsed();
+        Arm(next->due <= now ? 0 : static_cast<std::uint32_t>(next->due - now));
+    }
+}
+
+// Milliseconds without wrap. A wait is shorter than the counter's period, so none is missed.
+std::uint64_t Clock::Elapsed() {
+    const std::uint32_t reading = Milliseconds();
+    elapsed_ += std::exchange(hasReading_, true) ? reading - lastReading_ : 0;
+    lastReading_ = reading;
+    return elapsed_;
+}
+
+void Clock::CheckMayWait() const {
+#ifndef NDEBUG
+    if (const char* reason = forbidden_ ? forbidden_() : nullptr) {
+        throw std::logic_error(std::string("A wait inside of ") + reason);
+    }
+    if (std::current_exception() != nullptr || std::uncaught_exceptions() > 0) {
+        throw std::logic_error("A wait while an exception is handled");
+    }
+#endif
 }
 
 }  // namespace core

@@ -5,6 +5,9 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "core/Fibers.h"
 
 // The time, from wherever it comes. Whatever asks for the time or waits asks a Clock.
 namespace core {
@@ -40,6 +43,8 @@ std::optional<DateTime> MomentOf(const std::string& isoText);
 DateTime FromSeconds(std::int64_t seconds);
 std::int64_t ToSeconds(const DateTime& at);
 
+// The time, and the conversations that wait for it. A conversation is straight-line code on a fiber of its own: its
+// waits park the fiber, and the one event loop goes on.
 class Clock {
   public:
     virtual ~Clock() = default;
@@ -49,19 +54,60 @@ class Clock {
     // timeGetTime: a 32-bit count of milliseconds that wraps.
     virtual std::uint32_t Milliseconds() const = 0;
 
-    // Waits, turning the event loop, so that commands and timers go on. Always returns true. The wrap of the
-    // counter inside the wait neither hangs it nor ends it early. Delays of less than 1 ms are one turn.
+    // Begins a conversation. From the event loop, it runs up to its first wait before this returns; from another
+    // conversation, it begins with the next turn of the loop. It ends by returning.
+    void Start(std::function<void()> conversation);
+
+    // How many have not ended.
+    std::size_t Conversations() const { return fibers_.Count() + begun_.size(); }
+    // The code that asks is part of one.
+    bool InConversation() const { return fibers_.Current() != nullptr; }
+
+    // Waits. Always returns true. The wrap of the counter inside the wait neither hangs it nor ends it early. Delays of
+    // less than 1 ms are one turn of the event loop.
     bool WaitMs(double milliseconds);
 
-    // The same, ended as soon as `ended` holds. Tells whether the whole time passed.
+    // The same, ended as soon as `ended` holds, which is asked before the wait, at a Wake, and behind it, from outside
+    // of the conversation too. Tells whether the whole time passed.
     bool WaitMs(double milliseconds, const std::function<bool()>& ended);
 
-    // Makes the wait in hand look at its `ended` condition now.
-    virtual void Wake() {}
+    // Makes all waits look at their `ended` in the next turn of the event loop.
+    virtual void Wake();
+
+    // What no wait may happen inside of, such as a transaction: a reason, or null. Asked before each wait of a debug
+    // build, which ends the program by std::logic_error if there is one.
+    void ForbidWaits(std::function<const char*()> reason) { forbidden_ = std::move(reason); }
 
   protected:
-    // Runs events for at most that long; may return earlier.
+    // Has Resume called from the event loop, that many milliseconds from now at the latest.
+    virtual void Arm(std::uint32_t withinMs) = 0;
+    // Goes on with the conversations whose time has come, or that were told to end.
+    void Resume();
+
+    // A wait outside of a conversation turns the event loop itself, for at most that long; this may return earlier.
     virtual void Turn(std::uint32_t atMostMs) = 0;
+
+  private:
+    struct Parked {
+        Fiber* fiber;
+        std::uint64_t due;     // ms of Elapsed
+        std::uint64_t number;  // in the order of parking
+        const std::function<bool()>* ended;
+    };
+
+    std::uint64_t Elapsed();
+    void CheckMayWait() const;
+    void ArmNext();
+
+    Fibers fibers_;
+    std::vector<std::function<void()>> begun_;  // from conversations, not yet on a fiber
+    std::vector<Parked> parked_;
+    std::uint64_t parkings_ = 0;
+    std::uint64_t elapsed_ = 0;
+    std::uint32_t lastReading_ = 0;
+    bool hasReading_ = false;
+    bool woken_ = false;
+    std::function<const char*()> forbidden_;
 };
 
 }  // namespace core

@@ -1,10 +1,15 @@
 #include "desk/platform/EventLoopClock.h"
 
 #include <QDateTime>
-#include <QEventLoop>
-#include <QTimer>
+#include <stdexcept>
 
 namespace desk {
+
+EventLoopClock::EventLoopClock() {
+    timer_.setSingleShot(true);
+    timer_.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { Resume(); });
+}
 
 core::DateTime EventLoopClock::Now() const {
     const QDateTime now = QDateTime::currentDateTime();
@@ -18,22 +23,14 @@ std::uint32_t EventLoopClock::Milliseconds() const {
     return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
 }
 
-void EventLoopClock::Wake() {
-    for (QEventLoop* loop : loops_) {
-        loop->quit();
+void EventLoopClock::Arm(std::uint32_t withinMs) {
+    if (!timer_.isActive() || timer_.remainingTime() > static_cast<int>(withinMs)) {
+        timer_.start(static_cast<int>(withinMs));
     }
 }
 
-void EventLoopClock::Turn(std::uint32_t atMostMs) {
-    QEventLoop loop;
-    loops_.push_back(&loop);
-    QTimer timer;
-    timer.setSingleShot(true);
-    timer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    timer.start(static_cast<int>(atMostMs));
-    loop.exec();
-    loops_.pop_back();
+void EventLoopClock::Turn(std::uint32_t) {
+    throw std::logic_error("A wait outside of a conversation");
 }
 
 }  // namespace desk

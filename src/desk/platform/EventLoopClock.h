@@ -1,27 +1,28 @@
 #pragma once
 
+#include <QTimer>
 #include <chrono>
-#include <vector>
 
 #include "core/Clock.h"
 
-class QEventLoop;
-
 namespace desk {
 
-// The machine's clock. A wait is an event loop of its own, so windows, timers and the serial port go on meanwhile.
-class EventLoopClock final : public core::Clock {
+// The machine's clock. A wait leaves the event loop to windows, timers and lines; a wait outside of a conversation
+// would hold it up, and throws std::logic_error.
+class EventLoopClock : public core::Clock {
   public:
+    EventLoopClock();
+
     core::DateTime Now() const override;
     std::uint32_t Milliseconds() const override;
-    void Wake() override;
 
   protected:
+    void Arm(std::uint32_t withinMs) override;
     void Turn(std::uint32_t atMostMs) override;
 
   private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-    std::vector<QEventLoop*> loops_;  // of the waits in hand, the innermost last
+    QTimer timer_;  // of the conversation that goes on next
 };
 
 }  // namespace desk
