@@ -178,7 +178,7 @@ std::map<int, Device*> Field::Ports() {
     return ports;
 }
 
-void Field::AttachTo(SimLine& line) {
+void Field::AttachTo(SimPorts& line) {
     for (const auto& [port, device] : Ports()) {
         line.Attach(port, *device);
     }

@@ -83,7 +83,7 @@ class Field {
 
     // What stands behind each port number, and all of it as the far side of a line.
     std::map<int, Device*> Ports();
-    void AttachTo(SimLine& line);
+    void AttachTo(SimPorts& line);
 
     const std::vector<Served>& Stations() const { return stations_; }
     const Served* Station(std::int64_t locationID) const;

@@ -1,13 +1,43 @@
 #include "fieldsim/SimLine.h"
 
+#include <algorithm>
+#include <numeric>
+
+#include "core/Text.h"
+
 namespace fieldsim {
 
-void SimLine::Refuse(int port, bool refused) {
+void SimPorts::Refuse(int port, bool refused) {
+    const std::string name = "COM" + std::to_string(port);
     if (refused) {
-        refused_.insert(port);
+        refused_.insert(name);
     } else {
-        refused_.erase(port);
+        refused_.erase(name);
     }
+}
+
+std::unique_ptr<protocols::Line> SimPorts::Line(const core::Station& station) {
+    return station.ip.empty() ? std::make_unique<SimLine>(*this)
+                              : std::make_unique<SimLine>(*this, core::UpperText(core::Trim(station.ip)));
+}
+
+bool SimPorts::PortOpen() const {
+    return std::any_of(lines_.begin(), lines_.end(), [](const SimLine* line) { return line->PortOpen(); });
+}
+
+std::uint64_t SimPorts::BytesSent() const {
+    return std::accumulate(lines_.begin(), lines_.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const SimLine* line) { return sum + line->BytesSent(); });
+}
+
+std::uint64_t SimPorts::BytesRead() const {
+    return std::accumulate(lines_.begin(), lines_.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const SimLine* line) { return sum + line->BytesRead(); });
+}
+
+int SimPorts::TimesOpened() const {
+    return std::accumulate(lines_.begin(), lines_.end(), 0,
+                           [](int sum, const SimLine* line) { return sum + line->TimesOpened(); });
 }
 
 bool SimLine::PortOpen(bool open) {
@@ -17,13 +47,13 @@ bool SimLine::PortOpen(bool open) {
     if (!open) {
         return true;
     }
-    if (devices_.count(port_) == 0 || refused_.count(port_) != 0) {
-        lastError_ = devices_.count(port_) == 0 ? "No such device" : "Permission denied";
+    if (ports_.devices_.count(name_) == 0 || ports_.refused_.count(name_) != 0) {
+        lastError_ = ports_.devices_.count(name_) == 0 ? "No such device" : "Permission denied";
         return false;
     }
     lastError_.clear();
-    Arrivals& arrivals = arrivals_[port_];
-    arrivals.erase(arrivals.begin(), arrivals.upper_bound(clock_.Elapsed()));
+    SimPorts::Arrivals& arrivals = ports_.arrivals_[name_];
+    arrivals.erase(arrivals.begin(), arrivals.upper_bound(ports_.clock_.Elapsed()));
     open_ = true;
     ++timesOpened_;
     return true;
@@ -32,12 +62,12 @@ bool SimLine::PortOpen(bool open) {
 void SimLine::Close() {
     open_ = false;
     received_.clear();
-    devices_[port_]->LineClosed();
+    ports_.devices_[name_]->LineClosed();
 }
 
 void SimLine::CommPort(int number) {
     if (!open_) {
-        port_ = number;
+        name_ = "COM" + std::to_string(number);
     }
 }
 
@@ -62,8 +92,8 @@ void SimLine::Output(const std::string& bytes) {
         return;
     }
     bytesSent_ += bytes.size();
-    for (Answer& answer : devices_[port_]->Receive(bytes, Now())) {
-        arrivals_[port_].emplace(clock_.Elapsed() + answer.delayMs, std::move(answer.bytes));
+    for (Answer& answer : ports_.devices_[name_]->Receive(bytes, Now())) {
+        ports_.arrivals_[name_].emplace(ports_.clock_.Elapsed() + answer.delayMs, std::move(answer.bytes));
     }
 }
 
@@ -79,8 +109,8 @@ void SimLine::Arrive() {
     if (!open_) {
         return;
     }
-    Arrivals& arrivals = arrivals_[port_];
-    const auto later = arrivals.upper_bound(clock_.Elapsed());
+    SimPorts::Arrivals& arrivals = ports_.arrivals_[name_];
+    const auto later = arrivals.upper_bound(ports_.clock_.Elapsed());
     for (auto due = arrivals.begin(); due != later; ++due) {
         received_ += due->second;
     }

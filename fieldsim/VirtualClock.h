@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <optional>
@@ -30,6 +31,9 @@ class VirtualClock final : public core::Clock {
 
     // Somebody sets the clock, or summer time begins or ends: the time of day jumps, and nothing else.
     void Step(std::int64_t seconds) { startSeconds_ += seconds; }
+
+    // The power is cut: every conversation ends where it waits, by an exception that nothing on its way catches.
+    void EndWaits(std::exception_ptr cut) { ThrowIntoWaits(std::move(cut)); }
 
     // Runs until that many milliseconds have passed.
     void Run(std::uint64_t milliseconds);

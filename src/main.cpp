@@ -156,12 +156,14 @@ int Start(QApplication& application, const StartOptions& options) {
     }
     core::Logs logs(*dbconn, shared, clock);
 
-    desk::SerialLine serialLine([&](int port) { return core::DevicePath(*dbconn, port, shared.directory).string(); });
-    protocols::FieldLine line(serialLine, clock);
+    protocols::FieldLines lines(clock, [&](const core::Station&) {
+        return std::make_unique<desk::SerialLine>(
+            [&](int port) { return core::DevicePath(*dbconn, port, shared.directory).string(); });
+    });
     protocols::BsapCounters counters;
     desk::mainfrm* shell = nullptr;
     desk::RunFeedback feedback(logs, [&shell](const QString& text) { shell->Status(text); });
-    reading::Workplace place{*dbconn, shared, clock, feedback, logs, line, counters};
+    reading::Workplace place{*dbconn, shared, clock, feedback, logs, lines, counters};
     mail::SmtpTransport mail;
     reports::ReportMail reportMail(place, mail);
     collection::Scheduler scheduler(place, reportMail);
@@ -172,7 +174,7 @@ int Start(QApplication& application, const StartOptions& options) {
     }
 
     desk::Navigator navigator;
-    desk::Desk desk{*dbconn, shared, logs, clock, feedback, line, counters, scheduler, mail, navigator};
+    desk::Desk desk{*dbconn, shared, logs, clock, feedback, lines, counters, scheduler, mail, navigator};
     desk::mainfrm mainfrm(desk);
     shell = &mainfrm;
     desk::frmLogin frmLogin(*dbconn, shared, logs,

@@ -138,7 +138,7 @@ void Stage::Collect() {
     options.alarmCycle = 300;
     options.modems[3] = {{"NO CARRIER", 6000}, {"CONNECT 9600", 5000}};
     field_ = std::make_unique<fieldsim::Field>(dbconn_, options);
-    field_->AttachTo(serial_);
+    field_->AttachTo(ports_);
     shell_ = std::make_unique<desk::mainfrm>(desk_);
     feedback_.shell = shell_.get();
     clock_.Every(60000, [this] { shell_->Tick(); });

@@ -8,14 +8,11 @@ namespace collection {
 
 namespace {
 
-protocols::Conversation Begin(reading::Workplace& place, core::Station station) {
-    protocols::Conversation talk{place.line.TakeOver("A scheduled collection has taken the line"),
-                                 place.clock,
-                                 place.feedback,
-                                 place.logs,
-                                 place.counters,
-                                 std::move(station),
-                                 place.shared.currentuser};
+protocols::Conversation Begin(reading::Workplace& place, core::Station station, const Call& call) {
+    auto lease = call.Reaches(station) ? call.Line()
+                                       : place.lines.Of(station).TakeOver("A scheduled collection has taken the line");
+    protocols::Conversation talk{std::move(lease), place.clock,        place.feedback,          place.logs,
+                                 place.counters,   std::move(station), place.shared.currentuser};
     talk.modbus.rtu32bit = talk.station.rtuBitsMode;
     return talk;
 }
@@ -41,27 +38,31 @@ void NotReached(reading::RunState& state, const std::string& reason) {
     state.reason = reason;
 }
 
-// Opens the port of the station. An "IP" station has none: its transactions fail as those of a silent one.
+std::string Device(const core::Station& station) {
+    return station.ip.empty() ? "Port " + std::to_string(station.comport) : station.ip;
+}
+
+// Opens the port of the station, or the connection to its address.
 bool OpenPort(reading::Workplace& place, protocols::Conversation& talk, reading::RunState& state) {
     const core::Station& station = talk.station;
     talk.line->PortOpen(false);
-    if (!station.ip.empty()) {
+    if (station.ip.empty()) {
+        talk.line->CommPort(station.comport);
+        place.feedback.Status(std::to_string(station.comport));
+        talk.line->Settings(station.settings);
+        place.feedback.Status(station.settings);
+    } else {
         place.feedback.Status(station.ip);
-        return true;
     }
-    talk.line->CommPort(station.comport);
-    place.feedback.Status(std::to_string(station.comport));
-    talk.line->Settings(station.settings);
-    place.feedback.Status(station.settings);
     place.feedback.Status("Scheduler :: connecting to Location " + station.consumer + "[ Try -> " +
                           std::to_string(state.attemptcount) + "]");
     if (!talk.Wait(talk.CommTimeout())) {
         return false;
     }
     if (!talk.line->PortOpen(true)) {
-        const std::string port = "Port " + std::to_string(station.comport) + " cannot be opened";
-        place.logs.WriteRtuErr(port + " [" + std::to_string(station.locationID) + "]: " + talk.line->LastError());
-        NotReached(state, port + ": " + talk.line->LastError());
+        const std::string what = Device(station) + (station.ip.empty() ? " cannot be opened" : " cannot be reached");
+        place.logs.WriteRtuErr(what + " [" + std::to_string(station.locationID) + "]: " + talk.line->LastError());
+        NotReached(state, what + ": " + talk.line->LastError());
         return false;
     }
     return true;
@@ -112,14 +113,6 @@ bool LineUp(protocols::Conversation& talk, reading::RunState& state) {
     return false;
 }
 
-void HangUp(reading::Workplace& place, protocols::Conversation& talk) {
-    if (!talk.station.phoneno.empty() && talk.line->PortOpen()) {
-        place.feedback.Status("Disconnecting" + talk.station.phoneno);
-        protocols::HangUp(*talk.line, place.clock, place.feedback, protocols::redialGuardMs);
-    }
-    talk.line->PortOpen(false);
-}
-
 // A conversation that was told to end before all was in.
 void NoteEnd(const protocols::Conversation& talk, reading::RunState& state) {
     if (talk.Ended() && state.result != reading::Result::Collected) {
@@ -129,23 +122,32 @@ void NoteEnd(const protocols::Conversation& talk, reading::RunState& state) {
     }
 }
 
-void Run(reading::Workplace& place, std::int64_t locationID, reading::RunState& state) {
+void Run(reading::Workplace& place, std::int64_t locationID, reading::RunState& state, Call& call,
+         const std::function<bool()>& another) {
     auto station = core::ReadStation(place.dbconn, locationID);
     if (!station) {
         return;
     }
-    auto talk = Begin(place, std::move(*station));
+    const bool reached = call.Reaches(*station);
+    if (!reached) {
+        call.End(place);
+    }
+    auto talk = Begin(place, std::move(*station), call);
     const auto counts = Counts(place, talk);
-    if (!OpenPort(place, talk, state)) {
+    if (!reached && !OpenPort(place, talk, state)) {
         state.runfailed = true;
         NoteEnd(talk, state);
         return;
     }
-    if (LineUp(talk, state)) {
+    call.Keep(talk.line, talk.station);
+    if (reached || LineUp(talk, state)) {
         Collect(place, talk, counts, state);
     }
     state.runfailed = state.runfailed || talk.line->Lost();
-    HangUp(place, talk);
+    const bool good = state.result == reading::Result::Collected && !state.runfailed && !talk.Ended();
+    if (!good || !another()) {
+        call.End(place);
+    }
     if (talk.line->Lost()) {
         place.logs.WriteRtuErr(talk.line->Reason() + " [" + std::to_string(locationID) + "]");
         place.feedback.Status(talk.line->Reason());
@@ -155,17 +157,49 @@ void Run(reading::Workplace& place, std::int64_t locationID, reading::RunState& 
 
 }  // namespace
 
-void collectiong_Data(reading::Workplace& place, std::int64_t locationID, reading::RunState& state) {
+void Call::Keep(std::shared_ptr<protocols::LineLease> line, const core::Station& station) {
+    line_ = std::move(line);
+    phoneno_ = station.phoneno;
+    settings_ = station.settings;
+}
+
+bool Call::Up() const {
+    return line_ != nullptr && !phoneno_.empty() && !line_->Ended() && line_->PortOpen();
+}
+
+bool Call::Reaches(const core::Station& station) const {
+    return Up() && station.ip.empty() && station.phoneno == phoneno_ && station.settings == settings_;
+}
+
+void Call::End(reading::Workplace& place) {
+    const auto line = std::exchange(line_, nullptr);
+    if (line == nullptr) {
+        return;
+    }
+    if (!phoneno_.empty() && line->PortOpen()) {
+        place.feedback.Status("Disconnecting" + phoneno_);
+        protocols::HangUp(*line, place.clock, place.feedback, protocols::redialGuardMs);
+    }
+    line->PortOpen(false);
+}
+
+void collectiong_Data(reading::Workplace& place, std::int64_t locationID, reading::RunState& state, Call& call,
+                      const std::function<bool()>& another) {
     state.result = reading::Result::NoAnswer;
     state.asked = 0;
     state.received = 0;
     state.reason.clear();
     state.figures = {};
     try {
-        Run(place, locationID, state);
+        Run(place, locationID, state, call, another);
     } catch (const std::exception& failure) {
         Fail(place, state, failure);
     }
+}
+
+void collectiong_Data(reading::Workplace& place, std::int64_t locationID, reading::RunState& state) {
+    Call call;
+    collectiong_Data(place, locationID, state, call, [] { return false; });
 }
 
 }  // namespace collection

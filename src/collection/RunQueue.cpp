@@ -28,14 +28,25 @@ void RunQueue::Add(Turn turn) {
 }
 
 std::optional<Turn> RunQueue::Next() {
+    return Next([](const Turn&) { return true; });
+}
+
+std::optional<Turn> RunQueue::Next(const Preferred& preferred) {
     for (auto& turns : waiting_) {
         if (!turns.empty()) {
-            Turn turn = std::move(turns.front());
-            turns.pop_front();
+            auto next = std::find_if(turns.begin(), turns.end(), preferred);
+            next = next == turns.end() ? turns.begin() : next;
+            Turn turn = std::move(*next);
+            turns.erase(next);
             return turn;
         }
     }
     return std::nullopt;
+}
+
+bool RunQueue::NextIs(const Preferred& preferred) const {
+    const auto first = std::find_if(waiting_.begin(), waiting_.end(), [](const auto& turns) { return !turns.empty(); });
+    return first != waiting_.end() && std::any_of(first->begin(), first->end(), preferred);
 }
 
 bool RunQueue::Empty() const {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -19,7 +20,7 @@ struct Turn {
     std::optional<core::DateTime> due;  // the contract hour that it serves
     bool collects = true;               // false: selected by its minute, and not due today
     int round = 0;                      // of a retry, from 1
-    bool mails = false;                 // the day's report goes out behind it
+    std::int64_t batch = 0;             // of the turns that were queued together; 0: none
 
     // "2026-03-09": the day of the contract hour, or of a moment where there is none.
     std::string GasDay(const core::DateTime& now) const { return core::IsoText(due.value_or(now)).substr(0, 10); }
@@ -31,6 +32,11 @@ class RunQueue {
   public:
     void Add(Turn turn);
     std::optional<Turn> Next();
+    // The same; among those that are as urgent as the next one, the first that is preferred.
+    using Preferred = std::function<bool(const Turn& turn)>;
+    std::optional<Turn> Next(const Preferred& preferred);
+    // Whether that one is preferred.
+    bool NextIs(const Preferred& preferred) const;
     bool Empty() const;
 
     // Whether a turn of the station waits in which it is collected.

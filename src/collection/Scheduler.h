@@ -1,14 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
+#include <map>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "collection/CollectionRun.h"
 #include "collection/DayLine.h"
+#include "collection/LineRun.h"
 #include "collection/MissedHours.h"
 #include "collection/Retries.h"
-#include "collection/RunQueue.h"
 #include "reading/Workplace.h"
 
 namespace collection {
@@ -39,24 +43,25 @@ class Reporter {
     virtual void SendUnsent(const std::function<bool()>& ended) = 0;
 };
 
-// What runs by itself each minute: collects the stations whose contract hour is the present minute, one after the
-// other, records the outcome of each, and mails the day's report behind them. What an operator asks for, contract hours
-// that were missed, and retries follow behind whoever is due.
+// What runs by itself each minute: collects the stations whose contract hour is the present minute, records the outcome
+// of each, and mails the day's report behind them. Each line has its own turns, one after the other; lines are served
+// side by side. What an operator asks for, contract hours that were missed, and retries follow behind whoever is due on
+// the line.
 class Scheduler {
   public:
-    Scheduler(reading::Workplace& place, Reporter& reporter)
-        : place_(place), reporter_(reporter), missed_(place.dbconn), retries_(place.dbconn) {}
+    Scheduler(reading::Workplace& place, Reporter& reporter);
+    Scheduler(const Scheduler&) = delete;
+    Scheduler& operator=(const Scheduler&) = delete;
 
-    // The minute's tick. A tick that comes while stations are being collected selects its own stations at its own
-    // minute and puts them behind the ones in hand; the call in hand serves them. While a conversation keeps the line
-    // the stations wait: Serve collects them. Ends an attempt whose time is up. Never throws.
+    // The minute's tick: queues who is due and serves. Ends an attempt whose time is up. Never throws, and never waits.
     void Tick();
 
-    // Collects the stations that wait, unless they are being collected or the line is still kept. Never throws.
+    // Begins with the stations that wait, where nothing is being collected on their line and nobody keeps it. Never
+    // throws, and never waits.
     void Serve();
 
-    // An operator wants a station to be collected. It is queued; Serve, called from the event loop, or the next tick
-    // comes to it. False: there is no such station, or it waits already or is in hand. Throws DatabaseError.
+    // An operator wants a station to be collected. It is queued; Serve or the next tick comes to it. False: there is no
+    // such station, or it waits already or is in hand. Throws DatabaseError.
     bool CollectNow(std::int64_t locationID);
 
     // The same for every station whose latest contract hour has passed and is not collected. Tells how many were
@@ -72,49 +77,55 @@ class Scheduler {
     // Whether the minute of a moment has had its tick.
     bool Served(const core::DateTime& at) const { return missed_.Ticked(at); }
 
-    // The station that is being collected.
-    std::optional<std::int64_t> InHand() const { return inHand_; }
+    // The stations that are being collected, by line.
+    std::vector<std::int64_t> InHand() const;
+    // The one on the line of a station.
+    std::optional<std::int64_t> InHandOn(const core::Station& station) const;
 
     // Whether the station waits for its turn. A station that waits or is in hand is not to be deleted.
-    bool Queued(std::int64_t locationID) const { return queue_.Holds(locationID); }
+    bool Queued(std::int64_t locationID) const;
 
     InQueue StandOf(std::int64_t locationID) const;
 
     // Stations are being collected, or their mail is being sent.
-    bool Busy() const { return running_; }
+    bool Busy() const;
 
-    // The program ends: the waits of the conversation in hand end, its line is hung up and closed, and no further
+    // The program ends: the waits of the conversations in hand end, their lines are hung up and closed, and no further
     // station is tried. Whoever calls this waits until Busy() is over.
     void Leave();
     bool Leaving() const { return leaving_; }
 
   private:
+    // The turns that were queued together: behind the last of them the report goes out.
+    struct Batch {
+        core::DateTime day;
+        std::size_t turns = 0;  // that are not over
+        bool mails = false;
+    };
+
     void QueueDue(const core::DateTime& now);
     void QueueMissed(const core::DateTime& now);
-    void EndOverdue();
-    bool QueueByHand(std::int64_t locationID);
-    void ServeTurn(const Turn& turn);
-    void ServeStation(const Turn& turn);
+    void Queue(std::vector<Turn> turns, const core::DateTime& day, bool mails);
+    bool QueueTurn(Turn turn);
+    LineRun& LineOf(const core::Station& station);
+    bool Holds(std::int64_t locationID, const core::DateTime& due) const;
     bool StillWanted(const Turn& turn) const;
-    void Collect(const Turn& turn, const core::Station& station);
-    reading::RunState Attempts(const Turn& turn, Outcome& outcome);
-    void Record(const Turn& turn, const reading::RunState& state, const Outcome& outcome);
-    void MailReport(const Turn& turn);
-    void MailUnsent();
+    void Over(const Turn& turn);
+    void Idle();
+    void Mail();
     void Tell(void (RunWatcher::*event)(std::int64_t), const Turn& turn);
 
     reading::Workplace& place_;
     Reporter& reporter_;
     MissedHours missed_;
     Retries retries_;
-    RunQueue queue_;
+    std::map<std::string, std::unique_ptr<LineRun>> lines_;  // by name
+    std::map<std::int64_t, Batch> batches_;
+    std::int64_t lastBatch_ = 0;
     RunWatcher* watcher_ = nullptr;
-    std::optional<std::int64_t> inHand_;
-    std::optional<core::DateTime> inHandDue_;
-    std::uint32_t attemptBegun_ = 0;       // ms, of the attempt in hand
-    bool overdue_ = false;                 // its time is up
+    std::deque<core::DateTime> reports_;   // days whose report is to go out
     std::optional<std::uint32_t> mailed_;  // ms, when mail was last tried
-    bool running_ = false;
+    bool mailing_ = false;
     bool leaving_ = false;
 };
 

@@ -100,6 +100,9 @@ bool Clock::WaitMs(double milliseconds, const std::function<bool()>& ended) {
             parked_.push_back({fibers_.Current(), Elapsed() + delay, ++parkings_, &ended});
             Arm(delay);
             fibers_.Park();
+            if (thrown_) {
+                std::rethrow_exception(thrown_);
+            }
         }
         return !ended();
     }
@@ -143,6 +146,19 @@ void Clock::Resume() {
         fibers_.Start(std::move(conversation));
     }
     ArmNext();
+}
+
+void Clock::ThrowIntoWaits(std::exception_ptr failure) {
+    thrown_ = std::move(failure);
+    begun_.clear();
+    for (const Parked& one : std::exchange(parked_, {})) {
+        try {
+            fibers_.Resume(*one.fiber);
+        } catch (...) {
+            // What was thrown in, on its way out.
+        }
+    }
+    thrown_ = nullptr;
 }
 
 void Clock::ArmNext() {

@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <optional>
 #include <string>
@@ -83,6 +84,8 @@ class Clock {
     virtual void Arm(std::uint32_t withinMs) = 0;
     // Goes on with the conversations whose time has come, or that were told to end.
     void Resume();
+    // Ends all conversations here and now, each by this exception out of its wait.
+    void ThrowIntoWaits(std::exception_ptr failure);
 
     // A wait outside of a conversation turns the event loop itself, for at most that long; this may return earlier.
     virtual void Turn(std::uint32_t atMostMs) = 0;
@@ -107,6 +110,7 @@ class Clock {
     std::uint32_t lastReading_ = 0;
     bool hasReading_ = false;
     bool woken_ = false;
+    std::exception_ptr thrown_;
     std::function<const char*()> forbidden_;
 };
 

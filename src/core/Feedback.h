@@ -12,6 +12,14 @@ class Feedback {
     // The first panel of the status bar.
     virtual void Status(const std::string& text) = 0;
 
+    // The same of the work on one of several lines, "COM3"; empty: its work is over.
+    virtual void LineStatus(const std::string& line, const std::string& text) {
+        static_cast<void>(line);
+        if (!text.empty()) {
+            Status(text);
+        }
+    }
+
     // A message box. Unattended work never waits for its answer: there it is shown without blocking and the text
     // goes to the error log as well.
     virtual void Box(const std::string& text) = 0;

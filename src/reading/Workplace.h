@@ -6,17 +6,18 @@
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "protocols/line/Conversation.h"
+#include "protocols/line/FieldLines.h"
 
 namespace reading {
 
-// What every routine of the collection works with: the desk's shared things and the line to the field.
+// What every routine of the collection works with: the desk's shared things and the lines to the field.
 struct Workplace {
     core::Database& dbconn;
     const core::MAIN_Module& shared;
     core::Clock& clock;
     core::Feedback& feedback;
     core::Logs& logs;
-    protocols::FieldLine& line;
+    protocols::FieldLines& lines;
     protocols::BsapCounters& counters;
 };
 

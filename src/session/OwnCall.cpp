@@ -8,9 +8,9 @@
 
 namespace session {
 
-bool OwnCall(const reading::Workplace& place, const collection::Scheduler& scheduler, const core::Station& station,
+bool OwnCall(const reading::Workplace& place, const collection::Scheduler&, const core::Station& station,
              const LineUpOptions& options, const std::function<void(protocols::Conversation& talk)>& work) {
-    auto lease = scheduler.Busy() ? nullptr : place.line.TakeIfFree();
+    auto lease = place.lines.Of(station).TakeIfFree();
     if (lease == nullptr) {
         place.feedback.Box(lineInUse);
         return false;

@@ -44,7 +44,7 @@ Session::Session(const reading::Workplace& place, const collection::Scheduler& s
                  std::int64_t locationID)
     : view_(view),
       feedback_(view),
-      place_{place.dbconn, place.shared, place.clock, view, place.logs, place.line, place.counters},
+      place_{place.dbconn, place.shared, place.clock, view, place.logs, place.lines, place.counters},
       scheduler_(scheduler),
       station_(StationOf(place.dbconn, locationID)),
       look_(LookOf(place.dbconn, locationID)) {
@@ -103,7 +103,7 @@ void Session::Connect() {
 // While stations are collected the line is theirs, also between two of them: a session that began inside that run
 // would hold it up for as long as the operator stays.
 bool Session::TakeLine() {
-    auto lease = scheduler_.Busy() ? nullptr : place_.line.TakeIfFree();
+    auto lease = place_.lines.Of(station_).TakeIfFree();
     if (lease == nullptr) {
         view_.Box(lineInUse);
         return false;
@@ -299,7 +299,7 @@ void Session::Disconnect() {
                                station_.consumer + ".");
     });
     if (running_) {
-        place_.line.EndConversation("The operator has disconnected");
+        place_.lines.Of(station_).EndConversation("The operator has disconnected");
         TurnTo(State::Disconnecting);
     } else {
         Finish();

@@ -67,7 +67,8 @@ struct Told final : core::Feedback {
 
 // A desk in front of a station with `newest` records, in which each float is 100 times the record and its offset.
 struct ArchiveDesk : support::ScratchDesk {
-    fieldsim::SimLine serial{clock};
+    fieldsim::SimPorts ports{clock};
+    fieldsim::SimLine serial{ports};
     protocols::FieldLine field{serial, clock};
     protocols::BsapCounters counters;
     Told told;
@@ -97,7 +98,7 @@ struct ArchiveDesk : support::ScratchDesk {
         slave = std::make_unique<fieldsim::ModbusSlave>(
             station.slaveaddress, station.mode == "RTU" ? fieldsim::Framing::Rtu : fieldsim::Framing::Ascii, map);
         faults = std::make_unique<fieldsim::LineFaults>(*slave, fieldsim::LineFaults::Options{script, {}});
-        serial.Attach(1, *faults);
+        ports.Attach(1, *faults);
     }
 
     archive::ModbusArchiveOutcome Collect(ArchiveKind kind = ArchiveKind::Hourly) { return Collect(field, kind); }
@@ -391,7 +392,7 @@ TEST(ModbusArchive, WhatTheFieldHoldsIsWhatComes) {
             ArchiveDesk desk;
             const auto locationID = demo::AddStation(desk.dbconn, {"O'Neill", model, "Modbus", "RTU", 1, 7});
             fieldsim::Field field(desk.dbconn, {});
-            field.AttachTo(desk.serial);
+            field.AttachTo(desk.ports);
             desk.station = *core::ReadStation(desk.dbconn, locationID);
             EXPECT_EQ(archive::ArchiveCollected(desk.Collect(kind)), "Archive Collected");
             const auto& file = field.Station(locationID)->archive[kind == ArchiveKind::Hourly ? 1 : 0];

@@ -219,7 +219,7 @@ TEST(BsapListLate, RepliesAreNotTakenForThoseToLaterRequests) {
         Station station;
         station.lateMs = lateMs;
         support::SimulatedTalk desk;
-        desk.line.Attach(1, station);
+        desk.ports.Attach(1, station);
         desk.line.PortOpen(true);
         EXPECT_EQ(Values(getdata_BSAP(desk.talk, 55, ListKind::Boolean, {})), (std::vector<double>{1, 1, 1}));
         EXPECT_EQ(Values(getdata_BSAP(desk.talk, 54, ListKind::Float, {})), (std::vector<double>{1.5, 9, 1.5, 1.5}));

@@ -19,7 +19,7 @@ struct GasCompositionTest : testing::Test {
 
     // A conversation with the station whose line is up.
     protocols::Conversation Connect() {
-        auto lease = desk.fieldLine.TakeOver("");
+        auto lease = desk.Line().TakeOver("");
         lease->CommPort(1);
         EXPECT_TRUE(lease->PortOpen(true));
         protocols::Conversation talk{lease,     desk.clock,    desk.feedback,
@@ -193,7 +193,7 @@ TEST_F(GasCompositionTest, ARunThatTakesTheLineEndsIt) {
         desk.dbconn, location, {{offered[0].startaddress, "Methane", 88}, {offered[1].startaddress, "Nitrogen", 7}});
     field = &desk.OpenField();
     auto talk = Connect();
-    desk.clock.After(1250, [this] { desk.fieldLine.TakeOver("A scheduled collection has taken the line"); });
+    desk.clock.After(1250, [this] { desk.Line().TakeOver("A scheduled collection has taken the line"); });
     EXPECT_FALSE(collection::write_gascomposition(desk.place, talk));
     EXPECT_EQ(desk.clock.Elapsed(), 1250U);
     EXPECT_THAT(desk.RtuErr(), HasSubstr(notComplete));

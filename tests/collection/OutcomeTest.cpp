@@ -356,7 +356,7 @@ TEST_F(OutcomeTest, AnAttemptHasItsTimeAndThenTheNextStationIsServed) {
     EXPECT_EQ(desk.dbconn.First("select reason from outcome").value()[std::size_t{0}].Text(),
               "The 2 minutes of an attempt were up");
     EXPECT_THAT(LineNow(farm), HasSubstr("broken off, 08:03"));
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
 }
 
 // Its clock being behind, each run of a midnight station finds the row of the day before in LogParam, and moves it.

@@ -52,7 +52,7 @@ struct QuantumReadTest : testing::Test {
     CutUnit unit;
 
     bool Collect(const std::vector<std::size_t>& kept) {
-        desk.line.Attach(1, unit);
+        desk.ports.Attach(1, unit);
         unit.kept = kept;
         reading::RunState state;
         collection::collectiong_Data(desk.place, locationID, state);

@@ -134,7 +134,7 @@ TEST_F(SchedulerTest, LeavingEndsTheRunClosesThePortAndTriesNobodyElse) {
     desk.clock.Run(30000);
     desk.scheduler.Tick();
     EXPECT_EQ(desk.clock.Elapsed(), 90000U);
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_FALSE(desk.scheduler.Busy());
     EXPECT_EQ(Attempts(second), 0);
     EXPECT_TRUE(desk.Master(first).Bool("sampledtoday"));  // cut off: its mark stays

@@ -69,7 +69,7 @@ struct ValueQuality : testing::Test {
         begun = core::IsoText(desk.clock.Now());
         reading::RunState state;
         collection::collectiong_Data(desk.place, location, state);
-        EXPECT_FALSE(desk.line.PortOpen());
+        EXPECT_FALSE(desk.ports.PortOpen());
         return state;
     }
     // The rows that have an address, by their number.
@@ -117,7 +117,7 @@ TEST_F(ValueQuality, AWholeRunMakesEveryRowGoodAndASilentOneKeepsItsMoment) {
             const auto before = Rows(location);
             if (fromTheStart) {
                 desk.OpenField();
-                desk.line.Attach(static_cast<int>(core::Val(desk.Master(location).Text("comport").substr(3))), mute);
+                desk.ports.Attach(static_cast<int>(core::Val(desk.Master(location).Text("comport").substr(3))), mute);
             }
             state = Run(location);
             int fresh = 0;
@@ -146,7 +146,7 @@ TEST_F(ValueQuality, WhatAStationRefusesIsNoFigureAndTheDayIsPartly) {
     const auto location = locations[0];
     auto& field = desk.OpenField();
     support::RefusingSlave refusing(*field.Station(location)->device, [](int reg) { return reg == 125; });
-    desk.line.Attach(1, refusing);
+    desk.ports.Attach(1, refusing);
     auto state = Run(location);
     EXPECT_EQ(state.result, Result::Partly);
     EXPECT_EQ(state.reason, "62 values refused by the station (exception 2 at register 125)");
@@ -213,7 +213,7 @@ TEST_F(ValueQuality, AQuantumReplyThatStaysCutGivesNoFigureForWhatIsMissing) {
     CutReply cut;
     cut.unit = desk.OpenField().Station(location)->device;
     cut.kept = 23 + 2 * 13;
-    desk.line.Attach(5, cut);
+    desk.ports.Attach(5, cut);
     auto state = Run(location);
     EXPECT_FALSE(state.runfailed);
     EXPECT_EQ(state.result, Result::Partly);

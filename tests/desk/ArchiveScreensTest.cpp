@@ -208,7 +208,7 @@ TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
     EXPECT_EQ(support::Box(page), nullptr);  // one run
     EXPECT_EQ(Rows(page), 40);
     EXPECT_EQ(desk.Count("tArchiveTimeStamp"), 0);
-    EXPECT_FALSE(desk.fieldLine.InUse());
+    EXPECT_FALSE(desk.Line().InUse());
     number.setText("99");
     desk.Press(page, "cmdGo");
     EXPECT_EQ(Answer(page),
@@ -230,7 +230,7 @@ TEST_F(ArchiveScreens, TheMenuOfAMicroHasALineForItsScreens) {
     Click(archive, "cmdClose");
     desk.Press(page, "cmddisconnect");
     EXPECT_EQ(Label(page, "lblconnection"), "Not connected");
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     Click(page, "cmdClose");
     EXPECT_NE(desk.window.Front(), &page);
 }
@@ -259,7 +259,7 @@ TEST_F(ArchiveScreens, AScheduledRunEndsADownload) {
     desk.StartTicking();
     desk.clock.Run(58000 - desk.clock.Elapsed() % 60000);
     desk.Press(page, "cmdGo",
-               {{"taken", [&] { return desk.scheduler.InHand().has_value(); },
+               {{"taken", [&] { return !desk.scheduler.InHand().empty(); },
                  [&] {
                      QMetaObject::invokeMethod(&The<QTimer>(page, "tmrline"), "timeout");
                      EXPECT_THAT(Label(page, "lblmsg"), StartsWith("The line was taken to collect "));

@@ -175,7 +175,7 @@ TEST_F(CalibrationScreens, ItMakesACallOfItsOwnAndCanBeStopped) {
                   }},
                  {"restored", [&] { return Label(page, "lblmsg") == "Temp:-Signal Write Success"; },
                   [&] { Click(page, "cmdStop"); }}});
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_THAT(Label(page, "lblmsg"), StartsWith("Stopped"));
     EXPECT_EQ(Label(page, "lblstate"), "Stopped");
     EXPECT_THAT(Label(page, "lblTempAge"), HasSubstr("Old: read at"));
@@ -215,7 +215,7 @@ TEST_F(CalibrationScreens, AScheduledRunEndsItInTheMidstOfACommand) {
                       Click(page, "cmdCalibSpan");
                       Answer(page, QMessageBox::Yes);
                   }},
-                 {"taken", [&] { return desk.scheduler.InHand().has_value(); },
+                 {"taken", [&] { return !desk.scheduler.InHand().empty(); },
                   [&] {
                       QMetaObject::invokeMethod(&The<QTimer>(page, "tmrline"), "timeout");
                       EXPECT_EQ(Label(page, "lblmsg"), "The line was taken to collect Due");

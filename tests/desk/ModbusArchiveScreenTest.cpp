@@ -78,8 +78,8 @@ TEST_F(ModbusArchiveScreen, ACallOfItsOwnIsDialledReadAndHungUp) {
               }},
              {"lamp", [this] { return The<desk::LineMark>(*page, "TX").Lit(); }, [&] { lit = true; }}});
     EXPECT_TRUE(lit);
-    EXPECT_FALSE(desk.fieldLine.InUse());
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.Line().InUse());
+    EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_EQ(Answer(*page), "Archive Collected");
     EXPECT_EQ(Rows(), 40);
     EXPECT_EQ(Stored("daily_tf"), 40);
@@ -182,7 +182,7 @@ TEST_F(ModbusArchiveScreen, AScheduledRunTakesTheLineFromEither) {
         EXPECT_TRUE(Enabled("cmdClose"));
         EXPECT_EQ(support::Focus(*page), "cmdarchive");
         EXPECT_TRUE(screen.Master(1).Bool("sampledtoday"));
-        EXPECT_FALSE(screen.fieldLine.InUse());
+        EXPECT_FALSE(screen.lines.InUse());
     }
 }
 
@@ -206,7 +206,7 @@ TEST_F(ModbusArchiveScreen, AFailureIsToldAndALineInUseIsLeftAlone) {
     EXPECT_EQ(Rows(), 4);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
-    const auto lease = desk.fieldLine.TakeIfFree();
+    const auto lease = desk.Line().TakeIfFree();
     Click(*page, "cmdarchive");
     EXPECT_THAT(Answer(*page), StartsWith("The line is in use"));
     EXPECT_EQ(support::Box(*page), nullptr);

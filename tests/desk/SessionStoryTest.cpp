@@ -218,7 +218,7 @@ TEST_F(SessionStory, ATeleFlowIsDialledWatchedWrittenAndLeft) {
     EXPECT_THAT(Trail(), Contains(HasSubstr("User bob disconnected from RTU Hill Farm.")));
     EXPECT_TRUE(Enabled("cmdConnect"));
     EXPECT_TRUE(Enabled("cmdClose"));
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
 }
 
 TEST_F(SessionStory, ATeleCorrectorIsWatchedAndWrittenOverBsap) {

@@ -97,7 +97,7 @@ TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
     shell.Tick();
     EXPECT_EQ(ended.count(), 1);
     EXPECT_FALSE(desk.scheduler.Busy());
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_EQ(desk.clock.Elapsed(), 30700U);
 }
 

@@ -322,7 +322,7 @@ TEST_F(SignalScreens, ASearchByNameAndByAttribute) {
     EXPECT_THAT(Answer(page), HasSubstr("up to the stop"));
     // The station falls silent behind the first reply: what was found stays.
     desk.Press(page, "cmdSearch",
-               {{"rows", [&] { return Rows(page) > 0; }, [&] { desk.line.Attach(1, *field->Station(3)->device); }}});
+               {{"rows", [&] { return Rows(page) > 0; }, [&] { desk.ports.Attach(1, *field->Station(3)->device); }}});
     EXPECT_EQ(Answer(page), "Error Occured in Communication");
     EXPECT_GT(Rows(page), 0);
 }
@@ -339,10 +339,10 @@ TEST_F(SignalScreens, ByACallOfItsOwnFromTheMenuAndOnAMicro) {
     desk.Press(page, "cmdfetch");
     EXPECT_EQ(Answer(page), "List Fetched");
     ExpectProgram(page);
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     Choose(page, 0);
     EXPECT_FALSE(Seen(page, "frmvalue"));
-    desk.line.Attach(1, *field->Station(3)->device);  // another station behind the port
+    desk.ports.Attach(1, *field->Station(3)->device);  // another station behind the port
     desk.Press(page, "cmdfetch");
     EXPECT_EQ(Answer(page), "RTU Dead");
     EXPECT_EQ(support::Box(page), nullptr);

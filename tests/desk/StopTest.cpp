@@ -69,8 +69,8 @@ TEST_P(StopTest, EndsADialAtOnce) {
     ASSERT_NE(stoppedAt, 0U);
     EXPECT_LE(desk.clock.Elapsed() - stoppedAt, 4000U) << "the hang-up";
     EXPECT_EQ(dialled.size(), 1U);
-    EXPECT_FALSE(desk.line.PortOpen());
-    EXPECT_FALSE(desk.fieldLine.InUse());
+    EXPECT_FALSE(desk.ports.PortOpen());
+    EXPECT_FALSE(desk.Line().InUse());
     support::Answer(page);
     EXPECT_TRUE(The(page, screen.start).isEnabled());
     EXPECT_EQ(support::Box(page), nullptr);

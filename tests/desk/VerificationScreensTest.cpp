@@ -274,10 +274,10 @@ TEST_F(VerificationScreens, StoredListsAreShownWithTheirDates) {
     QTest::keyClick(The<QComboBox>(*before, "txtListNo").lineEdit(), Qt::Key_Return);
     QCoreApplication::processEvents();
     EXPECT_EQ(support::Focus(*before), "cmdfetch");  // and nothing is replaced yet
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_EQ(Fetch(*before, "54"), "List Fetched");
-    EXPECT_FALSE(desk.line.PortOpen());
-    EXPECT_FALSE(desk.fieldLine.InUse());
+    EXPECT_FALSE(desk.ports.PortOpen());
+    EXPECT_FALSE(desk.Line().InUse());
     const auto file = desk.shared.directory / "list.xls";
     EXPECT_EQ(Save(*before, "cmd_save", file, "Excel Files(*.xls)"), "Data Saved...");
     EXPECT_THAT(support::FileText(file), HasSubstr("\r\n20\tS'20.V (Analog)\t20\tbar\t\r\n"));
@@ -318,7 +318,7 @@ TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
         EXPECT_EQ(desk.dbconn.Texts("select before_date from tblDateTime"), std::vector<std::string>{"2026-03-09"})
             << trace;
         EXPECT_EQ(desk.Count("tblListNo"), 1) << trace;
-        EXPECT_FALSE(Enabled(page, "cmd_save") || desk.line.PortOpen() || desk.fieldLine.InUse()) << trace;
+        EXPECT_FALSE(Enabled(page, "cmd_save") || desk.ports.PortOpen() || desk.Line().InUse()) << trace;
         EXPECT_TRUE(Enabled(page, "cmdfetch") && Enabled(page, "cmdClose")) << trace;
     };
     NextDay();
@@ -344,14 +344,14 @@ TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
         "List Fetched up to the stop: ", "stop");
     EXPECT_THAT(Label(page, "lblshown"), "List 54, not stored");
     expectNothing(
-        Fetch(page, "54", {{"called", [&] { return desk.line.PortOpen(); }, [&] { Click(page, "cmd_stop"); }}}),
+        Fetch(page, "54", {{"called", [&] { return desk.ports.PortOpen(); }, [&] { Click(page, "cmd_stop"); }}}),
         "List Fetched up to the stop: 0", "stop before the first reply");
     expectNothing(Fetch(page, "54",
                         {{"rows", [&] { return Rows(page).Rows() > 0; },
-                          [&] { desk.fieldLine.EndConversation("The program ends"); }}}),
+                          [&] { desk.Line().EndConversation("The program ends"); }}}),
                   "The line is gone: The program ends\nNothing was stored.", "end");
     {
-        const auto held = desk.fieldLine.TakeIfFree();
+        const auto held = desk.Line().TakeIfFree();
         Type(page, "54");
         Click(page, "cmdfetch");
         EXPECT_THAT(Answer(page), StartsWith("The line is in use"));
@@ -369,7 +369,7 @@ TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
 TEST_F(VerificationScreens, AScheduledCollectionWaitsForAFetch) {
     OpenField();
     desk.StartTicking();
-    desk.fieldLine.WhenReleased([this] { desk.clock.After(1, [this] { desk.scheduler.Serve(); }); });
+    desk.Line().WhenReleased([this] { desk.clock.After(1, [this] { desk.scheduler.Serve(); }); });
     std::uint64_t tick = 0;
     for (const bool connected : {false, true}) {
         Launcher(twinID, connected);
@@ -383,8 +383,8 @@ TEST_F(VerificationScreens, AScheduledCollectionWaitsForAFetch) {
         EXPECT_EQ(Fetch(page, "54",
                         {{"due", [&] { return desk.clock.Elapsed() > tick + 100; },
                           [&] {
-                              EXPECT_TRUE(desk.fieldLine.InUse());
-                              EXPECT_FALSE(desk.scheduler.InHand());
+                              EXPECT_TRUE(desk.Line().InUse());
+                              EXPECT_TRUE(desk.scheduler.InHand().empty());
                               EXPECT_FALSE(desk.Master(dialledID).Bool("sampledtoday"));
                           }}}),
                   "List Fetched");

@@ -13,8 +13,8 @@ namespace support {
 template <typename TestLine>
 class FieldTalk {
     TestLine MakeLine() {
-        if constexpr (std::is_constructible_v<TestLine, fieldsim::VirtualClock&>) {
-            return TestLine(desk.clock);
+        if constexpr (std::is_constructible_v<TestLine, fieldsim::SimPorts&>) {
+            return TestLine(ports);
         } else {
             return TestLine();
         }
@@ -29,6 +29,7 @@ class FieldTalk {
 
   public:
     ScratchDesk desk;
+    fieldsim::SimPorts ports{desk.clock};
     TestLine line = MakeLine();
     protocols::FieldLine field{line, desk.clock};
     protocols::BsapCounters counters;

@@ -137,7 +137,7 @@ TEST(ModbusTransact, ReadsAStationInItsFraming) {
                                                                  {3, "Flow", "SCM", fieldsim::Kind::Float, -250}},
                                                                 {{1, "Valve", "", fieldsim::Kind::Logical, 1}}),
                                         answerMs);
-            field.line.Attach(1, slave);
+            field.ports.Attach(1, slave);
             field.line.CommPort(1);
             ASSERT_TRUE(field.line.PortOpen(true));
             field.talk.station.mode = ascii ? "ASCII" : "RTU";

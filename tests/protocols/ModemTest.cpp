@@ -286,7 +286,7 @@ TEST(Modem, TalksToAHayesModem) {
     } station;
     modem.PhoneBook("0265-12", station);
     modem.Script({{"NO CARRIER", 20000}, {"NO ANSWER", 25000}, {"CONNECT 9600", 8000}});
-    field.line.Attach(1, modem);
+    field.ports.Attach(1, modem);
     field.line.CommPort(1);
     ASSERT_TRUE(field.line.PortOpen(true));
 

@@ -136,8 +136,8 @@ TEST_F(ArchiveLineTest, TheOldScreenCallsAsksNodeOneAndHangsUp) {
     ExpectCollected(1);
     EXPECT_EQ(desk.Count("Daily_tf"), 40);
     EXPECT_EQ(Stored(1, 1), 0);
-    EXPECT_FALSE(desk.line.PortOpen());
-    EXPECT_TRUE(desk.fieldLine.TakeIfFree());
+    EXPECT_FALSE(desk.ports.PortOpen());
+    EXPECT_TRUE(desk.Line().TakeIfFree());
     for (const char* text : {"Dialing 5550142", "Connected to Location ", "Polling Rtu.....[Hill Farm]",
                              "Collecting Archive.......", "Disconnecting....", "Disconnected"}) {
         EXPECT_THAT(desk.feedback.status, Contains(HasSubstr(text)));
@@ -150,7 +150,7 @@ TEST_F(ArchiveLineTest, TheOldScreenAsksNoOtherStation) {
     Collect(Screen::frmarchive, nullptr);
     EXPECT_FALSE(collected);
     EXPECT_EQ(over, 1);
-    EXPECT_EQ(desk.line.BytesSent(), 0U);
+    EXPECT_EQ(desk.ports.BytesSent(), 0U);
     EXPECT_THAT(desk.feedback.boxes, ElementsAre(HasSubstr("O'Neill has the address 5")));
 }
 
@@ -158,14 +158,14 @@ TEST_F(ArchiveLineTest, TheScreenByFileNumberUsesALineThatStandsElseCalls) {
     desk.Open(twin);
     Collect(Screen::frmCW_archive, desk.session.get());
     ExpectCollected(1);
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_EQ(Stored(1, 1), 0);
     desk.session->Connect();
-    const int opened = desk.line.TimesOpened();
+    const int opened = desk.ports.TimesOpened();
     over = 0;
     Collect(Screen::frmCW_archive, desk.session.get(), true);
     ExpectCollected(1);
-    EXPECT_EQ(desk.line.TimesOpened(), opened);
+    EXPECT_EQ(desk.ports.TimesOpened(), opened);
     EXPECT_EQ(desk.session->GetState(), State::Connected);
 }
 
@@ -181,7 +181,7 @@ TEST_F(ArchiveLineTest, WithoutALineTheOperatorIsTold) {
     desk.Open(corrector);
     Collect(Screen::frmparaarchive, desk.session.get());
     EXPECT_THAT(desk.feedback.boxes, ElementsAre(HasSubstr("There is no line to the station")));
-    const auto held = desk.fieldLine.TakeIfFree();
+    const auto held = desk.Line().TakeIfFree();
     desk.dbconn.Execute("update configdata_master set slaveaddress=1");
     Collect(Screen::frmarchive, nullptr);
     EXPECT_THAT(desk.feedback.boxes.back(), HasSubstr("The line is in use"));
@@ -197,7 +197,7 @@ TEST_F(ArchiveLineTest, ACallThatFailsOrIsEnded) {
     EXPECT_THAT(desk.feedback.boxes, Contains("No Dialtone/Line Engaged/Remote Modem not Responding"));
     run.stopped = [this] {
         if (!run.rows.empty()) {
-            desk.fieldLine.EndConversation("The program ends");
+            desk.Line().EndConversation("The program ends");
         }
         return false;
     };
@@ -205,8 +205,8 @@ TEST_F(ArchiveLineTest, ACallThatFailsOrIsEnded) {
     ASSERT_TRUE(collected);
     EXPECT_EQ(collected->end, archive::RunEnd::LineLost);
     EXPECT_EQ(over, 2);
-    EXPECT_FALSE(desk.line.PortOpen());
-    EXPECT_TRUE(desk.fieldLine.TakeIfFree());
+    EXPECT_FALSE(desk.ports.PortOpen());
+    EXPECT_TRUE(desk.Line().TakeIfFree());
 }
 
 }  // namespace

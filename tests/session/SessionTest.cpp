@@ -72,7 +72,7 @@ TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
         EXPECT_THAT(desk.view.boxes, IsEmpty());
         EXPECT_TRUE(desk.field->WasServed(desk.locationID, 1, test.stored, desk.Stored(test.stored)));
         EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday"));
-        EXPECT_FALSE(desk.fieldLine.InUse());
+        EXPECT_FALSE(desk.Line().InUse());
         EXPECT_THAT(desk.Trail(),
                     Contains(HasSubstr(": User WARDEN disconnected from RTU " + test.station.consumer + ".")));
         EXPECT_EQ(desk.session->Requests().failed, 0);
@@ -126,7 +126,7 @@ TEST(SessionTest, ARefusedBlockIsMarkedAndThePollGoesOn) {
     SessionDesk desk;
     desk.Open(teleFlow);
     support::RefusingSlave refusing(*desk.field->Station(desk.locationID)->device, [](int reg) { return reg == 497; });
-    desk.line.Attach(1, refusing);
+    desk.ports.Attach(1, refusing);
     desk.dbconn.Execute("update configdata_detail set lastvalue=7");
     desk.session->Connect();
     desk.Behind({{}, {}, {}});
@@ -355,14 +355,14 @@ TEST(SessionTest, ConnectionsThatFailSayWhyAndGiveTheLineBack) {
         options.modems[1] = {test.dials.begin(), test.dials.end()};
         desk.Open(test.station, options);
         if (test.answers) {
-            desk.line.Attach(1, parrot);
+            desk.ports.Attach(1, parrot);
         }
         desk.session->Connect();
         EXPECT_EQ(desk.session->GetState(), State::Idle);
         EXPECT_THAT(desk.view.boxes, ElementsAre(test.box));
         EXPECT_EQ(desk.view.ends.size(), 1U);
-        EXPECT_FALSE(desk.fieldLine.InUse());
-        EXPECT_FALSE(desk.line.PortOpen());
+        EXPECT_FALSE(desk.Line().InUse());
+        EXPECT_FALSE(desk.ports.PortOpen());
         EXPECT_FALSE(desk.Master(desk.locationID).Bool("sampledtoday"));
     }
 }
@@ -378,7 +378,7 @@ TEST(SessionTest, ADialIsToldStepByStep) {
     }
     desk.session->Disconnect();
     EXPECT_EQ(desk.view.status.back(), "Disconnected");
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
 }
 
 TEST(SessionTest, ADisconnectEndsADialAtAnyStep) {
@@ -398,7 +398,7 @@ TEST(SessionTest, ADisconnectEndsADialAtAnyStep) {
         EXPECT_THAT(desk.view.sent, testing::ElementsAreArray(test.sent));
         EXPECT_EQ(desk.session->GetState(), State::Idle);
         EXPECT_THAT(desk.view.ends, ElementsAre(""));
-        EXPECT_FALSE(desk.line.PortOpen());
+        EXPECT_FALSE(desk.ports.PortOpen());
     }
 }
 
@@ -408,7 +408,7 @@ TEST(SessionTest, AStationThatFallsSilentEndsTheSession) {
         SCOPED_TRACE(station.consumer);
         SessionDesk desk;
         desk.Open(station).Connect();
-        desk.view.onRefreshed = [&] { desk.line.Attach(1, nobody); };
+        desk.view.onRefreshed = [&] { desk.ports.Attach(1, nobody); };
         desk.session->GetData();
         EXPECT_THAT(desk.view.ends, ElementsAre("Remote Station not Responding"));
         EXPECT_EQ(desk.session->GetState(), State::Idle);
@@ -436,7 +436,7 @@ TEST(SessionTest, TheProgramsEndHangsUpACallThatNobodyIsIn) {
     EXPECT_TRUE(desk.view.finishLater);
     desk.session->Finish();
     EXPECT_EQ(desk.session->GetState(), State::Idle);
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
 }
 
 }  // namespace

@@ -347,13 +347,13 @@ TEST(WriteOutcomeTest, ASessionSurvivesAsManyFailedPollsAsTheSettingSays) {
         desk.dbconn.Execute("update settings set value=? where name='failedpolls'", {survived});
         desk.Begin(station);
         std::vector<support::Script::Step> steps = {
-            {"silence", [&] { return desk.Idle(); }, [&] { desk.line.Attach(1, silence); }}};
+            {"silence", [&] { return desk.Idle(); }, [&] { desk.ports.Attach(1, silence); }}};
         if (survived > 0) {
             steps.push_back({"the count", [&] { return desk.view.requests.size() > 1; },
                              [&] {
                                  EXPECT_EQ(desk.view.requests.back(),
                                            "Failed polls in a row: 2. The session ends at 4.");
-                                 desk.line.Attach(1, *desk.field->Station(desk.locationID)->device);
+                                 desk.ports.Attach(1, *desk.field->Station(desk.locationID)->device);
                              }});
             steps.push_back(
                 {"back again", [&] { return desk.view.requests.back().empty(); }, [&] { desk.session->Disconnect(); }});

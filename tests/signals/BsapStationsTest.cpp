@@ -74,7 +74,7 @@ struct BsapStations : testing::Test, support::SimulatedTalk {
     void Open(int address, const fieldsim::BsapOptions& options) {
         station = std::make_unique<fieldsim::BsapStation>(address, Lists(), options);
         station->Archives()[2] = support::HourlyFile(9);
-        line.Attach(1, *station);
+        ports.Attach(1, *station);
         talk.station.slaveaddress = address;
         talk.station.isCW = options.shortLayout;
         talk.station.phoneno.clear();
@@ -175,7 +175,7 @@ TEST_F(BsapStations, NoiseCostsNothing) {
                 fieldsim::LineFaults::Options faults;
                 faults.chances = {{fault, 1.0}};
                 between = std::make_unique<fieldsim::LineFaults>(*station, faults);
-                line.Attach(1, *between);
+                ports.Attach(1, *between);
                 ASSERT_TRUE(protocols::SignOn(talk));
                 ExpectVersion();
                 ReadList();
@@ -197,7 +197,7 @@ TEST_F(BsapStations, AnothersAnswerIsPassedOverAndOursIsWaitedFor) {
         ASSERT_TRUE(protocols::SignOn(talk));
         ReadAndWriteSingles();
         between = std::make_unique<OneBehind>(*station);
-        line.Attach(1, *between);
+        ports.Attach(1, *between);
         reading::getdata_BSAP(talk, list, reading::ListKind::Float, {});  // the first has nothing in front
         talk.requests = {};
         ReadList();

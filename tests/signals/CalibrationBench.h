@@ -48,7 +48,7 @@ class CalibrationBench : public CalibrationView {
     explicit CalibrationBench(bool isCW = false)
         : station(1, {{fieldsim::kTransmitterList, simulated.List()}}, Options(isCW)) {
         station.WhenTaken([this](const fieldsim::Write& write) { simulated.Taken(write); });
-        line.Attach(1, gate);
+        ports.Attach(1, gate);
         talk.station.consumer = "O'Brien's Works";
         talk.station.slaveaddress = 1;
         talk.station.isCW = isCW;
@@ -132,7 +132,8 @@ class CalibrationBench : public CalibrationView {
     fieldsim::Transmitters simulated;
     fieldsim::BsapStation station;
     Gate gate{station};
-    fieldsim::SimLine line{desk.clock};
+    fieldsim::SimPorts ports{desk.clock};
+    fieldsim::SimLine line{ports};
     protocols::FieldLine field{line, desk.clock};
     protocols::BsapCounters counters;
     protocols::Conversation talk{

@@ -73,7 +73,7 @@ struct Signals : testing::Test, support::SimulatedTalk {
         fieldsim::LineFaults::Options options;
         options.script = script;
         faults = std::make_unique<fieldsim::LineFaults>(*station, options);
-        line.Attach(1, *faults);
+        ports.Attach(1, *faults);
     }
     void Open(bool isCW, int numbers = 0, DataAnswer answers = DataAnswer::AtOnce, std::deque<Fault> script = {}) {
         fieldsim::BsapOptions options;

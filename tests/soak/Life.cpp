@@ -46,9 +46,10 @@ class Program final : public collection::RunWatcher {
     const std::function<void(const Turn&)>& taken_;
     core::Logs logs_{dbconn_, shared_, life_.clock};
     support::RecordingFeedback feedback_;
-    protocols::FieldLine line_{life_.line, life_.clock};
+    protocols::FieldLines lines_{life_.clock,
+                                 [this](const core::Station& station) { return life_.ports.Line(station); }};
     protocols::BsapCounters counters_;
-    reading::Workplace place_{dbconn_, shared_, life_.clock, feedback_, logs_, line_, counters_};
+    reading::Workplace place_{dbconn_, shared_, life_.clock, feedback_, logs_, lines_, counters_};
     support::RecordingMail mail_;
     reports::ReportMail reportMail_{place_, mail_};
     collection::Scheduler scheduler_{place_, reportMail_};
@@ -94,7 +95,7 @@ void Life::OpenField() {
     field = std::make_unique<fieldsim::Field>(dbconn, options);
     for (const auto& [port, device] : field->Ports()) {
         gates_[port] = std::make_unique<Gate>(*device);
-        line.Attach(port, *gates_[port]);
+        ports.Attach(port, *gates_[port]);
     }
 }
 
@@ -105,7 +106,7 @@ void Life::Arrange(const TroubleSpan& trouble) {
                 gates_.at(trouble.port)->cut = on;
                 break;
             case Trouble::Refused:
-                line.Refuse(trouble.port, on);
+                ports.Refuse(trouble.port, on);
                 break;
             case Trouble::Busy:
                 field->Modem(trouble.port)
@@ -135,7 +136,7 @@ void Life::RunUntilThePowerIsCut(std::uint64_t until, const std::function<void(c
     try {
         clock.Run(2 * days * dayMs);
     } catch (const PowerCut&) {
-        line.PortOpen(false);
+        clock.EndWaits(std::make_exception_ptr(PowerCut{}));
     }
 }
 

@@ -39,7 +39,7 @@ struct Life {
     support::ScratchDirectory scratch;
     std::filesystem::path database = scratch.path / "Kolmar.mdb";
     fieldsim::VirtualClock clock{start};
-    fieldsim::SimLine line{clock};
+    fieldsim::SimPorts ports{clock};
     std::unique_ptr<fieldsim::Field> field;
     std::vector<Turn> turns;
 

@@ -41,15 +41,15 @@ class ReportingFeedback final : public core::Feedback {
     fieldsim::VirtualClock clock({2026, 3, 9, 7, 59, 30});
     core::Logs logs(dbconn, shared, clock);
     ReportingFeedback feedback(dbconn, pipe);
-    fieldsim::SimLine line(clock);
-    protocols::FieldLine fieldLine(line, clock);
+    fieldsim::SimPorts ports(clock);
+    protocols::FieldLines lines(clock, [&](const core::Station& station) { return ports.Line(station); });
     protocols::BsapCounters counters;
-    reading::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
+    reading::Workplace place{dbconn, shared, clock, feedback, logs, lines, counters};
     support::RecordingMail mail;
     reports::ReportMail reportMail(place, mail);
     collection::Scheduler scheduler(place, reportMail);
     fieldsim::Field field(dbconn, {});
-    field.AttachTo(line);
+    field.AttachTo(ports);
     for (;;) {
         clock.Run(24 * 3600000 - clock.Elapsed() % (24 * 3600000) + 30000);
         scheduler.Tick();

@@ -60,7 +60,7 @@ TEST_F(OneOfEach, IsCollectedWholeAtItsContractHour) {
     EXPECT_EQ(desk.Count("Scheduler"), 5);  // one a stream; a Quantum unit has none
     EXPECT_EQ(desk.mail.sent.size(), 1U);
     EXPECT_EQ(desk.RtuErr(), "");
-    EXPECT_FALSE(desk.line.PortOpen());
+    EXPECT_FALSE(desk.ports.PortOpen());
 
     const auto day = desk.dbconn.First("select * from LogParam where LocationId=?", {locations[0]}).value();
     EXPECT_TRUE(field.WasServed(locations[0], 1, "Volume Yesterday", day.Number("CurrentDayFlow")));
@@ -120,7 +120,7 @@ TEST_P(FaultAtEveryPoint, EndsWithoutAWrongValue) {
         const auto before = desk.clock.Elapsed();
         collection::collectiong_Data(desk.place, location, state);
         EXPECT_LT(desk.clock.Elapsed() - before, 10U * 60000);
-        EXPECT_FALSE(desk.line.PortOpen());
+        EXPECT_FALSE(desk.ports.PortOpen());
         ExpectOnlyServedValues(field, location);
         if (!state.runfailed) {
             EXPECT_GT(Stored(location), 0);

@@ -20,9 +20,9 @@ TEST_F(TakeoverTest, AScheduledRunTakesTheLineAndNothingOfTheSessionReachesItsSt
     const auto& field = desk.OpenField();
     desk.StartTicking();
 
-    auto lease = desk.fieldLine.TakeIfFree();
+    auto lease = desk.Line().TakeIfFree();
     ASSERT_TRUE(lease);
-    EXPECT_FALSE(desk.fieldLine.TakeIfFree());
+    EXPECT_FALSE(desk.Line().TakeIfFree());
     protocols::Conversation session{lease,     desk.clock,    desk.feedback,
                                     desk.logs, desk.counters, core::ReadStation(desk.dbconn, watchedLocation).value(),
                                     "operator"};
@@ -44,8 +44,8 @@ TEST_F(TakeoverTest, AScheduledRunTakesTheLineAndNothingOfTheSessionReachesItsSt
     const auto row = desk.dbconn.First("select lastvalue from configdata_detail where locationID=? and description=?",
                                        {dueLocation, "Volume Today"});
     EXPECT_TRUE(field.WasServed(dueLocation, 1, "Volume Today", row->Number("lastvalue")));
-    EXPECT_FALSE(desk.line.PortOpen());
-    EXPECT_TRUE(desk.fieldLine.TakeIfFree());
+    EXPECT_FALSE(desk.ports.PortOpen());
+    EXPECT_TRUE(desk.Line().TakeIfFree());
 }
 
 }  // namespace

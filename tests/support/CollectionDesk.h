@@ -26,18 +26,24 @@ class CollectionDesk : public ScratchDesk {
   public:
     using ScratchDesk::ScratchDesk;
 
-    fieldsim::SimLine line{clock};
-    protocols::FieldLine fieldLine{line, clock};
+    fieldsim::SimPorts ports{clock};
+    protocols::FieldLines lines{clock, [this](const core::Station& station) { return ports.Line(station); }};
     protocols::BsapCounters counters;
-    reading::Workplace place{dbconn, shared, clock, feedback, logs, fieldLine, counters};
+    reading::Workplace place{dbconn, shared, clock, feedback, logs, lines, counters};
     RecordingMail mail;
     reports::ReportMail reportMail{place, mail};
     collection::Scheduler scheduler{place, reportMail};
 
+    protocols::FieldLine& Line(int port = 1) {
+        core::Station station;
+        station.comport = port;
+        return lines.Of(station);
+    }
+
     // Every station of the register gets its far side.
     fieldsim::Field& OpenField(const fieldsim::FieldOptions& options = {}) {
         field_ = std::make_unique<fieldsim::Field>(dbconn, options);
-        field_->AttachTo(line);
+        field_->AttachTo(ports);
         return *field_;
     }
 

@@ -51,7 +51,7 @@ class HistoryTalk {
                          fieldsim::LineFaults::Options faults = {})
         : station(1, {}, Options(isCW, answers, !faults.script.empty())), faults(station, std::move(faults)) {
         desk.dbconn.Execute("pragma synchronous=off");  // a download commits reply by reply
-        line.Attach(1, this->faults);
+        ports.Attach(1, this->faults);
         talk.station.locationID = 7;
         talk.station.consumer = "O'Brien's Works";
         talk.station.modelno = isCW ? "CWGFC" : "TeleFlow";
@@ -66,7 +66,8 @@ class HistoryTalk {
     ScratchDesk desk;
     fieldsim::BsapStation station;
     fieldsim::LineFaults faults;
-    fieldsim::SimLine line{desk.clock};
+    fieldsim::SimPorts ports{desk.clock};
+    fieldsim::SimLine line{ports};
     protocols::FieldLine field{line, desk.clock};
     protocols::BsapCounters counters;
     protocols::Conversation talk{

@@ -7,6 +7,7 @@
 #include "desk/platform/SerialLine.h"
 #include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
+#include "support/LoopClock.h"
 
 namespace support {
 
@@ -18,13 +19,14 @@ struct PortDesk {
     ScratchDesk scratch;
     core::MAIN_Module& shared = scratch.shared;
     core::Database& dbconn = scratch.dbconn;
-    desk::EventLoopClock clock;
+    LoopClock clock;
     core::Logs logs{dbconn, shared, clock};
     RecordingFeedback feedback;
-    desk::SerialLine serial{[this](int) { return path; }};
-    protocols::FieldLine line{serial, clock};
+    protocols::FieldLines lines{clock, [this](const core::Station&) {
+                                    return std::make_unique<desk::SerialLine>([this](int) { return path; });
+                                }};
     protocols::BsapCounters counters;
-    reading::Workplace place{dbconn, shared, clock, feedback, logs, line, counters};
+    reading::Workplace place{dbconn, shared, clock, feedback, logs, lines, counters};
     RecordingMail mail;
     reports::ReportMail reportMail{place, mail};
     collection::Scheduler scheduler{place, reportMail};

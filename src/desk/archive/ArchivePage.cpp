@@ -27,10 +27,13 @@ void ArchivePage::Build(DownloadPanel& panel, QComboBox& cmbNode, QWidget& choic
                     ? DownloadPanel::FileForm{';', {"Save To File", "Text Files (*.txt)", "txt"}}
                     : DownloadPanel::FileForm{'\t', ExcelFile()});
     new TakenLine(
-        desk_, this, [&panel] { return panel.IsRunning(); },
+        desk_, this,
+        [this]() -> std::optional<std::int64_t> {
+            return panel_->IsRunning() ? std::optional(workingOn_) : std::nullopt;
+        },
         [&panel](const QString& text) { panel.Status(text.toStdString()); });
     CloseCommand(&panel.cmdClose());
-    connect(&panel.cmd_stop(), &QPushButton::clicked, this, [this] { desk_.line.StopConnecting(); });
+    connect(&panel.cmd_stop(), &QPushButton::clicked, this, [this] { desk_.lines.StopConnecting(); });
     connect(&panel.cmdClose(), &QPushButton::clicked, this, &Page::Closed);
     connect(&panel.cmdGo(), &QPushButton::clicked, this, [this] { Guarded([this] { Go(); }); });
     connect(&panel.cmd_email(), &QPushButton::clicked, this,
@@ -66,12 +69,13 @@ void ArchivePage::Go() {
         return;
     }
     collected_.reset();
+    workingOn_ = node->locationID;
     panel_->ClearGrid();
     panel_->Running(true);
     choices_->setEnabled(false);
     panel_->cmd_stop().setFocus();
     const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
-                                   desk_.logs,   desk_.line,   desk_.counters};
+                                   desk_.logs,   desk_.lines,  desk_.counters};
     session::OnArchiveLine(
         place, desk_.scheduler, session_, screen_, node->locationID,
         [this, wish = *wish](protocols::Conversation& talk) {

@@ -48,6 +48,7 @@ class ArchivePage : public Page {
     DownloadPanel* panel_ = nullptr;
     QComboBox* cmbNode_ = nullptr;
     QWidget* choices_ = nullptr;
+    std::int64_t workingOn_ = 0;  // the station of the download in hand
     std::optional<archive::Collected> collected_;
 };
 

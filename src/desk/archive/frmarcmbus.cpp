@@ -48,7 +48,9 @@ frmarcmbus::frmarcmbus(Desk& desk, session::Session* session, std::int64_t locat
     connect(ui_->cmd_email, &QPushButton::clicked, this, [this] { desk_.navigator.Open(new frmemail(desk_)); });
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
     new TakenLine(
-        desk_, this, [this] { return running_; }, [this](const QString& text) { Status(text.toStdString()); });
+        desk_, this,
+        [this]() -> std::optional<std::int64_t> { return running_ ? std::optional(locationID_) : std::nullopt; },
+        [this](const QString& text) { Status(text.toStdString()); });
     ChooseKind();
     ShowButtons();
 }
@@ -123,7 +125,7 @@ void frmarcmbus::make_connection() {
         return;
     }
     const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
-                                   desk_.logs,   desk_.line,   desk_.counters};
+                                   desk_.logs,   desk_.lines,  desk_.counters};
     std::string message;
     const bool up = session::OwnCall(place, desk_.scheduler, *station, {},
                                      [&](protocols::Conversation& talk) { message = Collect(&talk); });
@@ -159,7 +161,7 @@ void frmarcmbus::cmd_stop() {
     stopflag_ = true;
     ShowButtons();
     Status("Stopping after this block");
-    desk_.line.StopConnecting();
+    desk_.lines.StopConnecting();
 }
 
 // What the run tells -----------------------------------------------------------------------------------------------

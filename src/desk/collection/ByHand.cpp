@@ -12,22 +12,13 @@
 
 namespace desk {
 
-namespace {
-
-void ServeLater(Desk& desk) {
-    QMetaObject::invokeMethod(
-        &desk.navigator, [&desk] { desk.scheduler.Serve(); }, Qt::QueuedConnection);
-}
-
-}  // namespace
-
 bool MayCollect(const Desk& desk) {
     return desk.shared.rights.rightOnline;
 }
 
 void CollectNow(Desk& desk, std::int64_t locationID, const std::string& consumer) {
     if (desk.scheduler.CollectNow(locationID)) {
-        ServeLater(desk);
+        desk.scheduler.Serve();
     } else {
         desk.feedback.Status(consumer + " is already being collected or queued");
     }
@@ -39,7 +30,7 @@ void CollectMissing(Desk& desk) {
                                      : std::to_string(queued) + (queued == 1 ? " station is" : " stations are") +
                                            " missing and will be collected");
     if (queued > 0) {
-        ServeLater(desk);
+        desk.scheduler.Serve();
     }
 }
 

@@ -9,10 +9,11 @@
 
 namespace desk {
 
-QString TakenBy(Desk& desk) {
+QString TakenBy(Desk& desk, std::int64_t locationID) {
     QString text;
     core::Guarded(desk.logs, [&] {
-        const auto inHand = desk.scheduler.InHand();
+        const auto ours = core::ReadStation(desk.dbconn, locationID);
+        const auto inHand = ours ? desk.scheduler.InHandOn(*ours) : std::nullopt;
         if (const auto station = inHand ? core::ReadStation(desk.dbconn, *inHand) : std::nullopt) {
             text = "The line was taken to collect " + QString::fromStdString(station->consumer) + Behind(desk);
         }
@@ -20,13 +21,15 @@ QString TakenBy(Desk& desk) {
     return text;
 }
 
-TakenLine::TakenLine(Desk& desk, QObject* page, std::function<bool()> lost, std::function<void(const QString&)> tell)
+TakenLine::TakenLine(Desk& desk, QObject* page, std::function<std::optional<std::int64_t>()> lost,
+                     std::function<void(const QString&)> tell)
     : QObject(page) {
     auto* timer = new QTimer(this);
     timer->setObjectName("tmrline");
     timer->start(1000);
     connect(timer, &QTimer::timeout, this, [&desk, lost = std::move(lost), tell = std::move(tell)] {
-        const QString text = lost() ? TakenBy(desk) : QString();
+        const auto station = lost();
+        const QString text = station ? TakenBy(desk, *station) : QString();
         if (!text.isEmpty()) {
             tell(text);
         }

@@ -15,7 +15,7 @@ class MailTransport;
 }  // namespace mail
 namespace mail {}  // namespace mail
 namespace protocols {
-class FieldLine;
+class FieldLines;
 struct BsapCounters;
 }  // namespace protocols
 
@@ -30,7 +30,7 @@ struct Desk {
     core::Logs& logs;
     core::Clock& clock;
     core::Feedback& feedback;
-    protocols::FieldLine& line;
+    protocols::FieldLines& lines;
     protocols::BsapCounters& counters;
     collection::Scheduler& scheduler;
     mail::MailTransport& mail;

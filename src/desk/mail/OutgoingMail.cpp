@@ -22,17 +22,13 @@ void OutgoingMail::Send(mail::MailMessage message, mail::MailServer server) {
     stopped_ = std::make_shared<bool>(false);
     desk_.feedback.Status("Sending Mail");
     auto parcel = std::make_shared<Parcel>(Parcel{desk_, this, stopped_, std::move(message), std::move(server)});
-    QMetaObject::invokeMethod(
-        &desk_.navigator, [parcel] { Deliver(*parcel); }, Qt::QueuedConnection);
+    desk_.clock.Start([parcel] { Deliver(*parcel); });
 }
 
 void OutgoingMail::Deliver(const Parcel& parcel) {
     Desk& desk = parcel.desk;
     const auto ended = [&] { return *parcel.stopped || desk.scheduler.Leaving(); };
-    mail::MailOutcome outcome{false, "stations are being collected; send it again afterwards"};
-    if (!desk.scheduler.Busy()) {
-        outcome = desk.mail.Send(parcel.message, parcel.server, desk.clock, ended);
-    }
+    const mail::MailOutcome outcome = desk.mail.Send(parcel.message, parcel.server, desk.clock, ended);
     if (desk.scheduler.Leaving()) {
         return;
     }

@@ -9,6 +9,21 @@ void RunFeedback::Status(const std::string& text) {
     status_(QString::fromStdString(text));
 }
 
+void RunFeedback::LineStatus(const std::string& line, const std::string& text) {
+    if (text.empty()) {
+        lines_.erase(line);
+    } else {
+        lines_[line] = text;
+    }
+    std::string all;
+    for (const auto& [name, its] : lines_) {
+        all += (all.empty() ? "" : "   ") + (lines_.size() > 1 ? name + ": " : "") + its;
+    }
+    if (!all.empty()) {
+        Status(all);
+    }
+}
+
 void RunFeedback::Box(const std::string& text) {
     logs_.WriteRtuErr(text);
     if (!box_) {

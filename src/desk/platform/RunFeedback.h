@@ -3,6 +3,8 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <functional>
+#include <map>
+#include <string>
 
 #include "core/Feedback.h"
 #include "core/Logs.h"
@@ -20,11 +22,14 @@ class RunFeedback final : public core::Feedback {
     RunFeedback& operator=(const RunFeedback&) = delete;
 
     void Status(const std::string& text) override;
+    // Of one line its text; of several at once each behind its name.
+    void LineStatus(const std::string& line, const std::string& text) override;
     void Box(const std::string& text) override;
 
   private:
     core::Logs& logs_;
     std::function<void(const QString&)> status_;
+    std::map<std::string, std::string> lines_;  // those that are at work
     QPointer<QMessageBox> box_;
 };
 

@@ -35,7 +35,7 @@ namespace {
 using session::Speaks;
 
 reading::Workplace WorkplaceOf(Desk& desk) {
-    return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.line, desk.counters};
+    return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.lines, desk.counters};
 }
 
 }  // namespace
@@ -296,7 +296,7 @@ void LiveScreen::ShowButtons() {
     facts.isBsap = Speaks(station, "BSAP");
     facts.hidesCalibration = session::HidesCalibration(station.modelno);
     facts.dataRight = desk_.shared.rights.rightOnline;
-    facts.lineFree = !desk_.scheduler.Busy();
+    facts.lineFree = !desk_.lines.Of(session_.GetStation()).Reserved();
     facts.wasConnected = wasConnected_ || waitsForLine_;
     const session::Buttons buttons = session::ButtonsOf(facts);
     ui_.cmdConnect->setEnabled(buttons.cmdConnect);
@@ -326,12 +326,13 @@ void LiveScreen::ShowButtons() {
 void LiveScreen::EverySecond() {
     status_.ShowAge(session_, desk_.clock.Now());
     ShowButtons();
-    const QString taken = TakenBy(desk_);
+    const QString taken = TakenBy(desk_, session_.GetStation().locationID);
     const bool lost = waitsForLine_ || (wasConnected_ && session_.GetState() == session::State::Disconnecting);
     if (lost && !taken.isEmpty()) {
         Status(taken.toStdString());
     }
-    const bool free = session_.GetState() == session::State::Idle && !desk_.scheduler.Busy() && !desk_.line.InUse();
+    const auto& line = desk_.lines.Of(session_.GetStation());
+    const bool free = session_.GetState() == session::State::Idle && !line.Reserved() && !line.InUse();
     if (waitsForLine_ && free) {
         waitsForLine_ = false;
         Request("The line is free. Connect again to go on.");

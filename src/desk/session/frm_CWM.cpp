@@ -41,7 +41,7 @@ frm_CWM::frm_CWM(Desk& desk, std::int64_t locationID)
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frm_CWM::CloseAsked);
     if (core::ReadStation(desk_.dbconn, locationID)) {
         const reading::Workplace place{desk.dbconn, desk.shared, desk.clock,   *this,
-                                       desk.logs,   desk.line,   desk.counters};
+                                       desk.logs,   desk.lines,  desk.counters};
         session_ = std::make_unique<session::Session>(place, desk.scheduler, *this, locationID);
         ShowStation(session_->GetStation());
         ConnectCommands();
@@ -86,7 +86,12 @@ void frm_CWM::ConnectCommands() {
         Guarded([this] { desk_.navigator.Open(new frmHistory(desk_, session_->GetStation().locationID)); });
     });
     new TakenLine(
-        desk_, this, [this] { return lost_ || session_->GetState() == session::State::Disconnecting; },
+        desk_, this,
+        [this]() -> std::optional<std::int64_t> {
+            return lost_ || session_->GetState() == session::State::Disconnecting
+                       ? std::optional(session_->GetStation().locationID)
+                       : std::nullopt;
+        },
         [this](const QString& text) { ui_->lblconnection->setText(text); });
     // Whether stations are being collected shows in time.
     connect(&seconds_, &QTimer::timeout, this, &frm_CWM::ShowButtons);
@@ -96,7 +101,7 @@ void frm_CWM::ConnectCommands() {
 void frm_CWM::ShowButtons() {
     const auto state = session_ != nullptr ? session_->GetState() : session::State::Disconnecting;
     const bool lineUp = session_ != nullptr && session_->HasLine();
-    ui_->cmdConnect->setEnabled(state == session::State::Idle && !desk_.scheduler.Busy());
+    ui_->cmdConnect->setEnabled(state == session::State::Idle && !desk_.lines.Of(session_->GetStation()).Reserved());
     ui_->cmddisconnect->setEnabled(lineUp || state == session::State::Connecting);
     ui_->cmd_archive->setEnabled(lineUp);
     ui_->cmd_fetch->setEnabled(lineUp);

@@ -172,13 +172,14 @@ void frmGraphicRept::Refresh() {
 }
 
 void frmGraphicRept::ShowNow() {
+    QStringList inHand;
     for (const reports::Node& node : nodes_) {
-        if (desk_.scheduler.InHand() == node.locationId) {
-            ui_->lblnow->setText("Collecting " + QString::fromStdString(node.consumer) + Behind(desk_));
-            return;
+        if (desk_.scheduler.StandOf(node.locationId) == collection::InQueue::Collecting) {
+            inHand.append(QString::fromStdString(node.consumer));
         }
     }
-    ui_->lblnow->setText("The line is free");
+    ui_->lblnow->setText(inHand.isEmpty() ? "Nothing is being collected"
+                                          : "Collecting " + inHand.join(", ") + Behind(desk_));
 }
 
 void frmGraphicRept::ShowNext() {

@@ -57,8 +57,7 @@ mainfrm::mainfrm(Desk& desk)
     connect(menu_, &frmmain::NodesWanted, this, [this] { desk_.navigator.Home(overview_); });
     connect(menu_, &frmmain::LoggedOff, this, &mainfrm::LogOff);
     connect(menu_, &frmmain::ExitWanted, this, [this] { Exit(" :"); });
-    // What kept the line has yet to return.
-    desk_.line.WhenReleased([this] { QTimer::singleShot(0, this, &mainfrm::Serve); });
+    desk_.lines.WhenReleased([this] { desk_.scheduler.Serve(); });
     connect(&seconds_, &QTimer::timeout, this, &mainfrm::ShowClock);
     seconds_.start(1000);
     ShowClock();
@@ -70,7 +69,7 @@ mainfrm::mainfrm(Desk& desk)
 }
 
 mainfrm::~mainfrm() {
-    desk_.line.WhenReleased({});
+    desk_.lines.WhenReleased({});
     desk_.navigator.Empty();
     scroll_->takeWidget();
     desk_.navigator.setParent(nullptr);
@@ -119,19 +118,6 @@ void mainfrm::Tick() {
         }
     });
     desk_.scheduler.Tick();
-    AfterRun();
-}
-
-void mainfrm::Serve() {
-    desk_.scheduler.Serve();
-    AfterRun();
-}
-
-void mainfrm::AfterRun() {
-    // A tick inside a run returns at once; the outer one ends the program when its run has unwound.
-    if (ending_) {
-        EndWhenFree();
-    }
 }
 
 void mainfrm::LogOff() {
@@ -170,10 +156,12 @@ QString mainfrm::WhatStops() const {
     QString text = "Nothing will be collected until the program is started again.";
     core::Guarded(desk_.logs, [&] {
         const auto inHand = desk_.scheduler.InHand();
-        const auto station = inHand ? core::ReadStation(desk_.dbconn, *inHand) : std::nullopt;
-        if (station) {
-            text += "\nThe collection of " + QString::fromStdString(station->consumer) + " will be broken off.";
-        } else if (desk_.line.InUse()) {
+        for (const std::int64_t locationID : inHand) {
+            if (const auto station = core::ReadStation(desk_.dbconn, locationID)) {
+                text += "\nThe collection of " + QString::fromStdString(station->consumer) + " will be broken off.";
+            }
+        }
+        if (inHand.empty() && desk_.lines.InUse()) {
             text += "\nThe connection to a station will be cut.";
         }
         text += "\n" + overview_->NextDue() + ".";
@@ -196,7 +184,7 @@ void mainfrm::EndProgram() {
 
 // What talks to a station hangs up first: the program ends when it has unwound.
 void mainfrm::EndWhenFree() {
-    if (!desk_.scheduler.Busy() && !desk_.line.InUse()) {
+    if (desk_.clock.Conversations() == 0) {
         end_.stop();
         Q_EMIT Ended();
     }

@@ -56,8 +56,6 @@ class mainfrm : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
 
   private:
-    void Serve();
-    void AfterRun();
     void LogOff();
     // The exit of a page, with its line in the audit trail: "<stamp><separator><user> logged out."
     void Exit(const char* separator);

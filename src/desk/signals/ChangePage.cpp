@@ -38,7 +38,7 @@ ChangePage::ChangePage(Desk& desk, const QString& title, signals::Side side, ses
     connect(ui_->cmd_stop, &QPushButton::clicked, this, [this] {
         ui_->panel->Stop();
         ui_->cmd_stop->setEnabled(false);
-        desk_.line.StopConnecting();
+        desk_.lines.StopConnecting();
     });
     connect(ui_->cmd_save, &QPushButton::clicked, ui_->panel, &FetchPanel::Save);
     connect(ui_->cmdfetch, &QPushButton::clicked, this, [this] { Guarded([this] { cmdfetch(); }); });
@@ -93,7 +93,7 @@ void ChangePage::cmdfetch() {
     ui_->panel->Running(true, "Please wait ....");
     ShowButtons();
     const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *ui_->panel,
-                                   desk_.logs,   desk_.line,   desk_.counters};
+                                   desk_.logs,   desk_.lines,  desk_.counters};
     session::OnStationLine(
         place, desk_.scheduler, &session_, Way(), session_.GetStation().locationID,
         [this, list = *list](protocols::Conversation& talk) { Collect(talk, list); },

@@ -25,7 +25,7 @@ ListPage::ListPage(Desk& desk, session::Session* session)
     connect(ui_->cmdClose, &QPushButton::clicked, this, &Page::Closed);
     connect(ui_->cmd_stop, &QPushButton::clicked, this, [this] {
         ui_->panel->Stop();
-        desk_.line.StopConnecting();
+        desk_.lines.StopConnecting();
     });
     connect(ui_->cmd_save, &QPushButton::clicked, ui_->panel, &FetchPanel::Save);
     connect(ui_->cmdfetch, &QPushButton::clicked, this, [this] { Guarded([this] { cmdfetch(); }); });

@@ -46,7 +46,9 @@ void SignalPage::Build(FetchPanel& panel, WriteFrame& write, QLabel& lblWrite) {
     lblWrite_ = &lblWrite;
     lblWrite.hide();
     new TakenLine(
-        desk_, this, [this] { return IsBusy(); }, [&panel](const QString& text) { panel.Status(text.toStdString()); });
+        desk_, this,
+        [this]() -> std::optional<std::int64_t> { return IsBusy() ? std::optional(LocationID()) : std::nullopt; },
+        [&panel](const QString& text) { panel.Status(text.toStdString()); });
     panel.between = [this](protocols::Conversation& talk) { ServeWrite(talk); };
     if (session_ != nullptr) {
         connect(&panel.signalsGrid(), &Grid::RowChosen, this, [this](int row) { Guarded([&] { ChooseRow(row); }); });
@@ -67,7 +69,7 @@ void SignalPage::OnLine(std::function<void(protocols::Conversation& talk)> work,
     way.lineUp.signOn = {protocols::screenPassword, protocols::SignOnLog::None, protocols::SignOnTexts::All};
     way.noLine = noLine;
     const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
-                                   desk_.logs,   desk_.line,   desk_.counters};
+                                   desk_.logs,   desk_.lines,  desk_.counters};
     session::OnStationLine(place, desk_.scheduler, session_, way, LocationID(), std::move(work), std::move(over));
 }
 

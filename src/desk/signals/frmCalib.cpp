@@ -36,7 +36,11 @@ frmCalib::frmCalib(Desk& desk, session::Session& session)
     connect(ui_->cmdStop, &QPushButton::clicked, this, &frmCalib::Stop);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frmCalib::CloseAsked);
     new TakenLine(
-        desk_, this, [this] { return running_; }, [this](const QString& text) { ui_->lblmsg->setText(text); });
+        desk_, this,
+        [this]() -> std::optional<std::int64_t> {
+            return running_ ? std::optional(session_.GetStation().locationID) : std::nullopt;
+        },
+        [this](const QString& text) { ui_->lblmsg->setText(text); });
     ui_->pbsignals->hide();
     ShowCommands();
     ShowState();
@@ -63,7 +67,7 @@ void frmCalib::Start() {
     ShowState();
     MoveFocus();
     const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
-                                   desk_.logs,   desk_.line,   desk_.counters};
+                                   desk_.logs,   desk_.lines,  desk_.counters};
     try {
         signals::OnCalibrationLine(
             place, desk_.scheduler, session_, [this](protocols::Conversation& talk) { calibration_->Run(talk); },
@@ -77,7 +81,7 @@ void frmCalib::Start() {
 void frmCalib::Stop() {
     stopping_ = true;
     calibration_->Stop();
-    desk_.line.StopConnecting();
+    desk_.lines.StopConnecting();
     ShowCommands();
     ShowState();
 }

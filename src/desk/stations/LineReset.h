@@ -4,8 +4,8 @@
 
 namespace desk {
 
-// Sets a hung serial line free: an open port is closed, then 100 ms pass; twice. While a conversation holds the line
-// nothing is done to it. The status bar says which it was. The caller may be gone when this returns.
+// Sets hung lines free: an open port is closed, then 100 ms pass; twice. Nothing is done to a line that a conversation
+// holds. The status bar says what was done. Returns at once.
 void ResetLine(Desk& desk);
 
 }  // namespace desk

@@ -88,7 +88,7 @@ std::shared_ptr<LineLease> FieldLine::TakeOver(const std::string& reason) {
 }
 
 std::shared_ptr<LineLease> FieldLine::TakeIfFree() {
-    return InUse() ? nullptr : Lease();
+    return InUse() || reserved_ ? nullptr : Lease();
 }
 
 bool FieldLine::InUse() const {

@@ -98,7 +98,12 @@ class FieldLine {
     // The line for a scheduled run, taken at once from whoever holds it; that conversation ends with `reason`.
     std::shared_ptr<LineLease> TakeOver(const std::string& reason);
 
-    // The line for a session; null while another conversation holds it.
+    // Stations are being collected on it, or wait for that: until this is over no session begins, which would hold them
+    // up for as long as its operator stays.
+    void Reserve(bool reserved) { reserved_ = reserved; }
+    bool Reserved() const { return reserved_; }
+
+    // The line for a session; null while another conversation holds it, or it is reserved.
     std::shared_ptr<LineLease> TakeIfFree();
 
     // A conversation holds the line: its lease lives and has not been taken away.
@@ -122,6 +127,7 @@ class FieldLine {
     Line& line_;
     core::Clock& clock_;
     std::weak_ptr<LineLease> holder_;
+    bool reserved_ = false;
     std::function<void()> released_;
 };
 
