@@ -64,6 +64,11 @@ void SimLine::Output(const std::string& bytes) {
     bytesSent_ += bytes.size();
     for (Answer& answer : devices_[port_]->Receive(bytes, Now())) {
         arrivals_[port_].emplace(clock_.Elapsed() + answer.delayMs, std::move(answer.bytes));
+        clock_.After(answer.delayMs, [this, lives = std::weak_ptr(lives_)] {
+            if (!lives.expired()) {
+                Received();
+            }
+        });
     }
 }
 
