@@ -133,10 +133,14 @@ TEST(Pacing, APromptReplyThatIsNotWholeCostsTheStatedWait) {
             paced.talk.station.settings = "9600,N,8,1";
             paced.talk.station.mode = test.mode;
             constexpr TransactOptions once = {FailureReport::Box, 1, "", "", "", 0, 1, 0};
-            EXPECT_EQ(paced.Read(3, 100, 2, once), test.answered ? std::optional(std::vector{100.0}) : std::nullopt)
-                << test.mode << ": " << test.name;
-            EXPECT_EQ(paced.desk.clock.Elapsed(), pacing == Pacing::Prompt ? test.elapsed : 2000)
-                << test.mode << ": " << test.name;
+            paced.desk.clock.Start([&] {
+                EXPECT_EQ(paced.Read(3, 100, 2, once), test.answered ? std::optional(std::vector{100.0}) : std::nullopt)
+                    << test.mode << ": " << test.name;
+                EXPECT_EQ(paced.desk.clock.Elapsed(), pacing == Pacing::Prompt ? test.elapsed : 2000)
+                    << test.mode << ": " << test.name;
+            });
+            paced.desk.clock.Run(3000);
+            EXPECT_EQ(paced.desk.clock.Conversations(), 0U);
         }
     }
     // The check of ASCII framing counts where it is looked at.

@@ -17,19 +17,24 @@ void TakeWhole(Conversation& talk, double milliseconds, const WholeReply& whole,
         const std::string more = talk.line->Input();
         reply += more;
         isWhole = more.empty() ? isWhole : whole.judge(reply);
-        return !more.empty();
     };
-    bool isSilent = false;
-    while (!isSilent) {
+    // What ends a wait is asked more than once, so it must stay so.
+    while (!talk.Ended()) {
         talk.clock.WaitMs(left(), [&] {
             takeMore();
             return isWhole || talk.Ended();
         });
-        if (!isWhole || talk.Ended()) {
+        if (left() <= 0 || (isWhole && whole.silenceMs <= 0)) {
             return;
         }
-        const double silence = std::min(whole.silenceMs, left());
-        isSilent = silence <= 0 || talk.clock.WaitMs(silence, [&] { return takeMore() || talk.Ended(); });
+        const std::size_t size = reply.size();
+        const auto isBroken = [&] {
+            takeMore();
+            return reply.size() > size || talk.Ended();
+        };
+        if (isWhole && talk.clock.WaitMs(std::min(whole.silenceMs, left()), isBroken)) {
+            return;
+        }
     }
 }
 
