@@ -121,7 +121,19 @@ class Talk {
 
     void Settings(const std::string& settings) { talk_->station.settings = settings; }
     int CommTimeout() const { return talk_->CommTimeout(); }
-    bool Read() { return ModbusTransact(*talk_, 0, registers, 3).kind == protocols::ModbusReply::Kind::Values; }
+    // Milliseconds of one of so many reads, in a conversation.
+    double OneRead(int reads) {
+        double one = 0;
+        clock_.Start([&] {
+            one = OneOf(reads, [&] {
+                return ModbusTransact(*talk_, 0, registers, 3).kind == protocols::ModbusReply::Kind::Values;
+            });
+        });
+        while (clock_.Conversations() > 0) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        return one;
+    }
 
   private:
     desk::EventLoopClock clock_;
