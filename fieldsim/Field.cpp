@@ -42,9 +42,10 @@ std::unique_ptr<ModbusSlave> MakeModbus(Field::Served& served, core::Database& d
         modbus.archive = MakeArchiveWindows(served.archive, station.rtuBitsMode);
     }
     served.values[1] = {modbus.registers, modbus.coils};
-    auto slave = std::make_unique<ModbusSlave>(station.slaveaddress,
-                                               core::SameText(station.mode, "ASCII") ? Framing::Ascii : Framing::Rtu,
-                                               std::move(modbus), AnswerMs(station));
+    const Framing framing = core::SameText(station.mode, "ASCII") ? Framing::Ascii
+                            : core::SameText(station.mode, "TCP") ? Framing::Tcp
+                                                                  : Framing::Rtu;
+    auto slave = std::make_unique<ModbusSlave>(station.slaveaddress, framing, std::move(modbus), AnswerMs(station));
     slave->NeverAnswer(silent ? lastMapped : 0);
     return slave;
 }

@@ -33,6 +33,17 @@ std::size_t RtuLength(std::string_view start) {
     return start.size();  // not a function of ours: whatever has come is tried as a whole
 }
 
+constexpr std::size_t kTcpHead = 6;
+
+// The length of a request in TCP framing that begins like this, at least that of its head; 0: it is none.
+std::size_t TcpLength(std::string_view start) {
+    if (start.size() < kTcpHead) {
+        return kTcpHead;
+    }
+    const int length = WordAt(start, 4);
+    return WordAt(start, 2) == 0 && length >= 2 && length <= 254 ? kTcpHead + static_cast<std::size_t>(length) : 0;
+}
+
 bool GoodCrc(std::string_view frame) {
     const std::string_view message = frame.substr(0, frame.size() - 2);
     return frame.substr(frame.size() - 2) == LowHigh(ModbusCrc16(message));
@@ -103,7 +114,7 @@ std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& n
     lastByteAt_ = now.milliseconds;
     buffer_ += bytes;
     std::vector<Answer> answers;
-    while (const auto message = framing_ == Framing::Rtu ? NextRtu() : NextAscii()) {
+    while (const auto message = Next()) {
         if (ByteAt(*message, 0) != address_ || address_ == 0) {
             continue;
         }
@@ -113,7 +124,8 @@ std::vector<Answer> ModbusSlave::Receive(std::string_view bytes, const Moment& n
             continue;
         }
         if (const auto answer = Execute(request, now)) {
-            answers.push_back({ModbusFrame(framing_, message->substr(0, 1) + answer->bytes), answer->delayMs});
+            answers.push_back(
+                {ModbusFrame(framing_, message->substr(0, 1) + answer->bytes, transaction_), answer->delayMs});
         }
     }
     return answers;
@@ -150,6 +162,26 @@ std::optional<std::string> ModbusSlave::NextAscii() {
         buffer_.clear();
     }
     return std::nullopt;
+}
+
+// What is no frame ends the connection on a real one; here it is dropped.
+std::optional<std::string> ModbusSlave::NextTcp() {
+    const std::size_t length = TcpLength(buffer_);
+    if (length > buffer_.size()) {
+        return std::nullopt;
+    }
+    if (length == 0) {
+        buffer_.clear();
+        return std::nullopt;
+    }
+    transaction_ = buffer_.substr(0, 2);
+    std::string message = buffer_.substr(kTcpHead, length - kTcpHead);
+    buffer_.erase(0, length);
+    return message;
+}
+
+std::optional<std::string> ModbusSlave::Next() {
+    return framing_ == Framing::Rtu ? NextRtu() : framing_ == Framing::Ascii ? NextAscii() : NextTcp();
 }
 
 bool ModbusSlave::StaysSilent(std::string_view request) const {
@@ -245,7 +277,11 @@ std::string ModbusSlave::RegisterBytes(int number, const Moment& now) {
     return before != nullptr ? FloatBytes(list.ValueAt(*before, now.local)).substr(2) : WordBytes(0);
 }
 
-std::string ModbusFrame(Framing framing, std::string_view message) {
+std::string ModbusFrame(Framing framing, std::string_view message, std::string_view transaction) {
+    if (framing == Framing::Tcp) {
+        const std::string length = {static_cast<char>(message.size() >> 8), static_cast<char>(message.size())};
+        return std::string(transaction) + std::string(2, '\0') + length + std::string(message);
+    }
     if (framing == Framing::Rtu) {
         return std::string(message) + LowHigh(ModbusCrc16(message));
     }
@@ -259,6 +295,13 @@ std::string ModbusFrame(Framing framing, std::string_view message) {
 }
 
 std::string ModbusException(std::string_view requestFrame, int code) {
+    if (requestFrame.size() > kTcpHead + 1 && TcpLength(requestFrame) == requestFrame.size() &&
+        !GoodCrc(requestFrame)) {
+        const std::string_view message = requestFrame.substr(kTcpHead);
+        return ModbusFrame(Framing::Tcp,
+                           std::string(message.substr(0, 1)) + ModbusExceptionPart(ByteAt(message, 1), code),
+                           requestFrame.substr(0, 2));
+    }
     if (requestFrame.size() > 1 && requestFrame[0] != ':') {
         return ModbusFrame(Framing::Rtu,
                            std::string(requestFrame.substr(0, 1)) + ModbusExceptionPart(ByteAt(requestFrame, 1), code));

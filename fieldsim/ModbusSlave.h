@@ -12,7 +12,7 @@
 
 namespace fieldsim {
 
-enum class Framing { Rtu, Ascii };
+enum class Framing { Rtu, Ascii, Tcp };
 
 // What a slave holds. Register and coil 1 go over the line as 0.
 struct ModbusMap {
@@ -51,6 +51,8 @@ class ModbusSlave final : public WritableStation {
     // The next whole message, address first, without its check; it and everything before it leave the buffer.
     std::optional<std::string> NextRtu();
     std::optional<std::string> NextAscii();
+    std::optional<std::string> NextTcp();  // sets transaction_
+    std::optional<std::string> Next();
 
     bool StaysSilent(std::string_view request) const;
     // The function and what follows it, of a request and of its answer; nothing when the answer is lost.
@@ -79,13 +81,15 @@ class ModbusSlave final : public WritableStation {
     ModbusMap map_;
     std::uint32_t answerMs_;
     std::string buffer_;
+    std::string transaction_;  // of the request in hand
     std::uint64_t lastByteAt_ = 0;
     int silentRegister_ = 0;
     int requests_ = 0;
 };
 
-// A message, address first, as a frame of its framing: with CRC, or ":" hexadecimal text, LRC, CR and LF.
-std::string ModbusFrame(Framing framing, std::string_view message);
+// A message, address first, as a frame of its framing: with CRC; or ":" hexadecimal text, LRC, CR and LF; or behind the
+// number of a transaction, two bytes, and its length.
+std::string ModbusFrame(Framing framing, std::string_view message, std::string_view transaction = {"\0\0", 2});
 
 // The frame with which a slave answers a request frame by an exception.
 std::string ModbusException(std::string_view requestFrame, int code);

@@ -94,6 +94,11 @@ void SimLine::Output(const std::string& bytes) {
     bytesSent_ += bytes.size();
     for (Answer& answer : ports_.devices_[name_]->Receive(bytes, Now())) {
         ports_.arrivals_[name_].emplace(ports_.clock_.Elapsed() + answer.delayMs, std::move(answer.bytes));
+        ports_.clock_.After(answer.delayMs, [this, lives = std::weak_ptr(lives_)] {
+            if (!lives.expired()) {
+                Received();
+            }
+        });
     }
 }
 

@@ -94,6 +94,7 @@ class SimLine final : public protocols::Line {
     std::uint64_t bytesSent_ = 0;
     std::uint64_t bytesRead_ = 0;
     int timesOpened_ = 0;
+    std::shared_ptr<bool> lives_ = std::make_shared<bool>();  // the clock may outlive the line
 };
 
 }  // namespace fieldsim

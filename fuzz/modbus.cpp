@@ -1,5 +1,5 @@
-// Replies of any bytes to the Modbus parsers, in both framings and both kinds of numbers, and numbers of any size to
-// the conversions and the builders.
+// Replies of any bytes to the Modbus parsers, in all framings, both word orders and both kinds of numbers, and numbers
+// of any size to the conversions and the builders.
 #include <bit>
 #include <cmath>
 #include <cstdlib>
@@ -8,6 +8,7 @@
 
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusFraming.h"
 #include "protocols/modbus/ModbusReply.h"
 #include "protocols/modbus/ModbusRequest.h"
 
@@ -21,9 +22,33 @@ void Check(bool holds) {
     }
 }
 
+// Any bytes to a request for two registers, alone and around a right reply to it in TCP framing.
+void Unwrap(const std::string& reply) {
+    const std::string rtu("\x01\x03\x00\x64\x00\x02\x85\xD4", 8);
+    const std::string request = TcpFrame(0x1501, rtu);
+    const std::string head("\x15\x01\0\0\0\x07\x01\x03\x04", 9);
+    for (const std::string& received : {reply, head + reply, reply + head + "abcd"}) {
+        const auto own = OwnTcpReply(received, request);
+        core::Station station;
+        station.mode = "TCP";
+        Check(WholeModbusReply(station, request).judge(received) == own.has_value());
+        ModbusState modbus;
+        Check(!own || ParseRtuReply(modbus, *own).kind != ModbusReply::Kind::CrcError);
+        station.mode = "RTU";
+        WholeModbusReply(station, rtu).judge(received);
+        station.mode = "ASCII";
+        for (const bool standard : {false, true}) {
+            station.standardFraming = standard;
+            WholeModbusReply(station, ":01030064000296\r\n").judge(received);
+            WholeModbusReply(station, ":01030064000296\r\n").judge(":" + received + "\r\n");
+        }
+    }
+}
+
 void Parse(std::string reply, bool floatread) {
     ModbusState modbus;
     modbus.floatread = floatread;
+    modbus.wordOrder = reply.size() % 2 == 0 ? core::WordOrder::LowFirst : core::WordOrder::HighFirst;
     ParseAsciiReply(modbus, reply);
     ParseAsciiReply(modbus, reply, AsciiCheck::Standard);
     ParseRtuReply(modbus, reply);
@@ -63,6 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     const std::string input(reinterpret_cast<const char*>(bytes), size);
     Parse(input, false);
     Parse(input, true);
+    Unwrap(input);
     HexToFloat(input);
     BitsToFloat(input);
     Check(std::isfinite(BitsToNumber(input, 0.5)));

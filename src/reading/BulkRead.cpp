@@ -77,7 +77,7 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
                                   std::to_string(block.start) + " [" + std::to_string(talk.station.locationID) + "]");
         }
         take(answer);
-        if (!talk.Wanted() && !talk.Wait(talk.CommTimeout())) {
+        if (!talk.Wanted() && !talk.Pause(talk.CommTimeout())) {
             return ReadOutcome::Failed;
         }
     }

@@ -24,7 +24,7 @@ ListReplies::ListReplies(protocols::Conversation& talk, ListReading reading)
 std::optional<ListReply> ListReplies::Next() {
     int sends = 0;
     for (int requests = 1; sends < protocols::mostSends; ++requests) {
-        if (reading_.paced && !talk_.Wait(talk_.CommTimeout())) {
+        if (reading_.paced && !talk_.Pause(talk_.CommTimeout())) {
             return std::nullopt;
         }
         const protocols::StationReply received =

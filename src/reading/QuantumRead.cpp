@@ -21,7 +21,9 @@ std::optional<protocols::QuantumReply> Ask(protocols::Conversation& talk, int me
     for (int asked = 0; asked < mostAsks && (asked == 0 || (!talk.Ended() && !talk.Wanted())); ++asked) {
         talk.feedback.Status("Sending Request Message " + number);
         talk.feedback.Status("Waiting For Reply- Message " + number);
-        const std::string reply = protocols::CutQuantumEcho(protocols::Exchange(talk, request, answerMs), request);
+        const std::string received =
+            protocols::Exchange(talk, request, answerMs, protocols::WholeQuantumReply(request));
+        const std::string reply = protocols::CutQuantumEcho(received, request);
         if (talk.Ended()) {
             return std::nullopt;
         }

@@ -6,6 +6,7 @@
 
 #include "core/Text.h"
 #include "protocols/bsap/Bsap.h"
+#include "protocols/bsap/BsapLink.h"
 #include "protocols/modbus/ModbusReadBack.h"
 #include "session/Figures.h"
 #include "session/Speaks.h"
@@ -33,7 +34,7 @@ protocols::Bsap Messages(protocols::Conversation& talk) {
 // Clears what is waiting of an earlier answer, sends, waits and takes what comes.
 void SendOnce(protocols::Conversation& talk, const std::string& frame) {
     talk.feedback.Status("Sending Request");
-    const std::string reply = protocols::Exchange(talk, frame);
+    const std::string reply = protocols::ExchangeBsap(talk, frame);
     if (!talk.Ended()) {
         talk.requests.Note(!reply.empty());
     }

@@ -67,7 +67,8 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
     drs.parentWidget()->layout()->addWidget(drawing_);
     drawing_->hide();
     ui_.cmdDRS->setVisible(session_.Look().drs != 0);
-    traffic_->Station(station.protocol, station.mode, station.isCW);
+    traffic_->Station(station.protocol, station.mode, station.isCW,
+                      station.wordOrder == core::WordOrder::LowFirst && !station.rtuBitsMode);
     traffic_->hide();
     ConnectCommands();
     Drawn();

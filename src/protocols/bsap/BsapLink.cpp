@@ -26,6 +26,12 @@ void LogBytes(Conversation& talk, const std::string& title, const std::string& b
     talk.logs.WriteLogLine(core::HexLine(bytes));
 }
 
+// Any frame of the station is the reply to a message of which nothing but that is asked.
+WholeReply WholeAnswer(const Conversation& talk, const std::string& frame) {
+    const BsapAsked asked = BsapAsked::By(frame, talk.station.isCW, talk.station.slaveaddress);
+    return {[asked](std::string_view received) { return !AnswersIn(received, asked).empty(); }};
+}
+
 // A request on its way to its answer.
 class Question {
   public:
@@ -41,7 +47,7 @@ class Question {
         constexpr int mostWaits = 4;
         Sift(received);
         for (int waits = 0; waits < mostWaits && onlyAnothers_ && !talk_.Ended(); ++waits) {
-            const std::string later = Await(talk_, talk_.CommTimeout());
+            const std::string later = Await(talk_, talk_.CommTimeout(), Whole());
             if (later.empty()) {
                 return;
             }
@@ -53,6 +59,29 @@ class Question {
     void HearPolled(const std::string& received) {
         asked_.serials += LowByte(talk_.counters.bsapseq);
         Hear(received);
+    }
+
+    // What comes in the rest of a wait that an acknowledgement ended.
+    void HearRest() {
+        WholeReply whole = Whole();
+        whole.tellsLate |= talk_.cautious == 0;  // a station that says no more in it has answered all the same
+        const std::string later = Await(talk_, talk_.CommTimeout(), whole);
+        if (!later.empty()) {
+            Hear(later);
+        }
+    }
+
+    // A message of the link is whole too: the answer is then polled for.
+    WholeReply Whole() const {
+        const auto isWhole = [this](std::string_view received) {
+            BsapAsked asked = asked_;
+            asked.serials += LowByte(talk_.counters.bsapseq);  // a poll that is on its way
+            const std::vector<BsapAnswer> all = AnswersIn(received, asked);
+            return std::any_of(all.begin(), all.end(), [&](const BsapAnswer& answer) {
+                return answer.isLink || WhoseIs(answer, asked, talk_.counters, talk_.bsap.echoes) != Whose::Anothers;
+            });
+        };
+        return {isWhole, 0, talk_.bsap.echoes};
     }
 
     // By what of it the need of a poll is told: the answer, else the acknowledgement; bytes without a frame as they
@@ -229,7 +258,7 @@ class SignOnSteps {
         if (options_.logs >= SignOnLog::All) {
             LogBytes(talk_, title, frame);
         }
-        std::string reply = Exchange(talk_, frame);
+        std::string reply = ExchangeBsap(talk_, frame);
         if (options_.logs >= replyFrom) {
             LogBytes(talk_, replyTitle, reply);
         }
@@ -268,18 +297,25 @@ bool SignOnInTries(Conversation& talk, const SignOnOptions& options, int most) {
     return false;
 }
 
-bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply) {
+std::string ExchangeBsap(Conversation& talk, const std::string& frame) {
+    return Exchange(talk, frame, WholeAnswer(talk, frame));
+}
+
+bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply, const WholeReply& whole) {
     constexpr std::size_t shortestAcknowledgement = 11;
     constexpr std::size_t shortestAnswer = 18;
     if (reply.size() < shortestAcknowledgement || reply.size() >= shortestAnswer) {
         return false;
     }
-    pollReply = Exchange(talk, Messages(talk).POLL_RTU(talk.station.slaveaddress));
+    pollReply = Exchange(talk, Messages(talk).POLL_RTU(talk.station.slaveaddress), whole);
     return true;
 }
 
 void UP_ACK_Routing(Conversation& talk, bool logs) {
-    const std::string reply = Exchange(talk, Messages(talk).POLL_RTU_1(talk.station.slaveaddress));
+    const std::string frame = Messages(talk).POLL_RTU_1(talk.station.slaveaddress);
+    WholeReply whole = WholeAnswer(talk, frame);
+    whole.tellsLate = true;  // nothing is made of what comes, and some stations say nothing
+    const std::string reply = Exchange(talk, frame, whole);
     if (logs) {
         LogBytes(talk, "Get List UP_ACK Response", reply);
     }
@@ -287,17 +323,23 @@ void UP_ACK_Routing(Conversation& talk, bool logs) {
 
 StationReply AskStation(Conversation& talk, const std::string& frame, const RequestLog& log, int most) {
     Question question(talk, frame);
-    const std::string received = Exchange(talk, frame);
+    const std::string received = Exchange(talk, frame, question.Whole());
     if (!log.title.empty()) {
         LogBytes(talk, log.title, received);
     }
     question.Hear(received);
     const std::string first = question.First();
     std::string pollReply;
-    while (!talk.Ended() && Check_NeedPoll(talk, first, pollReply)) {
+    // In prompt pacing the first poll goes out before its time. A station that is not ready by then gets the same time
+    // and as many polls as in stated pacing.
+    bool isEarly = talk.station.pacing == core::Pacing::Prompt;
+    while (!talk.Ended() && Check_NeedPoll(talk, first, pollReply, question.Whole())) {
         question.HearPolled(pollReply);
-        const bool again = !question.reply.answer && question.MayStillCome() && question.reply.sends < most &&
-                           !talk.Wanted() && !talk.Ended();
+        if (talk.station.pacing == core::Pacing::Prompt && question.IsToldToWait() && !question.reply.answer) {
+            question.HearRest();
+        }
+        const bool again = !question.reply.answer && question.MayStillCome() &&
+                           (isEarly || question.reply.sends < most) && !talk.Wanted() && !talk.Ended();
         // Before the next poll an acknowledgement is not acknowledged: the station might drop what it is preparing.
         if (!again || !question.IsToldToWait()) {
             UP_ACK_Routing(talk, log.acknowledge);
@@ -305,7 +347,8 @@ StationReply AskStation(Conversation& talk, const std::string& frame, const Requ
         if (!again) {
             break;
         }
-        ++question.reply.sends;
+        question.reply.sends += isEarly ? 0 : 1;
+        isEarly = false;
     }
     return question.reply;
 }

@@ -37,7 +37,10 @@ bool SignOnInTries(Conversation& talk, const SignOnOptions& options = {}, int mo
 
 // A reply of 11 to 17 bytes, counted as BsapAnswer::text, is no answer but the acknowledgement that it is not ready
 // yet. Then the station is polled and `pollReply` is what it gives; else nothing is sent. Tells whether it was polled.
-bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply);
+bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply, const WholeReply& whole = {});
+
+// One exchange of which no answer is read; `frame` is a request or a poll.
+std::string ExchangeBsap(Conversation& talk, const std::string& frame);
 
 // Tells the station that its answer has arrived. The reply to that is logged or dropped.
 void UP_ACK_Routing(Conversation& talk, bool logs);

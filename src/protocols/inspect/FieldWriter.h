@@ -68,6 +68,7 @@ struct Naming {
     std::string_view request;
     std::vector<FrameField> fields{};
     std::size_t next = 0;
+    bool lowWordFirst = false;
 
     std::string_view Rest() const { return line.substr(next); }
     // Names the last bytes, if any are left of the frame that lacks this.
@@ -80,6 +81,7 @@ struct Naming {
 // Each names what it knows from the next byte on, and leaves the rest.
 void NameModbusRtu(Naming& naming);
 void NameModbusAscii(Naming& naming);
+void NameModbusTcp(Naming& naming);
 void NameBsap(Naming& naming, bool isCW);
 void NameQuantum(Naming& naming);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/Kinds.h"
 #include "core/Text.h"
 #include "protocols/inspect/FieldWriter.h"
 
@@ -10,10 +11,25 @@ namespace protocols {
 
 namespace {
 
+core::Framing FramingOf(const Wire& wire) {
+    return core::KindOf<core::Framing>(core::framingTexts, wire.mode).value_or(core::Framing::Rtu);
+}
+
 // The dialogue with a modem is text in lines. No frame is all text, but for ASCII framing, which begins with a colon.
 bool IsModemText(std::string_view bytes, const Wire& wire) {
-    const bool asciiFrames = core::SameText(wire.protocol, "Modbus") && core::SameText(wire.mode, "ASCII");
+    const bool asciiFrames = core::SameText(wire.protocol, "Modbus") && FramingOf(wire) == core::Framing::Ascii;
     return IsText(bytes) && !(asciiFrames && bytes.find(':') != std::string_view::npos);
+}
+
+void NameModbus(Naming& naming, core::Framing framing) {
+    switch (framing) {
+        case core::Framing::Rtu:
+            return NameModbusRtu(naming);
+        case core::Framing::Ascii:
+            return NameModbusAscii(naming);
+        case core::Framing::Tcp:
+            return NameModbusTcp(naming);
+    }
 }
 
 void NameFrames(Naming& naming, const Wire& wire) {
@@ -22,7 +38,7 @@ void NameFrames(Naming& naming, const Wire& wire) {
     } else if (core::SameText(wire.protocol, "Quantum")) {
         NameQuantum(naming);
     } else if (core::SameText(wire.protocol, "Modbus")) {
-        core::SameText(wire.mode, "ASCII") ? NameModbusAscii(naming) : NameModbusRtu(naming);
+        NameModbus(naming, FramingOf(wire));
     }
 }
 
@@ -43,6 +59,7 @@ std::string Padded(std::string text, std::size_t width) {
 std::vector<FrameField> FrameFields(std::string_view bytes, const Wire& wire, Direction direction,
                                     std::string_view request) {
     Naming naming{bytes, direction, request};
+    naming.lowWordFirst = wire.lowWordFirst;
     // Some lines give back what is sent on them. An answer that is the request and no more is an answer.
     if (direction == Direction::RX && !request.empty() && bytes.size() > request.size() && bytes.starts_with(request)) {
         naming.Take(request.size(), "echo", "the request, given back by the line");

@@ -20,6 +20,7 @@ struct Wire {
     std::string protocol;
     std::string mode;
     bool isCW = false;
+    bool lowWordFirst = false;  // of Modbus floats in two registers
 };
 
 enum class Direction { TX, RX };

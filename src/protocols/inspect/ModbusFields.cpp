@@ -1,9 +1,12 @@
+#include <bit>
+
 #include "core/Text.h"
 #include "protocols/WireNumbers.h"
 #include "protocols/inspect/FieldWriter.h"
 #include "protocols/modbus/ModbusCheck.h"
 
-// Modbus by name: both framings carry the same body, slave, function and data, in front of their check.
+// Modbus by name: its framings carry the same body, slave, function and data, RTU and ASCII in front of their check,
+// TCP behind a head.
 namespace protocols {
 
 namespace {
@@ -95,7 +98,7 @@ void TakeWord(BodyFields& body, const std::string& name) {
     body.Take(2, name, std::to_string(body.HighLow()));
 }
 
-std::string Floats(std::string_view bytes) {
+std::string Floats(std::string_view bytes, bool lowWordFirst) {
     constexpr std::size_t most = 3;
     std::string text;
     for (std::size_t at = 0; at + 4 <= bytes.size() && at < most * 4; at += 4) {
@@ -103,15 +106,16 @@ std::string Floats(std::string_view bytes) {
         for (const char c : bytes.substr(at, 4)) {
             word = word << 8U | static_cast<unsigned char>(c);
         }
-        text += (text.empty() ? "" : " ") + core::NumberText(core::RoundTo(WireFloat(word), 6));
+        text += (text.empty() ? "" : " ") +
+                core::NumberText(core::RoundTo(WireFloat(lowWordFirst ? std::rotl(word, 16) : word), 6));
     }
     return text + (bytes.size() > most * 4 ? " ..." : "");
 }
 
-void TakeData(BodyFields& body, int function, std::size_t count) {
+void TakeData(BodyFields& body, int function, std::size_t count, bool lowWordFirst) {
     const std::string_view bytes = body.PeekAll().substr(0, count);
     const bool floats = (function == 3 || function == 4 || function == writeRegisters) && count > 0 && count % 4 == 0;
-    body.Take(count, "data", ShortHex(bytes) + (floats ? ", as floats " + Floats(bytes) : ""));
+    body.Take(count, "data", ShortHex(bytes) + (floats ? ", as floats " + Floats(bytes, lowWordFirst) : ""));
 }
 
 void TakeCoilValue(BodyFields& body) {
@@ -136,19 +140,19 @@ void TakeAddressAndDatum(BodyFields& body, int function) {
     }
 }
 
-void TakeRequest(BodyFields& body) {
+void TakeRequest(BodyFields& body, bool lowWordFirst) {
     const int function = body.Peek(1);
     TakeHead(body);
     TakeAddressAndDatum(body, function);
     if (IsWriteOfMany(function)) {
         body.TakeByte("byte count");
         // The requests of this master do not always carry what they count, so the data is what is there.
-        TakeData(body, function, body.Left());
+        TakeData(body, function, body.Left(), lowWordFirst);
     }
     body.TakeRest("data");
 }
 
-void TakeReply(BodyFields& body) {
+void TakeReply(BodyFields& body, bool lowWordFirst) {
     const int function = body.Peek(1);
     TakeHead(body);
     if ((function & exceptionBit) != 0) {
@@ -157,7 +161,7 @@ void TakeReply(BodyFields& body) {
     } else if (IsRead(function)) {
         const int count = std::max(body.Peek(), 0);
         body.TakeByte("byte count");
-        TakeData(body, function, static_cast<std::size_t>(count));
+        TakeData(body, function, static_cast<std::size_t>(count), lowWordFirst);
     } else if (function == readStatus) {
         body.TakeByte("status");
     } else {
@@ -173,9 +177,9 @@ bool TakeBody(const Body& bytes, Naming& naming) {
         TakeHead(body);
         body.TakeRest("not recognised");
     } else if (naming.direction == Direction::TX) {
-        TakeRequest(body);
+        TakeRequest(body, naming.lowWordFirst);
     } else {
-        TakeReply(body);
+        TakeReply(body, naming.lowWordFirst);
     }
     naming.next = bytes.at.back();
     return !body.CutShort();
@@ -283,6 +287,30 @@ void NameModbusRtu(Naming& naming) {
     }
     const std::string expected = RtuCheck(line.substr(0, length));
     naming.Take(rtuCheck, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
+}
+
+void NameModbusTcp(Naming& naming) {
+    constexpr std::size_t headLength = 6;
+    while (!naming.Rest().empty()) {
+        const Body head = PlainBody(naming.line, naming.next, naming.Rest().size());
+        BodyFields fields(head, naming.fields);
+        const auto word = [&](std::size_t at) {
+            return std::max(fields.Peek(at), 0) * 256 + std::max(fields.Peek(at + 1), 0);
+        };
+        const int length = word(4);
+        if (naming.Rest().size() < headLength + 2 || word(2) != 0 || length < 2) {
+            return;
+        }
+        TakeWord(fields, "transaction");
+        TakeWord(fields, "protocol");
+        TakeWord(fields, "length");
+        naming.next += headLength;
+        const std::size_t size = std::min(static_cast<std::size_t>(length), naming.Rest().size());
+        const bool isWhole = TakeBody(PlainBody(naming.line, naming.next, size), naming);
+        if (isWhole && size < static_cast<std::size_t>(length)) {
+            naming.TakeCut("the rest");
+        }
+    }
 }
 
 void NameModbusAscii(Naming& naming) {

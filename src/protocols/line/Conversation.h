@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/Clock.h"
 #include "core/Feedback.h"
@@ -22,21 +23,23 @@ struct BsapNumbers {
     std::string serials;   // the link's, and those of the link messages that followed
 };
 
-// The sequence numbers of the BSAP side. They live for the run of the program: no sign-on and no new station resets
+// The sequence numbers of the requests. They live for the run of the program: no sign-on and no new station resets
 // them, so a late answer to an earlier station never has the number of the present request.
 struct BsapCounters {
     int bsapseq = 0;                   // link sequence, 1 to 255
     int appseqlow = 0;                 // application sequence, low byte
     int appseqhigh = 0;                // and high byte
     std::deque<BsapNumbers> lately{};  // the last requests, the newest last
+    int transaction = 0;               // of Modbus TCP, 0 to 65535
 };
 
 // What the Modbus side keeps between building a request and reading its values.
 struct ModbusState {
     // The numbers of the last reply, the first at index 1, which doubles as the error slot.
     std::array<double, 126> mbvalues{};
-    bool rtu32bit = false;   // one register holds a whole float
-    bool floatread = false;  // a function 3 reply is decoded as floats
+    bool rtu32bit = false;                                   // one register holds a whole float
+    bool floatread = false;                                  // a function 3 reply is decoded as floats
+    core::WordOrder wordOrder = core::WordOrder::HighFirst;  // of a float in two registers
 };
 
 // Where a BSAP answer has the byte that the positions of the long layout count in front of everything.
@@ -85,6 +88,8 @@ struct Conversation {
     ModbusState modbus{};
     BsapState bsap{};
     RequestCounts requests{};
+    // How many exchanges still take their stated waits, see WholeReply.
+    int cautious = 0;
     // Something more urgent than a bulk read wants the line: asked where no reply is on its way. Empty: never.
     std::function<bool()> wanted{};
 
@@ -95,19 +100,36 @@ struct Conversation {
     bool Wait(double milliseconds) {
         return clock.WaitMs(milliseconds, [this] { return line->Ended(); });
     }
+    // The same for a wait between two requests, which only gives the station its time. In prompt pacing it has had it.
+    bool Pause(double milliseconds) {
+        const bool isNeeded = station.pacing == core::Pacing::Stated || cautious > 0;
+        return isNeeded ? Wait(milliseconds) : !Ended();
+    }
     bool Ended() const { return line->Ended(); }
 };
 
 // The lamp of bytes that came behind the wait for their answer.
 inline constexpr const char* lateLamp = "RX late";
 
+// When the reply to a request is whole. Each protocol says it for its own.
+struct WholeReply {
+    // Whether what has come since the request was sent is its whole reply, checked.
+    std::function<bool(std::string_view received)> judge{};
+    double silenceMs = 0;  // that has to follow, where a frame has no end of its own
+    // The judge tells a late reply to an earlier request from this one's. Where it does not, an exchange without a
+    // whole reply, and late bytes, make this exchange and the next ones take their stated waits, until two in a row
+    // were whole.
+    bool tellsLate = false;
+};
+
 // One exchange with a station: clears what is waiting, which is shown as late, sends the frame, waits and takes what
 // came. The only place that sends a request and reads its answer. `answerMs` is the pacing that the device expects, one
-// commtimeout if not given. Empty: no answer, the port is closed, or the conversation was told to end.
-std::string Exchange(Conversation& talk, const std::string& frame);
-std::string Exchange(Conversation& talk, const std::string& frame, double answerMs);
+// commtimeout if not given; in prompt pacing the wait ends as soon as the reply is whole. Empty: no answer, the port is
+// closed, or the conversation was told to end.
+std::string Exchange(Conversation& talk, const std::string& frame, const WholeReply& whole = {});
+std::string Exchange(Conversation& talk, const std::string& frame, double answerMs, const WholeReply& whole = {});
 
 // Waits and takes what came, without sending.
-std::string Await(Conversation& talk, double milliseconds);
+std::string Await(Conversation& talk, double milliseconds, const WholeReply& whole = {});
 
 }  // namespace protocols

@@ -6,6 +6,7 @@
 
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusFraming.h"
 
 namespace protocols {
 
@@ -36,15 +37,11 @@ class Values {
     // Rounded to 6 decimals, ties to even. A float of this range (below 2^31) does not overflow the millionths.
     void AddFloat(std::uint32_t word) {
         constexpr double scale = 1e6;
-        Judge(word);
-        Add(static_cast<double>(std::llrint(WireFloat(word) * scale)) / scale);
+        Add(static_cast<double>(std::llrint(WireFloat(Judged(word)) * scale)) / scale);
     }
 
     // As it came.
-    void AddUnrounded(std::uint32_t word) {
-        Judge(word);
-        Add(WireFloat(word));
-    }
+    void AddUnrounded(std::uint32_t word) { Add(WireFloat(Judged(word))); }
 
     // Eight coils, the lowest bit first.
     void AddCoils(int byte) {
@@ -58,11 +55,13 @@ class Values {
     std::bitset<126> outOfRange;
 
   private:
-    // Of the number that is added next.
-    void Judge(std::uint32_t word) {
+    // The float of these registers, judged for the number that is added next.
+    std::uint32_t Judged(std::uint32_t registers) {
+        const std::uint32_t word = InWordOrder(modbus_, registers);
         if (next_ < outOfRange.size()) {
             outOfRange[next_] = IsOutOfRange(word);
         }
+        return word;
     }
 
     ModbusState& modbus_;

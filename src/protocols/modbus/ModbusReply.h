@@ -32,7 +32,7 @@ struct ModbusReply {
 // Values behind index 125 are left out. Index 1 is also where a failure stands: -32100 for a short reply or a length
 // that does not fit, the third byte after a bad check, the code of an exception.
 //
-// Floats are high word first. Integers are signed, and their check word stands behind them in mbvalues.
+// Floats are in the word order of `modbus`. Integers are signed, and their check word stands behind them in mbvalues.
 ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply);
 
 // From the colon to CR and LF; what stands in front of it is noise. With a second colon there is another reply, or an

@@ -9,6 +9,7 @@
 #include "core/Text.h"
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusFraming.h"
 
 namespace protocols {
 
@@ -93,9 +94,14 @@ std::string FloatHeader(const ModbusState& modbus, int floats) {
     return Word(modbus.rtu32bit ? floats : 2 * floats) + Byte(floats * bytesPerFloat);
 }
 
-std::string FloatText(double value) {
-    const auto bytes = FloatToBytes(value);
-    return {bytes.begin(), bytes.end()};
+std::string FloatText(const ModbusState& modbus, double value) {
+    std::uint32_t word = 0;
+    for (const unsigned char byte : FloatToBytes(value)) {
+        word = word << 8U | byte;
+    }
+    word = InWordOrder(modbus, word);
+    return {static_cast<char>(word >> 24U), static_cast<char>(word >> 16U), static_cast<char>(word >> 8U),
+            static_cast<char>(word)};
 }
 
 // The whole frame: slave, command, register, what follows it, CRC low byte first.
@@ -165,7 +171,7 @@ ModbusRequest BuildWriteFrame(const ModbusState& modbus, double value, int reg, 
         return {{}, badDatum};
     }
     if (command == writeRegisters) {
-        return RtuFrame(command, slave, reg, FloatHeader(modbus, 1) + FloatText(value));
+        return RtuFrame(command, slave, reg, FloatHeader(modbus, 1) + FloatText(modbus, value));
     }
     const std::string header = command == writeCoils ? Word(0) + Byte(0) : std::string();
     return RtuFrame(command, slave, reg, header + RtuDatum(command, Unsigned(value)));
@@ -178,7 +184,7 @@ ModbusRequest BuildClockWriteFrame(const ModbusState& modbus, const core::DateTi
     }
     std::string floats;
     for (const int part : {now.year, now.month, now.day, now.hour, now.minute, now.second}) {
-        floats += FloatText(part);
+        floats += FloatText(modbus, part);
     }
     return RtuFrame(writeRegisters, slave, reg, FloatHeader(modbus, 6) + floats);
 }

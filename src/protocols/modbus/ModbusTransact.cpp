@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "core/Text.h"
+#include "protocols/modbus/ModbusFraming.h"
 #include "protocols/modbus/ModbusRequest.h"
 
 namespace protocols {
@@ -13,22 +13,25 @@ namespace {
 
 using Kind = ModbusReply::Kind;
 
-// What is different between RTU and ASCII, chosen once a transaction.
-struct Framing {
-    bool ascii;
+// What the framings do differently, chosen once a transaction. A request and its reply are held in RTU framing where
+// the line has TCP: the message is the same.
+struct Framed {
+    core::Framing framing;
     AsciiCheck check;  // of ASCII
 
+    bool IsAscii() const { return framing == core::Framing::Ascii; }
     ModbusRequest Build(int command, int slave, double reg, std::vector<float>& data) const {
-        return ascii ? BuildAsciiRequest(command, slave, reg, data, check) : BuildRtuRequest(command, slave, reg, data);
+        return IsAscii() ? BuildAsciiRequest(command, slave, reg, data, check)
+                         : BuildRtuRequest(command, slave, reg, data);
     }
     ModbusReply Parse(ModbusState& modbus, const std::string& reply) const {
-        return ascii ? ParseAsciiReply(modbus, reply, check) : ParseRtuReply(modbus, reply);
+        return IsAscii() ? ParseAsciiReply(modbus, reply, check) : ParseRtuReply(modbus, reply);
     }
 };
 
-Framing FramingOf(const core::Station& station) {
-    return {core::SameText(station.mode, "ASCII"),
-            station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required};
+Framed Prepare(Conversation& talk) {
+    talk.modbus.wordOrder = talk.station.wordOrder;
+    return {FramingOf(talk.station), talk.station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required};
 }
 
 // The numbers of values that the reply to a read may have: registers give just what was asked for, and perhaps the
@@ -50,20 +53,31 @@ Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
     return {values, values + (registers ? 1 : 15)};
 }
 
+// Each try over TCP has a number of its own, so that a late reply to an earlier one is told by it.
+std::string Converse(Conversation& talk, core::Framing framing, const std::string& frame, double answerMs) {
+    if (framing != core::Framing::Tcp) {
+        return Exchange(talk, frame, answerMs, WholeModbusReply(talk.station, frame));
+    }
+    talk.counters.transaction = (talk.counters.transaction + 1) % 65536;
+    const std::string request = TcpFrame(talk.counters.transaction, frame);
+    const std::string received = Exchange(talk, request, answerMs, WholeModbusReply(talk.station, request));
+    return OwnTcpReply(received, request).value_or("");
+}
+
 // One request and its reply.
-ModbusReply Ask(Conversation& talk, const Framing& framing, const std::string& frame, const Judge& judge,
+ModbusReply Ask(Conversation& talk, const Framed& framed, const std::string& frame, const Judge& judge,
                 const TransactOptions& options) {
     const int timeout = talk.CommTimeout();
     talk.feedback.Status(options.waiting);
-    const std::string bytes = Exchange(talk, frame, options.waitsForAnswer * timeout);
-    if (talk.Wait(options.waitsAfterAnswer * timeout)) {
+    const std::string bytes = Converse(talk, framed.framing, frame, options.waitsForAnswer * timeout);
+    if (talk.Pause(options.waitsAfterAnswer * timeout)) {
         talk.feedback.Status(options.converting);
     }
-    ModbusReply reply = judge(framing.Parse(talk.modbus, bytes), bytes);
+    ModbusReply reply = judge(framed.Parse(talk.modbus, bytes), bytes);
     if (!talk.Ended()) {
         talk.requests.Note(IsAnswer(reply, options));
     }
-    talk.Wait(options.waitsAfterAnswer * timeout);
+    talk.Pause(options.waitsAfterAnswer * timeout);
     return reply;
 }
 
@@ -106,14 +120,14 @@ ModbusRequest RtuWrite(const Conversation& talk, ModbusDatum datum, int reg, dou
     return BuildWriteFrame(talk.modbus, value, reg, writeRegisters, slave);
 }
 
-ModbusRequest AsciiWrite(const Framing& framing, ModbusDatum datum, int slave, int reg, double value) {
+ModbusRequest AsciiWrite(const Framed& framed, ModbusDatum datum, int slave, int reg, double value) {
     constexpr float on = 0xFF00;
     std::vector<float> data = {datum != ModbusDatum::Coil ? static_cast<float>(value) : value == 1 ? on : 0};
     switch (datum) {
         case ModbusDatum::Coil:
-            return framing.Build(writeCoil, slave, reg, data);
+            return framed.Build(writeCoil, slave, reg, data);
         case ModbusDatum::Integer:
-            return framing.Build(writeRegister, slave, reg, data);
+            return framed.Build(writeRegister, slave, reg, data);
         case ModbusDatum::Float:
             break;
     }
@@ -141,20 +155,20 @@ bool Acknowledges(const std::string& bytes, const std::string& frame, ModbusDatu
 }
 
 // A whole transaction of a request that was built, or was not.
-ModbusReply Transact(Conversation& talk, const Framing& framing, const ModbusRequest& request, const Judge& judge,
+ModbusReply Transact(Conversation& talk, const Framed& framed, const ModbusRequest& request, const Judge& judge,
                      const TransactOptions& options) {
     if (!request.Built()) {
         talk.feedback.Box("Valid parameters not available to assemble Modbus packet");
         return {};
     }
     talk.feedback.Status(options.sending);
-    if (!talk.Wait(options.waitsBefore * talk.CommTimeout()) || talk.Wanted()) {
+    if (!talk.Pause(options.waitsBefore * talk.CommTimeout()) || talk.Wanted()) {
         return {};
     }
-    ModbusReply reply = Ask(talk, framing, request.frame, judge, options);
+    ModbusReply reply = Ask(talk, framed, request.frame, judge, options);
     for (int made = 1; made < options.tries && TriesAgain(talk, reply, options); ++made) {
         talk.logs.WriteRtuErr("Try" + std::to_string(made));
-        reply = Ask(talk, framing, request.frame, judge, options);
+        reply = Ask(talk, framed, request.frame, judge, options);
     }
     if (IsAnswer(reply, options)) {
         return reply;
@@ -183,35 +197,35 @@ bool IsAnswer(const ModbusReply& reply, const TransactOptions& options) {
 }
 
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, const TransactOptions& options) {
-    const Framing framing = FramingOf(talk.station);
+    const Framed framed = Prepare(talk);
     std::vector<float> data = {static_cast<float>(count)};
-    const ModbusRequest request = framing.Build(command, talk.station.slaveaddress, reg, data);
+    const ModbusRequest request = framed.Build(command, talk.station.slaveaddress, reg, data);
     const Expected expected = ExpectedValues(talk.modbus, count, command);
     // A reply with fewer values than were asked for was cut, and what it lacks must not be taken for zeros; one with
     // more belongs to another request.
     const auto judge = [&](ModbusReply reply, const std::string& bytes) {
         const bool own =
-            !options.onlyItsOwn || (IsOwn(bytes, request.frame, framing.ascii) && reply.count == expected.least);
+            !options.onlyItsOwn || (IsOwn(bytes, request.frame, framed.IsAscii()) && reply.count == expected.least);
         const bool belongs = own && reply.count >= expected.least && reply.count <= expected.most;
         return reply.kind == Kind::Values && !belongs ? ModbusReply{Kind::Empty, 0} : reply;
     };
-    return Transact(talk, framing, request, judge, options);
+    return Transact(talk, framed, request, judge, options);
 }
 
 WriteOutcome ModbusWrite(Conversation& talk, ModbusDatum datum, int reg, double value, const TransactOptions& options) {
-    const Framing framing = FramingOf(talk.station);
-    const ModbusRequest request = framing.ascii ? AsciiWrite(framing, datum, talk.station.slaveaddress, reg, value)
-                                                : RtuWrite(talk, datum, reg, value);
+    const Framed framed = Prepare(talk);
+    const ModbusRequest request = framed.IsAscii() ? AsciiWrite(framed, datum, talk.station.slaveaddress, reg, value)
+                                                   : RtuWrite(talk, datum, reg, value);
     const auto judge = [&](ModbusReply reply, const std::string& bytes) {
         if (reply.kind == Kind::Exception) {
             return reply;
         }
-        const bool done = Acknowledges(bytes, request.frame, datum, framing.ascii);
+        const bool done = Acknowledges(bytes, request.frame, datum, framed.IsAscii());
         return done && reply.kind != Kind::CrcError ? ModbusReply{Kind::Values, 1}
                : reply.kind == Kind::Values         ? ModbusReply{Kind::Empty, 0}
                                                     : reply;
     };
-    const ModbusReply reply = Transact(talk, framing, request, judge, options);
+    const ModbusReply reply = Transact(talk, framed, request, judge, options);
     if (!request.Built()) {
         return WriteOutcome::NotBuilt;
     }

@@ -14,7 +14,8 @@ enum class FailureReport {
     Caller,  // whoever called, by the result
 };
 
-// How a transaction of one kind of screen differs from that of another. Waits are counts of commtimeouts.
+// How a transaction of one kind of screen differs from that of another. Waits are counts of commtimeouts; in prompt
+// pacing that for the answer ends with it, and the others fall away behind a whole reply.
 struct TransactOptions {
     FailureReport failures;
     int tries;
@@ -50,9 +51,9 @@ inline constexpr TransactOptions onlineWrite = {
 // Asks the station for `count` registers or coils from `reg` on, as numbered on the line, in the framing of its mode,
 // and decodes the reply into talk.modbus. The station's slave address and talk.modbus decide the rest.
 //
-// The reply is matched to its request only by being what arrived during the wait. A request that cannot be built is not
-// sent: a box, and no response. A conversation that is told to end returns at once, and what is missing then is
-// reported nowhere; one whose line is wanted sends nothing more.
+// In RTU and ASCII framing the reply is matched to its request only by being what arrived during the wait. A request
+// that cannot be built is not sent: a box, and no response. A conversation that is told to end returns at once, and
+// what is missing then is reported nowhere; one whose line is wanted sends nothing more.
 ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command,
                            const TransactOptions& options = scheduledTransact);
 

@@ -159,4 +159,11 @@ std::string CutQuantumEcho(const std::string& reply, const std::string& request)
     return echo == std::string::npos ? reply : reply.substr(echo + request.size());
 }
 
+WholeReply WholeQuantumReply(const std::string& request) {
+    return {[request](std::string_view received) {
+        const std::string reply = CutQuantumEcho(std::string(received), request);
+        return reply.size() == quantumReplyLength && reply.back() == end;
+    }};
+}
+
 }  // namespace protocols

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "protocols/line/Conversation.h"
+
 // The messages of a Quantum unit: three text requests, each answered with eight numbers in fixed-width text.
 namespace protocols {
 
@@ -43,5 +45,9 @@ QuantumReply DecodeQuantumReply(const std::string& reply, int message);
 // On a line with echo the request stands in front of the reply: then what is behind it, which is empty for an echo
 // alone.
 std::string CutQuantumEcho(const std::string& reply, const std::string& request);
+
+// When the reply to a request is whole: by its length and its end, behind the echo. Shorter ones may end in a check
+// byte that looks like the end.
+WholeReply WholeQuantumReply(const std::string& request);
 
 }  // namespace protocols
