@@ -129,26 +129,23 @@ TEST_F(DeliveredMapsTest, EveryPlaceOfAListHasOneRowAndTheCountsCoverThemAll) {
         for (const Row& row : rows) {
             const Place place = PlaceOf(row, map.choices);
             EXPECT_GE(place.position, 1);
+            EXPECT_TRUE(row.Long("RS") >= 1 && row.Long("WS") >= row.Long("RS") && row.Long("WS") <= 6) << "its levels";
             EXPECT_TRUE((place.coil ? coils : floats).insert(place.position).second) << row.Text("description");
         }
         const auto counts = Counts(map.choices, streamno);
-        EXPECT_LE(*floats.rbegin(), counts.floatcount);
-        EXPECT_LE(*coils.rbegin(), counts.boolcount);
-        EXPECT_LE(*coils.rbegin(), 80);
-        EXPECT_LE(*floats.rbegin(), 300) << "the windows of the Modbus archive begin there";
+        EXPECT_LE(*floats.rbegin(), std::min(counts.floatcount, 300)) << "the Modbus archive begins behind them";
+        EXPECT_LE(*coils.rbegin(), std::min(counts.boolcount, 80));
     });
 }
 
 // A name is found by its text, and by screens of the history as a part of a longer text, in the order coils, floats.
-// So no name stands in front of a longer one that contains it.
+// So no name stands in front of a longer one that contains it, nor twice.
 TEST_F(DeliveredMapsTest, NoValueCanBeTakenForAnotherByItsName) {
     ForEachStream([&](const Map& map, int, const std::vector<Row>& rows) {
         std::map<std::pair<int, int>, std::string> inOrder;
-        std::set<std::string> names;
         for (const Row& row : rows) {
             const Place place = PlaceOf(row, map.choices);
             inOrder[{place.coil ? 0 : 1, place.position}] = core::UpperText(row.Text("description"));
-            EXPECT_TRUE(names.insert(core::UpperText(row.Text("description"))).second) << row.Text("description");
         }
         for (auto shorter = inOrder.begin(); shorter != inOrder.end(); ++shorter) {
             for (auto longer = std::next(shorter); longer != inOrder.end(); ++longer) {
@@ -156,29 +153,6 @@ TEST_F(DeliveredMapsTest, NoValueCanBeTakenForAnotherByItsName) {
                     << shorter->second << " before " << longer->second;
             }
         }
-    });
-}
-
-TEST_F(DeliveredMapsTest, EveryRowFitsItsScreenAndItsLevels) {
-    const auto screens =
-        Sorted({"AGA3",   "AGA5",      "AGA7",  "AGA8(Detail)", "AGA8(GROSS)", "Health", "TOTRND", "GC",
-                "KEYPAD", "IO",        "FPV",   "NOM",          "PID",         "DRS",    "ALARM",  "CURVE",
-                "RADIO",  "CONSTANTS", "MODEM", "TIME",         "AGA9",        "AGA11"});
-    ForEachStream([&](const Map&, int, const std::vector<Row>& rows) {
-        std::map<std::string, int> group;
-        for (const Row& row : rows) {
-            EXPECT_EQ(screens.count(row.Text("aga")), 1U) << row.Text("aga");
-            ++group[row.Text("aga")];
-            EXPECT_TRUE(row.Long("RS") >= 1 && row.Long("RS") <= 6 && row.Long("WS") >= row.Long("RS") &&
-                        row.Long("WS") <= 6)
-                << row.Text("description");
-            EXPECT_TRUE(row.Long("CFP") == 0 || row.Long("CFP") == 1);
-        }
-        for (const auto& [aga, count] : group) {
-            EXPECT_LE(count, aga == "CONSTANTS" || aga == "MODEM" ? 50 : 150) << aga;
-        }
-        EXPECT_EQ(group["GC"], 21);
-        EXPECT_LE(group["TOTRND"], 19);
     });
 }
 

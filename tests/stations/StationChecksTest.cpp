@@ -25,97 +25,72 @@ struct StationChecksTest : testing::Test {
 
 TEST_F(StationChecksTest, EachFieldHasItsMessageAndControl) {
     using Spoil = void (*)(StationRecord&);
-    const struct {
-        const char* label;
-        Spoil spoil;
-        const char* told;
-    } cases[] = {
-        {"nothing", [](StationRecord&) {}, ""},
-        {"group 5", [](StationRecord& r) { r.groupno = "5"; }, "Select proper group / cmbgroupno"},
-        {"group -1", [](StationRecord& r) { r.groupno = "-1"; }, "Select proper group / cmbgroupno"},
-        {"group abc", [](StationRecord& r) { r.groupno = "abc"; }, "Select proper group / cmbgroupno"},
-        {"no group", [](StationRecord& r) { r.groupno = " "; }, "Select proper group / cmbgroupno"},
-        {"between two groups", [](StationRecord& r) { r.groupno = "1.5"; }, "Select proper group / cmbgroupno"},
-        {"many digits", [](StationRecord& r) { r.groupno = std::string(400, '9'); },
-         "Select proper group / cmbgroupno"},
-        {"group 0", [](StationRecord& r) { r.groupno = "0"; }, ""},
-        {"group 4", [](StationRecord& r) { r.groupno = " 4 "; }, ""},
-        {"consumer", [](StationRecord& r) { r.consumer = " \t"; }, "Consumer Should not be blank / txtconsumer"},
-        {"make", [](StationRecord& r) { r.rtumake = ""; }, "RTU Make Should not be blank / cmbrtumake"},
-        {"model", [](StationRecord& r) { r.modelno = ""; }, "Model no. Should not be blank / cmbmodelno"},
-        {"type", [](StationRecord& r) { r.comtype = ""; }, "Communication Type Should not be blank / cmbcommtype"},
-        {"port", [](StationRecord& r) { r.comport = ""; }, "Communication port Should not be blank / cmbcommport"},
-        {"address", [](StationRecord& r) { r.comtype = "IP"; }, "IP address should not be blank / txtIPAdr"},
-        {"an address needs no line",
-         [](StationRecord& r) {
+    const std::string group = "Select proper group / cmbgroupno";
+    const std::string slave = "Select proper Slave Address / txtslaveaddres";
+    const std::string delay = "Select proper Delay Time / txtdelay";
+    const std::string phone = "Phone no. Should not be blank / txtphoneno";
+    const std::string settings = "Select proper Comport Setting / cmdportsetting";
+    const std::pair<Spoil, std::string> cases[] = {
+        {[](StationRecord&) {}, ""},
+        {[](StationRecord& r) { r.groupno = "5"; }, group},
+        {[](StationRecord& r) { r.groupno = "-1"; }, group},
+        {[](StationRecord& r) { r.groupno = "abc"; }, group},
+        {[](StationRecord& r) { r.groupno = "1.5"; }, group},
+        {[](StationRecord& r) { r.groupno = std::string(400, '9'); }, group},
+        {[](StationRecord& r) { r.groupno = "0"; }, ""},
+        {[](StationRecord& r) { r.groupno = " 4 "; }, ""},
+        {[](StationRecord& r) { r.consumer = " \t"; }, "Consumer Should not be blank / txtconsumer"},
+        {[](StationRecord& r) { r.rtumake = ""; }, "RTU Make Should not be blank / cmbrtumake"},
+        {[](StationRecord& r) { r.modelno = ""; }, "Model no. Should not be blank / cmbmodelno"},
+        {[](StationRecord& r) { r.comtype = ""; }, "Communication Type Should not be blank / cmbcommtype"},
+        {[](StationRecord& r) { r.comport = ""; }, "Communication port Should not be blank / cmbcommport"},
+        {[](StationRecord& r) { r.comtype = "IP"; }, "IP address should not be blank / txtIPAdr"},
+        {[](StationRecord& r) {  // an address needs no line
              r.comtype = "IP";
              r.ip = "10.0.0.1";
              r.comport = r.baudrate = "";
          },
          ""},
-        {"protocol", [](StationRecord& r) { r.protocol = r.Mode = ""; }, "Protocol Should not be blank / cmbprotocol"},
-        {"integers that no run reads",
-         [](StationRecord& r) {
+        {[](StationRecord& r) { r.protocol = r.Mode = ""; }, "Protocol Should not be blank / cmbprotocol"},
+        {[](StationRecord& r) {  // which no run reads
              r.protocol = "Modbus";
              r.typeInteger = true;
          },
          "Type Integer should be Modbus Configurable / chk_MBConfig"},
-        {"integers of a map laid out by hand",
-         [](StationRecord& r) {
+        {[](StationRecord& r) {
              r.protocol = "Modbus";
              r.typeInteger = r.MB_CONFIG = true;
          },
          ""},
-        {"integers of BSAP, which has no registers", [](StationRecord& r) { r.typeInteger = true; }, ""},
-        {"Modbus without a mode", [](StationRecord& r) { r.protocol = "Modbus"; }, ""},
-        {"slave", [](StationRecord& r) { r.slaveaddress = ""; }, "SlaveAddress Should not be blank / txtslaveaddres"},
-        {"settings", [](StationRecord& r) { r.baudrate = ""; }, "Comport Setting Should not be blank / cmdportsetting"},
-        {"phone", [](StationRecord& r) { r.comtype = "DialUp Modem"; }, "Phone no. Should not be blank / txtphoneno"},
-        {"phone, GSM", [](StationRecord& r) { r.comtype = "gsm modem"; }, "Phone no. Should not be blank / txtphoneno"},
-        {"99 ms", [](StationRecord& r) { r.delaytime = "99"; }, "Select proper Delay Time / txtdelay"},
-        {"100 ms", [](StationRecord& r) { r.delaytime = "100"; }, ""},
-        {"60 s", [](StationRecord& r) { r.delaytime = "60000"; }, ""},
-        {"hours", [](StationRecord& r) { r.delaytime = "60001"; }, "Select proper Delay Time / txtdelay"},
-        {"BSAP 0", [](StationRecord& r) { r.slaveaddress = "0"; }, "Select proper Slave Address / txtslaveaddres"},
-        {"BSAP 128", [](StationRecord& r) { r.slaveaddress = "128"; }, "Select proper Slave Address / txtslaveaddres"},
-        {"Modbus 247",
-         [](StationRecord& r) {
-             r.protocol = "Modbus";
-             r.slaveaddress = "247";
-         },
-         ""},
-        {"Modbus 248",
-         [](StationRecord& r) {
-             r.protocol = "Modbus";
-             r.slaveaddress = "248";
-         },
-         "Select proper Slave Address / txtslaveaddres"},
-        {"Quantum 0",
-         [](StationRecord& r) {
-             r.protocol = "Quantum";
-             r.slaveaddress = "0";
-         },
-         ""},
-        {"address text", [](StationRecord& r) { r.slaveaddress = "1x"; },
-         "Select proper Slave Address / txtslaveaddres"},
-        {"line settings", [](StationRecord& r) { r.baudrate = "9600,N,8"; },
-         "Select proper Comport Setting / cmdportsetting"},
-        {"line settings in small letters", [](StationRecord& r) { r.baudrate = "1200,e,7,2"; }, ""},
-        {"no number", [](StationRecord& r) { r.delaytime = "abc"; }, "Select proper Delay Time / txtdelay"},
-        {"volts", [](StationRecord& r) { r.systemtype = ""; }, "System Type Should not be blank / cmbsysvolttype"},
-        {"streams",
-         [](StationRecord& r) {
-             r.modelno = "CWGFC-MULTISTREAM";
-             r.No_Stream = "";
-         },
+        {[](StationRecord& r) { r.typeInteger = true; }, ""},  // BSAP has no registers
+        {[](StationRecord& r) { r.slaveaddress = ""; }, "SlaveAddress Should not be blank / txtslaveaddres"},
+        {[](StationRecord& r) { r.baudrate = ""; }, "Comport Setting Should not be blank / cmdportsetting"},
+        {[](StationRecord& r) { r.comtype = "DialUp Modem"; }, phone},
+        {[](StationRecord& r) { r.comtype = "gsm modem"; }, phone},
+        {[](StationRecord& r) { r.delaytime = "99"; }, delay},
+        {[](StationRecord& r) { r.delaytime = "100"; }, ""},
+        {[](StationRecord& r) { r.delaytime = "60000"; }, ""},
+        {[](StationRecord& r) { r.delaytime = "60001"; }, delay},
+        {[](StationRecord& r) { r.delaytime = "abc"; }, delay},
+        {[](StationRecord& r) { r.slaveaddress = "0"; }, slave},
+        {[](StationRecord& r) { r.slaveaddress = "127"; }, ""},
+        {[](StationRecord& r) { r.slaveaddress = "128"; }, slave},
+        {[](StationRecord& r) { r.slaveaddress = "1x"; }, slave},
+        {[](StationRecord& r) { r.protocol = "Modbus", r.slaveaddress = "247"; }, ""},
+        {[](StationRecord& r) { r.protocol = "Modbus", r.slaveaddress = "248"; }, slave},
+        {[](StationRecord& r) { r.protocol = "Quantum", r.slaveaddress = "0"; }, ""},
+        {[](StationRecord& r) { r.baudrate = "9600,N,8"; }, settings},
+        {[](StationRecord& r) { r.baudrate = "1200,e,7,2"; }, ""},
+        {[](StationRecord& r) { r.systemtype = ""; }, "System Type Should not be blank / cmbsysvolttype"},
+        {[](StationRecord& r) { r.modelno = "CWGFC-MULTISTREAM", r.No_Stream = ""; },
          "Multistream count Should not be blank / cmb_MultiNO"},
-        {"streams of another model", [](StationRecord& r) { r.No_Stream = ""; }, ""},
+        {[](StationRecord& r) { r.No_Stream = ""; }, ""},  // of a model that has one
     };
     const auto before = records::Snapshot(desk.dbconn);
-    for (const auto& c : cases) {
+    for (const auto& [spoil, told] : cases) {
         StationRecord record = records::Filled();
-        c.spoil(record);
-        EXPECT_EQ(Told(record), c.told) << c.label;
+        spoil(record);
+        EXPECT_EQ(Told(record), told);
     }
     EXPECT_EQ(records::Snapshot(desk.dbconn), before);
 }
@@ -158,26 +133,19 @@ TEST_F(StationChecksTest, TheFirstFaultIsTold) {
 TEST_F(StationChecksTest, ANameBelongsToOneStation) {
     Register(1, "Mill", 1);
     Register(2, "O'Brien's Works", 1);
-    const char* exists = "Consumer Name Exists / txtconsumer";
     const struct {
         const char* consumer;
         bool isNewStation;
         const char* currentconsumer;
-        const char* told;
+        bool exists;
     } cases[] = {
-        {"Mill", true, "", exists},
-        {" mill ", true, "", exists},
-        {"O'Brien's Works", true, "", exists},
-        {"Mill", true, "Mill", exists},
-        {"Mill", false, "Mill", ""},
-        {"MILL", false, "Mill", ""},
-        {"Mill", false, "Works", exists},
-        {"o'brien's works", false, "Mill", exists},
-        {"Kiln", false, "Mill", ""},
-        {"Kiln", true, "", ""},
+        {" mill ", true, "", true},     {"O'Brien's Works", true, "", true}, {"Mill", true, "Mill", true},
+        {"MILL", false, "Mill", false}, {"Mill", false, "Works", true},      {"o'brien's works", false, "Mill", true},
+        {"Kiln", false, "Mill", false}, {"Kiln", true, "", false},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(Told(records::Filled(1, c.consumer), c.isNewStation, c.currentconsumer), c.told)
+        EXPECT_EQ(Told(records::Filled(1, c.consumer), c.isNewStation, c.currentconsumer),
+                  c.exists ? "Consumer Name Exists / txtconsumer" : "")
             << c.consumer << c.isNewStation << c.currentconsumer;
     }
 }
