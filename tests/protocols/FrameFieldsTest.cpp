@@ -182,7 +182,7 @@ TEST(FrameFields, ModemDialogue) {
                 HasSubstr("modem answer=NO CARRIER; 1 leading byte=0A; 2 start=DLE STX; "));
     EXPECT_EQ(Named("", rtu, received), "");
 
-    EXPECT_FALSE(IsRequest("ath\r", rtu));
+    EXPECT_FALSE(IsRequest("ath\r", ascii));
     EXPECT_FALSE(IsRequest(Bytes("10 02 01 01 85 10 10 10 03 2C B5"), bsap)) << "a poll asks for nothing of its own";
     EXPECT_TRUE(IsRequest(Bytes("10 02 01 04 A0 00 06 0B 00 0C 01 F0 12 34 FF 36 10 03 0C 0D"), bsap));
     EXPECT_TRUE(IsRequest(Bytes("01 03 00 64 00 0A 84 12"), rtu));
