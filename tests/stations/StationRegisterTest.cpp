@@ -212,42 +212,6 @@ TEST_F(StationRegisterTest, EverySaveNumbersItsGroupInStoredOrder) {
     EXPECT_THAT(numbers(), ElementsAre("1:1", "2:1", "1:2", "0:1"));
 }
 
-TEST_F(StationRegisterTest, EveryModelOnEveryProtocolGetsAMapThatARunCanRead) {
-    std::int64_t locationId = 0;
-    for (const std::string& model : stations::Models(desk.dbconn, "BB")) {
-        const auto rule = stations::RuleOfModel(model);
-        EXPECT_EQ(rule.isCW, core::IsCwModel(model)) << model;
-        EXPECT_EQ(rule.streamsShown, core::IsMultiStreamModel(model)) << model;
-        for (const std::string& protocol :
-             rule.protocolLocked ? std::vector{rule.protocol} : std::vector<std::string>{"BSAP", "Modbus", "Quantum"}) {
-            SCOPED_TRACE(model + " " + protocol);
-            StationRecord record = records::Filled(++locationId, model + " " + protocol);
-            record.modelno = model;
-            record.protocol = protocol;
-            record.groupno = "4";
-            record.Mode = "RTU";
-            record.No_Stream = rule.streamCounts.empty() ? "1" : rule.streamCounts.back();
-            record.stream = {rule.cmb_stm1, "AGA7", "AGA3", "AGA9"};
-            Save(record);
-
-            const auto station = core::ReadStation(desk.dbconn, locationId).value();
-            EXPECT_EQ(station.consumer, record.consumer);
-            EXPECT_EQ(station.protocol, rule.isCW ? "BSAP" : protocol);
-            EXPECT_EQ(station.mode, station.protocol == "Modbus" ? "RTU" : "");
-            const std::string own = "configdata_detail where locationID=" + std::to_string(locationId);
-            const bool quantum = protocol == "Quantum";
-            EXPECT_EQ(Count(own + " and groupno=4") > 0, !rule.isMicro);
-            EXPECT_EQ(Count(own + " and aga='Quantum'"), quantum ? 24 : 0);
-            for (int stream = 1; stream <= station.No_Stream && !rule.isMicro && !quantum; ++stream) {
-                EXPECT_GT(Count(own + " and streamNo=" + std::to_string(stream)), 50) << stream;
-                EXPECT_TRUE(core::ReadModelCounts(desk.dbconn, station, stream)) << stream;
-            }
-            EXPECT_EQ(Count("SummaryPara where lastvalue=0 and LocationID=" + std::to_string(locationId)), 3);
-        }
-    }
-    EXPECT_GT(locationId, 40);
-}
-
 TEST_F(StationRegisterTest, SetRegisterFixesTheSizeOfAValueUntilSaveOrCancel) {
     StationRecord record = records::Filled(1);
     record.protocol = "Modbus";
