@@ -3,7 +3,6 @@
 
 #include "core/Station.h"
 #include "stations/StationRules.h"
-#include "stations/TemplateQueries.h"
 #include "support/ScratchDesk.h"
 
 namespace {
@@ -11,7 +10,6 @@ namespace {
 using stations::Baud;
 using stations::Metering;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(StationRulesTest, ModelsInAnyCase) {
@@ -33,6 +31,8 @@ TEST(StationRulesTest, ModelsInAnyCase) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.model);
         const auto rule = stations::RuleOfModel(c.model);
+        EXPECT_EQ(rule.isCW, core::IsCwModel(c.model));
+        EXPECT_EQ(rule.streamsShown, core::IsMultiStreamModel(c.model));
         EXPECT_EQ(rule.cmb_stm1, c.stream);
         EXPECT_EQ(rule.metering, c.metering);
         EXPECT_EQ(rule.protocol, c.protocol);
