@@ -1,13 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
-
-#include "core/Station.h"
-#include "stations/MapBuilder.h"
 #include "stations/Records.h"
 #include "stations/StationRegister.h"
-#include "stations/StationRules.h"
 #include "support/ScratchDesk.h"
 
 namespace {
