@@ -31,15 +31,15 @@ TEST_F(StationTest, NullsTakeTheValuesOfAPlainModbusStation) {
     EXPECT_FALSE(ReadStation(desk.dbconn, 2));
 }
 
-TEST_F(StationTest, ADelayThatAHandWroteIsKeptWithinAMinute) {
+TEST_F(StationTest, WhatAHandWrote) {
     EXPECT_EQ(Read("delaytime", "99999999999").commtimeout, 60000);
     EXPECT_EQ(Read("delaytime", "-5").commtimeout, 0);
-}
-
-TEST_F(StationTest, ThePortNumberIsTheLastCharacterOfItsName) {
     EXPECT_EQ(Read("comport", "'COM7'").comport, 7);
-    EXPECT_EQ(Read("comport", "'COM12'").comport, 2);
+    EXPECT_EQ(Read("comport", "'COM12'").comport, 2) << "the last character of its name";
     EXPECT_EQ(Read("comport", "'3'").comport, 3);
+    const Station onNetwork = Read("ip,comport,baudrate,phoneno", "'10.0.0.7','COM4','19200,N,8,1','5550100'");
+    EXPECT_EQ(onNetwork.settings, "9600,n,8,1");
+    EXPECT_EQ(onNetwork.phoneno, "");
 }
 
 TEST_F(StationTest, CwModelsSpeakBsapWhateverTheColumnSays) {
@@ -50,12 +50,6 @@ TEST_F(StationTest, CwModelsSpeakBsapWhateverTheColumnSays) {
     EXPECT_EQ(micro.protocol, "Modbus");
     EXPECT_EQ(micro.mode, "ASCII");
     EXPECT_TRUE(Read("modelno", "'TeleCorrector+'").isTeleCorrector);
-}
-
-TEST_F(StationTest, AnIpStationHasNoLineAndNoPhone) {
-    const Station station = Read("ip,comport,baudrate,phoneno", "'10.0.0.7','COM4','19200,N,8,1','5550100'");
-    EXPECT_EQ(station.settings, "9600,n,8,1");
-    EXPECT_EQ(station.phoneno, "");
 }
 
 TEST_F(StationTest, StreamsCountOnMultistreamModelsOnly) {
@@ -73,8 +67,9 @@ TEST_F(StationTest, TheCountsAreThoseOfTheModelInHand) {
     desk.dbconn.Execute(
         "insert into modbus_para values(10,1,2,3,4,5,6,7,'TeleFlow'),(20,2,0,0,0,0,0,0,'TeleCorrector'),"
         "(30,3,0,0,0,0,0,0,'AGA7')");
-    EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1)->floatcount, 10);
-    EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1)->archive[5], 7);
+    const auto teleflow = ReadModelCounts(desk.dbconn, Read("modelno", "'TeleRTU'"), 1);
+    EXPECT_EQ(teleflow->floatcount, 10);
+    EXPECT_EQ(teleflow->archive[5], 7);
     EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno", "'TeleCorrector'"), 1)->boolcount, 2);
     EXPECT_EQ(ReadModelCounts(desk.dbconn, Read("modelno,stream1", "'CWEFM-AGA7','AGA7'"), 1)->floatcount, 30);
     EXPECT_FALSE(ReadModelCounts(desk.dbconn, Read("modelno,stream1", "'CWEFM-AGA9','AGA9'"), 1));

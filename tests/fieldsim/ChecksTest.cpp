@@ -19,11 +19,6 @@ TEST(Checks, ModbusCrcIsThatOfKnownFrames) {
     }
 }
 
-TEST(Checks, ModbusLrcClosesTheSumToZero) {
-    EXPECT_EQ(ModbusLrc8(Bytes("01 03 00 64 00 0A")), 0x8E);  // 1 + 3 + 100 + 10 = 114
-    EXPECT_EQ(ModbusLrc8(Bytes("F0 10")), 0);
-}
-
 // Of each body the whole frame, with its doubled bytes and its check.
 TEST(Checks, BsapFramesAreThoseOfKnownMessages) {
     const std::pair<const char*, const char*> known[] = {

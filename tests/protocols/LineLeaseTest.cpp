@@ -46,15 +46,6 @@ TEST_F(LineLeaseTest, AfterATakeoverTheOldLeaseIsDeadInEveryOperation) {
     EXPECT_FALSE(run->Ended());
 }
 
-TEST_F(LineLeaseTest, AWaitEndsWhenTheLineIsTaken) {
-    std::shared_ptr<LineLease> run;
-    desk.clock.After(700, [&] { run = field.TakeOver("The scheduler took the line"); });
-    EXPECT_FALSE(talk.Wait(60000));
-    EXPECT_EQ(desk.clock.Elapsed(), 700U);
-    EXPECT_FALSE(talk.Wait(1000));  // and every later one
-    EXPECT_EQ(desk.clock.Elapsed(), 700U);
-}
-
 TEST_F(LineLeaseTest, AnExchangeCutShortTakesNoBytesOfTheNewConversation) {
     std::shared_ptr<LineLease> run;
     line.replies = {"", "answer to the run"};
@@ -63,7 +54,10 @@ TEST_F(LineLeaseTest, AnExchangeCutShortTakesNoBytesOfTheNewConversation) {
         run->Output("request of the run");
     });
     EXPECT_EQ(Exchange(talk, "request of the session"), "");
+    EXPECT_EQ(desk.clock.Elapsed(), 700U);
+    EXPECT_FALSE(talk.Wait(1000));  // nor is there another wait
     EXPECT_EQ(Exchange(talk, "another"), "");
+    EXPECT_EQ(desk.clock.Elapsed(), 700U);
     EXPECT_THAT(line.sent, ElementsAre("request of the session", "request of the run"));
     EXPECT_EQ(run->Input(), "answer to the run");
 }
@@ -79,7 +73,6 @@ TEST_F(LineLeaseTest, AConversationToldToEndKeepsTheLineForItsHangUp) {
     talk.line->Output("ath\r");
     EXPECT_THAT(line.sent, ElementsAre("ath\r"));
     EXPECT_TRUE(talk.line->PortOpen(false));
-    EXPECT_EQ(talk.line->Reason(), "Program ends");
 
     // The first reason is the one that counts.
     const auto run = field.TakeOver("The scheduler took the line");
@@ -87,7 +80,7 @@ TEST_F(LineLeaseTest, AConversationToldToEndKeepsTheLineForItsHangUp) {
     EXPECT_FALSE(talk.line->Held());
 }
 
-TEST_F(LineLeaseTest, AKeptLineIsToldOfWhenItIsReleased) {
+TEST_F(LineLeaseTest, ALineIsFreeWhenNobodyHoldsOrKeepsIt) {
     int released = 0;
     field.WhenReleased([&] { ++released; });
     {
@@ -99,9 +92,7 @@ TEST_F(LineLeaseTest, AKeptLineIsToldOfWhenItIsReleased) {
     }
     EXPECT_EQ(released, 1);
     EXPECT_FALSE(field.Kept());
-}
 
-TEST_F(LineLeaseTest, ASessionGetsTheLineOnlyWhenNobodyHoldsIt) {
     EXPECT_EQ(field.TakeIfFree(), nullptr);
     talk.line.reset();  // the conversation is over
     EXPECT_FALSE(field.InUse());

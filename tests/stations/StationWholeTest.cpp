@@ -95,30 +95,6 @@ TEST_F(StationWholeTest, NoFailureLeavesHalfASave) {
                 UnorderedElementsAre("update configdata_master", "insert SummaryPara"));
 }
 
-// What fails at the very end takes everything before it along.
-TEST_F(StationWholeTest, ALateFailureTakesBackTheWholeStation) {
-    const auto before = records::Snapshot(desk.dbconn);
-    const char* const late[] = {
-        "insert on SummaryPara when new.description='Todays Allocation'",
-        "insert on SummaryPara when new.description='Additional'",
-        "insert on SummaryPara when new.description='Locking Position'",
-        "insert on configdata_detail when new.srno=200",
-    };
-    for (const char* moment : late) {
-        desk.dbconn.Execute("create trigger broken before " + std::string(moment) +
-                            " begin select raise(abort, 'disk'); end");
-        EXPECT_THROW(stations::SaveStation(desk.dbconn, records::Filled(1), {}), core::DatabaseError) << moment;
-        desk.dbconn.Execute("drop trigger broken");
-        EXPECT_EQ(records::Snapshot(desk.dbconn), before) << moment;
-    }
-    stations::SaveStation(desk.dbconn, records::Filled(1), {});
-    FillEveryTable(desk.dbconn, 1, "Mill");
-    const auto saved = records::Snapshot(desk.dbconn);
-    desk.dbconn.Execute("create trigger broken before delete on write_gc begin select raise(abort, 'disk'); end");
-    EXPECT_THROW(stations::DeleteStation(desk.dbconn, 1, "Mill"), core::DatabaseError);
-    EXPECT_EQ(records::Snapshot(desk.dbconn), saved);
-}
-
 TEST_F(StationWholeTest, NoFailureLeavesHalfADeletion) {
     stations::SaveStation(desk.dbconn, records::Filled(1), {});
     FillEveryTable(desk.dbconn, 1, "Mill");
@@ -140,14 +116,6 @@ TEST_F(StationWholeTest, ADeletedStationLeavesNoTraceAndItsNeighbourKeepsAll) {
     EXPECT_EQ(Traces(desk.dbconn, 3), "");
     EXPECT_EQ(records::Snapshot(desk.dbconn), before) << "its archive and its schedule rows are gone too";
     EXPECT_EQ(stations::NextLocation(desk.dbconn), 3) << "the highest location is used again";
-}
-
-TEST_F(StationWholeTest, ARenamedStationLeavesTheScheduleRowsOfItsOldName) {
-    stations::SaveStation(desk.dbconn, records::Filled(1, "Mill"), {});
-    desk.dbconn.Execute("insert into Scheduler(RTUName) values('Mill')");
-    stations::SaveStation(desk.dbconn, records::Filled(1, "Kiln"), {.isNewStation = false});
-    stations::DeleteStation(desk.dbconn, 1, "Kiln");
-    EXPECT_EQ(tables::Count(desk.dbconn, "Scheduler where RTUName='Mill'"), 1);
 }
 
 }  // namespace

@@ -29,17 +29,6 @@ inline std::int64_t Count(core::Database& dbconn, const std::string& from) {
     return dbconn.First("select count(*) from " + from).value()[0].Long();
 }
 
-// "a; b; c" as names.
-inline Names Split(const std::string& text) {
-    Names names;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find(';', at), text.size());
-        names.push_back(core::Trim(std::string_view(text).substr(at, end - at)));
-        at = end + 1;
-    }
-    return names;
-}
-
 inline std::set<std::string> Sorted(const Names& names) {
     return {names.begin(), names.end()};
 }

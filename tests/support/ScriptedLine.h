@@ -11,7 +11,7 @@ namespace support {
 
 // A line on which the answers to the coming sends are laid down in advance, one for each, empty for silence.
 // With `answer` set, that function makes them instead.
-class ScriptedLine final : public protocols::Line {
+class ScriptedLine : public protocols::Line {
   public:
     std::vector<std::string> sent;
     std::deque<std::string> replies;
