@@ -1,24 +1,11 @@
 #include "collection/CollectionRun.h"
 
 #include "collection/ProtocolRuns.h"
-#include "core/Text.h"
 #include "protocols/line/Modem.h"
 
 namespace collection {
 
 namespace {
-
-protocols::Conversation Begin(reading::Workplace& place, core::Station station) {
-    protocols::Conversation talk{place.line.TakeOver("A scheduled collection has taken the line"),
-                                 place.clock,
-                                 place.feedback,
-                                 place.logs,
-                                 place.counters,
-                                 std::move(station),
-                                 place.shared.currentuser};
-    talk.modbus.rtu32bit = talk.station.rtuBitsMode;
-    return talk;
-}
 
 core::ModelCounts Counts(reading::Workplace& place, const protocols::Conversation& talk) {
     const auto counts = core::ReadModelCounts(place.dbconn, talk.station, talk.streamno);
@@ -71,9 +58,9 @@ void Collect(reading::Workplace& place, protocols::Conversation& talk, const cor
              reading::RunState& state) {
     place.feedback.Status("Collecting Data");
     try {
-        if (core::SameText(talk.station.protocol, "BSAP")) {
+        if (talk.station.protocol == core::Protocol::Bsap) {
             CollectBsap(place, talk, state);
-        } else if (core::SameText(talk.station.protocol, "Quantum")) {
+        } else if (talk.station.protocol == core::Protocol::Quantum) {
             CollectQuantum(place, talk, state);
         } else {
             CollectModbus(place, talk, counts, state);
@@ -134,7 +121,7 @@ void Run(reading::Workplace& place, std::int64_t locationID, reading::RunState& 
     if (!station) {
         return;
     }
-    auto talk = Begin(place, std::move(*station));
+    auto talk = place.Begin(place.line.TakeOver("A scheduled collection has taken the line"), std::move(*station));
     const auto counts = Counts(place, talk);
     if (!OpenPort(place, talk, state)) {
         state.runfailed = true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/Feedback.h"
@@ -18,6 +20,12 @@ struct Workplace {
     core::Logs& logs;
     protocols::FieldLine& line;
     protocols::BsapCounters& counters;
+
+    // The same with another place for what the operator is told.
+    Workplace With(core::Feedback& other) const { return {dbconn, shared, clock, other, logs, line, counters}; }
+
+    // A conversation with a station, its stream 1, on a line that the caller holds. Audit lines name the user of now.
+    protocols::Conversation Begin(std::shared_ptr<protocols::LineLease> lease, core::Station station) const;
 };
 
 }  // namespace reading

@@ -57,11 +57,11 @@ Build List(int number, bool first) {
     return [=](Bsap& bsap) { return bsap.get_LIST(1, number, first); };
 }
 
-Build Write(double value, int signal, ValueKind kind) {
+Build Write(double value, int signal, core::ValueKind kind) {
     return [=](Bsap& bsap) { return bsap.Write_value(1, value, signal, kind); };
 }
 
-Build WriteByName(double value, ValueKind kind) {
+Build WriteByName(double value, core::ValueKind kind) {
     return [=](Bsap& bsap) { return bsap.write_by_name(1, "A.1", value, kind); };
 }
 
@@ -139,11 +139,13 @@ TEST(BsapFrame, Lists) {
 
 TEST(BsapFrame, ValuesBySignalAddress) {
     const std::tuple<int, int, Build, const char*> cases[] = {
-        {7, 18, Write(100, 256, ValueKind::Analog),
+        {7, 18, Write(100, 256, core::ValueKind::Float),
          "10 02 01 07 A0 12 00 0B 00 80 12 34 FF 01 00 01 0B 00 00 C8 42 10 03 F3 A2"},
-        {8, 20, Write(1, 16, ValueKind::Logical), "10 02 01 08 A0 14 00 0B 00 80 12 34 FF 01 10 10 00 09 10 03 98 5F"},
-        {1, 2, Write(0, 300, ValueKind::Logical), "10 02 01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0A 10 03 8C AA"},
-        {1, 2, Write(9, 300, ValueKind::Analog),  // 41 10 00 00: doubled, counted once
+        {8, 20, Write(1, 16, core::ValueKind::Logical),
+         "10 02 01 08 A0 14 00 0B 00 80 12 34 FF 01 10 10 00 09 10 03 98 5F"},
+        {1, 2, Write(0, 300, core::ValueKind::Logical),
+         "10 02 01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0A 10 03 8C AA"},
+        {1, 2, Write(9, 300, core::ValueKind::Float),  // 41 10 00 00: doubled, counted once
          "10 02 01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0B 00 00 10 10 41 10 03 A0 37"},
         {1, 2, [](Bsap& bsap) { return bsap.Write_value_str(1, "AB", 300); },
          "10 02 01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0D 41 42 00 10 03 88 65"},
@@ -170,9 +172,9 @@ TEST(BsapFrame, ValuesByName) {
          "41 00 41 00 10 03 85 4B"},
         {[](Bsap& bsap) { return bsap.get_by_single_name(1, "A.1"); },
          "10 02 01 01 A0 00 02 0B 00 04 05 F8 01 FF 01 41 2E 31 00 10 03 87 15"},
-        {WriteByName(100, ValueKind::Analog),
+        {WriteByName(100, core::ValueKind::Float),
          "10 02 01 01 A0 00 02 0B 00 84 FF 01 41 2E 31 00 0B 00 00 C8 42 10 03 C1 F4"},
-        {WriteByName(0, ValueKind::Logical), "10 02 01 01 A0 00 02 0B 00 84 FF 01 41 2E 31 00 09 10 03 78 D1"},
+        {WriteByName(0, core::ValueKind::Logical), "10 02 01 01 A0 00 02 0B 00 84 FF 01 41 2E 31 00 09 10 03 78 D1"},
         {Search(1, 0, 0), "10 02 01 01 A0 00 02 0B 00 08 05 F9 01 FF 00 00 00 00 80 46 4C 2E 00 10 03 36 B0"},
         {Search(0, 5, 1), "10 02 01 01 A0 00 02 0B 00 08 05 F9 01 FF 05 01 00 00 00 46 4C 2E 00 10 03 D2 64"},
     };

@@ -8,11 +8,11 @@ using support::Bytes;
 
 namespace {
 
-const Wire rtu{"Modbus", "RTU"};
-const Wire ascii{"Modbus", "ASCII"};
-const Wire bsap{"BSAP", ""};
-const Wire cw{"BSAP", "", true};
-const Wire quantum{"Quantum", ""};
+const Wire rtu{core::Protocol::Modbus};
+const Wire ascii{core::Protocol::Modbus, core::Framing::Ascii};
+const Wire bsap{core::Protocol::Bsap};
+const Wire cw{core::Protocol::Bsap, {}, true};
+const Wire quantum{core::Protocol::Quantum};
 
 // "0+1 slave=1" a field, in lines. Every byte is to be in one of them.
 std::string Named(std::string_view bytes, const Wire& wire, Direction direction, std::string_view request = {}) {

@@ -140,7 +140,7 @@ TEST(ModbusTransact, ReadsAStationInItsFraming) {
             field.line.Attach(1, slave);
             field.line.CommPort(1);
             ASSERT_TRUE(field.line.PortOpen(true));
-            field.talk.station.mode = ascii ? "ASCII" : "RTU";
+            field.talk.station.framing = ascii ? core::Framing::Ascii : core::Framing::Rtu;
             field.talk.modbus.floatread = true;
 
             const ModbusReply floats = ModbusTransact(field.talk, 0, 4, 3);
@@ -175,21 +175,22 @@ TEST_F(ModbusTransactTest, AWriteIsDoneWhenTheStationAcknowledgesThisVeryOne) {
         line.sent.clear();
         talk.modbus.rtu32bit = test.rtu32bit;
         line.replies = {fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes(test.reply))};
-        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100) == WriteOutcome::Done, test.written) << test.reply;
+        EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100) == WriteOutcome::Done, test.written)
+            << test.reply;
         EXPECT_EQ(Errors(), test.errors) << test.reply;
         ASSERT_EQ(line.sent.size(), 1U);
         EXPECT_EQ(Hex(line.sent[0]),
                   test.rtu32bit ? "01 10 00 C6 00 01 04 42 C8 00 00 EA 60" : "01 10 00 C6 00 02 04 42 C8 00 00 EA 53");
     }
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::Failed) << "silence";
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100), WriteOutcome::Failed) << "silence";
     EXPECT_EQ(Errors().back(), silent);
 }
 
 TEST_F(ModbusTransactTest, AWriteThatHasNoFrameIsNotSent) {
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 70000, 100), WriteOutcome::NotBuilt);
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 1e300), WriteOutcome::NotBuilt);
-    talk.station.mode = "ASCII";
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::NotBuilt);
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 70000, 100), WriteOutcome::NotBuilt);
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 1e300), WriteOutcome::NotBuilt);
+    talk.station.framing = core::Framing::Ascii;
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100), WriteOutcome::NotBuilt);
     EXPECT_THAT(line.sent, IsEmpty());
     EXPECT_EQ(desk.feedback.boxes.size(), 3U);
 }
@@ -200,34 +201,76 @@ TEST_F(ModbusTransactTest, AWriteOfAScreenIsTriedThreeTimesUnlessTheStationRefus
     const auto ascii = [](const char* hex) { return fieldsim::ModbusFrame(fieldsim::Framing::Ascii, Bytes(hex)); };
     const std::string badCheck = Bytes("01 05 00 0A FF 00 00 00");
     const struct {
-        const char* mode;
-        ModbusDatum datum;
+        core::Framing framing;
+        core::ValueKind datum;
         double value;
         std::vector<std::string> replies;
         WriteOutcome outcome;
         std::size_t sends;
         std::string sent;  // hex in RTU framing, else the text
     } cases[] = {
-        {"RTU", ModbusDatum::Coil, 1, {rtu("01 05 00 0A FF 00")}, WriteOutcome::Done, 1, "01 05 00 0A FF 00 AC 38"},
-        {"RTU", ModbusDatum::Coil, 0, {rtu("01 05 00 0A 00 00")}, WriteOutcome::Done, 1, "01 05 00 0A 00 00 ED C8"},
-        {"RTU", ModbusDatum::Integer, -2, {rtu("01 06 00 0A FF FE")}, WriteOutcome::Done, 1, "01 06 00 0A FF FE 69 B8"},
-        {"RTU", ModbusDatum::Coil, 1, {"", badCheck, rtu("01 05 00 0A FF 00")}, WriteOutcome::Done, 3, ""},
-        {"RTU", ModbusDatum::Coil, 1, {rtu("01 05 00 0B FF 00"), "", ""}, WriteOutcome::Failed, 3, ""},
-        {"RTU", ModbusDatum::Integer, 5, {rtu("01 86 02")}, WriteOutcome::Refused, 1, ""},
-        {"ASCII", ModbusDatum::Coil, 1, {ascii("01 05 00 0A FF 00")}, WriteOutcome::Done, 1, ":0105000AFF00F1\r\n"},
-        {"ASCII", ModbusDatum::Integer, 5, {ascii("01 06 00 0A 00 05")}, WriteOutcome::Done, 1, ":0106000A0005EA\r\n"},
-        {"ASCII", ModbusDatum::Integer, 5, {ascii("01 86 02")}, WriteOutcome::Refused, 1, ""},
+        {core::Framing::Rtu,
+         core::ValueKind::Logical,
+         1,
+         {rtu("01 05 00 0A FF 00")},
+         WriteOutcome::Done,
+         1,
+         "01 05 00 0A FF 00 AC 38"},
+        {core::Framing::Rtu,
+         core::ValueKind::Logical,
+         0,
+         {rtu("01 05 00 0A 00 00")},
+         WriteOutcome::Done,
+         1,
+         "01 05 00 0A 00 00 ED C8"},
+        {core::Framing::Rtu,
+         core::ValueKind::Integer,
+         -2,
+         {rtu("01 06 00 0A FF FE")},
+         WriteOutcome::Done,
+         1,
+         "01 06 00 0A FF FE 69 B8"},
+        {core::Framing::Rtu,
+         core::ValueKind::Logical,
+         1,
+         {"", badCheck, rtu("01 05 00 0A FF 00")},
+         WriteOutcome::Done,
+         3,
+         ""},
+        {core::Framing::Rtu,
+         core::ValueKind::Logical,
+         1,
+         {rtu("01 05 00 0B FF 00"), "", ""},
+         WriteOutcome::Failed,
+         3,
+         ""},
+        {core::Framing::Rtu, core::ValueKind::Integer, 5, {rtu("01 86 02")}, WriteOutcome::Refused, 1, ""},
+        {core::Framing::Ascii,
+         core::ValueKind::Logical,
+         1,
+         {ascii("01 05 00 0A FF 00")},
+         WriteOutcome::Done,
+         1,
+         ":0105000AFF00F1\r\n"},
+        {core::Framing::Ascii,
+         core::ValueKind::Integer,
+         5,
+         {ascii("01 06 00 0A 00 05")},
+         WriteOutcome::Done,
+         1,
+         ":0106000A0005EA\r\n"},
+        {core::Framing::Ascii, core::ValueKind::Integer, 5, {ascii("01 86 02")}, WriteOutcome::Refused, 1, ""},
     };
     for (const auto& test : cases) {
         line.sent.clear();
         line.replies = {test.replies.begin(), test.replies.end()};
-        talk.station.mode = test.mode;
+        talk.station.framing = test.framing;
         const std::uint64_t start = desk.clock.Elapsed();
         EXPECT_EQ(ModbusWrite(talk, test.datum, 10, test.value, onlineWrite), test.outcome);
         ASSERT_EQ(line.sent.size(), test.sends);
         EXPECT_EQ(desk.clock.Elapsed() - start, test.sends * static_cast<std::uint64_t>(talk.CommTimeout()));
         if (!test.sent.empty()) {
-            EXPECT_EQ(talk.station.mode == "RTU" ? Hex(line.sent[0]) : line.sent[0], test.sent);
+            EXPECT_EQ(talk.station.framing == core::Framing::Rtu ? Hex(line.sent[0]) : line.sent[0], test.sent);
         }
     }
     EXPECT_THAT(desk.feedback.boxes, IsEmpty());

@@ -26,7 +26,7 @@ Map Made(const std::string& modelno, const std::string& protocol, bool optAga3, 
     stations::MapChoices choices;
     choices.locationID = 1;
     choices.modelno = modelno;
-    choices.protocol = protocol;
+    choices.protocol = core::ProtocolOf(protocol);
     choices.optAga3 = optAga3;
     choices.registers = registers;
     choices.No_Stream = static_cast<int>(streams.size());
@@ -221,7 +221,7 @@ TEST_F(DeliveredMapsTest, TheWorkbookListsNameWhatTheyRead) {
         const std::string kind = WorkbookList(map.choices, streamno);
         const auto list = desk.dbconn.Query("select * from sched_ParaList where RTU_Type=?", {kind});
         EXPECT_TRUE(list.size() >= 10 && list.size() <= 15) << kind;
-        if (map.choices.protocol != "BSAP" && !core::IsCwModel(map.choices.modelno)) {
+        if (map.choices.protocol != core::Protocol::Bsap && !core::IsCwModel(map.choices.modelno)) {
             return;  // the same places, as registers
         }
         for (const Row& row : list) {

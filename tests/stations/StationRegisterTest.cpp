@@ -265,8 +265,9 @@ TEST_F(StationRegisterTest, EveryModelOnEveryProtocolGetsAMapThatARunCanRead) {
     std::int64_t locationId = 0;
     for (const std::string& model : stations::Models(desk.dbconn, "BB")) {
         const auto rule = stations::RuleOfModel(model);
-        for (const std::string& protocol :
-             rule.protocolLocked ? std::vector{rule.protocol} : std::vector<std::string>{"BSAP", "Modbus", "Quantum"}) {
+        for (const std::string& protocol : rule.protocolLocked
+                                               ? std::vector{core::TextOf(*rule.protocol)}
+                                               : std::vector<std::string>{"BSAP", "Modbus", "Quantum"}) {
             SCOPED_TRACE(model + " " + protocol);
             StationRecord record = records::Filled(++locationId, model + " " + protocol);
             record.modelno = model;
@@ -279,8 +280,7 @@ TEST_F(StationRegisterTest, EveryModelOnEveryProtocolGetsAMapThatARunCanRead) {
 
             const auto station = core::ReadStation(desk.dbconn, locationId).value();
             EXPECT_EQ(station.consumer, record.consumer);
-            EXPECT_EQ(station.protocol, rule.isCW ? "BSAP" : protocol);
-            EXPECT_EQ(station.mode, station.protocol == "Modbus" ? "RTU" : "");
+            EXPECT_EQ(station.protocol, rule.isCW ? core::Protocol::Bsap : core::ProtocolOf(protocol));
             const std::string own = "configdata_detail where locationID=" + std::to_string(locationId);
             const bool quantum = protocol == "Quantum";
             EXPECT_EQ(Count(own + " and groupno=4") > 0, !rule.isMicro);

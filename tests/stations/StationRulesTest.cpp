@@ -31,7 +31,7 @@ TEST(StationRulesTest, TheRuleOfEveryDeliveredModelFitsWhatARunMakesOfIt) {
             EXPECT_EQ(rule.streamCounts.empty(), !core::IsMultiStreamModel(model));
             EXPECT_EQ(stations::CwTable(rule.cmb_stm1).empty(), rule.isMicro);
             EXPECT_FALSE(stations::CwTable(rule.cmb_stm2to4).empty());
-            EXPECT_TRUE(rule.protocol.empty() || stations::IsInList(stations::Protocols(), rule.protocol));
+            EXPECT_TRUE(!rule.protocol || stations::IsInList(stations::Protocols(), core::TextOf(*rule.protocol)));
         }
     }
     EXPECT_THAT(stations::Models(desk.dbconn, "O'Brien"), IsEmpty());
@@ -64,7 +64,7 @@ TEST(StationRulesTest, Models) {
         const auto rule = stations::RuleOfModel(c.model);
         EXPECT_EQ(rule.cmb_stm1, c.stream);
         EXPECT_EQ(rule.metering, c.metering);
-        EXPECT_EQ(rule.protocol, c.protocol);
+        EXPECT_EQ(rule.protocol, core::ProtocolOf(c.protocol));
         EXPECT_EQ(rule.No_Stream, c.No_Stream);
         EXPECT_EQ(rule.meteringHidden, c.hidden);
         EXPECT_EQ(rule.mbConfigEnabled, c.mbConfig);
@@ -110,7 +110,7 @@ TEST(StationRulesTest, CommunicationTypesAndProtocolsOfStoredRowsToo) {
         SCOPED_TRACE(c.protocol);
         const auto rule = stations::RuleOfProtocol(c.protocol);
         EXPECT_EQ(rule.modeVisible, c.mode);
-        EXPECT_EQ(rule.mode, c.modbus ? "RTU" : "");
+        EXPECT_EQ(rule.mode, core::FramingOf(c.modbus ? "RTU" : ""));
         EXPECT_EQ(rule.mbConfigVisible, c.modbus);
         EXPECT_EQ(rule.setRegisterVisible, c.modbus);
         EXPECT_EQ(rule.saveWaitsForRegisters, c.modbus);

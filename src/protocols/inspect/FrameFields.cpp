@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "core/Text.h"
 #include "protocols/inspect/FieldWriter.h"
 
 namespace protocols {
@@ -12,17 +11,17 @@ namespace {
 
 // The dialogue with a modem is text in lines. No frame is all text, but for ASCII framing, which begins with a colon.
 bool IsModemText(std::string_view bytes, const Wire& wire) {
-    const bool asciiFrames = core::SameText(wire.protocol, "Modbus") && core::SameText(wire.mode, "ASCII");
+    const bool asciiFrames = wire.protocol == core::Protocol::Modbus && wire.framing == core::Framing::Ascii;
     return IsText(bytes) && !(asciiFrames && bytes.find(':') != std::string_view::npos);
 }
 
 void NameFrames(Naming& naming, const Wire& wire) {
-    if (core::SameText(wire.protocol, "BSAP")) {
+    if (wire.protocol == core::Protocol::Bsap) {
         NameBsap(naming, wire.isCW);
-    } else if (core::SameText(wire.protocol, "Quantum")) {
+    } else if (wire.protocol == core::Protocol::Quantum) {
         NameQuantum(naming);
-    } else if (core::SameText(wire.protocol, "Modbus")) {
-        core::SameText(wire.mode, "ASCII") ? NameModbusAscii(naming) : NameModbusRtu(naming);
+    } else if (wire.protocol == core::Protocol::Modbus) {
+        wire.framing == core::Framing::Ascii ? NameModbusAscii(naming) : NameModbusRtu(naming);
     }
 }
 
@@ -59,7 +58,7 @@ bool IsRequest(std::string_view sent, const Wire& wire) {
         return false;
     }
     constexpr int application = 0xA0;
-    return !core::SameText(wire.protocol, "BSAP") || BsapMessage(sent) == application;
+    return wire.protocol != core::Protocol::Bsap || BsapMessage(sent) == application;
 }
 
 std::string FieldTable(const std::vector<FrameField>& fields) {

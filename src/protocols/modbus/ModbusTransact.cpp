@@ -27,7 +27,7 @@ struct Framing {
 };
 
 Framing FramingOf(const core::Station& station) {
-    return {core::SameText(station.mode, "ASCII"),
+    return {station.framing == core::Framing::Ascii,
             station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required};
 }
 
@@ -92,29 +92,29 @@ constexpr int writeCoil = 5;
 constexpr int writeRegister = 6;
 constexpr int writeRegisters = 16;
 
-ModbusRequest RtuWrite(const Conversation& talk, ModbusDatum datum, int reg, double value) {
+ModbusRequest RtuWrite(const Conversation& talk, core::ValueKind datum, int reg, double value) {
     const int slave = talk.station.slaveaddress;
     std::vector<float> data = {static_cast<float>(value)};
     switch (datum) {
-        case ModbusDatum::Coil:
+        case core::ValueKind::Logical:
             return BuildWriteFrame(talk.modbus, value, reg, writeCoil, slave);
-        case ModbusDatum::Integer:
+        case core::ValueKind::Integer:
             return BuildRtuRequest(writeRegister, slave, reg, data);
-        case ModbusDatum::Float:
+        case core::ValueKind::Float:
             break;
     }
     return BuildWriteFrame(talk.modbus, value, reg, writeRegisters, slave);
 }
 
-ModbusRequest AsciiWrite(const Framing& framing, ModbusDatum datum, int slave, int reg, double value) {
+ModbusRequest AsciiWrite(const Framing& framing, core::ValueKind datum, int slave, int reg, double value) {
     constexpr float on = 0xFF00;
-    std::vector<float> data = {datum != ModbusDatum::Coil ? static_cast<float>(value) : value == 1 ? on : 0};
+    std::vector<float> data = {datum != core::ValueKind::Logical ? static_cast<float>(value) : value == 1 ? on : 0};
     switch (datum) {
-        case ModbusDatum::Coil:
+        case core::ValueKind::Logical:
             return framing.Build(writeCoil, slave, reg, data);
-        case ModbusDatum::Integer:
+        case core::ValueKind::Integer:
             return framing.Build(writeRegister, slave, reg, data);
-        case ModbusDatum::Float:
+        case core::ValueKind::Float:
             break;
     }
     return {{}, "Bad framing for a float."};
@@ -130,14 +130,14 @@ bool IsOwn(const std::string& bytes, const std::string& frame, bool ascii) {
 // Whether a reply acknowledges just this write. That to a single coil or register repeats its request, that to several
 // registers the head: slave, function, register, quantity. In ASCII framing the required check is not
 // looked at, and its length is the device's affair.
-bool Acknowledges(const std::string& bytes, const std::string& frame, ModbusDatum datum, bool ascii) {
+bool Acknowledges(const std::string& bytes, const std::string& frame, core::ValueKind datum, bool ascii) {
     constexpr std::size_t rtuHead = 6;
     constexpr std::size_t asciiHead = 13;
     if (ascii) {
         const std::size_t colon = bytes.rfind(':');
         return colon != std::string::npos && bytes.compare(colon, asciiHead, frame, 0, asciiHead) == 0;
     }
-    return datum == ModbusDatum::Float ? bytes.compare(0, rtuHead, frame, 0, rtuHead) == 0 : bytes == frame;
+    return datum == core::ValueKind::Float ? bytes.compare(0, rtuHead, frame, 0, rtuHead) == 0 : bytes == frame;
 }
 
 // A whole transaction of a request that was built, or was not.
@@ -198,7 +198,8 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     return Transact(talk, framing, request, judge, options);
 }
 
-WriteOutcome ModbusWrite(Conversation& talk, ModbusDatum datum, int reg, double value, const TransactOptions& options) {
+WriteOutcome ModbusWrite(Conversation& talk, core::ValueKind datum, int reg, double value,
+                         const TransactOptions& options) {
     const Framing framing = FramingOf(talk.station);
     const ModbusRequest request = framing.ascii ? AsciiWrite(framing, datum, talk.station.slaveaddress, reg, value)
                                                 : RtuWrite(talk, datum, reg, value);
