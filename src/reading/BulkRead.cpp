@@ -88,7 +88,7 @@ bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std
                       ValueStore& store, RunFigures& figures, RunTally& tally) {
     const core::Station& station = talk.station;
     return ReadStation(place, talk, blocks, tally, [&](const BlockReply& reply, std::size_t k) {
-        const char* const type = TypeText(reply.block.type);
+        const std::string type = core::TextOf(reply.block.type);
         const int step = RegistersPerValue(reply.block.type, talk.modbus.rtu32bit);
         const std::string address = std::to_string(reply.block.start + static_cast<int>(k) * step);
         const double value = reply.values[k];

@@ -8,6 +8,7 @@
 
 #include "collection/DayLine.h"
 #include "collection/Outcome.h"
+#include "core/Kinds.h"
 #include "core/Text.h"
 #include "reports/ReportRtf.h"
 

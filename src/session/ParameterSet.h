@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/Clock.h"
+#include "core/Kinds.h"
 #include "core/Quality.h"
 #include "session/ParameterGroups.h"
 
