@@ -60,7 +60,7 @@ fieldsim::LineFaults::Options BadLine(const demo::DemoStation& station, std::uin
     faults.seed = seed;
     faults.chances = {{NoiseBefore, 0.01}, {NoiseAfter, 0.01}, {Cut, 0.005}, {Late, 0.005}, {Silence, 0.02}};
     // What has no check that is looked at cannot tell a wrong bit from a right one.
-    if (station.framing != core::Framing::Ascii && station.protocol != core::Protocol::Quantum) {
+    if (station.mode != "ASCII" && station.protocol != "Quantum") {
         faults.chances[BadCheck] = 0.01;
     }
     return faults;
