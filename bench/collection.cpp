@@ -20,7 +20,7 @@ bool StoringAStream() {
     support::ScratchDesk desk;
     core::Station station;
     station.locationID = 1;
-    station.protocol = "BSAP";
+    station.protocol = core::Protocol::Bsap;
     reading::ListValues values;
     desk.dbconn.InTransaction([&] {
         for (int n = 1; n <= 400; ++n) {

@@ -53,8 +53,7 @@ bool OnePoll() {
     collection::Scheduler scheduler(place, reportMail);
     scratch.shared.rights.rightOnline = true;
     desk::Navigator window;
-    desk::Desk desk{scratch.dbconn, scratch.shared, logs,      clock, scratch.feedback,
-                    line,           counters,       scheduler, mail,  window};
+    desk::Desk desk{place, scratch.shared.addressees, scheduler, mail, window};
     auto* page = new desk::frmparalist(desk, locationID);
     window.resize(1024, 680);
     window.Open(page);
@@ -85,7 +84,7 @@ bool OnePoll() {
 class ScreenDesk : public support::CollectionDesk {
   public:
     desk::Navigator window;
-    desk::Desk desk{dbconn, shared, logs, clock, feedback, fieldLine, counters, scheduler, mail, window};
+    desk::Desk desk{place, shared.addressees, scheduler, mail, window};
 
     desk::frmparalist& Open(std::int64_t locationID) {
         shared.rights.rightOnline = true;
@@ -119,7 +118,7 @@ bool RefreshOfAllGrids() {
     std::vector<double> times;
     for (int round = 0; round < 50; ++round) {
         set.ForEach([&](session::ParameterRow& row) {
-            session::TakeValue(row, row.kind == session::DataKind::Logical ? round % 2 : row.lastvalue + 1.5,
+            session::TakeValue(row, row.kind == core::ValueKind::Logical ? round % 2 : row.lastvalue + 1.5,
                                desk.clock.Now());
         });
         const auto start = Time::now();

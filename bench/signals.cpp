@@ -122,8 +122,7 @@ bool Comparison() {
     station.locationID = demo::AddStation(scratch.dbconn, {"Hill Farm", "TeleFlow+", "BSAP", "", 1, 1});
     FillLists(scratch.dbconn, station.locationID);
     desk::Navigator window;
-    desk::Desk desk{scratch.dbconn,    scratch.shared,   scratch.logs,      scratch.clock, scratch.feedback,
-                    scratch.fieldLine, scratch.counters, scratch.scheduler, scratch.mail,  window};
+    desk::Desk desk{scratch.place, scratch.shared.addressees, scratch.scheduler, scratch.mail, window};
     auto* page = new desk::frmVerify(desk, station);
     window.resize(1024, 680);
     window.Open(page);

@@ -23,7 +23,7 @@ set(NORWEN_LAYERS
   "signals/lists: session"
   "signals/change: signals/lists"
   "signals/calibration: signals/lists"
-  "desk/kit:"
+  "desk/kit: reading"
   "desk/platform: desk/kit protocols/line"
   "desk/mail: desk/kit collection mail"
   "desk/reports: desk/kit reports"

@@ -23,7 +23,7 @@ bool IsLogical(const core::Row& row) {
     if (address.find('-') != std::string::npos) {
         return address.starts_with("55-");
     }
-    return core::SameText(row.Text("type"), "Coil(Boolean)") || core::SameText(row.Text("type"), "Boolean");
+    return core::RowKindOf(row.Text("type")) == core::ValueKind::Logical;
 }
 
 std::unique_ptr<ModbusSlave> MakeModbus(Field::Served& served, core::Database& dbconn, StationMap map,
@@ -42,10 +42,8 @@ std::unique_ptr<ModbusSlave> MakeModbus(Field::Served& served, core::Database& d
         modbus.archive = MakeArchiveWindows(served.archive, station.rtuBitsMode);
     }
     served.values[1] = {modbus.registers, modbus.coils};
-    const Framing framing = core::SameText(station.mode, "ASCII") ? Framing::Ascii
-                            : core::SameText(station.mode, "TCP") ? Framing::Tcp
-                                                                  : Framing::Rtu;
-    auto slave = std::make_unique<ModbusSlave>(station.slaveaddress, framing, std::move(modbus), AnswerMs(station));
+    auto slave =
+        std::make_unique<ModbusSlave>(station.slaveaddress, station.framing, std::move(modbus), AnswerMs(station));
     slave->NeverAnswer(silent ? lastMapped : 0);
     return slave;
 }
@@ -84,7 +82,7 @@ StationMap LoadMap(core::Database& dbconn, std::int64_t locationID, int streamno
             signal.kind = Kind::Logical;
             map.logicals.push_back(std::move(signal));
         } else {
-            signal.kind = core::SameText(row.Text("type"), "Integer") ? Kind::Integer : Kind::Float;
+            signal.kind = core::RowKindOf(row.Text("type")) == core::ValueKind::Integer ? Kind::Integer : Kind::Float;
             map.analogs.push_back(std::move(signal));
         }
     }
@@ -126,11 +124,11 @@ Device& Field::MakeDevice(Served& served, core::Database& dbconn, const FieldOpt
         const auto seed = static_cast<std::uint32_t>(station.locationID * 4 + streamno);
         return GasBehaviour(options.seed * 1000003U + seed, options.contractHour, options.alarmCycle);
     };
-    if (core::SameText(station.protocol, "Modbus")) {
+    if (station.protocol == core::Protocol::Modbus) {
         StationMap map = LoadMap(dbconn, station.locationID, 1);
         return Keep(MakeModbus(served, dbconn, std::move(map), behaviour(1), silent, options.contractHour));
     }
-    if (core::SameText(station.protocol, "Quantum")) {
+    if (station.protocol == core::Protocol::Quantum) {
         return Keep(MakeQuantum(served, LoadMap(dbconn, station.locationID, 1).analogs, behaviour(1), silent));
     }
     served.bsap = &Keep(MakeBsap(served, dbconn, options, behaviour));

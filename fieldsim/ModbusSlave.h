@@ -6,13 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "core/Kinds.h"
 #include "fieldsim/Device.h"
 #include "fieldsim/Signals.h"
 #include "fieldsim/WritableStation.h"
 
 namespace fieldsim {
 
-enum class Framing { Rtu, Ascii, Tcp };
+using core::Framing;
 
 // What a slave holds. Register and coil 1 go over the line as 0.
 struct ModbusMap {

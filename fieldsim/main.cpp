@@ -244,7 +244,7 @@ void PrintStations(const fieldsim::Field& field) {
     for (const auto& served : field.Stations()) {
         const core::Station& station = served.station;
         std::cout << station.locationID << '\t' << station.consumer << "\tCOM" << station.comport << '\t'
-                  << station.protocol << ' ' << station.mode << "\taddress " << station.slaveaddress
+                  << station.ProtocolText() << "\taddress " << station.slaveaddress
                   << (station.phoneno.empty() ? "" : "\tdial " + station.phoneno) << '\n';
     }
 }

@@ -44,7 +44,7 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     talk.bsap.listunits = (flags & 16) == 0;
 
     protocols::SignOn(talk);
-    const auto kind = (flags & 32) != 0 ? reading::ListKind::Boolean : reading::ListKind::Float;
+    const auto kind = (flags & 32) != 0 ? core::ValueKind::Logical : core::ValueKind::Float;
     const std::vector<reading::ListEntry> names(20, {"Tap Type", ""});
     const reading::BsapList list = reading::getdata_BSAP(talk, 54, kind, names);
     Check(!list.signals.empty() && list.signals.size() <= 401);

@@ -27,8 +27,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* bytes, std::size_t si
     const std::size_t split = size > 0 ? std::min<std::size_t>(bytes[0] % 32, size) : 0;
     const std::string line = input.substr(split);
     const std::string request = input.substr(0, split);
-    for (const Wire& wire : {Wire{"Modbus", "RTU"}, Wire{"Modbus", "ASCII"}, Wire{"BSAP", ""}, Wire{"BSAP", "", true},
-                             Wire{"Quantum", ""}, Wire{}}) {
+    for (const Wire& wire :
+         {Wire{core::Protocol::Modbus}, Wire{core::Protocol::Modbus, core::Framing::Ascii}, Wire{core::Protocol::Bsap},
+          Wire{core::Protocol::Bsap, {}, true}, Wire{core::Protocol::Quantum}, Wire{}}) {
         for (const Direction direction : {Direction::TX, Direction::RX}) {
             const auto fields = FrameFields(line, wire, direction, request);
             std::size_t next = 0;

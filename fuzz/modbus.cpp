@@ -30,13 +30,13 @@ void Unwrap(const std::string& reply) {
     for (const std::string& received : {reply, head + reply, reply + head + "abcd"}) {
         const auto own = OwnTcpReply(received, request);
         core::Station station;
-        station.mode = "TCP";
+        station.framing = core::Framing::Tcp;
         Check(WholeModbusReply(station, request).judge(received) == own.has_value());
         ModbusState modbus;
         Check(!own || ParseRtuReply(modbus, *own).kind != ModbusReply::Kind::CrcError);
-        station.mode = "RTU";
+        station.framing = core::Framing::Rtu;
         WholeModbusReply(station, rtu).judge(received);
-        station.mode = "ASCII";
+        station.framing = core::Framing::Ascii;
         for (const bool standard : {false, true}) {
             station.standardFraming = standard;
             WholeModbusReply(station, ":01030064000296\r\n").judge(received);

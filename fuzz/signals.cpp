@@ -47,7 +47,7 @@ void Converse(core::Database& dbconn, const core::MAIN_Module& shared, Bytes& by
     Check(!talk.bsap.listnames);
     if (!view.rows.empty()) {
         const int address = view.rows.front().MSD;
-        signals::WriteNumber(talk, address, 1, protocols::ValueKind::Analog);
+        signals::WriteNumber(talk, address, 1, core::ValueKind::Float);
         const signals::ReadAnswer back = signals::ReadByAddress(talk, address);
         Check(back.answer != signals::Answer::Good || back.signals.at(0).MSD == address);
         CheckSignals(back.signals);

@@ -174,7 +174,7 @@ int Start(QApplication& application, const StartOptions& options) {
     }
 
     desk::Navigator navigator;
-    desk::Desk desk{*dbconn, shared, logs, clock, feedback, lines, counters, scheduler, mail, navigator};
+    desk::Desk desk{place, shared.addressees, scheduler, mail, navigator};
     desk::mainfrm mainfrm(desk);
     shell = &mainfrm;
     desk::frmLogin frmLogin(*dbconn, shared, logs,

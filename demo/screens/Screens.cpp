@@ -54,7 +54,7 @@ std::function<QWidget*(Stage&)> Page(Arguments... arguments) {
 
 QWidget* Login(Stage& stage) {
     desk::Desk& desk = stage.Surroundings();
-    auto* login = new desk::frmLogin(desk.dbconn, desk.shared, desk.logs, [](const QString&, const QString&) {});
+    auto* login = new desk::frmLogin(desk.dbconn, stage.Shared(), desk.logs, [](const QString&, const QString&) {});
     login->setParent(&stage.Shell(), Qt::Dialog);
     login->show();
     return login;

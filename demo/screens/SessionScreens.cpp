@@ -56,7 +56,7 @@ Screen Live(const std::string& name, std::int64_t locationID, Work work = {},
     Screen screen;
     screen.name = name;
     screen.show = [locationID](Stage& stage) {
-        stage.Surroundings().shared.currentuser = "WARDEN";
+        stage.Shared().currentuser = "WARDEN";
         stage.Open<desk::frmparalist>(locationID);
         return static_cast<QWidget*>(&stage.Shell());
     };
@@ -83,7 +83,7 @@ Screen Live(const std::string& name, std::int64_t locationID, Work work = {},
         stage.Clock().After(20, *turn);
         Press(page, "cmdgetdata");
         *turn = {};
-        stage.Surroundings().shared.currentuser = "operator";
+        stage.Shared().currentuser = "operator";
     };
     return screen;
 }
@@ -101,19 +101,19 @@ Screen Tab(const std::string& name, std::int64_t locationID, int tab) {
 
 // The register editor on a new station that is laid out by hand, with some of its addresses given.
 QWidget* Registers(Stage& stage, int tab) {
-    stage.Surroundings().shared.currentuser = "WARDEN";
+    stage.Shared().currentuser = "WARDEN";
     desk::RegisterStation station;
     station.consumer = "Zeal Ceramics";
     station.edited.choices.locationID = 900;
     station.edited.choices.modelno = "TeleFlow";
-    station.edited.choices.protocol = "Modbus";
+    station.edited.choices.protocol = core::Protocol::Modbus;
     station.edited.choices.optAga3 = true;
     station.edited.choices.MB_CONFIG = true;
     station.tabs.isAga3 = true;
     station.tabs.superUser = true;
     auto& page = stage.Open<desk::frmparalist>(station);
     page.findChild<desk::ParameterTabs*>("gridtab")->setCurrentIndex(tab);
-    stage.Surroundings().shared.currentuser = "operator";
+    stage.Shared().currentuser = "operator";
     return &stage.Shell();
 }
 

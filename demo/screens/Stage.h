@@ -32,6 +32,7 @@ class Stage {
     void LogIn();
 
     desk::Desk& Surroundings() { return desk_; }
+    core::MAIN_Module& Shared() { return shared_; }
     fieldsim::VirtualClock& Clock() { return clock_; }
     desk::mainfrm& Shell() { return *shell_; }
     desk::Page& Front() { return *navigator_.Front(); }
@@ -71,7 +72,7 @@ class Stage {
     reports::ReportMail reportMail_{place_, mail_};
     collection::Scheduler scheduler_{place_, reportMail_};
     desk::Navigator navigator_;
-    desk::Desk desk_{dbconn_, shared_, logs_, clock_, feedback_, lines_, counters_, scheduler_, mail_, navigator_};
+    desk::Desk desk_{place_, shared_.addressees, scheduler_, mail_, navigator_};
     std::unique_ptr<desk::mainfrm> shell_;
     std::unique_ptr<fieldsim::Field> field_;
 };

@@ -37,9 +37,9 @@ bool CollectStream(reading::Workplace& place, protocols::Conversation& talk, rea
     reading::ValueStore store(place.dbconn, station, talk.streamno);
     reading::ListValues values;
     const reading::BsapList booleans =
-        reading::getdata_BSAP(talk, numbers.boolean, reading::ListKind::Boolean, names.booleans);
+        reading::getdata_BSAP(talk, numbers.boolean, core::ValueKind::Logical, names.booleans);
     Take(booleans, names.booleans, core::IsoText(place.clock.Now()), values.booleans, figures);
-    const reading::BsapList floats = reading::getdata_BSAP(talk, numbers.real, reading::ListKind::Float, names.floats);
+    const reading::BsapList floats = reading::getdata_BSAP(talk, numbers.real, core::ValueKind::Float, names.floats);
     Take(floats, names.floats, core::IsoText(place.clock.Now()), values.floats, figures);
     const bool whole = booleans.collstatus && floats.collstatus;
     place.feedback.Status(whole ? "Data logging......" : "Error in Communication!!!");

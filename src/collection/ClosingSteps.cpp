@@ -32,7 +32,7 @@ std::optional<core::Row> RowAt(reading::Workplace& place, const core::Station& s
     const std::string columns =
         "select d.description, d.lastvalue, d.unit, d.quality, d.readat from configData_detail d";
     const std::string ofStream = " where d.locationID=? and d.StreamNo=? and ";
-    if (core::SameText(station.protocol, "BSAP")) {
+    if (station.protocol == core::Protocol::Bsap) {
         return place.dbconn.First(columns + ofStream + "d.startaddress=?", {station.locationID, streamno, listed});
     }
     if (station.MB_CONFIG) {

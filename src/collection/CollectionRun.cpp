@@ -1,21 +1,11 @@
 #include "collection/CollectionRun.h"
 
 #include "collection/ProtocolRuns.h"
-#include "core/Text.h"
 #include "protocols/line/Modem.h"
 
 namespace collection {
 
 namespace {
-
-protocols::Conversation Begin(reading::Workplace& place, core::Station station, const Call& call) {
-    auto lease = call.Reaches(station) ? call.Line()
-                                       : place.lines.Of(station).TakeOver("A scheduled collection has taken the line");
-    protocols::Conversation talk{std::move(lease), place.clock,        place.feedback,          place.logs,
-                                 place.counters,   std::move(station), place.shared.currentuser};
-    talk.modbus.rtu32bit = talk.station.rtuBitsMode;
-    return talk;
-}
 
 core::ModelCounts Counts(reading::Workplace& place, const protocols::Conversation& talk) {
     const auto counts = core::ReadModelCounts(place.dbconn, talk.station, talk.streamno);
@@ -72,9 +62,9 @@ void Collect(reading::Workplace& place, protocols::Conversation& talk, const cor
              reading::RunState& state) {
     place.feedback.Status("Collecting Data");
     try {
-        if (core::SameText(talk.station.protocol, "BSAP")) {
+        if (talk.station.protocol == core::Protocol::Bsap) {
             CollectBsap(place, talk, state);
-        } else if (core::SameText(talk.station.protocol, "Quantum")) {
+        } else if (talk.station.protocol == core::Protocol::Quantum) {
             CollectQuantum(place, talk, state);
         } else {
             CollectModbus(place, talk, counts, state);
@@ -132,7 +122,8 @@ void Run(reading::Workplace& place, std::int64_t locationID, reading::RunState& 
     if (!reached) {
         call.End(place);
     }
-    auto talk = Begin(place, std::move(*station), call);
+    auto line = reached ? call.Line() : place.lines.Of(*station).TakeOver("A scheduled collection has taken the line");
+    auto talk = place.Begin(std::move(line), std::move(*station));
     const auto counts = Counts(place, talk);
     if (!reached && !OpenPort(place, talk, state)) {
         state.runfailed = true;

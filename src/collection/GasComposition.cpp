@@ -30,8 +30,7 @@ constexpr const char* confirmed = "confirmed";
 
 // What came of a value for a register: it counts when the station shows it.
 std::string Put(protocols::Conversation& talk, int number, double value) {
-    using protocols::ModbusDatum;
-    switch (protocols::ModbusWrite(talk, ModbusDatum::Float, number - 1, value)) {
+    switch (protocols::ModbusWrite(talk, core::ValueKind::Float, number - 1, value)) {
         case protocols::WriteOutcome::Refused:
             return "refused";
         case protocols::WriteOutcome::NotBuilt:
@@ -41,7 +40,8 @@ std::string Put(protocols::Conversation& talk, int number, double value) {
         case protocols::WriteOutcome::Done:
             break;
     }
-    const auto shown = protocols::ModbusReadBack(talk, ModbusDatum::Float, number - 1, protocols::scheduledTransact);
+    const auto shown =
+        protocols::ModbusReadBack(talk, core::ValueKind::Float, number - 1, protocols::scheduledTransact);
     if (shown && protocols::IsShown(*shown, value)) {
         return confirmed;
     }

@@ -6,7 +6,7 @@
 namespace core {
 
 bool SpeaksBsap(const std::string& modelno, const std::string& protocol) {
-    return IsCwModel(modelno) || SameText(modelno, "CW_Micro") || SameText(protocol, "BSAP");
+    return IsCwModel(modelno) || SameText(modelno, "CW_Micro") || ProtocolOf(protocol) == Protocol::Bsap;
 }
 
 }  // namespace core

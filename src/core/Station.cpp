@@ -31,10 +31,6 @@ int Whole(const Row& row, std::string_view column, int whenNull) {
     return row.IsNull(column) ? whenNull : static_cast<int>(std::clamp<std::int64_t>(row.Long(column), -1, 1 << 24));
 }
 
-std::string TextOr(const Row& row, std::string_view column, const char* whenNull) {
-    return row.IsNull(column) ? whenNull : row.Text(column);
-}
-
 }  // namespace
 
 bool IsCwModel(const std::string& modelno) {
@@ -47,6 +43,10 @@ bool IsCwModel(const std::string& modelno) {
 bool IsMultiStreamModel(const std::string& modelno) {
     static constexpr std::array<std::string_view, 2> models = {"CWEFM-MultiStream", "CWGFC-MultiStream"};
     return AnyOf(models, modelno);
+}
+
+std::string Station::ProtocolText() const {
+    return TextOf(protocol) + (protocol == Protocol::Modbus ? " " + TextOf(framing) : "");
 }
 
 std::string Station::ModelText(int streamno) const {
@@ -82,8 +82,10 @@ std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID) {
     } else {
         station.settings = "9600,n,8,1";
     }
-    station.protocol = station.isCW ? "BSAP" : TextOr(*row, "protocol", "Modbus");
-    station.mode = SameText(station.protocol, "Modbus") ? Trim(row->Text("mode")) : std::string();
+    // What no protocol is named by is read as Modbus, what no framing is as RTU.
+    const auto named = ProtocolOf(row->Text("protocol"));
+    station.protocol = station.isCW ? Protocol::Bsap : named.value_or(Protocol::Modbus);
+    station.framing = FramingOf(row->Text("mode")).value_or(Framing::Rtu);
     station.standardFraming = SameText(Trim(row->Text("framing")), "standard");
     station.slaveaddress = Whole(*row, "slaveaddress", 1);
     station.commtimeout = std::clamp(Whole(*row, "delaytime", 2000), 0, longestDelayMs);
@@ -102,8 +104,7 @@ std::optional<Station> ReadOnlineStation(Database& dbconn, std::int64_t location
     auto station = ReadStation(dbconn, locationID);
     if (station && SameText(station->modelno, "CW_Micro")) {
         station->isCW = true;
-        station->protocol = "BSAP";
-        station->mode.clear();
+        station->protocol = Protocol::Bsap;
     }
     return station;
 }

@@ -19,13 +19,13 @@ struct Station {
     std::string consumer;
     std::string modelno;
     std::string comtype;
-    std::string ip;                // set: an "IP" station, which has no line
-    int comport = 1;               // port number
-    std::string settings;          // "9600,N,8,1"
-    std::string phoneno;           // empty: a line without a modem
-    std::string protocol;          // "Modbus", "BSAP" or "Quantum"; "BSAP" for every CW model
-    std::string mode;              // Modbus framing "RTU" or "ASCII", empty for the other protocols
-    bool standardFraming = false;  // of Modbus ASCII: two-digit LRC, checked on replies
+    std::string ip;                        // set: an "IP" station, which has no line
+    int comport = 1;                       // port number
+    std::string settings;                  // "9600,N,8,1"
+    std::string phoneno;                   // empty: a line without a modem
+    Protocol protocol = Protocol::Modbus;  // BSAP for every CW model
+    Framing framing = Framing::Rtu;        // of Modbus
+    bool standardFraming = false;          // of Modbus ASCII: two-digit LRC, checked on replies
     int slaveaddress = 1;
     int commtimeout = 2000;  // ms between line operations, from delaytime
     int No_Stream = 1;
@@ -41,6 +41,8 @@ struct Station {
     Pacing pacing = Pacing::Stated;
     WordOrder wordOrder = WordOrder::HighFirst;  // of Modbus floats in two registers
 
+    // "Modbus RTU", "BSAP".
+    std::string ProtocolText() const;
     // The metering method of a stream from 1, where the model has one; empty otherwise.
     std::string ModelText(int streamno) const;
 };

@@ -23,12 +23,13 @@ ListReplies RepliesOf(protocols::Conversation& talk, int listNumber, bool logAck
     return {talk, std::move(reading)};
 }
 
-void AppendPiece(std::string& resultline, const std::string& description, const ListSignal& signal, ListKind kind) {
+void AppendPiece(std::string& resultline, const std::string& description, const ListSignal& signal,
+                 core::ValueKind kind) {
     if (description.empty()) {
         return;
     }
     resultline += "#" + description + "=";
-    if (kind == ListKind::Boolean) {
+    if (kind == core::ValueKind::Logical) {
         resultline += LogicalText(description, signal.value);
     } else {
         resultline += core::NumberText(signal.value) + "?" + signal.unit;
@@ -36,7 +37,7 @@ void AppendPiece(std::string& resultline, const std::string& description, const 
 }
 
 // Puts the records of a reply at the positions that follow.
-void TakeReply(BsapList& list, const ListReply& reply, std::size_t positions, ListKind kind,
+void TakeReply(BsapList& list, const ListReply& reply, std::size_t positions, core::ValueKind kind,
                std::span<const ListEntry> names) {
     for (const ListSignal& signal : reply.signals) {
         const std::size_t position = list.signals.size();
@@ -52,9 +53,9 @@ void TakeReply(BsapList& list, const ListReply& reply, std::size_t positions, Li
 
 // Tells whether the list came to its end, or to the last position that the kind has. A station that sends no more than
 // replies without signals, with always another place to go on, has failed: no list has more replies than positions.
-bool ReadReplies(protocols::Conversation& talk, ListReplies replies, BsapList& list, ListKind kind,
+bool ReadReplies(protocols::Conversation& talk, ListReplies replies, BsapList& list, core::ValueKind kind,
                  std::span<const ListEntry> names) {
-    const std::size_t positions = kind == ListKind::Float ? maxFloats : maxBooleans;
+    const std::size_t positions = kind == core::ValueKind::Float ? maxFloats : maxBooleans;
     for (std::size_t count = 0; count < positions && !talk.Wanted(); ++count) {
         const auto reply = replies.Next();
         if (!reply) {
@@ -70,8 +71,8 @@ bool ReadReplies(protocols::Conversation& talk, ListReplies replies, BsapList& l
 
 }  // namespace
 
-BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, ListKind kind, std::span<const ListEntry> names,
-                      bool logAcknowledge) {
+BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, core::ValueKind kind,
+                      std::span<const ListEntry> names, bool logAcknowledge) {
     talk.feedback.Status("Collecting Data.....");
     BsapList list;
     list.collstatus = ReadReplies(talk, RepliesOf(talk, listNumber, logAcknowledge), list, kind, names);

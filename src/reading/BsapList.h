@@ -10,9 +10,6 @@
 
 namespace reading {
 
-// What a list's values are taken for. The kind also bounds its positions: 400 and 80.
-enum class ListKind { Float, Boolean };
-
 struct BsapList {
     // The whole list was read. Otherwise the conversation ended or the station failed; what was read until then is
     // here, but is not to be stored.
@@ -25,10 +22,11 @@ struct BsapList {
     std::string resultline;
 };
 
-// Reads a list of the station that is signed on. `names` are the entries of the list's positions, as in ListInfo; the
-// line in log.txt for the answers to acknowledgements is the scheduled run's alone. Takes up to 4 sends for each
-// reply of the list, one commtimeout each and more where the station first acknowledges.
-BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, ListKind kind, std::span<const ListEntry> names,
-                      bool logAcknowledge = true);
+// Reads a list of the station that is signed on: floats, 400 positions at most, or logical values, 80. `names`
+// are the entries of the list's positions, as in ListInfo; the line in log.txt for the answers to acknowledgements is
+// the scheduled run's alone. Takes up to 4 sends for each reply of the list, one commtimeout each and more where the
+// station first acknowledges.
+BsapList getdata_BSAP(protocols::Conversation& talk, int listNumber, core::ValueKind kind,
+                      std::span<const ListEntry> names, bool logAcknowledge = true);
 
 }  // namespace reading

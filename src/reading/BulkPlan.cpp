@@ -1,11 +1,8 @@
 #include "reading/BulkPlan.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <string>
 
-#include "core/Text.h"
 #include "stations/MapBuilder.h"
 
 namespace reading {
@@ -15,19 +12,6 @@ namespace {
 constexpr int coilsPerBlock = 62;
 constexpr int floatsPerBlock = 62;
 constexpr int registersPerConfiguredBlock = 30;
-
-std::optional<BlockType> TypeOf(const std::string& type) {
-    if (core::SameText(type, "Coil(Boolean)")) {
-        return BlockType::Coil;
-    }
-    if (core::SameText(type, "Integer")) {
-        return BlockType::Integer;
-    }
-    if (core::SameText(type, "Float")) {
-        return BlockType::Float;
-    }
-    return std::nullopt;
-}
 
 // The addresses of one type in the order of their registers; those that are not set yet ("0", empty) are no addresses.
 std::vector<int> Addresses(core::Database& dbconn, const core::Station& station, int streamno,
@@ -44,7 +28,7 @@ std::vector<int> Addresses(core::Database& dbconn, const core::Station& station,
     return addresses;
 }
 
-std::vector<Block> Contiguous(const std::vector<int>& addresses, BlockType type, int registersPerValue) {
+std::vector<Block> Contiguous(const std::vector<int>& addresses, core::ValueKind type, int registersPerValue) {
     std::vector<Block> blocks;
     for (const int address : addresses) {
         const bool continues = !blocks.empty() && address == blocks.back().start + blocks.back().count &&
@@ -59,16 +43,16 @@ std::vector<Block> Contiguous(const std::vector<int>& addresses, BlockType type,
 }
 
 // 0: the map has no row of the type.
-int LastAddress(core::Database& dbconn, const core::Station& station, int streamno, BlockType type) {
-    const auto addresses = Addresses(dbconn, station, streamno, TypeText(type));
+int LastAddress(core::Database& dbconn, const core::Station& station, int streamno, core::ValueKind type) {
+    const auto addresses = Addresses(dbconn, station, streamno, core::TextOf(type));
     return addresses.empty() ? 0 : addresses.back();
 }
 
 core::ModelCounts MappedCounts(core::Database& dbconn, const core::Station& station, int streamno,
                                core::ModelCounts counts) {
-    const int size = RegistersPerValue(BlockType::Float, station.rtuBitsMode);
-    const int floats = (LastAddress(dbconn, station, streamno, BlockType::Float) + size - 1) / size;
-    const int coils = LastAddress(dbconn, station, streamno, BlockType::Coil);
+    const int size = RegistersPerValue(core::ValueKind::Float, station.rtuBitsMode);
+    const int floats = (LastAddress(dbconn, station, streamno, core::ValueKind::Float) + size - 1) / size;
+    const int coils = LastAddress(dbconn, station, streamno, core::ValueKind::Logical);
     if (floats > 0 || coils > 0) {
         counts.floatcount = std::min(counts.floatcount, floats);
         counts.boolcount = std::min(counts.boolcount, coils);
@@ -78,20 +62,8 @@ core::ModelCounts MappedCounts(core::Database& dbconn, const core::Station& stat
 
 }  // namespace
 
-const char* TypeText(BlockType type) {
-    switch (type) {
-        case BlockType::Coil:
-            return "Coil(Boolean)";
-        case BlockType::Integer:
-            return "Integer";
-        case BlockType::Float:
-            break;
-    }
-    return "Float";
-}
-
-int RegistersPerValue(BlockType type, bool rtu32bit) {
-    return type == BlockType::Float && !rtu32bit ? 2 : 1;
+int RegistersPerValue(core::ValueKind type, bool rtu32bit) {
+    return type == core::ValueKind::Float && !rtu32bit ? 2 : 1;
 }
 
 std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs, const core::Station& station,
@@ -101,7 +73,7 @@ std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs
          dbconn.Query("select distinct(type) from configdata_detail where StreamNo=? and locationid=? "
                       "order by type",
                       {streamno, station.locationID})) {
-        const auto type = TypeOf(row[0].Text());
+        const auto type = core::ValueKindOf(row[0].Text());
         if (!type) {
             logs.WriteRtuErr("DATA TYPE MISMATCH");
             continue;
@@ -115,14 +87,14 @@ std::vector<Block> Collect_StartAddress(core::Database& dbconn, core::Logs& logs
 
 std::vector<Block> Collect_StartAddress1(const core::ModelCounts& counts, bool rtu32bit) {
     std::vector<Block> blocks;
-    const auto divide = [&](int values, int valuesPerBlock, BlockType type) {
+    const auto divide = [&](int values, int valuesPerBlock, core::ValueKind type) {
         const int size = RegistersPerValue(type, rtu32bit);
         for (int done = 0; done < values && blocks.size() < maxBlocks; done += valuesPerBlock) {
             blocks.push_back({done * size + 1, std::min(valuesPerBlock, values - done) * size, type});
         }
     };
-    divide(counts.boolcount, coilsPerBlock, BlockType::Coil);
-    divide(counts.floatcount, floatsPerBlock, BlockType::Float);
+    divide(counts.boolcount, coilsPerBlock, core::ValueKind::Logical);
+    divide(counts.floatcount, floatsPerBlock, core::ValueKind::Float);
     return blocks;
 }
 

@@ -10,12 +10,10 @@
 // How the parameters of a Modbus station become a few large reads.
 namespace reading {
 
-enum class BlockType { Coil = 0, Integer = 1, Float = 2 };
-
 struct Block {
     int start = 0;  // first register or coil as stored in startaddress, from 1; on the wire it is one less
     int count = 0;  // registers or coils
-    BlockType type = BlockType::Coil;
+    core::ValueKind type = core::ValueKind::Logical;
 
     bool operator==(const Block&) const = default;
 };
@@ -23,11 +21,8 @@ struct Block {
 // The most blocks of a station with a fixed map.
 constexpr std::size_t maxBlocks = 10;
 
-// The type of a row whose values such a block holds: "Float".
-const char* TypeText(BlockType type);
-
 // The registers that one value of the type takes: 2 for a float, unless one register holds it; else 1.
-int RegistersPerValue(BlockType type, bool rtu32bit);
+int RegistersPerValue(core::ValueKind type, bool rtu32bit);
 
 // The blocks of a station whose register map stands in configdata_detail: strictly contiguous addresses of one type,
 // ended at 30 registers. All of them, however many: a map that is laid out by hand has gaps, and a row that no block

@@ -15,7 +15,7 @@ constexpr int readCoils = 1;
 constexpr int readHoldingRegisters = 3;
 
 std::string Place(const Block& block) {
-    return (block.type == BlockType::Coil ? "coil " : "register ") + std::to_string(block.start);
+    return (block.type == core::ValueKind::Logical ? "coil " : "register ") + std::to_string(block.start);
 }
 
 using Take = std::function<void(const BlockReply& reply, std::size_t k)>;
@@ -57,8 +57,8 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
         if (talk.Wanted()) {
             return ReadOutcome::BrokenOff;
         }
-        talk.modbus.floatread = block.type == BlockType::Float;
-        const int command = block.type == BlockType::Coil ? readCoils : readHoldingRegisters;
+        talk.modbus.floatread = block.type == core::ValueKind::Float;
+        const int command = block.type == core::ValueKind::Logical ? readCoils : readHoldingRegisters;
         const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, options);
         if (!reply.Answered()) {
             if (why != nullptr) {
@@ -88,7 +88,7 @@ bool GetDataInBunches(Workplace& place, protocols::Conversation& talk, const std
                       ValueStore& store, RunFigures& figures, RunTally& tally) {
     const core::Station& station = talk.station;
     return ReadStation(place, talk, blocks, tally, [&](const BlockReply& reply, std::size_t k) {
-        const char* const type = TypeText(reply.block.type);
+        const std::string type = core::TextOf(reply.block.type);
         const int step = RegistersPerValue(reply.block.type, talk.modbus.rtu32bit);
         const std::string address = std::to_string(reply.block.start + static_cast<int>(k) * step);
         const double value = reply.values[k];
@@ -112,7 +112,7 @@ bool GetDataInBunches1(Workplace& place, protocols::Conversation& talk, const st
     std::size_t floats = 0;
     std::size_t booleans = 0;
     return ReadStation(place, talk, blocks, tally, [&](const BlockReply& reply, std::size_t k) {
-        const bool coil = reply.block.type == BlockType::Coil;
+        const bool coil = reply.block.type == core::ValueKind::Logical;
         std::size_t& n = coil ? booleans : floats;
         if (n == static_cast<std::size_t>(coil ? maxBooleans : maxFloats)) {
             return;

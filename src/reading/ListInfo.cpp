@@ -9,7 +9,7 @@ namespace reading {
 namespace {
 
 bool IsBsap(const core::Station& station) {
-    return core::SameText(station.protocol, "BSAP");
+    return station.protocol == core::Protocol::Bsap;
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ void ValueStore::Ask(const std::vector<Block>& blocks) {
             markAsked +
                 " and StreamNo=? and type=? and cast(startaddress as integer) >= ? and "
                 "cast(startaddress as integer) < ?",
-            {station_.locationID, streamno_, TypeText(block.type), block.start, block.start + block.count});
+            {station_.locationID, streamno_, core::TextOf(block.type), block.start, block.start + block.count});
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "core/Clock.h"
 #include "core/Database.h"
 #include "core/Feedback.h"
@@ -19,6 +21,12 @@ struct Workplace {
     core::Logs& logs;
     protocols::FieldLines& lines;
     protocols::BsapCounters& counters;
+
+    // The same with another place for what the operator is told.
+    Workplace With(core::Feedback& other) const { return {dbconn, shared, clock, other, logs, lines, counters}; }
+
+    // A conversation with a station, its stream 1, on a line that the caller holds. Audit lines name the user of now.
+    protocols::Conversation Begin(std::shared_ptr<protocols::LineLease> lease, core::Station station) const;
 };
 
 }  // namespace reading

@@ -8,6 +8,7 @@
 
 #include "collection/DayLine.h"
 #include "collection/Outcome.h"
+#include "core/Kinds.h"
 #include "core/Text.h"
 #include "reports/ReportRtf.h"
 
@@ -45,7 +46,7 @@ std::vector<DailyLine> DailyLines(core::Database& dbconn, const core::DateTime& 
         line.monthflow = figures.monthflow;
         line.pressure = figures.pressure;
         line.Cont_Pr = station.Number("Cont_Pr");
-        line.cumulative = core::SameText(core::Trim(station.Text("protocol")), "Quantum");
+        line.cumulative = core::ProtocolOf(station.Text("protocol")) == core::Protocol::Quantum;
         if (line.monthflow && !line.cumulative) {
             line.averageflow = *line.monthflow / day.day;
         }

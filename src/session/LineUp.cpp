@@ -2,7 +2,6 @@
 
 #include "protocols/bsap/BsapLink.h"
 #include "protocols/line/Modem.h"
-#include "session/Speaks.h"
 #include "session/WriteAnswer.h"
 
 namespace session {
@@ -70,7 +69,7 @@ LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& op
         Call(talk, outcome);
     }
     const bool answers = outcome.failure.empty() && !talk.Ended();
-    const bool signsOn = answers && Speaks(talk.station, "BSAP");
+    const bool signsOn = answers && talk.station.protocol == core::Protocol::Bsap;
     if (signsOn && !protocols::SignOnInTries(talk, options.signOn, options.signOnTries) && !talk.Ended()) {
         outcome.failure = Told(talk, options.dead);
     }

@@ -6,25 +6,12 @@
 #include "reading/BsapList.h"
 #include "reading/QuantumRead.h"
 #include "reading/StreamLists.h"
-#include "session/Speaks.h"
 
 namespace session {
 
 namespace {
 
 using reading::ReadOutcome;
-
-DataKind KindOf(reading::BlockType type) {
-    switch (type) {
-        case reading::BlockType::Coil:
-            return DataKind::Logical;
-        case reading::BlockType::Integer:
-            return DataKind::Integer;
-        case reading::BlockType::Float:
-            break;
-    }
-    return DataKind::Float;
-}
 
 }  // namespace
 
@@ -37,7 +24,7 @@ bool LivePoll::Prepare() {
         byRegister_[{row.kind, static_cast<int>(row.MSD)}].push_back(&row);
         byPosition_[row.startaddress].push_back(&row);
     });
-    if (!Speaks(talk_.station, "Modbus")) {
+    if (talk_.station.protocol != core::Protocol::Modbus) {
         return true;
     }
     const auto counts = core::ReadModelCounts(place_.dbconn, talk_.station, talk_.streamno);
@@ -55,7 +42,7 @@ ReadOutcome LivePoll::Read() {
     done_ = 0;
     set_.ForEach([](ParameterRow& row) { ++row.missedPolls; });
     const ReadOutcome outcome = ReadByProtocol();
-    if (outcome == ReadOutcome::Whole && !Speaks(talk_.station, "Quantum")) {
+    if (outcome == ReadOutcome::Whole && talk_.station.protocol != core::Protocol::Quantum) {
         MarkMissed();
     } else if (outcome == ReadOutcome::BrokenOff) {
         set_.ForEach([](ParameterRow& row) { row.missedPolls -= row.missedPolls > 0 ? 1 : 0; });
@@ -75,10 +62,10 @@ void LivePoll::MarkMissed() {
 }
 
 ReadOutcome LivePoll::ReadByProtocol() {
-    if (Speaks(talk_.station, "BSAP")) {
+    if (talk_.station.protocol == core::Protocol::Bsap) {
         return ReadBsap();
     }
-    return Speaks(talk_.station, "Quantum") ? ReadQuantumUnit() : ReadModbus();
+    return talk_.station.protocol == core::Protocol::Quantum ? ReadQuantumUnit() : ReadModbus();
 }
 
 ReadOutcome LivePoll::ReadModbus() {
@@ -100,7 +87,7 @@ ReadOutcome LivePoll::ReadModbus() {
 void LivePoll::TakeBlock(const reading::BlockReply& reply) {
     const int step = reading::RegistersPerValue(reply.block.type, talk_.modbus.rtu32bit);
     for (std::size_t k = 0; k < reply.values.size(); ++k) {
-        const auto rows = byRegister_.find({KindOf(reply.block.type), reply.block.start + static_cast<int>(k) * step});
+        const auto rows = byRegister_.find({reply.block.type, reply.block.start + static_cast<int>(k) * step});
         if (rows == byRegister_.end()) {
             continue;
         }
@@ -132,7 +119,7 @@ ReadOutcome LivePoll::ReadBsap() {
 
 // A list counts when it was read whole. Its rows have the number of the first stream's list, whatever the stream.
 bool LivePoll::ReadList(int number, bool boolean, ReadOutcome& outcome) {
-    const auto kind = boolean ? reading::ListKind::Boolean : reading::ListKind::Float;
+    const auto kind = boolean ? core::ValueKind::Logical : core::ValueKind::Float;
     const auto list = reading::getdata_BSAP(talk_, number, kind, {}, false);
     if (!list.collstatus) {
         outcome = list.brokenOff ? ReadOutcome::BrokenOff : ReadOutcome::Failed;
@@ -182,7 +169,7 @@ void LivePoll::Take(ParameterRow& row, double value, core::Quality quality) {
 
 void LivePoll::Store() {
     reading::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
-    const bool isBsap = Speaks(talk_.station, "BSAP");
+    const bool isBsap = talk_.station.protocol == core::Protocol::Bsap;
     const auto typeOf = [&](const ParameterRow& row) { return isBsap ? std::string() : row.type; };
     place_.dbconn.InTransaction([&] {
         for (const ParameterRow* row : unstored_) {

@@ -37,7 +37,7 @@ class LivePoll {
     void Store();
 
   private:
-    using Key = std::pair<DataKind, int>;  // what a Modbus address holds, and the address
+    using Key = std::pair<core::ValueKind, int>;  // what a Modbus address holds, and the address
 
     reading::ReadOutcome ReadModbus();
     reading::ReadOutcome ReadBsap();
@@ -53,7 +53,7 @@ class LivePoll {
     ParameterSet& set_;
     Progress progress_;
     std::vector<reading::Block> blocks_;
-    std::set<std::pair<reading::BlockType, int>> refused_;  // blocks, by type and start: they are not asked for again
+    std::set<std::pair<core::ValueKind, int>> refused_;  // blocks, by type and start: they are not asked for again
     std::map<Key, std::vector<ParameterRow*>> byRegister_;
     std::map<std::string, std::vector<ParameterRow*>> byPosition_;  // "54-83"
     std::vector<ParameterRow*> unstored_;

@@ -20,9 +20,7 @@ bool OwnCall(const reading::Workplace& place, const collection::Scheduler&, cons
         kept.emplace(lease);
     }
     lease->WhenEnded([&place, &lease = *lease] { place.feedback.Status(lease.Reason()); });
-    protocols::Conversation talk{lease,          place.clock, place.feedback,          place.logs,
-                                 place.counters, station,     place.shared.currentuser};
-    talk.modbus.rtu32bit = station.rtuBitsMode;
+    protocols::Conversation talk = place.Begin(lease, station);
     const LineUpOutcome outcome = BringLineUp(talk, options);
     std::exception_ptr failure;
     if (outcome.up) {

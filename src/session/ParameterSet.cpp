@@ -21,18 +21,11 @@ ParameterRow RowOf(const core::Row& row, bool isModbus) {
     out.readat = core::MomentOf(row.Text("readat"));
     out.quality = core::QualityOf(row.Text("quality"));
     out.MSD = isModbus ? static_cast<std::int64_t>(core::Val(out.startaddress)) : row.Long("MSD");
-    out.kind = KindOf(out.type);
+    out.kind = core::RowKindOf(out.type);
     return out;
 }
 
 }  // namespace
-
-DataKind KindOf(const std::string& type) {
-    if (core::SameText(type, "Boolean") || core::SameText(type, "Coil(Boolean)")) {
-        return DataKind::Logical;
-    }
-    return core::SameText(type, "Integer") ? DataKind::Integer : DataKind::Float;
-}
 
 void ParameterSet::Load(core::Database& dbconn, std::int64_t locationID, int streamno, bool isModbus) {
     std::array<Rows, groupCount> groups;
@@ -90,7 +83,7 @@ std::string ValueCell(const ParameterRow& row, bool isCW) {
     if (!HasFigure(row)) {
         return "-";
     }
-    if (row.kind == DataKind::Logical) {
+    if (row.kind == core::ValueKind::Logical) {
         return valueText(isCW, row.Description, row.lastvalue);
     }
     return core::FixedText(row.lastvalue, 6);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/Clock.h"
+#include "core/Kinds.h"
 #include "core/Quality.h"
 #include "session/ParameterGroups.h"
 
@@ -17,12 +18,6 @@ class Database;
 
 namespace session {
 
-// What a parameter of a station is on its line.
-enum class DataKind { Float, Integer, Logical };
-
-// By the type that a map names: "Boolean" and "Coil(Boolean)" are switches, "Integer" 16 bits, all others floats.
-DataKind KindOf(const std::string& type);
-
 // A row of the station's map in hand.
 struct ParameterRow {
     std::string Description;
@@ -31,7 +26,7 @@ struct ParameterRow {
     std::string unit;
     double lastvalue = 0;
     std::int64_t MSD = 0;  // BSAP: the station's address of the signal; Modbus: the number of startaddress
-    DataKind kind = DataKind::Float;
+    core::ValueKind kind = core::ValueKind::Float;
 
     std::optional<core::DateTime> readat;  // when lastvalue was read; nothing: never
     std::optional<core::Quality> quality;  // how its last reading ended; nothing: never read

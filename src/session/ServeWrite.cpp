@@ -9,23 +9,10 @@
 #include "protocols/bsap/BsapLink.h"
 #include "protocols/modbus/ModbusReadBack.h"
 #include "session/Figures.h"
-#include "session/Speaks.h"
 
 namespace session {
 
 namespace {
-
-protocols::ModbusDatum DatumOf(DataKind kind) {
-    switch (kind) {
-        case DataKind::Logical:
-            return protocols::ModbusDatum::Coil;
-        case DataKind::Integer:
-            return protocols::ModbusDatum::Integer;
-        case DataKind::Float:
-            break;
-    }
-    return protocols::ModbusDatum::Float;
-}
 
 protocols::Bsap Messages(protocols::Conversation& talk) {
     return {talk.counters, talk.bsap, talk.station.isCW};
@@ -43,8 +30,7 @@ void SendOnce(protocols::Conversation& talk, const std::string& frame) {
 // The register on the wire is the stored address less 1, as in the read of the same row.
 protocols::WriteOutcome Put(protocols::Conversation& talk, const WriteRequest& request) {
     const int reg = static_cast<int>(request.writeAddress) - 1;
-    const auto outcome =
-        protocols::ModbusWrite(talk, DatumOf(request.kind), reg, request.writeValue, protocols::onlineWrite);
+    const auto outcome = protocols::ModbusWrite(talk, request.kind, reg, request.writeValue, protocols::onlineWrite);
     if (outcome == protocols::WriteOutcome::Refused && !talk.Ended()) {
         talk.logs.WriteRtuErr("Modbus exception " + core::NumberText(talk.modbus.mbvalues[1]) + " to the write of " +
                               request.Description + " [" + std::to_string(talk.station.locationID) + "]");
@@ -82,14 +68,14 @@ std::int64_t SecondsToLatch(const protocols::Conversation& talk) {
 constexpr const char* notWritten = "Data Could not be written";
 
 std::optional<double> ReadBack(protocols::Conversation& talk, const WriteRequest& request) {
-    return protocols::ModbusReadBack(talk, DatumOf(request.kind), static_cast<int>(request.writeAddress) - 1,
+    return protocols::ModbusReadBack(talk, request.kind, static_cast<int>(request.writeAddress) - 1,
                                      protocols::onlineWrite);
 }
 
 // Confirmed: the line has carried it.
 WriteResult PutElement(protocols::Conversation& talk, WriteRequest request, double value) {
     request.writeValue = value;
-    if (Speaks(talk.station, "BSAP")) {
+    if (talk.station.protocol == core::Protocol::Bsap) {
         pending_write_request_bsap(talk, request);
         return talk.Ended() ? WriteResult::CutOff : WriteResult::Confirmed;
     }
@@ -150,9 +136,8 @@ WriteSent pending_write_request_mbus(protocols::Conversation& talk, const WriteR
 }
 
 void pending_write_request_bsap(protocols::Conversation& talk, const WriteRequest& request) {
-    const auto kind = request.kind == DataKind::Logical ? protocols::ValueKind::Logical : protocols::ValueKind::Analog;
     SendOnce(talk, Messages(talk).Write_value(talk.station.slaveaddress, request.writeValue,
-                                              static_cast<std::int32_t>(request.writeAddress), kind));
+                                              static_cast<std::int32_t>(request.writeAddress), request.kind));
 }
 
 void pending_mul_write_request_bsap(protocols::Conversation& talk, std::span<const WriteRequest> requests) {

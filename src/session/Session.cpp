@@ -10,7 +10,6 @@
 #include "protocols/line/Modem.h"
 #include "session/LineUp.h"
 #include "session/LivePoll.h"
-#include "session/Speaks.h"
 #include "stations/SampledMark.h"
 
 namespace session {
@@ -44,7 +43,7 @@ Session::Session(const reading::Workplace& place, const collection::Scheduler& s
                  std::int64_t locationID)
     : view_(view),
       feedback_(view),
-      place_{place.dbconn, place.shared, place.clock, view, place.logs, place.lines, place.counters},
+      place_(place.With(view)),
       scheduler_(scheduler),
       station_(StationOf(place.dbconn, locationID)),
       look_(LookOf(place.dbconn, locationID)) {
@@ -58,7 +57,7 @@ bool Session::IsAga3() const {
 }
 
 void Session::TakeStream(int streamno) {
-    set_.Load(place_.dbconn, station_.locationID, streamno, Speaks(station_, "Modbus"));
+    set_.Load(place_.dbconn, station_.locationID, streamno, station_.protocol == core::Protocol::Modbus);
     streamno_ = streamno;
     watch_.Forget();
     alarms_.clear();
@@ -111,13 +110,12 @@ bool Session::TakeLine() {
     station_ = StationOf(place_.dbconn, station_.locationID);
     // What an earlier connection read says nothing of this one: the program of the station, or its map, may be another.
     TakeStream(streamno_);
-    if (Speaks(station_, "BSAP")) {
+    if (station_.protocol == core::Protocol::Bsap) {
         set_.ForEach([](ParameterRow& row) { row.MSD = 0; });
     }
     lease->WhenEnded([this] { LineEnded(); });
-    talk_ = std::make_unique<protocols::Conversation>(protocols::Conversation{
-        lease, place_.clock, feedback_, place_.logs, place_.counters, station_, place_.shared.currentuser, streamno_});
-    talk_->modbus.rtu32bit = station_.rtuBitsMode;
+    talk_ = std::make_unique<protocols::Conversation>(place_.With(feedback_).Begin(lease, station_));
+    talk_->streamno = streamno_;
     talk_->wanted = [this] {
         const bool turns = pendingStream_ && sent_.empty() && !timeSent_;
         return !writing_ && (!pending_.empty() || timeRequest_ || turns || guest_);
@@ -222,7 +220,7 @@ void Session::Refresh(bool received) {
 
 // A disk that is full does not end the session: the values stand on the screen, and are stored with the next poll.
 void Session::Store() {
-    if (Speaks(station_, "Quantum")) {
+    if (station_.protocol == core::Protocol::Quantum) {
         return;
     }
     view_.Storing(true);

@@ -42,9 +42,12 @@ bool Session::Lend(core::Feedback& feedback, GuestWork work) {
 void Session::ServeGuest() {
     Guest guest = *std::exchange(guest_, std::nullopt);
     GuestFeedback feedback(guest.feedback, view_);
-    protocols::Conversation talk{talk_->line,     place_.clock,   feedback,           place_.logs,
-                                 place_.counters, talk_->station, talk_->currentuser, streamno_,
-                                 talk_->modbus,   talk_->bsap,    talk_->requests};
+    protocols::Conversation talk = place_.With(feedback).Begin(talk_->line, talk_->station);
+    talk.currentuser = talk_->currentuser;
+    talk.streamno = streamno_;
+    talk.modbus = talk_->modbus;
+    talk.bsap = talk_->bsap;
+    talk.requests = talk_->requests;
     lentTo_ = &guest.feedback;
     try {
         guest.work(&talk);

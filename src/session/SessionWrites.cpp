@@ -9,7 +9,6 @@
 #include "session/Figures.h"
 #include "session/ServeWrite.h"
 #include "session/Session.h"
-#include "session/Speaks.h"
 
 namespace session {
 
@@ -91,7 +90,7 @@ void Session::ServeWrites() {
     for (const WriteRequest& request : pending_) {
         set_.At(request.place).pending = true;  // what a read brought since the request is older than the write
     }
-    if (Speaks(station_, "Modbus")) {
+    if (station_.protocol == core::Protocol::Modbus) {
         ServeModbusWrites();
     } else if (pending_.size() == 1) {
         pending_write_request_bsap(*talk_, pending_.front());
@@ -197,7 +196,7 @@ bool Session::JudgeWrite(SentWrite& sent, bool counts) {
         return last;
     }
     // Over BSAP the last digits of a value are cut off, not rounded.
-    const auto same = Speaks(station_, "Modbus") ? protocols::IsShown : core::SameSingle;
+    const auto same = station_.protocol == core::Protocol::Modbus ? protocols::IsShown : core::SameSingle;
     if (same(row.lastvalue, sent.request.writeValue)) {
         Answer(sent.request, {WriteResult::Confirmed, row.lastvalue, {}});
         return true;
@@ -240,7 +239,7 @@ std::vector<ParameterRow*> Session::ClockRows() {
     for (const Figure figure :
          {Figure::Year, Figure::Month, Figure::Day, Figure::Hour, Figure::Minute, Figure::Second}) {
         const auto place = PlaceOf(set_, figure, station_.isCW);
-        if (!place || (Speaks(station_, "Modbus") && set_.At(*place).MSD <= 0)) {
+        if (!place || (station_.protocol == core::Protocol::Modbus && set_.At(*place).MSD <= 0)) {
             return {};
         }
         rows.push_back(&set_.At(*place));
@@ -308,7 +307,7 @@ void Session::DropRequests(const std::string& reason) {
         Answer(write.request, {WriteResult::NotConfirmed, std::nullopt, "not read back: " + reason});
     }
     for (std::size_t i = 0; i < requests.size(); ++i) {
-        const bool cut = onItsWay && (i == 0 || !Speaks(station_, "Modbus"));
+        const bool cut = onItsWay && (i == 0 || station_.protocol != core::Protocol::Modbus);
         Answer(requests[i], {cut ? WriteResult::CutOff : WriteResult::NotSent, std::nullopt, reason});
     }
     if (auto user = std::exchange(timeRequest_, std::nullopt)) {

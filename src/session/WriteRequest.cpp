@@ -13,13 +13,13 @@ namespace session {
 
 namespace {
 
-bool Fits(double value, DataKind kind) {
+bool Fits(double value, core::ValueKind kind) {
     switch (kind) {
-        case DataKind::Logical:
+        case core::ValueKind::Logical:
             return value == 0 || value == 1;
-        case DataKind::Integer:
+        case core::ValueKind::Integer:
             return value == std::floor(value) && value >= -32768 && value <= 32767;
-        case DataKind::Float:
+        case core::ValueKind::Float:
             break;
     }
     return true;
@@ -40,7 +40,7 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
     const ParameterRow& row = set.At(place);
     const std::string shown = ValueCell(row, context.station.isCW);
     const auto number = core::EnteredNumber(text);
-    const auto value = number || row.kind != DataKind::Logical
+    const auto value = number || row.kind != core::ValueKind::Logical
                            ? number
                            : ValueOfText(context.station.isCW, row.Description, core::Trim(text));
     if (!value || !Fits(*value, row.kind)) {

@@ -19,7 +19,7 @@ struct WriteRequest {
     RowPlace place;
     std::string aga;
     std::string Description;
-    DataKind kind = DataKind::Float;
+    core::ValueKind kind = core::ValueKind::Float;
     std::int64_t writeAddress = 0;  // Modbus: register or coil from 1, as the row is read; BSAP: the signal's address
     double writeValue = 0;
     double oldValue = 0;

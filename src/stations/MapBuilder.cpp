@@ -10,10 +10,6 @@ namespace stations {
 
 namespace {
 
-bool IsProtocol(const MapChoices& choices, const char* protocol) {
-    return core::SameText(core::Trim(choices.protocol), protocol);
-}
-
 void DeleteDetail(core::Database& dbconn, const MapChoices& choices) {
     dbconn.Execute("delete from configdata_Detail where locationID= ?", {choices.locationID});
 }
@@ -96,7 +92,7 @@ void BuildStreams(core::Database& dbconn, const MapChoices& choices) {
 }
 
 std::vector<core::Row> RegisterSource(core::Database& dbconn, const MapChoices& choices) {
-    if (!IsProtocol(choices, "Modbus")) {
+    if (choices.protocol != core::Protocol::Modbus) {
         return dbconn.Query(
             "select Description, type, MBUS as MSD, unit, aga, CFP, RS, WS from parameter "
             "where protocol = 'BSAP' order by srno");
@@ -127,17 +123,17 @@ RegisterRow WorkedOut(const core::Row& row, const RegisterSize& registers) {
 
 void BuildNew(core::Database& dbconn, const MapChoices& choices) {
     const bool isCW = core::IsCwModel(choices.modelno);
-    const bool isModbus = IsProtocol(choices, "Modbus");
+    const bool isModbus = choices.protocol == core::Protocol::Modbus;
     const bool isMicro = core::SameText(choices.modelno, "CW_Micro");
     if (isModbus && choices.MB_CONFIG && !isCW && !isMicro) {
         return;  // laid out by hand before the Save
     }
     DeleteDetail(dbconn, choices);
-    if (IsProtocol(choices, "Quantum")) {
+    if (choices.protocol == core::Protocol::Quantum) {
         BuildQuantum(dbconn, choices);
         return;
     }
-    if (isMicro || !(isModbus || IsProtocol(choices, "BSAP"))) {
+    if (isMicro || !(isModbus || choices.protocol == core::Protocol::Bsap)) {
         return;  // the parameters of a CW_Micro come from its signal lists
     }
     if (isCW) {
@@ -155,7 +151,8 @@ void BuildMap(core::Database& dbconn, const MapChoices& choices) {
     dbconn.InTransaction([&] {
         if (choices.isNewStation) {
             BuildNew(dbconn, choices);
-        } else if (IsProtocol(choices, "Modbus") && core::IsCwModel(choices.modelno) && !HasDetail(dbconn, choices)) {
+        } else if (choices.protocol == core::Protocol::Modbus && core::IsCwModel(choices.modelno) &&
+                   !HasDetail(dbconn, choices)) {
             BuildStreams(dbconn, choices);
         }
     });

@@ -2,7 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "core/Kinds.h"
 
 namespace stations {
 
@@ -29,7 +32,7 @@ struct MapChoices {
     std::int64_t locationID = 0;
     int groupno = 1;
     std::string modelno;
-    std::string protocol;               // "BSAP", "Modbus" or "Quantum"
+    std::optional<core::Protocol> protocol;
     int No_Stream = 1;                  // 1 to 4; only MultiStream models have more than one
     std::array<std::string, 4> stream;  // metering method of each stream: "AGA3", "AGA7", "AGA9", "AGA11"
     bool optAga3 = false;               // the AGA3 family; off: the AGA7 family

@@ -64,11 +64,11 @@ bool IsSlaveAddress(const StationRecord& record) {
         return false;
     }
     const double address = core::Val(text);
-    const std::string protocol = core::Trim(record.protocol);
-    if (core::SameText(protocol, "Quantum")) {
+    const auto protocol = core::ProtocolOf(record.protocol);
+    if (protocol == core::Protocol::Quantum) {
         return address <= 99;
     }
-    const bool isBsap = core::SameText(protocol, "BSAP") || core::IsCwModel(core::Trim(record.modelno));
+    const bool isBsap = protocol == core::Protocol::Bsap || core::IsCwModel(core::Trim(record.modelno));
     return address >= 1 && address <= (isBsap ? 127 : 247);
 }
 
@@ -85,7 +85,7 @@ bool IsGroupFull(const Candidate& candidate) {
 // A fixed map of one register a value is read by nobody: only a map that is laid out by hand knows integers.
 bool IsIntegerWithoutConfig(const Candidate& candidate) {
     const StationRecord& record = candidate.record;
-    if (!core::SameText(core::Trim(record.protocol), "Modbus") || record.MB_CONFIG || record.rtubits ||
+    if (core::ProtocolOf(record.protocol) != core::Protocol::Modbus || record.MB_CONFIG || record.rtubits ||
         core::IsCwModel(core::Trim(record.modelno))) {
         return false;
     }

@@ -18,7 +18,7 @@ using core::Value;
 using Columns = std::vector<std::pair<std::string, Value>>;
 
 bool IsModbus(const StationRecord& record) {
-    return core::SameText(Trim(record.protocol), "Modbus");
+    return core::ProtocolOf(record.protocol) == core::Protocol::Modbus;
 }
 
 // The schedule as the form offers it and as the row holds it.
@@ -62,7 +62,7 @@ Columns FixedColumns(const StationRecord& record) {
 
 Columns LineColumns(const StationRecord& record) {
     const bool isIp = core::SameText(Trim(record.comtype), "IP");
-    const bool isAscii = IsModbus(record) && core::SameText(Trim(record.Mode), "ASCII");
+    const bool isAscii = IsModbus(record) && core::FramingOf(record.Mode) == core::Framing::Ascii;
     const auto onLine = [&](const std::string& text) { return isIp ? std::string() : Trim(text); };
     return {{"comtype", Trim(record.comtype)},
             {"ip", isIp ? Trim(record.ip) : std::string()},
@@ -274,7 +274,7 @@ MapChoices ChoicesOf(const StationRecord& record, const SaveChoices& choices) {
     map.locationID = record.locationId;
     map.groupno = Whole(record.groupno, 0, 4);
     map.modelno = Trim(record.modelno);
-    map.protocol = Trim(record.protocol);
+    map.protocol = core::ProtocolOf(record.protocol);
     map.No_Stream = Whole(record.No_Stream, 1, 4);
     map.stream = record.stream;
     map.optAga3 = record.aga3_7;

@@ -23,7 +23,7 @@ Rule Find(const RuleTable<Rule>& table, const std::string& name, const Rule& oth
     return row == table.end() ? other : row->second;
 }
 
-ModelRule SingleStream(const std::string& method, Metering metering, const std::string& protocol) {
+ModelRule SingleStream(const std::string& method, Metering metering, std::optional<core::Protocol> protocol) {
     return {.isCW = true,
             .cmb_stm1 = method,
             .metering = metering,
@@ -35,7 +35,7 @@ ModelRule SingleStream(const std::string& method, Metering metering, const std::
 ModelRule MultiStream(const Texts& counts) {
     return {.isCW = true,
             .cmb_stm1 = "AGA3",
-            .protocol = "BSAP",
+            .protocol = core::Protocol::Bsap,
             .streamsShown = true,
             .streamCounts = counts,
             .No_Stream = "1"};
@@ -60,16 +60,17 @@ ModelRule NoModel() {
 const RuleTable<ModelRule>& ModelRules() {
     static const RuleTable<ModelRule> rules = {
         {"", NoModel()},
-        {"CWEFM-AGA3", SingleStream("AGA3", Metering::Aga3, "")},
-        {"CWGFC-AGA3", SingleStream("AGA3", Metering::Aga3, "")},
-        {"CWEFM-AGA7", SingleStream("AGA7", Metering::Aga7, "")},
-        {"CWGFC-AGA7", SingleStream("AGA7", Metering::Aga7, "")},
-        {"CWEFM-AGA9", SingleStream("AGA9", Metering::Unchanged, "BSAP")},
-        {"CWGFC-AGA9", SingleStream("AGA9", Metering::Unchanged, "BSAP")},
-        {"CWEPAC-AGA11", SingleStream("AGA11", Metering::Unchanged, "BSAP")},
+        {"CWEFM-AGA3", SingleStream("AGA3", Metering::Aga3, {})},
+        {"CWGFC-AGA3", SingleStream("AGA3", Metering::Aga3, {})},
+        {"CWEFM-AGA7", SingleStream("AGA7", Metering::Aga7, {})},
+        {"CWGFC-AGA7", SingleStream("AGA7", Metering::Aga7, {})},
+        {"CWEFM-AGA9", SingleStream("AGA9", Metering::Unchanged, core::Protocol::Bsap)},
+        {"CWGFC-AGA9", SingleStream("AGA9", Metering::Unchanged, core::Protocol::Bsap)},
+        {"CWEPAC-AGA11", SingleStream("AGA11", Metering::Unchanged, core::Protocol::Bsap)},
         {"CWEFM-MultiStream", MultiStream({"1", "2", "3", "4"})},
         {"CWGFC-MultiStream", MultiStream({"1", "2"})},
-        {"CW_Micro", {.protocol = "BSAP", .protocolLocked = true, .scheduleEnabled = false, .isMicro = true}},
+        {"CW_Micro",
+         {.protocol = core::Protocol::Bsap, .protocolLocked = true, .scheduleEnabled = false, .isMicro = true}},
         {"TeleFlow", Tele("AGA3", Metering::Aga3, "")},
         {"TeleFlow+", Tele("AGA3", Metering::Aga3, "")},
         {"TeleCorrector", Tele("AGA7", Metering::Aga7, "1")},
@@ -91,11 +92,11 @@ const RuleTable<CommunicationRule>& CommunicationRules() {
 
 const RuleTable<ProtocolRule>& ProtocolRules() {
     static const RuleTable<ProtocolRule> rules = {
-        {"Quantum", {}},
-        {"BSAP", {}},
-        {"Modbus",
+        {core::TextOf(core::Protocol::Quantum), {}},
+        {core::TextOf(core::Protocol::Bsap), {}},
+        {core::TextOf(core::Protocol::Modbus),
          {.modeVisible = true,
-          .mode = "RTU",
+          .mode = core::Framing::Rtu,
           .mbConfigVisible = true,
           .setRegisterVisible = true,
           .saveWaitsForRegisters = true,
@@ -116,7 +117,7 @@ const RuleTable<ListCheck>& ListChecks() {
         {"cmbmodelno", {{"Invalid Model"}}},
         {"cmbcommtype", {{"Invalid Communication Type", true}}},
         {"cmbcommport", {{"Invalid Comport", true}}},
-        {"cmbprotocol", {{"Invalid Protocol", true}, {"Quantum", "Modbus"}}},
+        {"cmbprotocol", {{"Invalid Protocol", true}, {core::TextOf(core::Protocol::Quantum)}}},
         {"cmbbautrate", {{"Invalid Baudrate"}}},
         {"cmbdatabits", {{"Invlaid Databits"}}},
         {"cmbparity", {{"Invalid Parity"}}},
@@ -133,12 +134,12 @@ const Texts& CommunicationTypes() {
 }
 
 const Texts& Protocols() {
-    static const Texts list = {"BSAP", "Modbus"};
+    static const Texts list = {core::TextOf(core::Protocol::Bsap), core::TextOf(core::Protocol::Modbus)};
     return list;
 }
 
 const Texts& Modes() {
-    static const Texts list = {"RTU", "ASCII"};
+    static const Texts list = {core::TextOf(core::Framing::Rtu), core::TextOf(core::Framing::Ascii)};
     return list;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Database.h"
+#include "core/Kinds.h"
 
 // What the choices of a station record allow: the rules that the station form applies to its controls.
 namespace stations {
@@ -32,8 +33,8 @@ struct ModelRule {
     std::string cmb_stm1{};            // empty: unchanged
     std::string cmb_stm2to4 = "AGA3";  // the other streams, whatever the model
     Metering metering = Metering::Unchanged;
-    bool meteringHidden = false;  // frameaga3_7 hidden and disabled
-    std::string protocol{};       // text of cmbprotocol; empty: unchanged
+    bool meteringHidden = false;               // frameaga3_7 hidden and disabled
+    std::optional<core::Protocol> protocol{};  // none: unchanged
     bool protocolLocked = false;
     bool scheduleEnabled = true;              // frm_shed
     bool mbConfigEnabled = true;              // chk_MBConfig; a model that does not disable it leaves it as it is
@@ -61,7 +62,7 @@ CommunicationRule RuleOfCommunication(const std::string& comtype);
 // What a protocol shows.
 struct ProtocolRule {
     bool modeVisible = false;
-    std::string mode{};  // text of cmbMode; empty: unchanged
+    std::optional<core::Framing> mode{};  // none: unchanged
     bool mbConfigVisible = false;
     bool setRegisterVisible = false;
     bool setRegisterUnchanged = false;

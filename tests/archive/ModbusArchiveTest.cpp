@@ -80,8 +80,7 @@ struct ArchiveDesk : support::ScratchDesk {
 
     ArchiveDesk() {
         station.consumer = "O'Brien's Works";
-        station.protocol = "Modbus";
-        station.mode = "RTU";
+        station.protocol = core::Protocol::Modbus;
         station.commtimeout = 100;
     }
 
@@ -95,8 +94,7 @@ struct ArchiveDesk : support::ScratchDesk {
         }
         fieldsim::ModbusMap map = fieldsim::MakeModbusMap({}, {}, station.rtuBitsMode);
         map.archive = fieldsim::MakeArchiveWindows(files, station.rtuBitsMode);
-        slave = std::make_unique<fieldsim::ModbusSlave>(
-            station.slaveaddress, station.mode == "RTU" ? fieldsim::Framing::Rtu : fieldsim::Framing::Ascii, map);
+        slave = std::make_unique<fieldsim::ModbusSlave>(station.slaveaddress, station.framing, map);
         faults = std::make_unique<fieldsim::LineFaults>(*slave, fieldsim::LineFaults::Options{script, {}});
         ports.Attach(1, *faults);
     }
@@ -358,7 +356,7 @@ TEST(ModbusArchive, AScheduledRunTakesTheLineAtAnyStep) {
 
 TEST(ModbusArchive, WhatCannotBeReadOrStoredIsSaid) {
     ArchiveDesk ascii;
-    ascii.station.mode = "ASCII";
+    ascii.station.framing = core::Framing::Ascii;
     ascii.OpenSlave(12);
     EXPECT_THAT(archive::ArchiveCollected(ascii.Collect()), testing::StartsWith("Modbus ASCII cannot"));
     EXPECT_THAT(ascii.told.boxes, ElementsAre("Valid parameters not available to assemble Modbus packet"));

@@ -61,10 +61,10 @@ class BsapListTest : public testing::Test, public support::ScriptedTalk {
         line.PortOpen(true);
     }
 
-    BsapList Read(std::deque<std::string> replies, ListKind kind = ListKind::Float) {
+    BsapList Read(std::deque<std::string> replies, core::ValueKind kind = core::ValueKind::Float) {
         line.sent.clear();
         line.replies = std::move(replies);
-        return getdata_BSAP(talk, kind == ListKind::Float ? 54 : 55, kind, names);
+        return getdata_BSAP(talk, kind == core::ValueKind::Float ? 54 : 55, kind, names);
     }
 
     std::vector<ListEntry> names;
@@ -112,7 +112,8 @@ TEST_F(BsapListTest, SeveralRepliesInBothLayouts) {
 
 TEST_F(BsapListTest, LogicalListHasItsWords) {
     names = {{}, {"Tap Type", ""}, {"Tap Type", ""}, {"", ""}, {"Valve", ""}};
-    const BsapList list = Read({LongReply(0, Logical(1) + Logical(0) + Logical(1) + Logical(5))}, ListKind::Boolean);
+    const BsapList list =
+        Read({LongReply(0, Logical(1) + Logical(0) + Logical(1) + Logical(5))}, core::ValueKind::Logical);
     EXPECT_EQ(list.resultline, "#Tap Type=PIPE#Tap Type=FLANGE#Valve=1");
     EXPECT_EQ(Asked(line.sent[0]), "0C 01 F0 12 34 FF 37");
     EXPECT_EQ(desk.feedback.status, std::vector<std::string>{"Collecting Data....."});
@@ -221,8 +222,9 @@ TEST(BsapListLate, RepliesAreNotTakenForThoseToLaterRequests) {
         support::SimulatedTalk desk;
         desk.ports.Attach(1, station);
         desk.line.PortOpen(true);
-        EXPECT_EQ(Values(getdata_BSAP(desk.talk, 55, ListKind::Boolean, {})), (std::vector<double>{1, 1, 1}));
-        EXPECT_EQ(Values(getdata_BSAP(desk.talk, 54, ListKind::Float, {})), (std::vector<double>{1.5, 9, 1.5, 1.5}));
+        EXPECT_EQ(Values(getdata_BSAP(desk.talk, 55, core::ValueKind::Logical, {})), (std::vector<double>{1, 1, 1}));
+        EXPECT_EQ(Values(getdata_BSAP(desk.talk, 54, core::ValueKind::Float, {})),
+                  (std::vector<double>{1.5, 9, 1.5, 1.5}));
         EXPECT_EQ(station.asked, 4 * sendsPerReply);
     }
 }
@@ -256,7 +258,7 @@ TEST_F(BsapListTest, PositionsBehindTheLastAreDropped) {
     EXPECT_EQ(list.resultline.size(), 390 * std::string("#N=9?KG").size() + 10 * std::string("#N=1.5?KG").size());
 
     const BsapList logicals =
-        Read({LongReply(20, Times(20, Logical(1))), LongReply(81, Times(61, Logical(1)))}, ListKind::Boolean);
+        Read({LongReply(20, Times(20, Logical(1))), LongReply(81, Times(61, Logical(1)))}, core::ValueKind::Logical);
     EXPECT_TRUE(logicals.collstatus);
     EXPECT_EQ(logicals.signals.size(), 81U);
 }

@@ -19,13 +19,13 @@ struct StationTest : testing::Test {
 
 TEST_F(StationTest, NullsTakeTheValuesOfAPlainModbusStation) {
     const Station station = Read("consumer", "'Mill'");
-    EXPECT_EQ(station.protocol, "Modbus");
+    EXPECT_EQ(station.protocol, Protocol::Modbus);
     EXPECT_EQ(station.slaveaddress, 1);
     EXPECT_EQ(station.commtimeout, 2000);
     EXPECT_EQ(station.comport, 1);
     EXPECT_EQ(station.settings, "9600,N,8,1");
     EXPECT_EQ(station.phoneno, "");
-    EXPECT_EQ(station.mode, "");
+    EXPECT_EQ(station.framing, Framing::Rtu);
     EXPECT_EQ(station.dialprefix, "atx3dt");
     EXPECT_EQ(station.No_Stream, 1);
     EXPECT_FALSE(ReadStation(desk.dbconn, 2));
@@ -43,13 +43,27 @@ TEST_F(StationTest, WhatAHandWrote) {
 }
 
 TEST_F(StationTest, CwModelsSpeakBsapWhateverTheColumnSays) {
-    EXPECT_EQ(Read("modelno,protocol,mode", "'CWEFM-AGA3','Modbus','RTU'").protocol, "BSAP");
+    EXPECT_EQ(Read("modelno,protocol,mode", "'CWEFM-AGA3','Modbus','RTU'").protocol, Protocol::Bsap);
     // The one CW model that a run does not treat as one.
     const Station micro = Read("modelno,protocol,mode", "'CW_Micro','Modbus','ASCII'");
     EXPECT_FALSE(micro.isCW);
-    EXPECT_EQ(micro.protocol, "Modbus");
-    EXPECT_EQ(micro.mode, "ASCII");
+    EXPECT_EQ(micro.protocol, Protocol::Modbus);
+    EXPECT_EQ(micro.framing, Framing::Ascii);
     EXPECT_TRUE(Read("modelno", "'TeleCorrector+'").isTeleCorrector);
+}
+
+TEST_F(StationTest, TheTextsOfProtocolAndFramingAreReadWithoutCaseAndWhatNamesNoneIsModbusRtu) {
+    EXPECT_EQ(Read("protocol,mode", "'modbus ',' ascii'").ProtocolText(), "Modbus ASCII");
+    EXPECT_EQ(Read("protocol,mode", "'bsap','ASCII'").ProtocolText(), "BSAP");
+    EXPECT_EQ(Read("protocol,mode", "'QUANTUM',''").ProtocolText(), "Quantum");
+    EXPECT_EQ(Read("protocol,mode", "'Fieldbus','Morse'").ProtocolText(), "Modbus RTU");
+    EXPECT_EQ(Read("protocol,mode", "'',''").ProtocolText(), "Modbus RTU");
+}
+
+TEST_F(StationTest, AnIpStationHasNoLineAndNoPhone) {
+    const Station station = Read("ip,comport,baudrate,phoneno", "'10.0.0.7','COM4','19200,N,8,1','5550100'");
+    EXPECT_EQ(station.settings, "9600,n,8,1");
+    EXPECT_EQ(station.phoneno, "");
 }
 
 TEST_F(StationTest, StreamsCountOnMultistreamModelsOnly) {

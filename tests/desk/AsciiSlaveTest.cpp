@@ -44,7 +44,7 @@ struct AsciiSlaveTest : testing::Test {
         auto outcome = protocols::WriteOutcome::NotBuilt;
         session::OwnCall(desk.place, desk.scheduler, core::ReadStation(desk.dbconn, locationID).value(), {},
                          [&](protocols::Conversation& talk) {
-                             outcome = protocols::ModbusWrite(talk, protocols::ModbusDatum::Coil, coil - 1, 1,
+                             outcome = protocols::ModbusWrite(talk, core::ValueKind::Logical, coil - 1, 1,
                                                               protocols::onlineWrite);
                          });
         return outcome;

@@ -182,10 +182,8 @@ TEST_P(BsapPeerTest, ListsSearchesAndSingleSignalsShowWhatTheStationHolds) {
         EXPECT_EQ(found.rows.size(), 2U);
 
         const auto one = Held("$.lists.54", "AN005.VALUE.LIVE");
-        EXPECT_EQ(signals::WriteNumber(talk, one.address, 16.0625, protocols::ValueKind::Analog),
-                  signals::Answer::Good);
-        EXPECT_EQ(signals::WriteByName(talk, "AN006.VALUE.LIVE", -7, protocols::ValueKind::Analog),
-                  signals::Answer::Good);
+        EXPECT_EQ(signals::WriteNumber(talk, one.address, 16.0625, core::ValueKind::Float), signals::Answer::Good);
+        EXPECT_EQ(signals::WriteByName(talk, "AN006.VALUE.LIVE", -7, core::ValueKind::Float), signals::Answer::Good);
         const auto text = Held("$.lists.7", "SITE.NAME.TEXT");
         EXPECT_EQ(signals::WriteText(talk, text.address, "NORTH"), signals::Answer::Good);
         const auto by = signals::ReadByAddress(talk, one.address);
@@ -203,7 +201,7 @@ TEST_P(BsapPeerTest, ListsSearchesAndSingleSignalsShowWhatTheStationHolds) {
         EXPECT_EQ(signals::ReadByName(talk, missing).answer, signals::Answer::NoSignal);
 
         const auto held = Held("$.lists.7", "HELD.VALUE.MAN");
-        signals::WriteNumber(talk, held.address, 5, protocols::ValueKind::Analog);
+        signals::WriteNumber(talk, held.address, 5, core::ValueKind::Float);
         EXPECT_EQ(signals::ReadByAddress(talk, held.address).signals.at(0).value, 16);
     });
 }

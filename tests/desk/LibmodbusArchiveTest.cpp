@@ -58,7 +58,6 @@ TEST(LibmodbusArchive, EachModelIsReadFromItsWindow) {
         station.isTeleCorrector = std::string(test.model) == "TeleCorrector";
         station.isCW = test.model[0] == 'A';
         station.stream[0] = test.model;
-        station.mode = "RTU";
         station.slaveaddress = 17;
         station.commtimeout = 60;
         auto lease = desk.line.TakeIfFree();

@@ -140,8 +140,7 @@ TEST(LibmodbusSession, ATeleFlowIsReadAndWrittenThroughItsWindow) {
     desk.shared.rights = {true, true, true, true, true, true, true, true, true, true, true, true};
     const auto locationID = desk.AddStation();
     desk::Navigator window;
-    desk::Desk surroundings{desk.dbconn, desk.shared,   desk.logs,      desk.clock, desk.feedback,
-                            desk.line,   desk.counters, desk.scheduler, desk.mail,  window};
+    desk::Desk surroundings{desk.place, desk.shared.addressees, desk.scheduler, desk.mail, window};
     auto* page = new desk::frmparalist(surroundings, locationID);
     window.resize(1024, 680);
     window.Open(page);

@@ -54,8 +54,7 @@ struct MailScreens : testing::Test {
     MailScreens() { screen.window.Home(&home); }
 
     desk::Desk With(mail::MailTransport& mail) {
-        return {screen.dbconn,    screen.shared,   screen.logs,      screen.clock, screen.feedback,
-                screen.fieldLine, screen.counters, screen.scheduler, mail,         screen.window};
+        return {screen.place, screen.shared.addressees, screen.scheduler, mail, screen.window};
     }
     template <class Form>
     Form& Open(desk::Desk& desk) {

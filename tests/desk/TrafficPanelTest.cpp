@@ -22,7 +22,7 @@ constexpr const char* refusal = "01 83 02 C0 F1";
 class TrafficPanelTest : public testing::Test {
   protected:
     TrafficPanelTest() {
-        panel.Station("Modbus", "RTU", false);
+        panel.Station({core::Protocol::Modbus});
         panel.resize(900, 400);
         panel.show();
         static_cast<void>(QTest::qWaitForWindowActive(&panel));
@@ -77,13 +77,13 @@ TEST_F(TrafficPanelTest, OneLineIsReadAndCopiedByKeys) {
 }
 
 TEST_F(TrafficPanelTest, AnswersAreReadByWhatWasAsked) {
-    panel.Station("BSAP", "", false);
+    panel.Station({core::Protocol::Bsap});
     panel.Line("TX", Bytes("10 02 01 03 A0 04 00 0B 00 04 02 01 FF 11 23 4F 4E 2E 2E 00 10 03 49 B6"));
     panel.Line("RX", Bytes("10 02 00 01 00 86 01 00 01 10 03 00 00"));
     panel.Line("TX", Bytes("10 02 01 01 85 10 10 10 03 2C B5"));
     panel.Line("RX", Bytes("10 02 00 01 00 0B 00 04 A0 00 00 00 00 12 34 23 4F 4E 2E 2E 00 10 03 00 00"));
     EXPECT_TRUE(rx.lines.Fields(1).contains("load version"));
-    panel.Station("Modbus", "RTU", false);  // another way to read: nothing is left of the old lines
+    panel.Station({core::Protocol::Modbus});  // another way to read: nothing is left of the old lines
     EXPECT_EQ(rx.lines.rowCount() + tx.lines.rowCount(), 0);
 }
 

@@ -74,7 +74,7 @@ TEST(BsapFrame, WholeFramesOfAnotherProgram) {
         {1, 0, Call(&Bsap::POLL_RTU, 300), "10 02 2C 01 85 10 10 10 03 C9 A9"},
         {2, 12, Call(&Bsap::SignOn_RTU, 1, "482913"),
          "10 02 01 02 A0 12 00 0B 00 70 05 01 34 38 32 39 31 33 00 10 03 37 4E"},
-        {8, 20, Call(&Bsap::Write_value, 1, 1, 16, ValueKind::Logical),
+        {8, 20, Call(&Bsap::Write_value, 1, 1, 16, core::ValueKind::Logical),
          "10 02 01 08 A0 14 00 0B 00 80 12 34 FF 01 10 10 00 09 10 03 98 5F"},
         {5, 0, Call(&Bsap::POLL_RTU_1, 1), "10 02 01 05 8B 05 10 03 F2 3C"},
         {16, 0, Call(&Bsap::POLL_RTU_1, 1), "10 02 01 10 10 8B 10 10 10 03 2D 7A"},
@@ -111,10 +111,11 @@ TEST(BsapFrame, ValuesByAddressAndByName) {
         twelve += " 41 00";
     }
     ExpectBodies({
-        {7, 18, Call(&Bsap::Write_value, 1, 100, 256, ValueKind::Analog),
+        {7, 18, Call(&Bsap::Write_value, 1, 100, 256, core::ValueKind::Float),
          "01 07 A0 12 00 0B 00 80 12 34 FF 01 00 01 0B 00 00 C8 42"},
-        {1, 2, Call(&Bsap::Write_value, 1, 0, 300, ValueKind::Logical), "01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0A"},
-        {1, 2, Call(&Bsap::Write_value, 1, 9, 300, ValueKind::Analog),  // 41 10 00 00: doubled, counted once
+        {1, 2, Call(&Bsap::Write_value, 1, 0, 300, core::ValueKind::Logical),
+         "01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0A"},
+        {1, 2, Call(&Bsap::Write_value, 1, 9, 300, core::ValueKind::Float),  // 41 10 00 00: doubled, counted once
          "01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0B 00 00 10 41"},
         {1, 2, Call(&Bsap::Write_value_str, 1, "AB", 300), "01 01 A0 02 00 0B 00 80 12 34 FF 01 2C 01 0D 41 42 00"},
         // The first is passed over, and of the three asked for there are two.
@@ -124,9 +125,9 @@ TEST(BsapFrame, ValuesByAddressAndByName) {
         {1, 2, Call(&Bsap::get_by_name, 1, 12, two), byName + "02 41 2E 31 00 42 2E 32 00"},  // there are two
         {1, 2, Call(&Bsap::get_by_name, 1, 12, std::vector<std::string>(36, "A")), byName + "12" + twelve},
         {1, 2, Call(&Bsap::get_by_single_name, 1, "A.1"), byName + "01 41 2E 31 00"},
-        {1, 2, Call(&Bsap::write_by_name, 1, "A.1", 100, ValueKind::Analog),
+        {1, 2, Call(&Bsap::write_by_name, 1, "A.1", 100, core::ValueKind::Float),
          "01 01 A0 00 02 0B 00 84 FF 01 41 2E 31 00 0B 00 00 C8 42"},
-        {1, 2, Call(&Bsap::write_by_name, 1, "A.1", 0, ValueKind::Logical),
+        {1, 2, Call(&Bsap::write_by_name, 1, "A.1", 0, core::ValueKind::Logical),
          "01 01 A0 00 02 0B 00 84 FF 01 41 2E 31 00 09"},
         {1, 2, Call(&Bsap::get_signal_search, 1, "FL.", 1, 0, 0), search + "00 00 00 00 80 46 4C 2E 00"},
         {1, 2, Call(&Bsap::get_signal_search, 1, "FL.", 0, 5, 1), search + "05 01 00 00 00 46 4C 2E 00"},

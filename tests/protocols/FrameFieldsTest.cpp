@@ -10,13 +10,13 @@ using testing::HasSubstr;
 
 namespace {
 
-const Wire rtu{"Modbus", "RTU"};
-const Wire ascii{"Modbus", "ASCII"};
-const Wire tcp{"Modbus", "TCP"};
-const Wire lowFirst{"Modbus", "TCP", false, true};
-const Wire bsap{"BSAP", ""};
-const Wire cw{"BSAP", "", true};
-const Wire quantum{"Quantum", ""};
+const Wire rtu{core::Protocol::Modbus, core::Framing::Rtu};
+const Wire ascii{core::Protocol::Modbus, core::Framing::Ascii};
+const Wire tcp{core::Protocol::Modbus, core::Framing::Tcp};
+const Wire lowFirst{core::Protocol::Modbus, core::Framing::Tcp, false, true};
+const Wire bsap{core::Protocol::Bsap};
+const Wire cw{core::Protocol::Bsap, core::Framing::Rtu, true};
+const Wire quantum{core::Protocol::Quantum};
 constexpr auto sent = Direction::TX;
 constexpr auto received = Direction::RX;
 
@@ -77,29 +77,23 @@ TEST(FrameFields, ModbusRtu) {
     });
 }
 
-// The check is 100 hex less the sum of the bytes: 72 hex for the first, F8 for the second, which leaves one digit, and
-// 100 for the third, which this master sends as it is.
 TEST(FrameFields, ModbusTcp) {
-    EXPECT_EQ(Sent("15 01 00 00 00 06 07 03 00 04 00 01", tcp),
-              "0+2 transaction=5377\n"
-              "2+2 protocol=0\n"
-              "4+2 length=6\n"
-              "6+1 slave=7\n"
-              "7+1 function=3 read holding registers\n"
-              "8+2 register=4 on the line, 5 in the map\n"
-              "10+2 quantity=1");
-    // A late reply in front, a part of one behind.
-    const std::string named =
-        Received("15 01 00 00 00 03 07 83 02 15 02 00 00 00 07 07 03 04 00 00 42 C8 15 03 00 00", lowFirst);
-    ExpectFields(named,
-                 "7+1 function=3 read holding registers, refused\n8+1 exception=2 illegal data address\n"
-                 "9+2 transaction=5378");
-    ExpectFields(named, "18+4 data=00 00 42 C8, as floats 100\n22+4 not recognised=15 03 00 00");
-    ExpectFields(Received("15 02 00 00 00 07 07 03 04 42 C8", tcp), "9+2 cut short=data is missing");
-    EXPECT_EQ(Received("15 02 00 01 00 07 07 03 04 42 C8", tcp),
-              "0+11 not recognised=15 02 00 01 00 07 07 03 ... (11 bytes)");
+    ExpectNamed({
+        {tcp, sent, "15 01 00 00 00 06 07 03 00 04 00 01",
+         "2 transaction=5377; 2 protocol=0; 2 length=6; 1 slave=7; 1 function=3 read holding registers; "
+         "2 register=4 on the line, 5 in the map; 2 quantity=1"},
+        // A late reply in front, a part of one behind.
+        {lowFirst, received, "15 01 00 00 00 03 07 83 02 15 02 00 00 00 07 07 03 04 00 00 42 C8 15 03 00 00",
+         "1 function=3 read holding registers, refused; 1 exception=2 illegal data address; 2 transaction=5378"},
+        {lowFirst, received, "15 02 00 00 00 07 07 03 04 00 00 42 C8 15 03 00 00",
+         "4 data=00 00 42 C8, as floats 100; 4 not recognised=15 03 00 00"},
+        {tcp, received, "15 02 00 00 00 07 07 03 04 42 C8", "2 cut short=data is missing"},
+        {tcp, received, "15 02 00 01 00 07 07 03 04 42 C8", "11 not recognised=15 02 00 01 00 07 07 03 ... (11 bytes)"},
+    });
 }
 
+// The check is 100 hex less the sum of the bytes: 72 hex for the first, F8 for the second, which leaves one digit, and
+// 100 for the third, which this master sends as it is.
 TEST(FrameFields, ModbusAscii) {
     const std::tuple<Direction, const char*, const char*> rows[] = {
         {sent, ":01030064000A8E\r\n",

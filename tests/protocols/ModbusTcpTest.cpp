@@ -75,9 +75,9 @@ TEST(ModbusTcp, TheReplyIsTheOneWithTheRequestsNumber) {
                 }
             } station;
             station.parts = &test.parts;
-            sim.line.Attach(1, station);
+            sim.ports.Attach(1, station);
             sim.line.PortOpen(true);
-            sim.talk.station.mode = "TCP";
+            sim.talk.station.framing = core::Framing::Tcp;
             sim.talk.station.pacing = pacing;
             sim.talk.modbus.floatread = true;
             constexpr TransactOptions once = {FailureReport::Box, 1, "", "", "", 0, 1, 0};
@@ -97,7 +97,7 @@ TEST(ModbusTcp, TheReplyIsTheOneWithTheRequestsNumber) {
 TEST(ModbusTcp, EachTryHasItsOwnNumber) {
     support::ScriptedTalk talk;
     talk.line.PortOpen(true);
-    talk.talk.station.mode = "TCP";
+    talk.talk.station.framing = core::Framing::Tcp;
     ModbusTransact(talk.talk, 100, 2, 3, onlineTransact);
     ASSERT_EQ(talk.line.sent.size(), 3U);
     EXPECT_NE(talk.line.sent[0], talk.line.sent[1]);
@@ -125,24 +125,24 @@ TEST(ModbusTcp, ASlaveOfAnotherMakeIsReadAndWrittenInBothWordOrders) {
         FieldLine field{line, desk.clock};
         BsapCounters counters;
         core::Station station;
-        station.mode = "TCP";
+        station.framing = core::Framing::Tcp;
         station.slaveaddress = 17;
         station.pacing = core::Pacing::Prompt;
         station.wordOrder = order;
         Conversation talk{field.TakeOver(""), desk.clock, desk.feedback, desk.logs, counters, station, "", 1, {}, {}};
 
-        EXPECT_EQ(ModbusReadBack(talk, ModbusDatum::Float, 10, onlineTransact), -1234.5);
-        EXPECT_EQ(ModbusReadBack(talk, ModbusDatum::Integer, 20, onlineTransact), -2);
-        EXPECT_EQ(ModbusReadBack(talk, ModbusDatum::Coil, 3, onlineTransact), 1);
-        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 30, 0.5, onlineWrite), WriteOutcome::Done);
-        EXPECT_EQ(ModbusReadBack(talk, ModbusDatum::Float, 30, onlineTransact), 0.5);
+        EXPECT_EQ(ModbusReadBack(talk, core::ValueKind::Float, 10, onlineTransact), -1234.5);
+        EXPECT_EQ(ModbusReadBack(talk, core::ValueKind::Integer, 20, onlineTransact), -2);
+        EXPECT_EQ(ModbusReadBack(talk, core::ValueKind::Logical, 3, onlineTransact), 1);
+        EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 30, 0.5, onlineWrite), WriteOutcome::Done);
+        EXPECT_EQ(ModbusReadBack(talk, core::ValueKind::Float, 30, onlineTransact), 0.5);
         turn(slave.Registers() + 30);
         EXPECT_EQ(modbus_get_float(slave.Registers() + 30), 0.5F);
-        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Integer, 21, -3, onlineWrite), WriteOutcome::Done);
+        EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Integer, 21, -3, onlineWrite), WriteOutcome::Done);
         EXPECT_EQ(slave.Registers()[21], 0xFFFD);
-        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Coil, 4, 1, onlineWrite), WriteOutcome::Done);
+        EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Logical, 4, 1, onlineWrite), WriteOutcome::Done);
         EXPECT_EQ(slave.Coils()[4], 1);
-        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 124, 0.5, onlineWrite), WriteOutcome::Refused);
+        EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 124, 0.5, onlineWrite), WriteOutcome::Refused);
         EXPECT_EQ(desk.clock.Elapsed(), 0U) << "no wait was needed";
     }
 }
@@ -152,12 +152,12 @@ TEST(ModbusWordOrder, IsThatOfTwoRegistersInRtuAndAsciiToo) {
     for (const bool ascii : {false, true}) {
         support::ScriptedTalk talk;
         talk.line.PortOpen(true);
-        talk.talk.station.mode = ascii ? "ASCII" : "RTU";
+        talk.talk.station.framing = ascii ? core::Framing::Ascii : core::Framing::Rtu;
         talk.talk.station.wordOrder = core::WordOrder::LowFirst;
         talk.line.answer = [&](const std::string&) {
             return fieldsim::ModbusFrame(ascii ? fieldsim::Framing::Ascii : fieldsim::Framing::Rtu, lowFirst);
         };
-        EXPECT_EQ(ModbusReadBack(talk.talk, ModbusDatum::Float, 10, onlineTransact), 100);
+        EXPECT_EQ(ModbusReadBack(talk.talk, core::ValueKind::Float, 10, onlineTransact), 100);
     }
     support::ScriptedTalk wide;
     wide.line.PortOpen(true);
@@ -166,7 +166,7 @@ TEST(ModbusWordOrder, IsThatOfTwoRegistersInRtuAndAsciiToo) {
     wide.line.answer = [&](const std::string&) {
         return fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes("01 03 04 42 C8 00 00"));
     };
-    EXPECT_EQ(ModbusReadBack(wide.talk, ModbusDatum::Float, 10, onlineTransact), 100) << "a float in one register";
-    ModbusWrite(wide.talk, ModbusDatum::Float, 198, 100, onlineWrite);
+    EXPECT_EQ(ModbusReadBack(wide.talk, core::ValueKind::Float, 10, onlineTransact), 100) << "a float in one register";
+    ModbusWrite(wide.talk, core::ValueKind::Float, 198, 100, onlineWrite);
     EXPECT_EQ(Hex(wide.line.sent.at(1)), "01 10 00 C6 00 01 04 42 C8 00 00 EA 60");
 }

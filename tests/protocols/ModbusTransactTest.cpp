@@ -119,7 +119,7 @@ TEST_F(ModbusTransactTest, OnlineTriesThreeTimesAndThenTells) {
 
 // 100.0 to register 198 of slave 1.
 TEST_F(ModbusTransactTest, AWriteIsDoneWhenTheStationAcknowledgesThisVeryOne) {
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::Failed) << "silence";
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100), WriteOutcome::Failed) << "silence";
     EXPECT_EQ(Hex(line.sent.at(0)), "01 10 00 C6 00 02 04 42 C8 00 00 EA 53");
     const struct {
         const char* reply;  // without its check
@@ -138,21 +138,21 @@ TEST_F(ModbusTransactTest, AWriteIsDoneWhenTheStationAcknowledgesThisVeryOne) {
     for (const auto& [reply, written, errors] : cases) {
         std::filesystem::remove(desk.shared.rtuErrPath);
         line.replies = {Rtu(reply), Rtu("01 10 00 C6 00 02")};
-        EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100) == WriteOutcome::Done, written) << reply;
+        EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100) == WriteOutcome::Done, written) << reply;
         EXPECT_EQ(Errors(), errors) << reply;
         EXPECT_EQ(line.replies.size(), 1U) << "one try";
     }
     talk.modbus.rtu32bit = true;
     line.replies = {Rtu("01 10 00 C6 00 01")};
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::Done);
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100), WriteOutcome::Done);
     EXPECT_EQ(Hex(line.sent.back()), "01 10 00 C6 00 01 04 42 C8 00 00 EA 60");
 }
 
 TEST_F(ModbusTransactTest, WhatHasNoFrameIsNotSent) {
     EXPECT_FALSE(ModbusTransact(talk, -1, 2, 3).Answered());
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 70000, 100), WriteOutcome::NotBuilt);
-    talk.station.mode = "ASCII";
-    EXPECT_EQ(ModbusWrite(talk, ModbusDatum::Float, 198, 100), WriteOutcome::NotBuilt);
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 70000, 100), WriteOutcome::NotBuilt);
+    talk.station.framing = core::Framing::Ascii;
+    EXPECT_EQ(ModbusWrite(talk, core::ValueKind::Float, 198, 100), WriteOutcome::NotBuilt);
     EXPECT_THAT(line.sent, IsEmpty());
     EXPECT_EQ(desk.feedback.boxes,
               std::vector<std::string>(3, "Valid parameters not available to assemble Modbus packet"));
@@ -163,30 +163,35 @@ TEST_F(ModbusTransactTest, AWriteOfAScreenIsTriedThreeTimesUnlessTheStationRefus
     const auto ascii = [](const char* hex) { return fieldsim::ModbusFrame(fieldsim::Framing::Ascii, Bytes(hex)); };
     const std::string on = Rtu("01 05 00 0A FF 00");
     const std::string onAscii = ascii("01 05 00 0A FF 00");
-    constexpr auto coil = ModbusDatum::Coil;
-    constexpr auto integer = ModbusDatum::Integer;
+    constexpr auto coil = core::ValueKind::Logical;
+    constexpr auto integer = core::ValueKind::Integer;
     const struct {
-        const char* mode;
-        ModbusDatum datum;
+        core::Framing framing;
+        core::ValueKind datum;
         double value;
         std::vector<std::string> replies;
         WriteOutcome outcome;
         std::string sent;
     } cases[] = {
-        {"RTU", coil, 1, {on}, WriteOutcome::Done, Bytes("01 05 00 0A FF 00 AC 38")},
-        {"RTU", coil, 0, {Rtu("01 05 00 0A 00 00")}, WriteOutcome::Done, Bytes("01 05 00 0A 00 00 ED C8")},
-        {"RTU", integer, -2, {Rtu("01 06 00 0A FF FE")}, WriteOutcome::Done, Bytes("01 06 00 0A FF FE 69 B8")},
-        {"RTU", coil, 1, {"", Bytes("01 05 00 0A FF 00 00 00"), on}, WriteOutcome::Done, on},
-        {"RTU", coil, 1, {Rtu("01 05 00 0B FF 00"), "", ""}, WriteOutcome::Failed, on},
-        {"RTU", integer, 5, {Rtu("01 86 02")}, WriteOutcome::Refused, Rtu("01 06 00 0A 00 05")},
-        {"ASCII", coil, 1, {onAscii}, WriteOutcome::Done, ":0105000AFF00F1\r\n"},
-        {"ASCII", integer, 5, {ascii("01 06 00 0A 00 05")}, WriteOutcome::Done, ":0106000A0005EA\r\n"},
-        {"ASCII", integer, 5, {ascii("01 86 02")}, WriteOutcome::Refused, ":0106000A0005EA\r\n"},
+        {core::Framing::Rtu, coil, 1, {on}, WriteOutcome::Done, Bytes("01 05 00 0A FF 00 AC 38")},
+        {core::Framing::Rtu, coil, 0, {Rtu("01 05 00 0A 00 00")}, WriteOutcome::Done, Bytes("01 05 00 0A 00 00 ED C8")},
+        {core::Framing::Rtu,
+         integer,
+         -2,
+         {Rtu("01 06 00 0A FF FE")},
+         WriteOutcome::Done,
+         Bytes("01 06 00 0A FF FE 69 B8")},
+        {core::Framing::Rtu, coil, 1, {"", Bytes("01 05 00 0A FF 00 00 00"), on}, WriteOutcome::Done, on},
+        {core::Framing::Rtu, coil, 1, {Rtu("01 05 00 0B FF 00"), "", ""}, WriteOutcome::Failed, on},
+        {core::Framing::Rtu, integer, 5, {Rtu("01 86 02")}, WriteOutcome::Refused, Rtu("01 06 00 0A 00 05")},
+        {core::Framing::Ascii, coil, 1, {onAscii}, WriteOutcome::Done, ":0105000AFF00F1\r\n"},
+        {core::Framing::Ascii, integer, 5, {ascii("01 06 00 0A 00 05")}, WriteOutcome::Done, ":0106000A0005EA\r\n"},
+        {core::Framing::Ascii, integer, 5, {ascii("01 86 02")}, WriteOutcome::Refused, ":0106000A0005EA\r\n"},
     };
     for (const auto& test : cases) {
         line.sent.clear();
         line.replies = {test.replies.begin(), test.replies.end()};
-        talk.station.mode = test.mode;
+        talk.station.framing = test.framing;
         const std::uint64_t start = desk.clock.Elapsed();
         EXPECT_EQ(ModbusWrite(talk, test.datum, 10, test.value, onlineWrite), test.outcome);
         EXPECT_EQ(line.sent, std::vector<std::string>(test.replies.size(), test.sent));

@@ -37,7 +37,7 @@ fieldsim::ModbusSlave Slave(fieldsim::Framing framing) {
 
 struct Paced : support::SimulatedTalk {
     Paced(fieldsim::Device& device, Pacing pacing) {
-        line.Attach(1, device);
+        ports.Attach(1, device);
         line.PortOpen(true);
         talk.station.slaveaddress = address;
         talk.station.phoneno = "";
@@ -58,34 +58,31 @@ struct Paced : support::SimulatedTalk {
 
 TEST(Pacing, PromptModbusTakesTheTimeOfItsReplies) {
     const struct {
-        const char* mode;
         fieldsim::Framing framing;
         const char* settings;
         const char* ip;
         std::uint64_t silence;  // in whole milliseconds
     } cases[] = {
-        {"RTU", fieldsim::Framing::Rtu, "9600,N,8,1", "", 5},
-        {"RTU", fieldsim::Framing::Rtu, "1200,E,8,1", "", 33},
-        {"RTU", fieldsim::Framing::Rtu, "38400,N,8,1", "", 2},
-        {"RTU", fieldsim::Framing::Rtu, "9600,n,8,1", "h:1", 0},
-        {"ASCII", fieldsim::Framing::Ascii, "9600,N,8,1", "", 0},
-        {"TCP", fieldsim::Framing::Tcp, "", "h:502", 0},
+        {fieldsim::Framing::Rtu, "9600,N,8,1", "", 5},   {fieldsim::Framing::Rtu, "1200,E,8,1", "", 33},
+        {fieldsim::Framing::Rtu, "38400,N,8,1", "", 2},  {fieldsim::Framing::Rtu, "9600,n,8,1", "h:1", 0},
+        {fieldsim::Framing::Ascii, "9600,N,8,1", "", 0}, {fieldsim::Framing::Tcp, "", "h:502", 0},
     };
     for (const auto& test : cases) {
         std::vector<std::optional<std::vector<double>>> read[2];
         for (const auto pacing : {Pacing::Stated, Pacing::Prompt}) {
             auto slave = Slave(test.framing);
             Paced paced(slave, pacing);
-            paced.talk.station.mode = test.mode;
+            paced.talk.station.framing = test.framing;
             paced.talk.station.settings = test.settings;
             paced.talk.station.ip = test.ip;
             auto& values = read[static_cast<int>(pacing)];
             values.push_back(paced.Read(1, 0, 62, scheduledTransact));
             values.push_back(paced.Read(3, 0, 124, scheduledTransact));
             EXPECT_EQ(paced.desk.clock.Elapsed(), pacing == Pacing::Stated ? 20000 : 2 * (50 + test.silence))
-                << test.mode << " " << test.settings;
+                << static_cast<int>(test.framing) << " " << test.settings;
             EXPECT_EQ(values[1]->at(61), 62.5);
-            const bool wrote = ModbusWrite(paced.talk, ModbusDatum::Coil, 3, 1, onlineWrite) == WriteOutcome::Done;
+            const bool wrote =
+                ModbusWrite(paced.talk, core::ValueKind::Logical, 3, 1, onlineWrite) == WriteOutcome::Done;
             EXPECT_TRUE(wrote);
             EXPECT_EQ(paced.desk.clock.Elapsed(), pacing == Pacing::Stated ? 22000 : 3 * (50 + test.silence));
         }
@@ -103,27 +100,27 @@ TEST(Pacing, APromptReplyThatIsNotWholeCostsTheStatedWait) {
     const std::string ascii = ":01030442C80000EE\r\n";
     const struct {
         const char* name;
-        const char* mode;
+        core::Framing framing;
         std::vector<fieldsim::Answer> answers;
         std::uint64_t elapsed;
         bool answered;
     } cases[] = {
-        {"two pieces", "RTU", {{reply.substr(0, 5), 50}, {reply.substr(5), 90}}, 95, true},
-        {"the last byte late", "RTU", {{reply.substr(0, 8), 50}, {reply.substr(8), 1500}}, 1505, true},
-        {"more within the silence", "RTU", {{reply, 50}, {"x", 53}}, 2000, false},
-        {"whole at the very end", "RTU", {{reply, 1999}}, 2000, true},
-        {"cut", "RTU", {{reply.substr(0, 8), 50}}, 2000, false},
-        {"a wrong bit", "RTU", {{Bytes("01 03 04 42 C9 00 00 6F B5"), 50}}, 2000, false},
-        {"noise in front", "RTU", {{"x" + reply, 50}}, 2000, false},
+        {"two pieces", core::Framing::Rtu, {{reply.substr(0, 5), 50}, {reply.substr(5), 90}}, 95, true},
+        {"the last byte late", core::Framing::Rtu, {{reply.substr(0, 8), 50}, {reply.substr(8), 1500}}, 1505, true},
+        {"more within the silence", core::Framing::Rtu, {{reply, 50}, {"x", 53}}, 2000, false},
+        {"whole at the very end", core::Framing::Rtu, {{reply, 1999}}, 2000, true},
+        {"cut", core::Framing::Rtu, {{reply.substr(0, 8), 50}}, 2000, false},
+        {"a wrong bit", core::Framing::Rtu, {{Bytes("01 03 04 42 C9 00 00 6F B5"), 50}}, 2000, false},
+        {"noise in front", core::Framing::Rtu, {{"x" + reply, 50}}, 2000, false},
         {"another slave",
-         "RTU",
+         core::Framing::Rtu,
          {{fieldsim::ModbusFrame(fieldsim::Framing::Rtu, Bytes("02 03 04 42 C8 00 00")), 50}},
          2000,
          true},
-        {"an exception", "RTU", {{Bytes("01 83 02 C0 F1"), 50}}, 55, false},
-        {"two pieces", "ASCII", {{ascii.substr(0, 16), 50}, {ascii.substr(16), 90}}, 90, true},
-        {"no line feed", "ASCII", {{ascii.substr(0, 18), 50}}, 2000, true},
-        {"cut in front of the end", "ASCII", {{":01030442C8\r\n", 50}}, 2000, false},
+        {"an exception", core::Framing::Rtu, {{Bytes("01 83 02 C0 F1"), 50}}, 55, false},
+        {"two pieces", core::Framing::Ascii, {{ascii.substr(0, 16), 50}, {ascii.substr(16), 90}}, 90, true},
+        {"no line feed", core::Framing::Ascii, {{ascii.substr(0, 18), 50}}, 2000, true},
+        {"cut in front of the end", core::Framing::Ascii, {{":01030442C8\r\n", 50}}, 2000, false},
     };
     for (const auto& test : cases) {
         for (const auto pacing : {Pacing::Stated, Pacing::Prompt}) {
@@ -131,13 +128,13 @@ TEST(Pacing, APromptReplyThatIsNotWholeCostsTheStatedWait) {
             pieces.answers = test.answers;
             Paced paced(pieces, pacing);
             paced.talk.station.settings = "9600,N,8,1";
-            paced.talk.station.mode = test.mode;
+            paced.talk.station.framing = test.framing;
             constexpr TransactOptions once = {FailureReport::Box, 1, "", "", "", 0, 1, 0};
             paced.desk.clock.Start([&] {
                 EXPECT_EQ(paced.Read(3, 100, 2, once), test.answered ? std::optional(std::vector{100.0}) : std::nullopt)
-                    << test.mode << ": " << test.name;
+                    << static_cast<int>(test.framing) << ": " << test.name;
                 EXPECT_EQ(paced.desk.clock.Elapsed(), pacing == Pacing::Prompt ? test.elapsed : 2000)
-                    << test.mode << ": " << test.name;
+                    << static_cast<int>(test.framing) << ": " << test.name;
             });
             paced.desk.clock.Run(3000);
             EXPECT_EQ(paced.desk.clock.Conversations(), 0U);
@@ -145,7 +142,7 @@ TEST(Pacing, APromptReplyThatIsNotWholeCostsTheStatedWait) {
     }
     // The check of ASCII framing counts where it is looked at.
     core::Station station;
-    station.mode = "ASCII";
+    station.framing = core::Framing::Ascii;
     const std::string request =
         ":010300640002"
         "96\r\n";
@@ -168,7 +165,7 @@ TEST(Pacing, APromptReadNeverTakesAnotherBlocksValues) {
                 auto slave = Slave(framing);
                 fieldsim::LineFaults faults(slave, {{None, fault, None, None, None, fault}, {}, 1, lateMs});
                 Paced paced(faults, Pacing::Prompt);
-                paced.talk.station.mode = core::framingTexts[static_cast<std::size_t>(framing)];
+                paced.talk.station.framing = framing;
                 paced.talk.station.settings = "9600,N,8,1";
                 paced.talk.station.standardFraming = true;
                 int answered = 0;

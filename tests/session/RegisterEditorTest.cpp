@@ -29,7 +29,7 @@ struct RegisterEditorTest : testing::Test {
         station.choices.locationID = id;
         station.choices.groupno = 2;
         station.choices.modelno = "TeleFlow";
-        station.choices.protocol = "Modbus";
+        station.choices.protocol = core::Protocol::Modbus;
         station.choices.optAga3 = true;
         station.choices.MB_CONFIG = true;
         return station;

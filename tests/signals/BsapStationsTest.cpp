@@ -91,7 +91,7 @@ struct BsapStations : testing::Test, support::SimulatedTalk {
         EXPECT_EQ(talk.bsap.loadversion2, station->Options().loadVersion2);
     }
     void ReadList() {
-        const auto read = reading::getdata_BSAP(talk, list, reading::ListKind::Float, {});
+        const auto read = reading::getdata_BSAP(talk, list, core::ValueKind::Float, {});
         EXPECT_TRUE(read.collstatus);
         ASSERT_EQ(read.signals.size(), places + 1U);
         for (int position = 1; position <= places; ++position) {
@@ -112,11 +112,11 @@ struct BsapStations : testing::Test, support::SimulatedTalk {
         const ReadAnswer both = ReadByName(talk, named);
         ASSERT_EQ(both.answer, Answer::Good);
         EXPECT_EQ(both.signals[1].value, ValueAt(2));
-        EXPECT_EQ(WriteNumber(talk, address, 16, protocols::ValueKind::Analog), Answer::Good);
+        EXPECT_EQ(WriteNumber(talk, address, 16, core::ValueKind::Float), Answer::Good);
         const ReadAnswer back = ReadByAddress(talk, address);
         ASSERT_EQ(back.answer, Answer::Good);
         EXPECT_EQ(back.signals[0].value, 16);
-        EXPECT_EQ(WriteByName(talk, "S16.N.V", ValueAt(16), protocols::ValueKind::Analog), Answer::Good);
+        EXPECT_EQ(WriteByName(talk, "S16.N.V", ValueAt(16), core::ValueKind::Float), Answer::Good);
         const std::vector<NamedSignal> missing = {{"NOWHERE"}};
         EXPECT_EQ(ReadByName(talk, missing).answer, station->Options().echoSequences ? Answer::NoSignal : Answer::None);
     }
@@ -197,8 +197,8 @@ TEST_F(BsapStations, AnothersAnswerIsPassedOverAndOursIsWaitedFor) {
         ASSERT_TRUE(protocols::SignOn(talk));
         ReadAndWriteSingles();
         between = std::make_unique<OneBehind>(*station);
-        ports.Attach(1, *between);
-        reading::getdata_BSAP(talk, list, reading::ListKind::Float, {});  // the first has nothing in front
+        line.Attach(1, *between);
+        reading::getdata_BSAP(talk, list, core::ValueKind::Float, {});  // the first has nothing in front
         talk.requests = {};
         ReadList();
         ReadNames();

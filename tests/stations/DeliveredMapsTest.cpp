@@ -85,7 +85,7 @@ struct DeliveredMapsTest : testing::Test {
     static void Save(const std::string& model, const std::string& protocol, bool optAga3,
                      const stations::RegisterSize& registers) {
         const auto rule = stations::RuleOfModel(model);
-        if (rule.protocolLocked && rule.protocol != protocol) {
+        if (rule.protocolLocked && rule.protocol != core::ProtocolOf(protocol)) {
             return;
         }
         const auto locationId = static_cast<std::int64_t>(all.size()) + 1;
@@ -197,7 +197,7 @@ TEST_F(DeliveredMapsTest, TheWorkbookListsNameWhatTheyRead) {
         const std::string kind = WorkbookList(made.station.modelno, made.station.ModelText(streamno));
         const auto list = desk->dbconn.Query("select * from sched_ParaList where RTU_Type=?", {kind});
         EXPECT_TRUE(list.size() >= 10 && list.size() <= 15) << kind;
-        if (made.station.protocol != "BSAP") {
+        if (made.station.protocol != core::Protocol::Bsap) {
             return;  // the same places, as registers
         }
         for (const Row& row : list) {

@@ -15,7 +15,7 @@ MapChoices Station(const std::string& modelno, const std::string& protocol, bool
     choices.locationID = 7;
     choices.groupno = 3;
     choices.modelno = modelno;
-    choices.protocol = protocol;
+    choices.protocol = core::ProtocolOf(protocol);
     choices.optAga3 = optAga3;
     return choices;
 }

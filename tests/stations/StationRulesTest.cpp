@@ -35,7 +35,7 @@ TEST(StationRulesTest, ModelsInAnyCase) {
         EXPECT_EQ(rule.streamsShown, core::IsMultiStreamModel(c.model));
         EXPECT_EQ(rule.cmb_stm1, c.stream);
         EXPECT_EQ(rule.metering, c.metering);
-        EXPECT_EQ(rule.protocol, c.protocol);
+        EXPECT_EQ(rule.protocol, core::ProtocolOf(c.protocol));
         EXPECT_EQ(rule.No_Stream, c.No_Stream);
         EXPECT_EQ(rule.meteringHidden, std::string(c.model).starts_with("Tele"));
         EXPECT_EQ(rule.mbConfigEnabled, core::IsMultiStreamModel(c.model) || rule.isMicro);
@@ -74,7 +74,7 @@ TEST(StationRulesTest, CommunicationTypesAndProtocolsOfStoredRowsToo) {
         const bool modbus = protocol == "modbus";
         const auto rule = stations::RuleOfProtocol(protocol);
         EXPECT_EQ(rule.modeVisible, modbus || protocol == "Radio");
-        EXPECT_EQ(rule.mode, modbus ? "RTU" : "");
+        EXPECT_EQ(rule.mode, core::FramingOf(modbus ? "RTU" : ""));
         EXPECT_EQ(rule.mbConfigVisible && rule.setRegisterVisible, modbus);
         EXPECT_EQ(rule.saveWaitsForRegisters && rule.floatTwoRegisters, modbus);
         EXPECT_EQ(rule.setRegisterUnchanged, protocol == "Radio");

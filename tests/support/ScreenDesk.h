@@ -101,7 +101,7 @@ class ScreenDesk : public CollectionDesk {
     using CollectionDesk::CollectionDesk;
 
     desk::Navigator window;
-    desk::Desk desk{dbconn, shared, logs, clock, feedback, lines, counters, scheduler, mail, window};
+    desk::Desk desk{place, shared.addressees, scheduler, mail, window};
 
     // Opens a page in the window, which is as large as the smallest screen.
     template <class Form, class... Arguments>

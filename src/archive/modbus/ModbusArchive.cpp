@@ -128,7 +128,7 @@ class Run {
     }
 
     bool WriteIndex(int record) {
-        switch (protocols::ModbusWrite(talk_, protocols::ModbusDatum::Float, OnTheLine(index_), record, indexWrite)) {
+        switch (protocols::ModbusWrite(talk_, core::ValueKind::Float, OnTheLine(index_), record, indexWrite)) {
             case protocols::WriteOutcome::Done:
                 return true;
             case protocols::WriteOutcome::NotBuilt:

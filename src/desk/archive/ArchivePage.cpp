@@ -74,8 +74,7 @@ void ArchivePage::Go() {
     panel_->Running(true);
     choices_->setEnabled(false);
     panel_->cmd_stop().setFocus();
-    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
-                                   desk_.logs,   desk_.lines,  desk_.counters};
+    const reading::Workplace place = desk_.With(*panel_);
     session::OnArchiveLine(
         place, desk_.scheduler, session_, screen_, node->locationID,
         [this, wish = *wish](protocols::Conversation& talk) {

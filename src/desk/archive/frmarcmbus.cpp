@@ -12,7 +12,6 @@
 #include "desk/kit/Navigator.h"
 #include "desk/kit/frmtxrxleds.h"
 #include "desk/mail/frmemail.h"
-#include "reading/Workplace.h"
 #include "session/OwnCall.h"
 #include "session/Session.h"
 #include "ui_frmarcmbus.h"
@@ -124,8 +123,7 @@ void frmarcmbus::make_connection() {
         EndRun("This station is no longer in the register");
         return;
     }
-    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
-                                   desk_.logs,   desk_.lines,  desk_.counters};
+    const reading::Workplace place = desk_.With(*this);
     std::string message;
     const bool up = session::OwnCall(place, desk_.scheduler, *station, {},
                                      [&](protocols::Conversation& talk) { message = Collect(&talk); });

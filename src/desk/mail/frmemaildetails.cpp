@@ -29,8 +29,8 @@ void frmemaildetails::cmdsave() {
         Show("Please specify email to address it is necessary");
         return;
     }
-    desk_.shared.addressees = {ui_->txteto->text().toStdString(), ui_->txtecc->text().toStdString(),
-                               ui_->txtebcc->text().toStdString(), ui_->txtesub->text().toStdString()};
+    desk_.addressees = {ui_->txteto->text().toStdString(), ui_->txtecc->text().toStdString(),
+                        ui_->txtebcc->text().toStdString(), ui_->txtesub->text().toStdString()};
     desk_.feedback.Status("Addressees stored");
     Q_EMIT Stored();
     Close();

@@ -26,7 +26,7 @@ constexpr double valveHalf = 22;
 constexpr int textPixels = 16;
 
 QString TextOf(const session::ParameterRow& row, bool isCW) {
-    if (row.kind == session::DataKind::Logical) {
+    if (row.kind == core::ValueKind::Logical) {
         const std::string word = session::ValueCell(row, isCW);
         return word.empty() ? notAvailable : QString::fromStdString(word);
     }

@@ -6,7 +6,6 @@
 #include "desk/session/ParameterTabs.h"
 #include "desk/session/SessionStatus.h"
 #include "session/Session.h"
-#include "session/Speaks.h"
 
 namespace desk {
 
@@ -33,7 +32,7 @@ void LiveGrids::Arrange() {
     choices.aga8_fpv = look.aga8_fpv;
     choices.Gross_Detail = look.Gross_Detail;
     choices.superUser = superUser_;
-    choices.quantum = session::Speaks(station, "Quantum");
+    choices.quantum = station.protocol == core::Protocol::Quantum;
     choices.drs = look.drs;
     tabs_.FormatString(columns);
     tabs_.Arrange(choices);

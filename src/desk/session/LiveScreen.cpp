@@ -24,21 +24,10 @@
 #include "desk/signals/frmDataVerification.h"
 #include "desk/signals/frmSignalSearch.h"
 #include "session/Buttons.h"
-#include "session/Speaks.h"
 #include "session/editor/ConfigParams.h"
 #include "ui_frmparalist.h"
 
 namespace desk {
-
-namespace {
-
-using session::Speaks;
-
-reading::Workplace WorkplaceOf(Desk& desk) {
-    return {desk.dbconn, desk.shared, desk.clock, desk.feedback, desk.logs, desk.lines, desk.counters};
-}
-
-}  // namespace
 
 LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t locationID)
     : QObject(&page),
@@ -47,17 +36,17 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
       ui_(ui),
       status_(*ui.status),
       traffic_(new TrafficPanel(desk.clock, &page)),
-      session_(WorkplaceOf(desk), desk.scheduler, *this, locationID),
+      session_(desk, desk.scheduler, *this, locationID),
       grids_(*ui.gridtab, session_, core::IsSuperUser(desk.shared.currentuser)),
       writing_(session_, *this, desk.shared, desk.logs, grids_,
                {*ui.gridtab, *ui.frmvalue, *ui.multiple, *ui.chkMultiple}),
       streams_{ui.Op_Stream_1, ui.Op_Stream_2, ui.Op_Stream_3, ui.Op_Stream_4} {
     const core::Station& station = session_.GetStation();
     ui_.lblconsumer->setText(Text(station.consumer));
-    ui_.cmd_arc->setText(Speaks(station, "BSAP") ? "&Archive/Audit" : "&Archive");
-    if (!Speaks(station, "BSAP")) {
+    ui_.cmd_arc->setText(station.protocol == core::Protocol::Bsap ? "&Archive/Audit" : "&Archive");
+    if (station.protocol != core::Protocol::Bsap) {
         for (QPushButton* command : {ui_.cmdfetch, ui_.cmdSignalSearch, ui_.cmdDataVerify, ui_.cmdCalib}) {
-            command->setToolTip("A " + Text(station.protocol) + " station has no named signals");
+            command->setToolTip("A " + Text(core::TextOf(station.protocol)) + " station has no named signals");
             command->setAccessibleDescription(command->toolTip());
         }
     }
@@ -67,8 +56,8 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
     drs.parentWidget()->layout()->addWidget(drawing_);
     drawing_->hide();
     ui_.cmdDRS->setVisible(session_.Look().drs != 0);
-    traffic_->Station(station.protocol, station.mode, station.isCW,
-                      station.wordOrder == core::WordOrder::LowFirst && !station.rtuBitsMode);
+    traffic_->Station({station.protocol, station.framing, station.isCW,
+                       station.wordOrder == core::WordOrder::LowFirst && !station.rtuBitsMode});
     traffic_->hide();
     ConnectCommands();
     Drawn();
@@ -162,12 +151,12 @@ void LiveScreen::OpenHistory() {
 
 void LiveScreen::OpenArchive() {
     const core::Station& station = session_.GetStation();
-    if (Speaks(station, "Modbus")) {
+    if (station.protocol == core::Protocol::Modbus) {
         desk_.navigator.Open(new frmarcmbus(desk_, &session_, station.locationID));
-    } else if (Speaks(station, "BSAP")) {
+    } else if (station.protocol == core::Protocol::Bsap) {
         desk_.navigator.Open(new frmparaarchive(desk_, session_));
     } else {
-        ShowBox(&page_, "A " + Text(station.protocol) + " station has no archive that can be read.",
+        ShowBox(&page_, "A " + Text(core::TextOf(station.protocol)) + " station has no archive that can be read.",
                 page_.windowTitle(), QMessageBox::Information);
     }
 }
@@ -294,7 +283,7 @@ void LiveScreen::ShowButtons() {
     const core::Station& station = session_.GetStation();
     session::ButtonFacts facts;
     facts.state = session_.GetState();
-    facts.isBsap = Speaks(station, "BSAP");
+    facts.isBsap = station.protocol == core::Protocol::Bsap;
     facts.hidesCalibration = session::HidesCalibration(station.modelno);
     facts.dataRight = desk_.shared.rights.rightOnline;
     facts.lineFree = !desk_.lines.Of(session_.GetStation()).Reserved();

@@ -12,12 +12,9 @@
 #include "desk/session/MultipleWrite.h"
 #include "desk/session/ParameterTabs.h"
 #include "session/Session.h"
-#include "session/Speaks.h"
 #include "session/ValueText.h"
 
 namespace desk {
-
-using session::Speaks;
 
 LiveWriting::LiveWriting(session::Session& session, session::SessionView& view, const core::MAIN_Module& shared,
                          core::Logs& logs, const LiveGrids& grids, const Controls& controls)
@@ -73,7 +70,7 @@ void LiveWriting::ChooseRow(std::size_t group, std::size_t row) {
     if (!session_.PollingActive() || session_.WritePending() || !MayWrite()) {
         return;
     }
-    if (Speaks(session_.GetStation(), "Quantum")) {
+    if (session_.GetStation().protocol == core::Protocol::Quantum) {
         view_.Request("A Quantum unit takes no values");
         return;
     }
@@ -91,7 +88,7 @@ void LiveWriting::ChooseMultipleRow(int row) {
 
 void LiveWriting::OpenWriteFrame(const session::RowPlace& place, const QString& text) {
     const session::ParameterRow& row = session_.Parameters().At(place);
-    const bool isSwitch = row.kind == session::DataKind::Logical;
+    const bool isSwitch = row.kind == core::ValueKind::Logical;
     const bool isIo = isSwitch && place.group == session::GroupOf("IO");
     Writable writable;
     writable.description = Text(row.Description);
@@ -144,7 +141,7 @@ void LiveWriting::AskOutput(const session::RowPlace& place, const std::string& t
     const bool isCW = session_.GetStation().isCW;
     session::ParameterRow then = row;
     then.lastvalue = core::EnteredNumber(text).value_or(0);
-    const bool picked = row.kind == session::DataKind::Logical && core::EnteredNumber(text);
+    const bool picked = row.kind == core::ValueKind::Logical && core::EnteredNumber(text);
     const QString question =
         QString("%1 of %2: change %3 to %4?")
             .arg(Text(row.Description), Text(session_.GetStation().consumer), Text(session::ValueCell(row, isCW)),

@@ -130,11 +130,11 @@ TrafficPanel::TrafficPanel(const core::Clock& clock, QWidget* parent)
     connect(&rx_, &TrafficView::LineSelected, this, [this](int row) { ShowLine(rx_, tx_, row); });
 }
 
-void TrafficPanel::Station(const std::string& protocol, const std::string& mode, bool isCW, bool lowWordFirst) {
-    if (protocol == wire_.protocol && mode == wire_.mode && isCW == wire_.isCW && lowWordFirst == wire_.lowWordFirst) {
+void TrafficPanel::Station(const protocols::Wire& wire) {
+    if (wire == wire_) {
         return;
     }
-    wire_ = {protocol, mode, isCW, lowWordFirst};
+    wire_ = wire;
     tx_.lines.Station(wire_);
     rx_.lines.Station(wire_);
     Clear();

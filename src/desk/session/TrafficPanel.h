@@ -51,7 +51,7 @@ class TrafficPanel : public QWidget {
     explicit TrafficPanel(const core::Clock& clock, QWidget* parent = nullptr);
 
     // How the bytes are read, as core::Station has it. Lines of a station that speaks otherwise are taken away.
-    void Station(const std::string& protocol, const std::string& mode, bool isCW, bool lowWordFirst = false);
+    void Station(const protocols::Wire& wire);
 
     // Bytes went out ("TX") or came in ("RX"), as core::Feedback::Lamp tells it.
     void Line(const QString& direction, const std::string& bytes);

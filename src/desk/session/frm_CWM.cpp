@@ -40,8 +40,7 @@ frm_CWM::frm_CWM(Desk& desk, std::int64_t locationID)
     CloseCommand(ui_->cmdClose);
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frm_CWM::CloseAsked);
     if (core::ReadStation(desk_.dbconn, locationID)) {
-        const reading::Workplace place{desk.dbconn, desk.shared, desk.clock,   *this,
-                                       desk.logs,   desk.lines,  desk.counters};
+        const reading::Workplace place = desk.With(*this);
         session_ = std::make_unique<session::Session>(place, desk.scheduler, *this, locationID);
         ShowStation(session_->GetStation());
         ConnectCommands();
@@ -58,7 +57,7 @@ void frm_CWM::ShowStation(const core::Station& station) {
     ui_->lblconsumer->setText(QString::fromStdString(station.consumer));
     Fact("Today's collection", LineNow(desk_, station.locationID).text);
     Fact("Model", station.modelno);
-    Fact("Protocol", core::Trim(station.protocol + " " + station.mode));
+    Fact("Protocol", station.ProtocolText());
     Fact("Slave address", std::to_string(station.slaveaddress));
     Fact("Line", Line(station));
 }

@@ -92,8 +92,7 @@ void ChangePage::cmdfetch() {
     ui_->lblshown->clear();
     ui_->panel->Running(true, "Please wait ....");
     ShowButtons();
-    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *ui_->panel,
-                                   desk_.logs,   desk_.lines,  desk_.counters};
+    const reading::Workplace place = desk_.With(*ui_->panel);
     session::OnStationLine(
         place, desk_.scheduler, &session_, Way(), session_.GetStation().locationID,
         [this, list = *list](protocols::Conversation& talk) { Collect(talk, list); },

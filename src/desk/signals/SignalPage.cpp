@@ -68,8 +68,7 @@ void SignalPage::OnLine(std::function<void(protocols::Conversation& talk)> work,
     way.signsOn = true;  // a session signs on without the password that opens a station's lists
     way.lineUp.signOn = {protocols::screenPassword, protocols::SignOnLog::None, protocols::SignOnTexts::All};
     way.noLine = noLine;
-    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *panel_,
-                                   desk_.logs,   desk_.lines,  desk_.counters};
+    const reading::Workplace place = desk_.With(*panel_);
     session::OnStationLine(place, desk_.scheduler, session_, way, LocationID(), std::move(work), std::move(over));
 }
 

@@ -6,7 +6,6 @@
 #include "desk/kit/EngineText.h"
 #include "desk/kit/Look.h"
 #include "desk/signals/CalibTab.h"
-#include "reading/Workplace.h"
 #include "session/Session.h"
 #include "signals/calibration/CalibrationLine.h"
 #include "signals/lists/SignalWriting.h"
@@ -66,8 +65,7 @@ void frmCalib::Start() {
     ShowCommands();
     ShowState();
     MoveFocus();
-    const reading::Workplace place{desk_.dbconn, desk_.shared, desk_.clock,   *this,
-                                   desk_.logs,   desk_.lines,  desk_.counters};
+    const reading::Workplace place = desk_.With(*this);
     try {
         signals::OnCalibrationLine(
             place, desk_.scheduler, session_, [this](protocols::Conversation& talk) { calibration_->Run(talk); },

@@ -58,8 +58,8 @@ void Apply(const stations::ModelRule& rule, Ui::frmconfigstation& ui) {
         // Its Save makes the map of its table, whatever was laid out by hand. The other models fix the box as it is.
         ui.chk_MBConfig->setChecked(false);
     }
-    if (!rule.protocol.empty()) {
-        ui.cmbprotocol->Text(rule.protocol);
+    if (rule.protocol) {
+        ui.cmbprotocol->Text(core::TextOf(*rule.protocol));
     }
     ui.cmbprotocol->Lock(rule.protocolLocked);
     if (!rule.streamCounts.empty()) {
@@ -90,8 +90,8 @@ void Apply(const stations::CommunicationRule& rule, Ui::frmconfigstation& ui) {
 
 void Apply(const stations::ProtocolRule& rule, Ui::frmconfigstation& ui) {
     ShowMode(rule.modeVisible, ui);
-    if (!rule.mode.empty()) {
-        ui.cmbMode->Text(rule.mode);
+    if (rule.mode) {
+        ui.cmbMode->Text(core::TextOf(*rule.mode));
     }
     ui.chk_MBConfig->setVisible(rule.mbConfigVisible);
     if (!rule.setRegisterUnchanged) {
@@ -136,8 +136,8 @@ void ShowStreams(Ui::frmconfigstation& ui) {
 }
 
 void ShowFraming(Ui::frmconfigstation& ui) {
-    const bool isAscii =
-        core::SameText(ui.cmbprotocol->Text(), "Modbus") && core::SameText(core::Trim(ui.cmbMode->Text()), "ASCII");
+    const bool isAscii = core::ProtocolOf(ui.cmbprotocol->Text()) == core::Protocol::Modbus &&
+                         core::FramingOf(ui.cmbMode->Text()) == core::Framing::Ascii;
     ui.chkframing->setVisible(isAscii && !ui.cmbMode->isHidden());
 }
 
@@ -152,7 +152,8 @@ void ShowSchedule(Ui::frmconfigstation& ui) {
 void ShowComposition(Ui::frmconfigstation& ui) {
     const bool isAga8 = ui.optAga8->isChecked();
     ui.framegross->setEnabled(isAga8);
-    ui.chkgasauto->setVisible(isAga8 && ui.optDetail->isChecked() && core::SameText(ui.cmbprotocol->Text(), "BSAP"));
+    ui.chkgasauto->setVisible(isAga8 && ui.optDetail->isChecked() &&
+                              core::ProtocolOf(ui.cmbprotocol->Text()) == core::Protocol::Bsap);
 }
 
 void LockMap(Ui::frmconfigstation& ui, bool locked) {

@@ -20,7 +20,7 @@ void frmconfigstation::SetRegister() {
     const stations::StationRecord record = fields_.Read();
     if (core::Trim(record.protocol).empty()) {
         Show("Select Protocol ");
-    } else if (record.MB_CONFIG || !core::SameText(record.protocol, "Modbus")) {
+    } else if (record.MB_CONFIG || core::ProtocolOf(record.protocol) != core::Protocol::Modbus) {
         OpenRegisterEditor(record);
     } else {
         stations::SetRegister(desk_.dbconn, record, {state_ == State::Adding, fields_.Registers()});
@@ -40,7 +40,7 @@ void frmconfigstation::OpenRegisterEditor(const stations::StationRecord& record)
                     .aga8_fpv = record.aga8_fpv,
                     .Gross_Detail = record.Gross_Detail,
                     .superUser = core::IsSuperUser(desk_.shared.currentuser),
-                    .quantum = core::SameText(record.protocol, "Quantum"),
+                    .quantum = core::ProtocolOf(record.protocol) == core::Protocol::Quantum,
                     .drs = stations::DrsOf(record.modelno)};
     auto* editor = new frmparalist(desk_, station);
     connect(editor, &frmparalist::Stored, this, [this, fixed] {

@@ -64,11 +64,11 @@ std::string Bsap::get_LIST(int address, int listNumber, bool first) {
     return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow, function);
 }
 
-std::string Bsap::Write_value(int address, double value, std::int32_t signalAddress, ValueKind kind) {
+std::string Bsap::Write_value(int address, double value, std::int32_t signalAddress, core::ValueKind kind) {
     const std::string logical = value > 0 ? "\x09"s : "\x0A"s;
     return BuildApplicationFrame(counters_, address, SequenceOrder::LowHigh,
                                  "\x80"s + LoadVersion() + "\x01"s + SignalAddress(signalAddress) +
-                                     (kind == ValueKind::Logical ? logical : AnalogPart(value)));
+                                     (kind == core::ValueKind::Logical ? logical : AnalogPart(value)));
 }
 
 std::string Bsap::Write_value_str(int address, const std::string& text, std::int32_t signalAddress) {
@@ -113,10 +113,10 @@ std::string Bsap::get_by_single_name(int address, const std::string& name) {
                                  "\x04\x05\xF8\x01\xFF\x01"s + Closed(name));
 }
 
-std::string Bsap::write_by_name(int address, const std::string& name, double value, ValueKind kind) {
+std::string Bsap::write_by_name(int address, const std::string& name, double value, core::ValueKind kind) {
     return BuildApplicationFrame(
         counters_, address, SequenceOrder::HighLow,
-        "\x84\xFF\x01"s + Closed(name) + (kind == ValueKind::Logical ? "\x09"s : AnalogPart(value)));
+        "\x84\xFF\x01"s + Closed(name) + (kind == core::ValueKind::Logical ? "\x09"s : AnalogPart(value)));
 }
 
 std::string Bsap::get_signal_search(int address, const std::string& pattern, int kind, int firstParameter,

@@ -4,12 +4,10 @@
 #include <span>
 #include <string>
 
+#include "core/Kinds.h"
 #include "protocols/line/Conversation.h"
 
 namespace protocols {
-
-// What a value written to a signal is.
-enum class ValueKind { Analog = 0, Logical = 1 };
 
 // Every request of the BSAP conversation as a finished frame. An object is made for a message and holds nothing of its
 // own: the sequence numbers live for the run of the program, the load version and the place in a list belong to the
@@ -33,8 +31,8 @@ class Bsap {
     // A list from its start, or from where the last reply left off (listnext1, listnext2).
     std::string get_LIST(int address, int listNumber, bool first);
 
-    // A logical value is on when it is above 0. An analog one is single precision, truncated.
-    std::string Write_value(int address, double value, std::int32_t signalAddress, ValueKind kind);
+    // A logical value is on when it is above 0. One of any other kind is analog: single precision, truncated.
+    std::string Write_value(int address, double value, std::int32_t signalAddress, core::ValueKind kind);
     std::string Write_value_str(int address, const std::string& text, std::int32_t signalAddress);
     // `count` signals from `firstIndex` of both arrays on, as many as both have; all go in the analog form.
     std::string Write_Mul_value(int address, std::span<const double> values,
@@ -48,7 +46,7 @@ class Bsap {
     std::string get_by_single_name(int address, const std::string& name);
 
     // A logical signal is always switched on: by name only commands are written.
-    std::string write_by_name(int address, const std::string& name, double value, ValueKind kind);
+    std::string write_by_name(int address, const std::string& name, double value, core::ValueKind kind);
 
     // `kind` is 1 for the search by how a name begins, any other number for that by its attribute, which stands behind
     // its last point. The two parameters are where the last reply left off, 0 and 0 for the first.

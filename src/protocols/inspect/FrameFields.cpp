@@ -3,21 +3,15 @@
 #include <algorithm>
 #include <array>
 
-#include "core/Kinds.h"
-#include "core/Text.h"
 #include "protocols/inspect/FieldWriter.h"
 
 namespace protocols {
 
 namespace {
 
-core::Framing FramingOf(const Wire& wire) {
-    return core::KindOf<core::Framing>(core::framingTexts, wire.mode).value_or(core::Framing::Rtu);
-}
-
 // The dialogue with a modem is text in lines. No frame is all text, but for ASCII framing, which begins with a colon.
 bool IsModemText(std::string_view bytes, const Wire& wire) {
-    const bool asciiFrames = core::SameText(wire.protocol, "Modbus") && FramingOf(wire) == core::Framing::Ascii;
+    const bool asciiFrames = wire.protocol == core::Protocol::Modbus && wire.framing == core::Framing::Ascii;
     return IsText(bytes) && !(asciiFrames && bytes.find(':') != std::string_view::npos);
 }
 
@@ -33,12 +27,12 @@ void NameModbus(Naming& naming, core::Framing framing) {
 }
 
 void NameFrames(Naming& naming, const Wire& wire) {
-    if (core::SameText(wire.protocol, "BSAP")) {
+    if (wire.protocol == core::Protocol::Bsap) {
         NameBsap(naming, wire.isCW);
-    } else if (core::SameText(wire.protocol, "Quantum")) {
+    } else if (wire.protocol == core::Protocol::Quantum) {
         NameQuantum(naming);
-    } else if (core::SameText(wire.protocol, "Modbus")) {
-        NameModbus(naming, FramingOf(wire));
+    } else if (wire.protocol == core::Protocol::Modbus) {
+        NameModbus(naming, wire.framing);
     }
 }
 
@@ -76,7 +70,7 @@ bool IsRequest(std::string_view sent, const Wire& wire) {
         return false;
     }
     constexpr int application = 0xA0;
-    return !core::SameText(wire.protocol, "BSAP") || BsapMessage(sent) == application;
+    return wire.protocol != core::Protocol::Bsap || BsapMessage(sent) == application;
 }
 
 std::string FieldTable(const std::vector<FrameField>& fields) {

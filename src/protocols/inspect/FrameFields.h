@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "core/Kinds.h"
 
 // What the bytes of a line are, by name: for the eye of the operator. Nothing is decided by it.
 namespace protocols {
@@ -15,12 +18,14 @@ struct FrameField {
     std::string value;  // printable ASCII
 };
 
-// What a station speaks: `protocol` and `mode` as core::Station has them.
+// What a station speaks, as core::Station has it. Nothing of a line whose protocol is not known has a name.
 struct Wire {
-    std::string protocol;
-    std::string mode;
+    std::optional<core::Protocol> protocol{};
+    core::Framing framing = core::Framing::Rtu;
     bool isCW = false;
     bool lowWordFirst = false;  // of Modbus floats in two registers
+
+    bool operator==(const Wire&) const = default;
 };
 
 enum class Direction { TX, RX };

@@ -127,10 +127,6 @@ double SilenceMs(const core::Station& station) {
 
 }  // namespace
 
-core::Framing FramingOf(const core::Station& station) {
-    return core::KindOf<core::Framing>(core::framingTexts, station.mode).value_or(core::Framing::Rtu);
-}
-
 std::uint32_t InWordOrder(const ModbusState& modbus, std::uint32_t word) {
     const bool lowFirst = modbus.wordOrder == core::WordOrder::LowFirst && !modbus.rtu32bit;
     return lowFirst ? std::rotl(word, 16) : word;
@@ -164,7 +160,7 @@ std::optional<std::string> OwnTcpReply(std::string_view received, std::string_vi
 
 WholeReply WholeModbusReply(const core::Station& station, const std::string& request) {
     const AsciiCheck check = station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required;
-    switch (FramingOf(station)) {
+    switch (station.framing) {
         case core::Framing::Tcp:
             return {[request](std::string_view received) { return OwnTcpReply(received, request).has_value(); }, 0,
                     true};

@@ -14,9 +14,6 @@
 // belongs to it, and the order of the two registers of a float.
 namespace protocols {
 
-// RTU for a station that names none.
-core::Framing FramingOf(const core::Station& station);
-
 // The 32 bits of a float, its sign first, from its two registers as they come; and the other way round. A float in one
 // register has no such order.
 std::uint32_t InWordOrder(const ModbusState& modbus, std::uint32_t word);

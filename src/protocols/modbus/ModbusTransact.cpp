@@ -31,7 +31,7 @@ struct Framed {
 
 Framed Prepare(Conversation& talk) {
     talk.modbus.wordOrder = talk.station.wordOrder;
-    return {FramingOf(talk.station), talk.station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required};
+    return {talk.station.framing, talk.station.standardFraming ? AsciiCheck::Standard : AsciiCheck::Required};
 }
 
 // The numbers of values that the reply to a read may have: registers give just what was asked for, and perhaps the
@@ -106,29 +106,29 @@ constexpr int writeCoil = 5;
 constexpr int writeRegister = 6;
 constexpr int writeRegisters = 16;
 
-ModbusRequest RtuWrite(const Conversation& talk, ModbusDatum datum, int reg, double value) {
+ModbusRequest RtuWrite(const Conversation& talk, core::ValueKind datum, int reg, double value) {
     const int slave = talk.station.slaveaddress;
     std::vector<float> data = {static_cast<float>(value)};
     switch (datum) {
-        case ModbusDatum::Coil:
+        case core::ValueKind::Logical:
             return BuildWriteFrame(talk.modbus, value, reg, writeCoil, slave);
-        case ModbusDatum::Integer:
+        case core::ValueKind::Integer:
             return BuildRtuRequest(writeRegister, slave, reg, data);
-        case ModbusDatum::Float:
+        case core::ValueKind::Float:
             break;
     }
     return BuildWriteFrame(talk.modbus, value, reg, writeRegisters, slave);
 }
 
-ModbusRequest AsciiWrite(const Framed& framed, ModbusDatum datum, int slave, int reg, double value) {
+ModbusRequest AsciiWrite(const Framed& framed, core::ValueKind datum, int slave, int reg, double value) {
     constexpr float on = 0xFF00;
-    std::vector<float> data = {datum != ModbusDatum::Coil ? static_cast<float>(value) : value == 1 ? on : 0};
+    std::vector<float> data = {datum != core::ValueKind::Logical ? static_cast<float>(value) : value == 1 ? on : 0};
     switch (datum) {
-        case ModbusDatum::Coil:
+        case core::ValueKind::Logical:
             return framed.Build(writeCoil, slave, reg, data);
-        case ModbusDatum::Integer:
+        case core::ValueKind::Integer:
             return framed.Build(writeRegister, slave, reg, data);
-        case ModbusDatum::Float:
+        case core::ValueKind::Float:
             break;
     }
     return {{}, "Bad framing for a float."};
@@ -144,14 +144,14 @@ bool IsOwn(const std::string& bytes, const std::string& frame, bool ascii) {
 // Whether a reply acknowledges just this write. That to a single coil or register repeats its request, that to several
 // registers the head: slave, function, register, quantity. In ASCII framing the required check is not
 // looked at, and its length is the device's affair.
-bool Acknowledges(const std::string& bytes, const std::string& frame, ModbusDatum datum, bool ascii) {
+bool Acknowledges(const std::string& bytes, const std::string& frame, core::ValueKind datum, bool ascii) {
     constexpr std::size_t rtuHead = 6;
     constexpr std::size_t asciiHead = 13;
     if (ascii) {
         const std::size_t colon = bytes.rfind(':');
         return colon != std::string::npos && bytes.compare(colon, asciiHead, frame, 0, asciiHead) == 0;
     }
-    return datum == ModbusDatum::Float ? bytes.compare(0, rtuHead, frame, 0, rtuHead) == 0 : bytes == frame;
+    return datum == core::ValueKind::Float ? bytes.compare(0, rtuHead, frame, 0, rtuHead) == 0 : bytes == frame;
 }
 
 // A whole transaction of a request that was built, or was not.
@@ -212,7 +212,8 @@ ModbusReply ModbusTransact(Conversation& talk, int reg, int count, int command, 
     return Transact(talk, framed, request, judge, options);
 }
 
-WriteOutcome ModbusWrite(Conversation& talk, ModbusDatum datum, int reg, double value, const TransactOptions& options) {
+WriteOutcome ModbusWrite(Conversation& talk, core::ValueKind datum, int reg, double value,
+                         const TransactOptions& options) {
     const Framed framed = Prepare(talk);
     const ModbusRequest request = framed.IsAscii() ? AsciiWrite(framed, datum, talk.station.slaveaddress, reg, value)
                                                    : RtuWrite(talk, datum, reg, value);

@@ -63,10 +63,6 @@ const char* FailureText(ModbusReply::Kind kind);
 // Whether the reply to a read is one to take values from.
 bool IsAnswer(const ModbusReply& reply, const TransactOptions& options);
 
-// What is written: a coil on (1) or off, a register of 16 bits with a sign, a float in two registers or, by
-// talk.modbus.rtu32bit, in one.
-enum class ModbusDatum { Coil, Integer, Float };
-
 enum class WriteOutcome {
     Done,      // the station acknowledged this very write
     NotBuilt,  // no frame carries it, nothing was sent; a box said so
@@ -74,9 +70,10 @@ enum class WriteOutcome {
     Failed,    // no reply that acknowledges it
 };
 
-// Writes into register or coil `reg`, as numbered on the line, by function 16, 6 or 5. A late answer to another write
-// counts as none. ASCII framing carries one datum, so for it a float cannot be built.
-WriteOutcome ModbusWrite(Conversation& talk, ModbusDatum datum, int reg, double value,
+// Writes into register or coil `reg`, as numbered on the line: a float by function 16 into two registers or, by
+// talk.modbus.rtu32bit, into one, an integer of 16 bits with a sign by function 6, a coil on (1) or off by function 5.
+// A late answer to another write counts as none. ASCII framing carries one datum, so for it a float cannot be built.
+WriteOutcome ModbusWrite(Conversation& talk, core::ValueKind datum, int reg, double value,
                          const TransactOptions& options = scheduledTransact);
 
 }  // namespace protocols

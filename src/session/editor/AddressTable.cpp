@@ -1,6 +1,6 @@
 #include "session/editor/AddressTable.h"
 
-#include "core/Text.h"
+#include "core/Kinds.h"
 
 namespace session {
 
@@ -9,13 +9,13 @@ namespace {
 constexpr std::int64_t bucketSize = 100;
 
 bool IsCoil(std::string_view type) {
-    return core::SameText(type, "Coil(Boolean)");
+    return core::ValueKindOf(type) == core::ValueKind::Logical;
 }
 
 }  // namespace
 
 bool AddressTable::TakesTwo(std::string_view type) const {
-    return !rtuBitsMode_ && core::SameText(type, "Float");
+    return !rtuBitsMode_ && core::ValueKindOf(type) == core::ValueKind::Float;
 }
 
 // The second register of a float is sought and kept in the bucket of the first. So a float at 199 and an integer at 200

@@ -22,7 +22,7 @@ constexpr const char* lineEnd = "\r\n";
 std::string Value(const core::Row& row, bool isCW, const core::DateTime& today) {
     const reading::Claim claim = reading::ClaimOf(row, today);
     std::string text = "-";
-    if (claim.value && KindOf(row.Text("type")) == DataKind::Logical) {
+    if (claim.value && core::RowKindOf(row.Text("type")) == core::ValueKind::Logical) {
         text = valueText(isCW, row.Text("description"), *claim.value);
     } else if (claim.value) {
         text = core::Trim(core::NumberText(*claim.value) + " " + claim.unit);

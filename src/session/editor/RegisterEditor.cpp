@@ -14,7 +14,7 @@ namespace session {
 
 namespace {
 
-constexpr const char* coilType = "Coil(Boolean)";
+const std::string coilType = core::TextOf(core::ValueKind::Logical);
 constexpr std::int64_t addressLimit = 65536;
 
 // A whole number from 0; one beyond all limits counts as the largest. Nothing for any other text.
@@ -124,9 +124,9 @@ std::vector<EditedRow> RegisterEditor::Rows(std::size_t group) const {
 }
 
 std::vector<std::string> RegisterEditor::DataTypes() const {
-    std::vector<std::string> types = {coilType, "Integer"};
-    if (core::SameText(station_.choices.registers.registerTypeName, "Float")) {
-        types.push_back("Float");
+    std::vector<std::string> types = {coilType, core::TextOf(core::ValueKind::Integer)};
+    if (core::ValueKindOf(station_.choices.registers.registerTypeName) == core::ValueKind::Float) {
+        types.push_back(core::TextOf(core::ValueKind::Float));
     }
     return types;
 }

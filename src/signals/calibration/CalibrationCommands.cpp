@@ -109,7 +109,7 @@ std::optional<Calibration::End> Calibration::WriteSpanValue(const Request& reque
     }
     Say(words.pleaseWait);
     const NamedSignal& spanValue = Named(request.transmitter, CalibrationPart::SpanValue);
-    const Answer answer = WriteByName(*talk_, spanValue.name, request.applied, protocols::ValueKind::Analog);
+    const Answer answer = WriteByName(*talk_, spanValue.name, request.applied, core::ValueKind::Float);
     if (answer != Answer::Good) {
         return End{"", WhyNot() + ": no answer to the span value, no command was sent"};
     }
@@ -140,7 +140,7 @@ Calibration::End Calibration::GiveCommand(const Request& request) {
     if (!Going()) {
         return {"", WhyNot() + (isSpan ? ": the span value was sent, no command was sent" : ": nothing was sent")};
     }
-    const Answer answer = WriteByName(*talk_, Named(request.transmitter, part).name, 1, protocols::ValueKind::Logical);
+    const Answer answer = WriteByName(*talk_, Named(request.transmitter, part).name, 1, core::ValueKind::Logical);
     if (answer != Answer::Good) {
         return {unknown, WhyNot() + notKnown};
     }

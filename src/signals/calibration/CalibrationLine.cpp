@@ -1,7 +1,6 @@
 #include "signals/calibration/CalibrationLine.h"
 
 #include "session/Session.h"
-#include "session/Speaks.h"
 #include "session/StationLine.h"
 
 namespace signals {
@@ -10,9 +9,9 @@ void OnCalibrationLine(const reading::Workplace& place, const collection::Schedu
                        session::Session& session, std::function<void(protocols::Conversation& talk)> work,
                        std::function<void()> over) {
     const core::Station& station = session.GetStation();
-    if (!session::Speaks(station, "BSAP")) {
+    if (station.protocol != core::Protocol::Bsap) {
         place.feedback.Box("The transmitters of this station cannot be calibrated from here: it speaks " +
-                           station.protocol);
+                           core::TextOf(station.protocol));
         over();
         return;
     }

@@ -94,11 +94,11 @@ ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal
         sends);
 }
 
-Answer WriteByName(protocols::Conversation& talk, const std::string& name, double value, protocols::ValueKind kind) {
+Answer WriteByName(protocols::Conversation& talk, const std::string& name, double value, core::ValueKind kind) {
     return Write(talk, Messages(talk).write_by_name(talk.station.slaveaddress, name, value, kind));
 }
 
-Answer WriteNumber(protocols::Conversation& talk, std::int32_t address, double value, protocols::ValueKind kind) {
+Answer WriteNumber(protocols::Conversation& talk, std::int32_t address, double value, core::ValueKind kind) {
     return Write(talk, Messages(talk).Write_value(talk.station.slaveaddress, value, address, kind));
 }
 

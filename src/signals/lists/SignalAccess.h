@@ -45,10 +45,10 @@ ReadAnswer ReadByName(protocols::Conversation& talk, std::span<const NamedSignal
 
 // Writes a signal by its name, once: a logical one is switched on, whatever the value. Good: the station has answered,
 // which does not tell whether it took the value.
-Answer WriteByName(protocols::Conversation& talk, const std::string& name, double value, protocols::ValueKind kind);
+Answer WriteByName(protocols::Conversation& talk, const std::string& name, double value, core::ValueKind kind);
 
 // Writes a signal by its address, once, with the same sense.
-Answer WriteNumber(protocols::Conversation& talk, std::int32_t address, double value, protocols::ValueKind kind);
+Answer WriteNumber(protocols::Conversation& talk, std::int32_t address, double value, core::ValueKind kind);
 Answer WriteText(protocols::Conversation& talk, std::int32_t address, const std::string& text);
 
 }  // namespace signals

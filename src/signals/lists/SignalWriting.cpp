@@ -22,7 +22,7 @@ Answer Send(protocols::Conversation& talk, const SignalWrite& write) {
     if (write.text) {
         return WriteText(talk, write.signal.MSD, *write.text);
     }
-    const auto kind = write.signal.logical ? protocols::ValueKind::Logical : protocols::ValueKind::Analog;
+    const auto kind = write.signal.logical ? core::ValueKind::Logical : core::ValueKind::Float;
     return WriteNumber(talk, write.signal.MSD, write.value, kind);
 }
 
