@@ -15,7 +15,8 @@ namespace {
 
 // What leads from one version to the next, the first from 0 to 1. Kept as delivered: a step that has run at an owner's
 // is never changed.
-const std::array<std::vector<std::string>, schemaVersion> steps = {{{
+const std::array<std::vector<std::string>, schemaVersion> steps = {{
+    {
     "alter table configdata_master add column framing text collate nocase default 'required'",
     "alter table configdata_detail add column readat text",
     "alter table configdata_detail add column quality text",
@@ -43,7 +44,12 @@ const std::array<std::vector<std::string>, schemaVersion> steps = {{{
     "('retryrounds', '4', 'retries of a station without data at most; 0: none'),"
     "('signalwritelevel', '4', 'write level that writing a signal by name needs'),"
     "('stationminutes', '30', 'minutes that one attempt at a station may take')",
-}}};
+    },
+    {
+        "alter table configdata_master add column pacing text collate nocase default 'stated'",
+        "alter table configdata_master add column wordorder text collate nocase default 'high'",
+    },
+}};
 
 void FlushToDisk(const std::filesystem::path& path) {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -128,7 +128,7 @@ const RuleTable<ListCheck>& ListChecks() {
 }  // namespace
 
 const Texts& CommunicationTypes() {
-    static const Texts list = {"DialUp Modem", "GSM Modem", "Direct Comport"};
+    static const Texts list = {"DialUp Modem", "GSM Modem", "Direct Comport", "IP"};
     return list;
 }
 
@@ -138,7 +138,7 @@ const Texts& Protocols() {
 }
 
 const Texts& Modes() {
-    static const Texts list = {"RTU", "ASCII"};
+    static const Texts list = {"RTU", "ASCII", "TCP"};
     return list;
 }
 

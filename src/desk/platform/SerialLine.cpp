@@ -33,6 +33,7 @@ std::optional<PortSettings> ParsePortSettings(const QString& text) {
 SerialLine::SerialLine(DeviceOf deviceOf) : deviceOf_(std::move(deviceOf)) {
     QObject::connect(&port_, &QSerialPort::errorOccurred, &port_,
                      [this](QSerialPort::SerialPortError error) { Failed(error); });
+    QObject::connect(&port_, &QSerialPort::readyRead, &port_, [this] { Received(); });
 }
 
 bool SerialLine::PortOpen(bool open) {
