@@ -259,8 +259,8 @@ std::optional<StationRecord> ReadRecord(core::Database& dbconn, std::int64_t loc
     record.Mode = row->Text("mode");
     record.standardFraming = core::SameText(Trim(row->Text("framing")), "standard");
     record.pacing = core::KindOf<core::Pacing>(core::pacingTexts, row->Text("pacing")).value_or(core::Pacing::Stated);
-    record.wordOrder =
-        core::KindOf<core::WordOrder>(core::wordOrderTexts, row->Text("wordorder")).value_or(core::WordOrder::HighFirst);
+    record.wordOrder = core::KindOf<core::WordOrder>(core::wordOrderTexts, row->Text("wordorder"))
+                           .value_or(core::WordOrder::HighFirst);
     ReadSchedule(*row, record);
     record.rtubits = row->Bool("rtubits");
     record.emailto = row->Text("emailto");

@@ -49,10 +49,16 @@ TEST_F(StationChecksTest, EachFieldHasItsMessageAndControl) {
         {"an address needs no line",
          [](StationRecord& r) {
              r.comtype = "IP";
-             r.ip = "10.0.0.1";
+             r.ip = "10.0.0.1:4001";
              r.comport = r.baudrate = "";
          },
          ""},
+        {"an address without a port", [](StationRecord& r) { r.comtype = "IP", r.ip = "10.0.0.1"; },
+         "Enter the IP address with its port, such as 10.0.0.7:4001 / txtIPAdr"},
+        {"Modbus TCP has a port",
+         [](StationRecord& r) { r.comtype = "IP", r.ip = "[::1]", r.protocol = "Modbus", r.Mode = "TCP"; }, ""},
+        {"Modbus TCP on a serial port", [](StationRecord& r) { r.protocol = "Modbus", r.Mode = "TCP"; },
+         "Mode TCP needs the Communication Type IP / cmbcommtype"},
         {"protocol", [](StationRecord& r) { r.protocol = r.Mode = ""; }, "Protocol Should not be blank / cmbprotocol"},
         {"integers that no run reads",
          [](StationRecord& r) {

@@ -55,6 +55,8 @@ StationRecord Full() {
     record.stream = {"AGA7", "AGA3", "AGA9", "AGA11"};
     record.Mode = "ASCII";
     record.standardFraming = true;
+    record.pacing = core::Pacing::Prompt;
+    record.wordOrder = core::WordOrder::LowFirst;
     record.duration = "Weekly";
     record.weekday = 7;
     record.contracthour = "17:05";
@@ -151,6 +153,7 @@ TEST_F(StationRegisterTest, ColumnsThatFollowOtherChoices) {
          "ip||'|'||comport||'|'||baudrate||'|'||phoneno", "10.0.0.1|||"},
         {"a line", [](StationRecord& r) { r.ip = "10.0.0.1"; }, "ip||'|'||comport||'|'||baudrate", "|COM1|9600,N,8,1"},
         {"mode of BSAP", [](StationRecord& r) { r.Mode = "RTU"; }, "mode", ""},
+        {"word order of BSAP", [](StationRecord& r) { r.wordOrder = core::WordOrder::LowFirst; }, "wordorder", "high"},
         {"framing of BSAP", [](StationRecord& r) { r.Mode = "ASCII", r.standardFraming = true; }, "framing",
          "required"},
         {"framing of RTU",
