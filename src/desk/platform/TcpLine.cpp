@@ -18,12 +18,10 @@ namespace {
 constexpr double openingMs = 10000;
 constexpr qint64 mostWaiting = 65536;  // bytes; a station that sends more is held back
 
-// An end that has gone without a word is noticed: idle, by three probes that nobody answers; with bytes on their way,
-// when nobody acknowledges them.
+// An end that has gone without a word is noticed when bytes, or the probes of an idle connection, stay unacknowledged.
 constexpr int idleSeconds = 10;
 constexpr int probeSeconds = 5;
-constexpr int probes = 3;
-constexpr int unacknowledgedMs = 20000;
+constexpr int unacknowledgedMs = 20000;  // puts the number of probes out of use
 
 void SetOption(qintptr descriptor, int level, int option, int value) {
     setsockopt(static_cast<int>(descriptor), level, option, &value, sizeof value);
@@ -91,7 +89,6 @@ void TcpLine::Connected() {
     SetOption(descriptor, SOL_SOCKET, SO_KEEPALIVE, 1);
     SetOption(descriptor, IPPROTO_TCP, TCP_KEEPIDLE, idleSeconds);
     SetOption(descriptor, IPPROTO_TCP, TCP_KEEPINTVL, probeSeconds);
-    SetOption(descriptor, IPPROTO_TCP, TCP_KEEPCNT, probes);
     SetOption(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, unacknowledgedMs);
     state_ = State::Open;
     clock_.Wake();
