@@ -46,7 +46,6 @@ bool TcpLine::PortOpen(bool open) {
 void TcpLine::Close() {
     ++opening_;
     if (state_ == State::Open) {
-        socket_.readAll();  // unread bytes would make the system drop what is still being sent
         socket_.flush();
     }
     state_ = State::Closed;
