@@ -137,22 +137,56 @@ TEST_F(ConfigStationTest, StandardFramingBelongsToModbusAscii) {
     EXPECT_FALSE(Shown("chkframing"));
 }
 
-TEST_F(ConfigStationTest, AStoredIpStationNeedsItsAddressAndNoPort) {
-    const auto id = demo::AddStation(desk.dbconn, {"River", "TeleFlow", "Modbus", "RTU"});
-    desk.dbconn.Execute(
-        "update configdata_master set comtype='IP', ip='', comport='', baudrate='', delaytime=500 where locationID=?",
-        {id});
+TEST_F(ConfigStationTest, AStationOnTheNetworkIsAddedAndEditedByKeys) {
     OpenForm();
-    EXPECT_FALSE(Shown("cmbcommport"));
-    EXPECT_FALSE(Shown("cmbbaudrate"));
-    Click(*form, "cmdedit");
+    AddTyped({{"cmbgroupno", "1"},
+              {"txtconsumer", "River"},
+              {"cmbrtumake", "BB"},
+              {"cmbmodelno", "TeleFlow"},
+              {"cmbcommtype", "IP"},
+              {"cmbsysvolttype", "12 VDC"},
+              {"cmbprotocol", "Modbus"},
+              {"cmbMode", "TCP"},
+              {"txtslaveaddres", "6"}});
+    EXPECT_TRUE(Shown("txtIPAdr") && !Shown("txtphoneno"));
+    EXPECT_EQ(form->minimumSizeHint().boundedTo(form->size()), form->minimumSizeHint()) << "nothing is cut off";
     Click(*form, "cmdsave");
     EXPECT_EQ(Answer(*form), "IP address should not be blank");
+    for (const auto key : {Qt::Key_X, Qt::Key_W, Qt::Key_H}) {
+        support::AltKey(*form, key);
+    }
     EXPECT_EQ(Focus(*form), "txtIPAdr");
     Enter("txtIPAdr", "10.0.0.7");
     Click(*form, "cmdsave");
     EXPECT_EQ(Answer(*form), "");
-    EXPECT_EQ(desk.Master(id).Text("ip"), "10.0.0.7");
+    EXPECT_FALSE(Shown("cmbcommport") || Shown("cmbbaudrate"));
+    auto station = core::ReadStation(desk.dbconn, 1).value();
+    EXPECT_EQ(station.ip + " " + station.mode, "10.0.0.7 TCP");
+    EXPECT_TRUE(station.pacing == core::Pacing::Prompt && station.wordOrder == core::WordOrder::LowFirst);
+    EXPECT_TRUE(The<QCheckBox>(*form, "chkpacing").isChecked() && The<QCheckBox>(*form, "chkwordorder").isChecked());
+
+    // Its serial framing needs the port of the terminal server.
+    Click(*form, "cmdedit");
+    Enter("cmbMode", "RTU");
+    Click(*form, "chkpacing");
+    Click(*form, "cmdsave");
+    EXPECT_EQ(Answer(*form), "Enter the IP address with its port, such as 10.0.0.7:4001");
+    Enter("txtIPAdr", "[fd00::7]:4001");
+    Click(*form, "cmdsave");
+    EXPECT_EQ(Answer(*form), "");
+    station = core::ReadStation(desk.dbconn, 1).value();
+    EXPECT_EQ(station.ip + " " + station.mode, "[fd00::7]:4001 RTU");
+    EXPECT_TRUE(station.pacing == core::Pacing::Stated && station.wordOrder == core::WordOrder::LowFirst);
+
+    Click(*form, "cmdedit");
+    Enter("cmbMode", "TCP");
+    Enter("cmbcommtype", "Direct Comport");
+    EXPECT_FALSE(Shown("txtIPAdr"));
+    Enter("cmbcommport", "COM4");
+    Enter("cmbbaudrate", "9600,N,8,1");
+    Click(*form, "cmdsave");
+    EXPECT_EQ(Answer(*form), "Mode TCP needs the Communication Type IP");
+    EXPECT_EQ(Focus(*form), "cmbcommtype");
 }
 
 TEST_F(ConfigStationTest, ATextThatIsInNoListIsRefusedWhenItsFieldIsLeft) {
