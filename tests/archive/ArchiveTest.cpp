@@ -7,6 +7,8 @@
 #include "support/Hex.h"
 
 using namespace archive;
+using protocols::longArchive;
+using protocols::shortArchive;
 using support::Bytes;
 using support::Hex;
 

@@ -185,19 +185,6 @@ TEST(BsapFrame, ValuesByName) {
               "10 02 01 01 A0 00 02 0B 00 08 05 F9 01 FF 05 01 00 00 20 46 4C 2E 00 10 03 B2 E1");
 }
 
-TEST(BsapFrame, OtherMessagesRideOnTheSameFrames) {
-    const std::tuple<int, int, const char*, const char*> cases[] = {
-        {10, 24, "70 07 04 02 00", "10 02 01 0A A0 18 00 0B 00 70 07 04 02 00 10 03 7A 51"},
-        {11, 26, "70 07 07 02 00 10 01 04", "10 02 01 0B A0 1A 00 0B 00 70 07 07 02 00 10 10 01 04 10 03 D8 3B"},
-        {12, 28, "70 07 06 01 00 4A 43 00 00", "10 02 01 0C A0 1C 00 0B 00 70 07 06 01 00 4A 43 00 00 10 03 98 A2"},
-        {13, 30, "70 03 05 03 04 00 04 01 00", "10 02 01 0D A0 1E 00 0B 00 70 03 05 03 04 00 04 01 00 10 03 BE D5"},
-    };
-    for (const auto& [bsapseq, appseq, function, frame] : cases) {
-        BsapCounters counters{bsapseq - 1, appseq - 2, 0};
-        EXPECT_EQ(Hex(BuildApplicationFrame(counters, 1, SequenceOrder::LowHigh, Bytes(function))), frame);
-    }
-}
-
 TEST(BsapFrame, SequencesGoRoundWithoutZero) {
     BsapCounters counters{255, 0xFE, 0xFF};
     const BsapState state;

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/Text.h"
+#include "protocols/bsap/BsapConstants.h"
 #include "protocols/inspect/FieldWriter.h"
 
 namespace protocols {
@@ -58,8 +59,7 @@ bool IsRequest(std::string_view sent, const Wire& wire) {
     if (IsModemText(sent, wire)) {
         return false;
     }
-    constexpr int application = 0xA0;
-    return !core::SameText(wire.protocol, "BSAP") || BsapMessage(sent) == application;
+    return !core::SameText(wire.protocol, "BSAP") || BsapMessage(sent) == bsap::application;
 }
 
 std::string FieldTable(const std::vector<FrameField>& fields) {

@@ -4,18 +4,17 @@
 #include <cmath>
 
 #include "core/Text.h"
+#include "protocols/modbus/ModbusConstants.h"
 
 namespace protocols {
 
 std::optional<double> ModbusReadBack(Conversation& talk, ModbusDatum datum, int reg, const TransactOptions& options) {
-    constexpr int readCoils = 1;
-    constexpr int readHoldingRegisters = 3;
     const bool isFloat = datum == ModbusDatum::Float;
     TransactOptions own = options;
     own.onlyItsOwn = isFloat;
     talk.modbus.floatread = isFloat;
     const int count = isFloat && !talk.modbus.rtu32bit ? 2 : 1;
-    const int command = datum == ModbusDatum::Coil ? readCoils : readHoldingRegisters;
+    const int command = datum == ModbusDatum::Coil ? modbus::readCoils : modbus::readHoldingRegisters;
     const ModbusReply reply = ModbusTransact(talk, reg, count, command, own);
     return reply.kind == ModbusReply::Kind::Values ? std::optional(talk.modbus.mbvalues[1]) : std::nullopt;
 }
