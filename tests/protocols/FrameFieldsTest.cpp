@@ -221,8 +221,8 @@ TEST(FrameFields, BsapRequests) {
     ExpectFields(sent("10 02 01 09 A0 00 16 0B 00 00 05 F8 01 12 34 FF 01 2C 01 10 03 E0 50"), "17+2 signal=300");
     ExpectFields(sent("10 02 01 0B A0 1A 00 0B 00 70 07 07 02 00 10 10 01 04 10 03 D8 3B"),
                  "9+3 function=archive records\n12+6 data=02 00 10 01 04");
-    ExpectFields(sent("10 02 05 01 A0 10 10 10 10 0B 00 70 07 02 10 10 00 06 00 10 03 E1 C0"),
-                 "11+3 function=archive fields\n14+5 data=10 00 06 00");
+    ExpectFields(sent("10 02 01 02 A0 04 00 0B 00 70 07 02 02 00 00 00 10 03 9C 7E"),
+                 "9+3 function=archive fields\n12+4 data=02 00 00 00");
 }
 
 TEST(FrameFields, BsapReplies) {
