@@ -345,6 +345,10 @@ TEST_F(OutcomeTest, AnAttemptHasItsTimeAndThenTheNextStationIsServed) {
               "The 2 minutes of an attempt were up");
     EXPECT_THAT(LineNow(farm), HasSubstr("broken off, 08:03"));
     EXPECT_FALSE(desk.line.PortOpen());
+    desk.dbconn.Execute("update settings set value='0' where name='stationminutes'");  // as long as it takes
+    EXPECT_TRUE(program->CollectNow(farm));
+    RunTo({2026, 3, 9, 10, 0, 0});
+    EXPECT_EQ(StateNow(farm), collection::DayState::Collected);
 }
 
 // Its clock being behind, each run of a midnight station finds the row of the day before in LogParam, and moves it.

@@ -9,7 +9,7 @@
 #include "desk/collection/frm_Sch_Data.h"
 #include "desk/kit/Grid.h"
 #include "support/ScreenDesk.h"
-#include "support/Silence.h"
+#include "support/OddDevices.h"
 
 using support::Answer;
 using support::Click;

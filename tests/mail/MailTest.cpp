@@ -138,6 +138,7 @@ TEST_F(MailTest, AFailureIsWrittenDownAndHoldsNobodyUp) {
     const std::string log = desk.RtuErr();
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 6) << log;
     EXPECT_THAT(log, Not(HasSubstr("Secret7")));
+    EXPECT_THAT(log, Not(ContainsRegex("the server said: [^45]")));
     EXPECT_THAT(desk.feedback.status, testing::Each("Sending Mail"));
     EXPECT_TRUE(desk.feedback.boxes.empty());
 }
@@ -178,8 +179,8 @@ TEST_F(MailTest, AServerThatNeverAnswersIsGivenUp) {
         return testing::AllOf(testing::Ge(least), testing::Lt(most));
     };
     bool leaving = false;
-    desk.clock.After(500, [&] { leaving = true; });
-    EXPECT_LT(takes(3000, [&] { return leaving; }), 600U);
+    desk.clock.After(2000, [&] { leaving = true; });
+    EXPECT_LT(takes(3000, [&] { return leaving; }), 2100U);
     EXPECT_THAT(desk.RtuErr(), HasSubstr("the program ends"));
 
     int turns = 0;

@@ -9,8 +9,7 @@
 #include "collection/Workbook.h"
 #include "core/Text.h"
 #include "support/CollectionDesk.h"
-#include "support/RefusingSlave.h"
-#include "support/Silence.h"
+#include "support/OddDevices.h"
 
 using core::Row;
 using reading::Result;
@@ -145,6 +144,7 @@ TEST_F(ValueQuality, WhatAStationRefusesIsNoFigureAndTheDayIsPartly) {
     EXPECT_TRUE(day.IsNull("CurrentDayFlow")) << "a zero that nobody sent";
     EXPECT_FALSE(day.IsNull("currentprs"));
     EXPECT_THAT(day.Text("desc"), Not(HasSubstr("Volume Yesterday")));
+    EXPECT_THAT(day.Text("desc"), testing::ContainsRegex("#Flowing Pressure=[0-9.]+[?]kg/cm2#"));
     EXPECT_THAT(Book(location), HasSubstr("\tVolume Yesterday\t\tSCM\trefused\r\n"));
     EXPECT_THAT(Book(location), testing::ContainsRegex("\tFlowing Pressure\t[0-9.]+\tkg/cm2\r\n"));
 

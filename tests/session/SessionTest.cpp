@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/RefusingSlave.h"
+#include "support/OddDevices.h"
 #include "support/SessionDesk.h"
 
 namespace {
@@ -52,7 +52,7 @@ TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
         std::size_t rows;
         const char* stored;
     } cases[] = {{teleFlow, 263 + 75, "Flowing Pressure"},
-                 {teleCorrector, 259 + 75, "Flowing Pressure"},
+                 {teleCorrector, 261 + 75, "Flowing Pressure"},
                  {multiStream, 179 + 43, "Flowing Pressure"},
                  {quantum, 24, "Pressure"}};
     for (const auto& test : cases) {

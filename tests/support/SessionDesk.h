@@ -8,7 +8,7 @@
 
 #include "session/Session.h"
 #include "support/CollectionDesk.h"
-#include "support/Silence.h"
+#include "support/OddDevices.h"
 
 namespace support {
 
