@@ -102,6 +102,11 @@ TEST_F(OutcomeTest, ByScheduleAndByHand) {
     RunTo({2026, 3, 9, 7, 30, 0});
     EXPECT_EQ(LineNow(farm), "due 08:00");
     EXPECT_EQ(LineNow(meadow), "no schedule");
+    const auto ofDay = [&](std::int64_t location) {
+        return collection::LineOfDay(desk.dbconn, location, desk.clock.Now(), desk.clock.Now()).text;
+    };
+    EXPECT_EQ(ofDay(meadow), "no schedule");
+    EXPECT_EQ(ofDay(mill), "due 14:30");
     EXPECT_EQ(StateNow(meadow), collection::DayState::NoSchedule);
     RunTo({2026, 3, 9, 9, 14, 0});
     EXPECT_THAT(LineNow(farm), testing::MatchesRegex("08:0[01] by schedule"));
