@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "collection/Schedule.h"
 #include "collection/Scheduler.h"
 #include "support/CollectionDesk.h"
 
@@ -54,7 +55,7 @@ TEST_F(SchedulerTest, AStationIsDueAtItsContractHourOnItsDay) {
     }
 }
 
-TEST_F(SchedulerTest, TheOutcomeIsRecordedDueOrNot) {
+TEST_F(SchedulerTest, TheMarkOfTheDayIsSetDueOrNot) {
     const auto silent = Add("08:00");
     const auto notToday = Add("08:00", "Weekly", "5");
     const auto later = Add("09:00");
@@ -67,17 +68,10 @@ TEST_F(SchedulerTest, TheOutcomeIsRecordedDueOrNot) {
     }
     EXPECT_TRUE(desk.Master(later).Bool("sampledtoday"));
     EXPECT_EQ(desk.Master(later).Long("sampleddate"), 8);
-}
-
-TEST_F(SchedulerTest, TheFlagsOfAnotherDayAreReset) {
-    const auto yesterday = Add("08:00");
-    const auto today = Add("09:00");
-    desk.dbconn.Execute(
-        "update configdata_master set sampledtoday=true, sampleddate=case locationID when ? then 8 else 9 end",
-        {yesterday});
-    desk.scheduler.ResetDailyFlags();
-    EXPECT_FALSE(desk.Master(yesterday).Bool("sampledtoday"));
-    EXPECT_TRUE(desk.Master(today).Bool("sampledtoday"));
+    desk.dbconn.Execute("update configdata_master set sampledtoday=true");
+    desk.scheduler.ResetDailyFlags();  // those of another day
+    EXPECT_FALSE(desk.Master(later).Bool("sampledtoday"));
+    EXPECT_TRUE(desk.Master(silent).Bool("sampledtoday"));
 }
 
 TEST_F(SchedulerTest, NoMinuteIsMissedBecauseARunIsLong) {
@@ -123,21 +117,26 @@ TEST_F(SchedulerTest, ABoxOfARunAndABrokenTableStopNobody) {
     EXPECT_EQ(desk.Master(second).Long("sampleddate"), 9);
 }
 
-TEST_F(SchedulerTest, LeavingEndsTheRunClosesThePortAndTriesNobodyElse) {
-    fieldsim::LineFaults::Options silence;
-    silence.chances = {{fieldsim::Fault::Silence, 1.0}};
-    const auto first = Add("08:00", "Daily", "0", 1);
-    const auto second = Add("08:00", "Daily", "0", 1);
-    desk.dbconn.Execute("update configdata_master set delaytime=20000, sampledtoday=true, sampleddate=9");
-    desk.OpenField({.faultsElsewhere = silence});
-    desk.clock.After(90000, [&] { desk.scheduler.Leave(); });
-    desk.clock.Run(30000);
-    desk.scheduler.Tick();
-    EXPECT_EQ(desk.clock.Elapsed(), 90000U);
-    EXPECT_FALSE(desk.ports.PortOpen());
-    EXPECT_FALSE(desk.scheduler.Busy());
-    EXPECT_EQ(Attempts(second), 0);
-    EXPECT_TRUE(desk.Master(first).Bool("sampledtoday"));  // cut off: its mark stays
+// The station that is next, as a screen shows it.
+TEST_F(SchedulerTest, TheEarliestIsNextAndAMinuteCountsUntilItIsServed) {
+    const auto next = [this](const core::DateTime& now, bool minuteServed = true) {
+        const auto station = collection::NextDue(desk.dbconn, now, minuteServed);
+        return station ? core::DateText(station->at) + " " + core::TimeText(station->at) : "";
+    };
+    Add("00:00", "NO", "100");
+    Add("08:00", "Hourly");
+    EXPECT_EQ(next({2026, 3, 9, 7, 0, 0}), "");
+    Add("2026-01-01 06:15", "Monthly", "31");
+    EXPECT_EQ(next({2026, 3, 31, 6, 15, 0}), "31/05/2026 06:15:00");
+    EXPECT_EQ(next({2026, 12, 31, 7, 0, 0}), "31/01/2027 06:15:00");
+    Add("08:00", "Weekly", "1");
+    EXPECT_EQ(next({2026, 3, 9, 8, 0, 0}), "15/03/2026 08:00:00");
+    Add("08:00");
+    Add("07:30");
+    EXPECT_EQ(next({2026, 3, 9, 7, 29, 59}), "09/03/2026 07:30:00");
+    EXPECT_EQ(next({2026, 3, 9, 7, 30, 20}, false), "09/03/2026 07:30:00");
+    EXPECT_EQ(next({2026, 3, 9, 7, 30, 20}, true), "09/03/2026 08:00:00");
+    EXPECT_EQ(next({2026, 3, 9, 23, 59, 59}), "10/03/2026 07:30:00");
 }
 
 }  // namespace

@@ -25,43 +25,37 @@ struct WorkbookTest : testing::Test {
     }
 };
 
+// Without values the heading stands alone. A text stays in its column.
 TEST_F(WorkbookTest, AppendsABlockARun) {
-    desk.dbconn.Execute("insert into sched_temp values('Flow \"A\"', 12.5, 'SCMH'),('Volume', null, '')");
-    Write("Mill");
+    const std::string heading = "Sr. No\tDescription\tValue  \tUnit\r\n";
+    Write("Mill\n9");
+    EXPECT_EQ(Book("Mill\n9"), heading);
+    desk.dbconn.Execute("insert into sched_temp values('Flow \"A\"', 12.5, 'SCMH'),('Volume', null, ''),(?, 1, ?)",
+                        {"Flow\t99\r\n2", "m\n3"});
+    Write("Mill\n9");
     const std::string block =
         "Schedule Date:-  05/03/2026  Schedule Time:-   08:00:07\r\n"
-        "RTU Name:- Mill\r\n"
+        "RTU Name:- Mill 9\r\n"
         "Stream:- 2\r\n"
-        "Model Name:- AGA7\r\n"
-        "Sr. No\tDescription\tValue  \tUnit\r\n"
+        "Model Name:- AGA7\r\n" +
+        heading +
         "1\tFlow \"A\"\t12.5\tSCMH\r\n"
-        "2\tVolume\t\t\r\n";
-    EXPECT_EQ(Book("Mill"), block);
-    Write("Mill");
-    EXPECT_EQ(Book("Mill"), block + block);
-    EXPECT_TRUE(std::filesystem::exists(desk.shared.schedulerDirectory / "Mill_532026.xls"));
-}
-
-TEST_F(WorkbookTest, WithoutValuesTheHeadingStandsAlone) {
-    Write("Mill");
-    EXPECT_EQ(Book("Mill"), "Sr. No\tDescription\tValue  \tUnit\r\n");
+        "2\tVolume\t\t\r\n"
+        "3\tFlow 99  2\t1\tm 3\r\n";
+    EXPECT_EQ(Book("Mill\n9"), heading + block);
+    EXPECT_TRUE(std::filesystem::exists(desk.shared.schedulerDirectory / "Mill%0A9_532026.xls"));
 }
 
 TEST_F(WorkbookTest, EveryNameIsOneFileInsideTheDirectory) {
-    const std::vector<std::string> names = {"../../etc/x",
-                                            "a/b",
-                                            "a\\b",
-                                            "..",
-                                            ".hidden",
-                                            "O'Brien's",
-                                            "a%2Fb",
-                                            "Süd",
-                                            "line\nbreak",
-                                            std::string("nul\0", 4),
-                                            std::string(10000, 'x') + "1",
-                                            std::string(10000, 'x') + "2",
-                                            std::string(300, '\x80'),  // no characters of UTF-8
-                                            ""};
+    const std::string longName(10000, 'x');
+    const std::string noCharacters(300, '\x80');  // of UTF-8
+    const std::vector<std::string> names = {"../../etc/x",  "a/b",
+                                            "a\\b",         "..",
+                                            ".hidden",      "O'Brien's",
+                                            "a%2Fb",        "Süd",
+                                            "line\nbreak",  std::string("nul\0", 4),
+                                            longName + "1", longName + "2",
+                                            noCharacters,   ""};
     for (const std::string& name : names) {
         Write(name);
     }
@@ -72,13 +66,6 @@ TEST_F(WorkbookTest, EveryNameIsOneFileInsideTheDirectory) {
     }
     EXPECT_EQ(files, names.size());
     EXPECT_EQ(desk.RtuErr(), "");
-}
-
-TEST_F(WorkbookTest, ATextStaysInItsColumn) {
-    desk.dbconn.Execute("insert into sched_temp values(?, 1, ?)", {"Flow\t99\r\n2", "m\n3"});
-    Write("Mill\r\nStream:- 9");
-    EXPECT_THAT(Book("Mill\r\nStream:- 9"), HasSubstr("RTU Name:- Mill  Stream:- 9\r\n"));
-    EXPECT_THAT(Book("Mill\r\nStream:- 9"), HasSubstr("\r\n1\tFlow 99  2\t1\tm 3\r\n"));
 }
 
 // A file system that gets full in the middle of a block, played by the limit of this process.
@@ -103,14 +90,14 @@ TEST_F(WorkbookTest, AFailureIsToldAndTheRunGoesOn) {
     std::filesystem::create_symlink("/dev/full", collection::WorkbookPath(desk.shared, "Full", desk.clock.Now()));
     Write("Full");
     std::filesystem::remove_all(desk.shared.schedulerDirectory);
-    Write("Mill");  // the directory is made
-    EXPECT_NE(Book("Mill"), "");
-    std::filesystem::remove_all(desk.shared.schedulerDirectory);
     std::ofstream(desk.shared.schedulerDirectory) << "in the way";
     Write("Mill");
     EXPECT_THAT(desk.feedback.status, testing::ElementsAre("Error in creating Excel", "Error in creating Excel"));
     EXPECT_THAT(desk.RtuErr(), HasSubstr("No space left on device"));
     EXPECT_THAT(desk.RtuErr(), HasSubstr("Not a directory"));
+    std::filesystem::remove(desk.shared.schedulerDirectory);
+    Write("Mill");  // the directory is made
+    EXPECT_NE(Book("Mill"), "");
 }
 
 TEST_F(WorkbookTest, EachDayOfAYearHasAFileOfItsOwn) {
@@ -128,7 +115,17 @@ TEST_F(WorkbookTest, EachDayOfAYearHasAFileOfItsOwn) {
     EXPECT_EQ(name({2026, 12, 3, 0, 0, 0}), "Mill_3122026.xls");  // February has no 31st
     // What an earlier version wrote is found.
     std::ofstream(desk.shared.schedulerDirectory / "Mill_1112026.xls") << "older";
-    EXPECT_EQ(collection::ScheduledWorkbook(desk.shared, "Mill", "01/11/2026").value().filename(), "Mill_1112026.xls");
+    const auto found = [&](const char* date) {
+        const auto file = collection::ScheduledWorkbook(desk.shared, "Mill", date);
+        return file ? file->filename().string() : "";
+    };
+    EXPECT_EQ(found("01/11/2026"), "Mill_1112026.xls");
+    EXPECT_EQ(found("5/3/2026"), "Mill_532026.xls");
+    EXPECT_EQ(found(" 29/02/2024 "), "Mill_2922024.xls");
+    for (const char* const none :
+         {"29/02/2026", "03/25/2026", "2026-03-05", "5/3", "5/3/2026x", "5/3/99999999999", "-5/3/2026", ""}) {
+        EXPECT_EQ(found(none), "") << none;
+    }
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 #include "desk/collection/frmScheduler.h"
 #include "desk/collection/frm_Sch_Data.h"
 #include "desk/kit/Grid.h"
+#include "support/OddDevices.h"
 #include "support/ScreenDesk.h"
-#include "support/Silence.h"
 
 using support::Answer;
 using support::Click;

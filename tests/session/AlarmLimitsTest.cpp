@@ -77,6 +77,10 @@ TEST(AlarmWatch, JudgesTheBlocksThatEndWithAKnownLimitEachWithItsOwnLatches) {
     EXPECT_EQ(states(), (States{{1, 4}, {15, 2}}));
     watch.Forget();
     EXPECT_EQ(states(), (States{{1, 3}, {15, 2}}));
+    for (const auto& [value, state] : {std::pair(91, 4), {87, 3}, {77, 0}, {19, 2}, {9, 1}}) {  // each of its limits
+        rows[1].lastvalue = value;
+        EXPECT_EQ(states(), (States{{1, state}, {15, 2}})) << value;
+    }
     rows[4].quality = core::Quality::OutOfRange;  // without one of its limits a value is not judged
     EXPECT_EQ(states(), (States{{15, 2}}));
     // A limit that stands too high up closes no block.

@@ -57,21 +57,8 @@ struct ArchiveLineTest : testing::Test {
     }
 };
 
-TEST_F(ArchiveLineTest, AConnectedSessionLendsItsLineAndGoesOn) {
-    desk.Open(corrector);
-    desk.session->Connect();
-    Collect(Screen::frmparaarchive, desk.session.get());
-    ExpectCollected(1);
-    EXPECT_EQ(Stored(1, 1), 40);
-    EXPECT_EQ(desk.session->GetState(), State::Connected);
-    EXPECT_THAT(desk.feedback.status, Contains("Collecting Archive......."));  // the screen's own, not the session's
-    desk.Behind({[] {}, [] {}});
-    desk.session->GetData();
-    EXPECT_EQ(desk.view.refreshed, 3);
-}
-
 // A session signs on without the password that opens the archive of some stations.
-TEST_F(ArchiveLineTest, AGuestSignsOnWithThePassword) {
+TEST_F(ArchiveLineTest, AConnectedSessionLendsItsLineAndGoesOn) {
     desk.Open(corrector);
     desk.session->Connect();
     fieldsim::BsapStation& station = *desk.field->Station(desk.locationID)->bsap;
@@ -80,6 +67,20 @@ TEST_F(ArchiveLineTest, AGuestSignsOnWithThePassword) {
     Collect(Screen::frmparaarchive, desk.session.get());
     ExpectCollected(1);
     EXPECT_TRUE(station.SignedOn());
+    EXPECT_EQ(Stored(1, 1), 40);
+    EXPECT_EQ(desk.session->GetState(), State::Connected);
+    EXPECT_THAT(desk.feedback.status, Contains("Collecting Archive......."));  // the screen's own, not the session's
+    desk.Behind({[] {}, [] {}});
+    desk.session->GetData();
+    EXPECT_EQ(desk.view.refreshed, 3);
+}
+
+TEST_F(ArchiveLineTest, AMicroIsReadAsACw) {
+    desk.Open(micro);
+    desk.session->Connect();
+    ASSERT_EQ(desk.session->GetState(), State::Connected);
+    Collect(Screen::frmparaarchive, desk.session.get());
+    ExpectCollected(1);
 }
 
 TEST_F(ArchiveLineTest, APollingSessionLendsItBetweenTwoReads) {
@@ -167,14 +168,6 @@ TEST_F(ArchiveLineTest, TheScreenByFileNumberUsesALineThatStandsElseCalls) {
     ExpectCollected(1);
     EXPECT_EQ(desk.ports.TimesOpened(), opened);
     EXPECT_EQ(desk.session->GetState(), State::Connected);
-}
-
-TEST_F(ArchiveLineTest, AMicroIsReadAsACw) {
-    desk.Open(micro);
-    desk.session->Connect();
-    ASSERT_EQ(desk.session->GetState(), State::Connected);
-    Collect(Screen::frmparaarchive, desk.session.get());
-    ExpectCollected(1);
 }
 
 TEST_F(ArchiveLineTest, WithoutALineTheOperatorIsTold) {

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "demo/DemoRegister.h"
+#include "session/editor/AddressTable.h"
 #include "session/editor/RegisterEditor.h"
 #include "support/ScratchDesk.h"
 
@@ -134,42 +135,33 @@ TEST_F(RegisterEditorTest, ASecondPassOffersWhatWasStoredAndReplacesIt) {
 }
 
 TEST_F(RegisterEditorTest, WhatTheDialogSays) {
-    struct Case {
-        const char* address;
-        const char* type;
-        bool evenIfTaken;
-        Kind kind;
-        const char* message;
-        const char* control;
-    };
     RegisterEditor editor = Edit(New());
     EXPECT_EQ(Give(editor, 0, "50", "Float").kind, Kind::Taken);
-    const std::string overlap = "Address is overlapping\nPlease Choose another address";
-    for (const Case& c :
-         {Case{"50", "Integer", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
-          Case{"51", "Integer", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
-          Case{"49", "Float", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
-          Case{"50", "Word", false, Kind::Question, overlap.c_str(), "txtstartaddress"},
-          Case{"50", "Word", true, Kind::Refused, "Invalid Datatype", "cmbdatatype"},
-          Case{"abc", "Word", false, Kind::Refused, "Invalid Datatype", "cmbdatatype"},
-          Case{"60", "", false, Kind::Refused, "Invalid Datatype", "cmbdatatype"},
-          Case{"abc", "Integer", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
-          Case{"", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
-          Case{"-5", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
-          Case{"12.5", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
-          Case{"1' or '1", "Float", false, Kind::Refused, "Invalid Statraddress", "txtstartaddress"},
-          Case{"65536", coil, false, Kind::Refused, "StartAddress must be less than 65536", "txtstartaddress"},
-          Case{"65536", "Integer", false, Kind::Refused, "StartAddress must be less than 65536", "txtstartaddress"},
-          Case{"99999999999999999999999999", "Float", false, Kind::Refused, "StartAddress must be less than 65536",
-               "txtstartaddress"},
-          Case{"65535", "Integer", false, Kind::Refused, "The table of addresses ends at 10099", "txtstartaddress"},
-          Case{"10100", "Float", false, Kind::Refused, "The table of addresses ends at 10099", "txtstartaddress"}}) {
-        const AddressVerdict verdict = Give(editor, 1, c.address, c.type, c.evenIfTaken);
-        EXPECT_EQ(verdict.kind, c.kind) << c.address << " " << c.type;
+    constexpr const char* overlap = "Address is overlapping\nPlease Choose another address";
+    constexpr const char* noType = "Invalid Datatype";
+    constexpr const char* noAddress = "Invalid Statraddress";
+    constexpr const char* tooLarge = "StartAddress must be less than 65536";
+    constexpr const char* beyond = "The table of addresses ends at 10099";
+    const struct {
+        const char* address;
+        const char* type;
+        const char* message;
+    } cases[] = {{"50", "Integer", overlap},       {"51", "Integer", overlap},
+                 {"49", "Float", overlap},         {"50", "Word", overlap},
+                 {"abc", "Word", noType},          {"60", "", noType},
+                 {"abc", "Integer", noAddress},    {"", "Float", noAddress},
+                 {"-5", "Float", noAddress},       {"12.5", "Float", noAddress},
+                 {"1' or '1", "Float", noAddress}, {"65536", coil, tooLarge},
+                 {"65536", "Integer", tooLarge},   {"99999999999999999999999999", "Float", tooLarge},
+                 {"65535", "Integer", beyond},     {"10100", "Float", beyond}};
+    for (const auto& c : cases) {
+        const AddressVerdict verdict = Give(editor, 1, c.address, c.type);
+        EXPECT_EQ(verdict.kind, c.message == overlap ? Kind::Question : Kind::Refused) << c.address << " " << c.type;
         EXPECT_EQ(verdict.message, c.message) << c.address << " " << c.type;
-        EXPECT_EQ(verdict.control, c.control) << c.address << " " << c.type;
+        EXPECT_EQ(verdict.control, c.message == noType ? "cmbdatatype" : "txtstartaddress");
         EXPECT_EQ(editor.Rows(aga3)[1].address, "");
     }
+    EXPECT_EQ(Give(editor, 1, "50", "Word", true).message, noType);
     // What was refused holds no address, neither as a coil nor as a register.
     EXPECT_EQ(Give(editor, 1, "60", "Integer").kind, Kind::Taken);
     EXPECT_EQ(Give(editor, 2, "65535", coil).kind, Kind::Taken);
@@ -196,6 +188,26 @@ TEST_F(RegisterEditorTest, ARowDoesNotCollideWithItself) {
     EXPECT_EQ(Give(editor, 4, "52", "Integer").kind, Kind::Question);
     EXPECT_EQ(Give(editor, 1, "84", "Integer").kind, Kind::Taken);
     EXPECT_EQ(Give(editor, 4, "52", "Integer").kind, Kind::Taken);
+}
+
+// As operators know the table: the second register of a float is sought in the hundred of its first, and there is room
+// for a hundred and one coils.
+TEST_F(RegisterEditorTest, TheTableOfAddressesHasItsLimits) {
+    RegisterEditor editor = Edit(New());
+    EXPECT_EQ(Give(editor, 0, "199", "Float").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 1, "200", "Integer").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 2, "199", "Integer").kind, Kind::Question);
+    EXPECT_EQ(Give(editor, 2, "10099", "Float").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 0, "300", "Float").kind, Kind::Taken);
+    EXPECT_EQ(Give(editor, 3, "199", "Float").kind, Kind::Taken) << "free again";
+    AddressTable table(false);
+    for (int address = 1; address <= 101; ++address) {
+        EXPECT_EQ(table.Hash(address, coil), AddressOutcome::Free) << address;
+    }
+    EXPECT_EQ(table.Hash(102, "coil(boolean)"), AddressOutcome::Beyond);
+    EXPECT_EQ(table.Hash(50, "Integer"), AddressOutcome::Free) << "coils and registers are two things";
+    table.DeleteHash(50, coil);
+    EXPECT_EQ(table.Hash(102, coil), AddressOutcome::Free);
 }
 
 TEST_F(RegisterEditorTest, AStoredMapChangesOnlyWhereItWasEdited) {

@@ -162,6 +162,8 @@ TEST(WriteOutcomeTest, AValueThatIsNotReadBackStaysUnconfirmed) {
         EXPECT_THAT(desk.Lines("changed value"), IsEmpty());
         EXPECT_THAT(desk.Lines("Keypad N2 was not confirmed by RTU "), testing::SizeIs(1));
         EXPECT_THAT(desk.view.ends, ElementsAre("Remote Station not Responding"));
+        EXPECT_FALSE(desk.Master(desk.locationID).Bool("sampledtoday"));
+        EXPECT_GT(desk.session->Requests().failed, 0);
     }
 }
 
@@ -177,7 +179,7 @@ TEST(WriteOutcomeTest, WhatNoFrameCarriesIsNotSent) {
 }
 
 TEST(WriteOutcomeTest, AMultipleWriteStopsAtTheFirstValueThatIsNotTaken) {
-    for (const WriteFault fault : {WriteFault::LostBefore, WriteFault::Ignore, WriteFault::Refuse}) {
+    for (const WriteFault fault : {WriteFault::None, WriteFault::LostBefore, WriteFault::Ignore, WriteFault::Refuse}) {
         SCOPED_TRACE(static_cast<int>(fault));
         WriteDesk desk;
         desk.options.writes[1].script = {WriteFault::None};
@@ -190,9 +192,19 @@ TEST(WriteOutcomeTest, AMultipleWriteStopsAtTheFirstValueThatIsNotTaken) {
                            entries.push_back({{gc, row}, std::to_string(row + 1)});
                        }
                        ASSERT_EQ(entries.size(), 21U);
+                       auto wrong = entries;
+                       wrong.back().text = "x";
+                       EXPECT_EQ(desk.session->AskMultipleWrite(wrong), "Enter Proper Data");
+                       EXPECT_FALSE(desk.session->WritePending());
                        EXPECT_EQ(desk.session->AskMultipleWrite(entries), "");
                    }},
                   desk.Leave()});
+        if (fault == WriteFault::None) {
+            EXPECT_EQ(desk.Writes().size(), 21U);
+            EXPECT_EQ(desk.Lines("changed value of parameter").size(), 21U);
+            EXPECT_EQ(desk.Stored("Nitrogen"), 2);
+            continue;
+        }
         EXPECT_EQ(desk.Writes().size(), fault == WriteFault::LostBefore ? 4U : 2U);
         EXPECT_LE(desk.view.boxes.size(), 2U);
         EXPECT_THAT(desk.Lines("changed value of parameter"), ElementsAre(HasSubstr("Methane from")));
@@ -230,7 +242,8 @@ TEST(WriteOutcomeTest, NothingIsWrittenByWhatAnEarlierConnectionRead) {
 }
 
 TEST(WriteOutcomeTest, TheClockIsSetToTheSecondAndToldWhenItShowsIt) {
-    for (const demo::DemoStation& station : {modbus, bsap}) {
+    const demo::DemoStation twin{"Twin", "CWEFM-MultiStream", "BSAP", "", 1, 5, "", 2, {"AGA3", "AGA7"}};
+    for (const demo::DemoStation& station : {modbus, bsap, twin}) {
         for (const WriteFault fault : {WriteFault::None, WriteFault::Ignore}) {
             SCOPED_TRACE(station.protocol + std::to_string(static_cast<int>(fault)));
             WriteDesk desk;
@@ -248,13 +261,18 @@ TEST(WriteOutcomeTest, TheClockIsSetToTheSecondAndToldWhenItShowsIt) {
                        [&] {
                            // A clock that is an hour behind.
                            if (fault == WriteFault::Ignore) {
-                               desk.field->Values(desk.locationID, 1, "RTU Time - Hour")->Fix("RTU Time - Hour", 3);
+                               const std::string hour = station.No_Stream > 1 ? "System Time Hour" : "RTU Time - Hour";
+                               EXPECT_TRUE(desk.field->Values(desk.locationID, 1, hour)->Fix(hour, 3));
                            }
                            desk.session->AskTime();
                        }},
                       desk.Leave()});
             const bool set = fault == WriteFault::None;
             EXPECT_EQ(ahead, 0);
+            EXPECT_THAT(desk.Writes(),
+                        ElementsAre(HasSubstr("Set Year = 2026"), HasSubstr("Set Month = 3"), HasSubstr("Set Date = 9"),
+                                    HasSubstr("Set Hour"), HasSubstr("Set Minute"), HasSubstr("Set Second"),
+                                    HasSubstr("Set Time & Date = 1")));
             EXPECT_EQ(desk.Lines("WARDEN set the time of RTU ").size(), set ? 1U : 0U);
             EXPECT_EQ(desk.Lines("asked to set the time of RTU ").size(), set ? 1U : 2U);
             EXPECT_THAT(desk.view.requests.back(),
@@ -279,53 +297,6 @@ TEST(WriteOutcomeTest, ATrailThatTakesNoLineEndsNoSession) {
                    desk.session->Disconnect();
                }}});
     EXPECT_THAT(desk.RtuErr(), HasSubstr("User WARDEN set the time of RTU Hill Farm. Not in the audit trail: "));
-}
-
-TEST(WriteOutcomeTest, WhatIsMeasuredIsTheSuperUsersAlone) {
-    for (const demo::DemoStation& station :
-         {modbus, demo::DemoStation{"Twin", "CWEFM-MultiStream", "BSAP", "", 1, 5, "", 2, {"AGA3", "AGA7"}}}) {
-        WriteDesk desk;
-        desk.Begin(station);
-        desk.Run(
-            {{"try", [&] { return desk.Idle(); },
-              [&] {
-                  desk.shared.currentuser = "operator";
-                  for (const auto& [aga, name] : {std::pair{"TOTRND", "Total Volume Accumulated"},
-                                                  {"TOTRND", "Volume Yesterday"},
-                                                  {"HEALTH", "Main Battery Volt"}}) {
-                      EXPECT_EQ(desk.session->Check(desk.Place(aga, name), "1"), "Could not set. Lower user level.")
-                          << name;
-                  }
-                  EXPECT_EQ(desk.session->Check(desk.Place("KEYPAD", "Keypad N2"), "1"), "");
-                  desk.shared.currentuser = "WARDEN";
-                  EXPECT_EQ(desk.session->Check(desk.Place("TOTRND", "Total Volume Accumulated"), "1"), "");
-                  desk.session->Disconnect();
-              }}});
-    }
-}
-
-TEST(WriteOutcomeTest, AStreamThatCannotBeTakenLeavesTheOldOne) {
-    WriteDesk desk;
-    desk.Open({"Twin", "CWEFM-MultiStream", "BSAP", "", 1, 5, "", 2, {"AGA3", "AGA7"}});
-    desk.session->Connect();
-    // More rows of a group than it holds.
-    desk.dbconn.Execute(
-        "insert into configdata_detail(locationID, description, aga, StreamNo, startaddress, type) "
-        "with recursive n(i) as (select 1 union all select i+1 from n where i<200) "
-        "select ?, 'X' || i, 'KEYPAD', 2, '54-1', 'Float' from n",
-        {desk.locationID});
-    desk.Run({{"ask for it", [&] { return desk.Idle(); }, [&] { desk.session->ChooseStream(2); }},
-              {"the old one", [&] { return !desk.view.boxes.empty(); },
-               [&] {
-                   EXPECT_EQ(desk.session->StreamNo(), 1);
-                   EXPECT_TRUE(desk.session->PollingActive());
-               }},
-              desk.Ask("KEYPAD", "Keypad N2", "1.25"),
-              desk.Leave()});
-    EXPECT_THAT(desk.Writes(), ElementsAre(HasSubstr("Keypad N2 = 1.25")));
-    EXPECT_THAT(desk.Lines("changed value"), ElementsAre(HasSubstr("Keypad N2")));
-    EXPECT_THROW(desk.session->ChooseStream(2), std::length_error);
-    EXPECT_EQ(desk.session->StreamNo(), 1);
 }
 
 // The box that tells of the silence comes with the end; while the session goes on, the count tells.
@@ -364,16 +335,6 @@ TEST(WriteOutcomeTest, ASessionSurvivesAsManyFailedPollsAsTheSettingSays) {
         const auto polls = std::count_if(desk.view.requests.begin(), desk.view.requests.end(),
                                          [](const auto& text) { return text.starts_with("Failed polls in a row"); });
         EXPECT_EQ(polls > 0, survived > 0);
-    }
-}
-
-TEST(WriteOutcomeTest, EveryProtocolsSessionLeavesItsConnection) {
-    for (const demo::DemoStation& station :
-         {modbus, bsap, demo::DemoStation{"Quay", "TeleFlow", "Quantum", "", 1, 5}}) {
-        WriteDesk desk;
-        desk.Begin(station);
-        desk.session->Disconnect();
-        EXPECT_EQ(desk.Lines((": User WARDEN connected to RTU " + station.consumer + ".").c_str()).size(), 1U);
     }
 }
 

@@ -5,7 +5,6 @@
 
 #include "archive/bsap/Collecting.h"
 #include "fieldsim/BsapStation.h"
-#include "fieldsim/LineFaults.h"
 #include "protocols/FieldTalk.h"
 #include "protocols/bsap/BsapLink.h"
 #include "reading/BsapList.h"
@@ -17,7 +16,6 @@ namespace {
 
 using namespace signals;
 using fieldsim::DataAnswer;
-using fieldsim::Fault;
 
 constexpr int list = 54;
 constexpr int places = 40;  // more than two replies
@@ -156,30 +154,6 @@ TEST_F(BsapStations, AnyByteOfTheHeadMayBe10Hex) {
                 ReadList();
                 ReadNames();
                 ReadAndWriteSingles();
-                ReadHistory();
-                EXPECT_EQ(talk.requests.failed, 0);
-            }
-        }
-    }
-}
-
-// Noise ahead of and behind every answer costs nothing, whether the station's byte leads the frame or is in its head.
-TEST_F(BsapStations, NoiseCostsNothing) {
-    for (const bool isCW : {false, true}) {
-        for (const bool countsForItself : {false, true}) {
-            for (const Fault fault : {Fault::NoiseBefore, Fault::NoiseAfter}) {
-                SCOPED_TRACE(std::to_string(isCW) + " " + std::to_string(countsForItself));
-                auto options = countsForItself ? fieldsim::BsapOptions::CountsForItself() : fieldsim::BsapOptions{};
-                options.shortLayout = isCW;
-                Open(5, options);
-                fieldsim::LineFaults::Options faults;
-                faults.chances = {{fault, 1.0}};
-                between = std::make_unique<fieldsim::LineFaults>(*station, faults);
-                ports.Attach(1, *between);
-                ASSERT_TRUE(protocols::SignOn(talk));
-                ExpectVersion();
-                ReadList();
-                ReadNames();
                 ReadHistory();
                 EXPECT_EQ(talk.requests.failed, 0);
             }

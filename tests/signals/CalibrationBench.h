@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/Text.h"
@@ -63,7 +64,7 @@ class CalibrationBench : public CalibrationView {
             messages.push_back(text);
         }
     }
-    void Progress(int, int) override {}
+    void Progress(int done, int total) override { progress.emplace_back(done, total); }
 
     // Runs a calibration of its own with what the operator does in it.
     void Run(std::vector<support::Script::Step> steps) {
@@ -140,6 +141,7 @@ class CalibrationBench : public CalibrationView {
         field.TakeOver(""), desk.clock, desk.feedback, desk.logs, counters, {}, "WARDEN", 1, {}, {}};
     std::unique_ptr<Calibration> calibration;
     std::vector<std::string> messages;
+    std::vector<std::pair<int, int>> progress;
     std::string refusal;
 
   private:

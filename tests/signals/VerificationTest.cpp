@@ -58,25 +58,23 @@ TEST(Verification, TheAfterValueDecidesHowTwoAreCompared) {
     }
 }
 
-struct VerificationOfLists : testing::Test {
+TEST(Verification, RowsArePairedByTheirPlaces) {
     support::ScratchDesk desk;
-
-    void Store(Side side, int list, const std::vector<std::pair<std::string, std::string>>& signals) {
+    using NamesAndValues = std::vector<std::pair<std::string, std::string>>;
+    const auto store = [&](Side side, int list, const NamesAndValues& signals) {
         std::vector<signals::ChangeRow> rows;
         for (const auto& [name, value] : signals) {
             rows.push_back({"", name, value, side == Side::Before ? "bar" : "kPa"});
         }
         signals::StoreChange(desk.dbconn, side, 7, list, rows, {2026, 3, 9, 8, 0, 0});
-    }
-};
-
-TEST_F(VerificationOfLists, RowsArePairedByTheirPlaces) {
-    Store(Side::Before, 55, {{"X", "1"}, {"Y", "2"}, {"Z", "3"}});
-    Store(Side::After, 55, {{"X", "1"}, {"NEW", "9"}});
-    Store(Side::Before, 9, {{"A", "OPEN"}});
-    Store(Side::After, 9, {{"A", "OPEN"}, {"B", "1"}});
-    Store(Side::Before, 20, {{"ONLY BEFORE", "1"}});
-    Store(Side::After, 30, {{"ONLY AFTER", "1"}});
+    };
+    EXPECT_EQ(signals::Verification(desk.dbconn, 7).Total(), 0U);
+    store(Side::Before, 55, {{"X", "1"}, {"Y", "2"}, {"Z", "3"}});
+    store(Side::After, 55, {{"X", "1"}, {"NEW", "9"}});
+    store(Side::Before, 9, {{"A", "OPEN"}});
+    store(Side::After, 9, {{"A", "OPEN"}, {"B", "1"}});
+    store(Side::Before, 20, {{"ONLY BEFORE", "1"}});
+    store(Side::After, 30, {{"ONLY AFTER", "1"}});
     signals::StoreChange(desk.dbconn, Side::Before, 8, 9, {{"", "OTHER STATION", "1", ""}}, {2026, 3, 9, 8, 0, 0});
     signals::Verification verification(desk.dbconn, 7);
     EXPECT_EQ(verification.Total(), 4U);
@@ -91,6 +89,10 @@ TEST_F(VerificationOfLists, RowsArePairedByTheirPlaces) {
         }
     }
     EXPECT_THAT(cells, ElementsAre("1|9|A|bar|OPEN|OPEN|", "2|55|X|bar|1|1|0.00000|", "!3|55|Y|bar|2|9|7.00000|"));
+    // As a text its rows are lines, whatever stands in their fields.
+    VerifiedRow broken = signals::CompareValues("1\t2", "O\r\nN");
+    broken.name = "A B";
+    EXPECT_THAT(signals::VerificationText({broken}), HasSubstr("\tA B\t\t1 2\tO  N\t"));
     std::string uneven;
     for (const auto& list : verification.Uneven()) {
         uneven +=
@@ -98,13 +100,6 @@ TEST_F(VerificationOfLists, RowsArePairedByTheirPlaces) {
     }
     EXPECT_EQ(uneven, "9:1/2 20:1/0 30:0/1 55:3/2 ");
 }
-
-TEST_F(VerificationOfLists, AStationWithoutListsHasNothing) {
-    EXPECT_EQ(signals::Verification(desk.dbconn, 7).Total(), 0U);
-}
-
-// The workbook
-// ---------------------------------------------------------------------------------------------------------
 
 VerifiedRow Row(std::size_t number, const std::string& name, const std::string& before, const std::string& after) {
     VerifiedRow row = signals::CompareValues(before, after);
@@ -139,24 +134,13 @@ TEST(VerificationBook, AnotherProgramReadsWhatWasCompared) {
 }
 
 // Files may grow to so many bytes, as on a disk that is full. Holds for the whole program.
-class SmallDisk {
-  public:
-    explicit SmallDisk(rlim_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit small{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        signal(SIGXFSZ, handler_);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-  private:
-    sighandler_t handler_;
-    rlimit before_{};
-};
+void LimitFiles(rlim_t bytes) {
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = std::min(bytes, limit.rlim_max);
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
 
 TEST(VerificationBook, IsWrittenWholeOrWhatStoodThereStays) {
     const support::ScratchDirectory scratch;
@@ -170,8 +154,10 @@ TEST(VerificationBook, IsWrittenWholeOrWhatStoodThereStays) {
     rows.pop_back();
     // From no room at all to room for the book, but not for what it is put together from.
     for (const rlim_t bytes : {0UL, 4096UL, 40000UL, whole.size() + 1000, 300000UL}) {
-        const SmallDisk small(bytes);
-        EXPECT_THAT(signals::WriteVerificationBook(file, rows), HasSubstr("report.xlsx: ")) << bytes;
+        LimitFiles(bytes);
+        const std::string failure = signals::WriteVerificationBook(file, rows);
+        LimitFiles(RLIM_INFINITY);
+        EXPECT_THAT(failure, HasSubstr("report.xlsx: ")) << bytes;
         EXPECT_EQ(support::FileText(file), whole) << bytes;
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(scratch.path), {}), 1) << bytes;
     }

@@ -75,19 +75,6 @@ TEST_F(OneOfEach, IsCollectedWholeAtItsContractHour) {
     EXPECT_THAT(book, HasSubstr("Model Name:- AGA7\r\n"));
 }
 
-TEST_F(OneOfEach, AnswersThatComeOnlyAfterAPollAreCollectedAsWell) {
-    fieldsim::FieldOptions options;
-    options.answers = fieldsim::DataAnswer::AcknowledgeFirst;
-    const auto& field = desk.OpenField(options);
-    desk.StartTicking();
-    desk.clock.Run(20 * 60000);
-    for (const auto location : {locations[2], locations[3]}) {
-        EXPECT_TRUE(desk.Master(location).Bool("sampledtoday")) << desk.RtuErr();
-        ExpectOnlyServedValues(field, location);
-    }
-    EXPECT_EQ(Stored(locations[2]), 242 + 75);
-}
-
 TEST_F(OneOfEach, ADayLaterEveryRowIsUpdatedAndNoneIsDoubled) {
     desk.OpenField();
     desk.StartTicking();

@@ -8,7 +8,7 @@
 
 #include "session/Session.h"
 #include "support/CollectionDesk.h"
-#include "support/Silence.h"
+#include "support/OddDevices.h"
 
 namespace support {
 
@@ -18,6 +18,7 @@ struct RecordingView final : session::SessionView {
     std::vector<std::string> boxes;
     std::vector<std::string> requests;
     std::vector<std::string> ends;
+    std::vector<std::pair<int, int>> progress;
     int refreshed = 0;
     int drawn = 0;
     std::vector<std::string> sent;  // lines of bytes that went out
@@ -37,7 +38,7 @@ struct RecordingView final : session::SessionView {
     }
     void StateChanged() override {}
     void Request(const std::string& text) override { requests.push_back(text); }
-    void Progress(int, int) override {}
+    void Progress(int done, int total) override { progress.emplace_back(done, total); }
     void Storing(bool) override {}
     void Drawn() override { ++drawn; }
     void Refreshed() override {

@@ -19,7 +19,6 @@ class Options:
     passwords = ('', '482913')
     not_ready = 0.0       # share of the requests that get their answer by a poll
     second_poll = 0.4     # share of those that get it only by the second
-    stale = 0.0           # share of the polls that bring the answer to the request before once more, first
     poll_serial = False   # an answer to a poll carries the poll's serial number
     noise = 0.0           # share of the frames that have noise around them
     names_in_singles = False  # a signal that is read by itself brings its name, as in a list with names
@@ -39,7 +38,6 @@ class Station:
         self.reader = frames.Reader()
         self.chance = random.Random(options.seed)
         self.counts = {}
-        self.last_answer = None
         self.hang_up()
 
     def hang_up(self):
@@ -92,15 +90,11 @@ class Station:
         sequence, work = request
         self.count('%02X' % work[0])
         result = bytes([0, serial, 0x0B]) + sequence + bytes([APPLICATION, self.options.status]) + self.work(work)
-        previous, self.last_answer = self.last_answer, result
         if self.chance.random() >= self.options.not_ready:
             self.pending = None
             return result
         self.count('not ready')
-        self.pending = [result]
-        if previous is not None and self.chance.random() < self.options.stale:
-            self.count('stale')
-            self.pending.insert(0, previous)
+        self.pending = result
         self.polls_before = 1 if self.chance.random() < self.options.second_poll else 0
         return self.local(serial, ACCEPTED)
 
@@ -112,7 +106,7 @@ class Station:
             self.polls_before -= 1
             self.count('second poll')
             return self.local(serial, NOTHING_READY)
-        result = self.pending.pop(0)
+        result, self.pending = self.pending, None
         if self.options.poll_serial:
             result = result[:1] + bytes([serial]) + result[2:]
         return result

@@ -9,7 +9,7 @@
 #include "collection/Workbook.h"
 #include "core/Text.h"
 #include "support/CollectionDesk.h"
-#include "support/RefusingSlave.h"
+#include "support/OddDevices.h"
 
 using core::Row;
 using reading::Result;
@@ -17,25 +17,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-struct Mute final : fieldsim::Device {
-    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
-};
-
-// A line that loses the end of a reply behind so many bytes of a Quantum unit's message.
-struct CutReply final : fieldsim::Device {
-    fieldsim::Device* unit = nullptr;
-    char message = '1';
-    std::size_t kept = 0;
-
-    std::vector<fieldsim::Answer> Receive(std::string_view bytes, const fieldsim::Moment& now) override {
-        auto answers = unit->Receive(bytes, now);
-        for (fieldsim::Answer& answer : answers) {
-            answer.bytes.resize(message == '*' || bytes[5] == message ? kept : answer.bytes.size());
-        }
-        return answers;
-    }
-};
 
 // One of each kind, and a map that was laid out by hand with a gap behind every row.
 struct ValueQuality : testing::Test {
@@ -112,7 +93,7 @@ TEST_F(ValueQuality, AWholeRunMakesEveryRowGoodAndASilentOneKeepsItsMoment) {
 
         // The station falls silent: at its last register, list or message, and from the start.
         desk.OpenField({.silent = {location}});
-        Mute mute;
+        support::Silence mute;
         for (const bool fromTheStart : {false, true}) {
             const auto before = Rows(location);
             if (fromTheStart) {
@@ -163,6 +144,7 @@ TEST_F(ValueQuality, WhatAStationRefusesIsNoFigureAndTheDayIsPartly) {
     EXPECT_TRUE(day.IsNull("CurrentDayFlow")) << "a zero that nobody sent";
     EXPECT_FALSE(day.IsNull("currentprs"));
     EXPECT_THAT(day.Text("desc"), Not(HasSubstr("Volume Yesterday")));
+    EXPECT_THAT(day.Text("desc"), testing::ContainsRegex("#Flowing Pressure=[0-9.]+[?]kg/cm2#"));
     EXPECT_THAT(Book(location), HasSubstr("\tVolume Yesterday\t\tSCM\trefused\r\n"));
     EXPECT_THAT(Book(location), testing::ContainsRegex("\tFlowing Pressure\t[0-9.]+\tkg/cm2\r\n"));
 
@@ -205,40 +187,6 @@ TEST_F(ValueQuality, AHandLaidMapIsReadWholeAndItsWorkbookFindsItsRowsByName) {
     }
     EXPECT_THAT(book, HasSubstr("\tFlowing Pressure\t7.5\tkg/cm2\tof 08/03/2026 08:00:07\r\n"));
     EXPECT_THAT(book, HasSubstr("\tDifferential Pressure\t\tmmWC\tnot read yet\r\n"));
-}
-
-// Its head and two fields of thirteen characters; the other six never come.
-TEST_F(ValueQuality, AQuantumReplyThatStaysCutGivesNoFigureForWhatIsMissing) {
-    const auto location = locations[4];
-    CutReply cut;
-    cut.unit = desk.OpenField().Station(location)->device;
-    cut.kept = 23 + 2 * 13;
-    desk.ports.Attach(5, cut);
-    auto state = Run(location);
-    EXPECT_FALSE(state.runfailed);
-    EXPECT_EQ(state.result, Result::Partly);
-    EXPECT_EQ(state.reason, "6 values not received");
-    EXPECT_TRUE(IsFresh(Named(location, "Cumulative Standard Volume"), "good"));
-    EXPECT_TRUE(IsFresh(Named(location, "Pressure"), "good"));
-    const Row missing = Named(location, "Cumulative Flowing Volume");
-    EXPECT_EQ(missing.Text("quality"), "not received");
-    EXPECT_TRUE(missing.IsNull("readat")) << "its zero was sent by nobody";
-    EXPECT_EQ(missing.Number("lastvalue"), 0);
-    auto day = desk.dbconn.First("select * from LogParam where LocationId=?", {location}).value();
-    EXPECT_TRUE(day.IsNull("CurrentDayFlow"));
-    EXPECT_FALSE(day.IsNull("CurrentMonthFlow") || day.IsNull("currentprs"));
-    EXPECT_THAT(day.Text("desc"), Not(HasSubstr("Cumulative Flowing Volume")));
-    const auto claim = reading::ClaimOf(desk.dbconn, location, 1, "Cumulative Flowing Volume", {2026, 3, 9, 0, 0, 0});
-    EXPECT_FALSE(claim->value);
-    EXPECT_EQ(claim->mark, "not received");
-
-    desk.dbconn.Execute("delete from LogParam");
-    cut.message = '*';
-    cut.kept = 20;
-    state = Run(location);
-    EXPECT_TRUE(state.runfailed);
-    EXPECT_EQ(state.result, Result::NoAnswer);
-    EXPECT_EQ(desk.Count("LogParam"), 0);
 }
 
 // A value at every register, read as if each took two: every second one stood under another's name.

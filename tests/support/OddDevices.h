@@ -9,6 +9,11 @@
 
 namespace support {
 
+// What stands on a port and does not answer.
+struct Silence final : fieldsim::Device {
+    std::vector<fieldsim::Answer> Receive(std::string_view, const fieldsim::Moment&) override { return {}; }
+};
+
 // Stands in front of a slave and answers the reads of an RTU master that it refuses by exception 2, as one does that
 // has no such registers.
 struct RefusingSlave final : fieldsim::Device {

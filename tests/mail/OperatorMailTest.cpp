@@ -21,21 +21,18 @@ TEST(OperatorMail, SaysWhatKeepsItFromGoingAndWhere) {
     const auto large = files.path / "large";
     std::ofstream(large).close();
     std::filesystem::resize_file(large, (25U << 20U) + 1);
-    struct Case {
+    const mail::MailServer wrong{"", "", "", "a;b"};
+    const struct {
         OperatorMail mail;
         mail::MailServer server;
         MailField field;
-        std::string text;
-    };
-    const std::vector<Case> cases = {
+        const char* text;
+    } cases[] = {
         {{" ", "", "\t", "s", "t", {}}, server, MailField::To, "Specify Mail Address"},
         {{"a@x,b@x", "", "", "s", "t", {}}, server, MailField::To, "\"a@x,b@x\" is not one mail address"},
         {{"a@x", "b@x c@x", "", "", "", {}}, server, MailField::Cc, "\"b@x c@x\" is not one mail address"},
         {{"", "", "Bo <b@x>", "", "", {}}, server, MailField::Bcc, "\"Bo <b@x>\" is not one mail address"},
-        {{"a@x", "", "", "", "", {}},
-         {"", "", "", "a;b"},
-         MailField::Sender,
-         "Sender: \"a;b\" is not one mail address"},
+        {{"a@x", "", "", "", "", {}}, wrong, MailField::Sender, "Sender: \"a;b\" is not one mail address"},
         {{"a@x", "", "", "", "", files.path / "no.txt"}, server, MailField::Attachment, "no.txt is not there"},
         {{"a@x", "", "", "", "", "/dev/zero"}, server, MailField::Attachment, "zero is not a file"},
         {{"a@x", "", "", "", "", large},
@@ -43,7 +40,7 @@ TEST(OperatorMail, SaysWhatKeepsItFromGoingAndWhere) {
          MailField::Attachment,
          "large is larger than 25 MB, which no mail server takes"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const auto composed = mail::Compose(c.mail, c.server);
         const auto* fault = std::get_if<mail::MailFault>(&composed);
         ASSERT_NE(fault, nullptr) << c.text;
