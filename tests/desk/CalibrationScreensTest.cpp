@@ -4,11 +4,13 @@
 
 #include <QComboBox>
 #include <QTabWidget>
+#include <set>
 
 #include "desk/session/frmparalist.h"
 #include "desk/signals/frmCalib.h"
 #include "desk/signals/frmCalibSignals.h"
 #include "desk/signals/frmCalibration.h"
+#include "desk/signals/frm_NewCali.h"
 #include "desk/signals/frm_cali.h"
 #include "session/Session.h"
 #include "support/ScreenDesk.h"
@@ -166,16 +168,28 @@ TEST_F(CalibrationScreens, TheSignalsAreNamedAllOrNone) {
     EXPECT_EQ(Text(again, "txtname_1") + Text(again, "txtsystem_5"), "O'FLOW.DP.#CAL.NEW.");
 }
 
-TEST_F(CalibrationScreens, TheHelpPagesFollowTheModel) {
+TEST_F(CalibrationScreens, TheHelpPagesFollowTheModelAndTheTemplatesAreFiles) {
     paralist = &desk.Open<desk::frmparalist>(1);
     desk.Open<desk::frmCalibration>(paralist->GetSession());
     Click(*desk.window.Front(), "cmdHelp");
     auto& page = desk.Front<desk::frm_cali>();
     EXPECT_EQ(Text(page, "cmb_Model"), "CWEFM-AGA3");
-    Click(page, "cmdDifferential");
-    EXPECT_THAT(Answer(page), StartsWith("The file Differential.htm is not there.\nIts folder is "));
+    std::set<std::string> files;
+    for (const char* command : {"cmdDifferential", "cmdDifferentialVerify", "cmdStatic", "cmdStaticVerify", "cmdRTD",
+                                "cmdRTDVerify", "cmdDamping", "cmdDampingVerify"}) {
+        Click(page, command);
+        files.insert(Answer(page));
+    }
+    EXPECT_EQ(files.size(), 8U);
+    EXPECT_THAT(files, testing::Contains(StartsWith("The file Differential.htm is not there.\nIts folder is ")));
     The<QComboBox>(page, "cmb_Model").setCurrentText("CWGFC-AGA7");
     EXPECT_EQ(Usable(page, {"cmdDifferential", "cmdDifferentialVerify", "cmdStatic"}), "cmdStatic ");
+
+    auto& templates = desk.Open<desk::frm_NewCali>();
+    for (const std::string name : {"EFM", "GFC", "TC", "TF"}) {
+        Click(templates, ("cmd" + name).c_str());
+        EXPECT_THAT(Answer(templates), StartsWith("The file " + name + "_Calib.tvs is not there.\n"));
+    }
 }
 
 }  // namespace

@@ -20,25 +20,6 @@ using Texts = std::vector<std::string>;
 
 struct ReportsTest : testing::Test {
     ScreenDesk screen;  // on the 9th of March 2026
-
-    void Station(std::int64_t locationID, const std::string& consumer) {
-        screen.dbconn.Execute("insert into configdata_master(locationID, consumer) values(?,?)",
-                              {locationID, consumer});
-    }
-    void Parameter(std::int64_t locationID, const std::string& description, const std::string& unit) {
-        screen.dbconn.Execute("insert into configdata_detail(locationID, description, unit) values(?,?,?)",
-                              {locationID, description, unit});
-    }
-    void Log(std::int64_t locationID, const std::string& date, const core::Value& desc) {
-        screen.dbconn.Execute("insert into LogParam(LocationId, date, \"desc\") values(?,?,?)",
-                              {locationID, date, desc});
-    }
-    void Figures(std::int64_t locationID, const std::string& date, const core::Value& flow,
-                 const core::Value& pressure) {
-        screen.dbconn.Execute(
-            "insert into LogParam(LocationId, date, CurrentDayFlow, CurrentMonthFlow, currentprs) values(?,?,?,?,?)",
-            {locationID, date, flow, 1000.5, pressure});
-    }
 };
 
 // As an operator types a date: over the day, the rest follows.
@@ -58,14 +39,15 @@ void Choose(const QWidget& page, const char* name, const QString& text) {
 
 struct HistLogTest : ReportsTest {
     HistLogTest() {
-        Station(1, "O'Hara & <b>Sons</b>");
-        Station(2, "Bare");
-        Parameter(1, "Volume <i>net</i>", "SCM");
-        Parameter(1, "Volume <i>net</i>", "SCM");
-        Parameter(1, "Door", "");
-        Log(1, "2026-03-07 08:00:00", "#Volume <i>net</i>=7.12345678?SCM#Volume <i>net</i>=99#Door=OPEN");
-        Log(1, "2026-03-09 08:00:00", "#Volume <i>net</i>=9");
-        Log(2, "2026-03-09 08:00:00", "#Volume=9");
+        screen.dbconn.Execute(
+            "insert into configdata_master(locationID, consumer) values(1,'O''Hara & <b>Sons</b>'),(2,'Bare')");
+        screen.dbconn.Execute(
+            "insert into configdata_detail(locationID, description, unit) values"
+            "(1,'Volume <i>net</i>','SCM'),(1,'Volume <i>net</i>','SCM'),(1,'Door','')");
+        screen.dbconn.Execute(
+            "insert into LogParam(LocationId, date, \"desc\") values"
+            "(1,'2026-03-07 08:00:00','#Volume <i>net</i>=7.12345678?SCM#Volume <i>net</i>=99#Door=OPEN'),"
+            "(1,'2026-03-09 08:00:00','#Volume <i>net</i>=9'),(2,'2026-03-09 08:00:00','#Volume=9')");
     }
 };
 
@@ -141,10 +123,11 @@ TEST_F(HistLogTest, AStationWithNothingShowsNothingOfAnother) {
 
 struct ChartTest : ReportsTest {
     ChartTest() {
-        Station(7, "O'Hara & <b>Sons</b>");
-        Figures(7, "2025-03-04 08:00:00", 44.0, 4.0);
-        Figures(7, "2026-03-02 08:00:00", 20.5, 3.25);
-        Figures(7, "2026-03-05 08:00:00", 50.0, {});
+        screen.dbconn.Execute("insert into configdata_master(locationID, consumer) values(7,'O''Hara & <b>Sons</b>')");
+        screen.dbconn.Execute(
+            "insert into LogParam(LocationId, date, CurrentDayFlow, CurrentMonthFlow, currentprs) values"
+            "(7,'2025-03-04 08:00:00',44,1000.5,4),(7,'2026-03-02 08:00:00',20.5,1000.5,3.25),"
+            "(7,'2026-03-05 08:00:00',50,1000.5,null)");
     }
 };
 

@@ -83,116 +83,106 @@ struct SessionStory : testing::Test {
     std::vector<std::string> Trail() { return desk.dbconn.Texts("select * from TTS_table"); }
 };
 
-// What every station that takes values is put through.
-std::vector<Script::Step> CommonSteps(SessionStory& story) {
-    const auto polled = [&story] { return story.Polled(); };
-    return {
-        {"the commands of a poll", polled,
-         [&] {
-             EXPECT_EQ(Usable(*story.page, {"cmdConnect", "cmdgetdata", "cmdClose", "cmddisconnect"}),
-                       "cmddisconnect ");
-             EXPECT_THAT(story.Label("lbldatetime"), HasSubstr("RTU Date : 9/3/2026\nRTU Time :9:"));
-             EXPECT_THAT(story.Label("lblbatvolts"), HasSubstr("System Bat. Voltage :"));
-             EXPECT_THAT(story.Label("lblage"), "Values 0 s old");
-             EXPECT_THAT(story.Label("lblrequests"), HasSubstr(" good, 0 failed"));
-         }},
-        {"a user of a lower level", polled,
-         [&] {
-             story.desk.shared.currentuser = "ann";
-             story.Choose("KEYPAD", "Keypad N2");
-             story.Enter("1.25");
-             EXPECT_EQ(story.Label("lblreq"), "Could not set. Lower user level.");
-             EXPECT_FALSE(story.Seen("frmvalue"));
-             story.desk.shared.currentuser = "bob";
-             story.desk.shared.rights.rightSetup = false;
-             story.Choose("KEYPAD", "Keypad N2");
-             EXPECT_FALSE(story.Seen("frmvalue"));
-             EXPECT_EQ(story.Label("lblreq"), "User Not Granted Configuration Rights");
-             story.desk.shared.rights.rightSetup = true;
-         }},
-        {"no value", polled,
-         [&] {
-             story.Choose("KEYPAD", "Keypad N2");
-             EXPECT_EQ(story.Label("Label1"), "Keypad N2");
-             EXPECT_FALSE(The(*story.page, "gridtab").isEnabled());
-             story.Enter("");
-             EXPECT_EQ(Answer(*story.page), "Enter Proper Data");
-             EXPECT_TRUE(story.Seen("frmvalue"));
-             EXPECT_EQ(Focus(*story.page), "txtvalue");
-             QTest::keyClick(&The(*story.page, "txtvalue"), Qt::Key_Escape);
-             EXPECT_FALSE(story.Seen("frmvalue"));
-         }},
-        {"a value", polled,
-         [&] {
-             story.Choose("KEYPAD", "Keypad N2");
-             story.Enter("1.25");
-             EXPECT_EQ(story.Label("lblreq"), "Write Request Pending.....");
-             EXPECT_EQ(story.Cell("KEYPAD", "Keypad N2", 2), "1.250000");
-             EXPECT_THAT(story.Cell("KEYPAD", "Keypad N2", 3), HasSubstr("pending"));
-             story.Choose("KEYPAD", "Keypad CO2");
-             EXPECT_FALSE(story.Seen("frmvalue")) << "one at a time";
-         }},
-        {"a switch",
-         [&] { return story.Polled() && story.Cell("KEYPAD", "Keypad N2", 3).find("pending") == std::string::npos; },
-         [&] {
-             EXPECT_EQ(story.Label("lblreq"), "Keypad N2: confirmed");
-             EXPECT_EQ(story.Cell("KEYPAD", "Keypad N2", 2), "1.250000");
-             story.Choose("HEALTH", "Time Sync");
-             auto& value = The<QLineEdit>(*story.page, "txtvalue");
-             EXPECT_TRUE(value.isReadOnly());
-             const QString before = value.text();
-             Click(*story.page, "cmdtoggle");
-             EXPECT_NE(value.text(), before);
-             Click(*story.page, "cmdwrite");
-         }},
-        {"several values", polled,
-         [&] {
-             Click(*story.page, "chkMultiple");
-             auto& grid = The<desk::Grid>(*story.page, "gcMultiGrid");
-             ASSERT_TRUE(grid.isVisible());
-             EXPECT_FALSE(story.Enabled("cmdMulWrite"));
-             grid.SelectRow(0);
-             QTest::keyClick(&grid, Qt::Key_Return);
-             story.Enter("93.5");
-             EXPECT_THAT(story.Writes(), Not(Contains(HasSubstr("= 93.5"))));
-             Click(*story.page, "cmdMulWrite");
-             EXPECT_FALSE(grid.isVisible());
-         }},
-        {"the clock", polled,
-         [&] {
-             Click(*story.page, "cmdtime");
-             EXPECT_FALSE(story.Enabled("cmdtime"));
-         }},
-        {"the alarm colours",
-         [&] {
-             const auto& alarms = story.session->Alarms();
-             return story.Polled() && !story.session->TimePending() &&
-                    std::any_of(alarms.begin(), alarms.end(),
-                                [](const auto& live) { return live.state == session::AlarmState::HiHi; });
-         },
-         [&] {
-             auto& tabs = The<desk::ParameterTabs>(*story.page, "gridtab");
-             for (const auto& live : story.session->Alarms()) {
-                 const bool alarm = live.state != session::AlarmState::Normal;
-                 const desk::Grid& grid = tabs.GridOf(live.place.group);
-                 const auto cell = grid.model()->index(tabs.GridRow(live.place.group, live.place.row), 2);
-                 const auto colour = cell.data(Qt::BackgroundRole).value<QColor>();
-                 EXPECT_EQ(colour == QColor::fromRgb(session::AlarmColour(live.state)), alarm);
-                 EXPECT_THAT(tabs.Cell(live.place.group, live.place.row, 3).toStdString(),
-                             HasSubstr(session::AlarmWord(live.state)));
-             }
-         }},
-    };
-}
-
 TEST_F(SessionStory, ATeleFlowIsDialledWatchedWrittenAndLeft) {
     fieldsim::FieldOptions options;
     options.modems[1] = {{"NO CARRIER", 4000}, {"CONNECT 9600", 5000}};
     Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options);
     EXPECT_FALSE(Seen("cmdCalib"));
-    auto steps = CommonSteps(*this);
-    steps.push_back({"end", [this] { return Polled(); }, [this] { Click(*page, "cmddisconnect"); }});
-    Run(steps);
+    const auto polled = [this] { return Polled(); };
+    Run({{"the commands of a poll", polled,
+          [&] {
+              EXPECT_EQ(Usable(*page, {"cmdConnect", "cmdgetdata", "cmdClose", "cmddisconnect"}), "cmddisconnect ");
+              EXPECT_THAT(Label("lbldatetime"), HasSubstr("RTU Date : 9/3/2026\nRTU Time :9:"));
+              EXPECT_THAT(Label("lblbatvolts"), HasSubstr("System Bat. Voltage :"));
+              EXPECT_THAT(Label("lblage"), "Values 0 s old");
+              EXPECT_THAT(Label("lblrequests"), HasSubstr(" good, 0 failed"));
+          }},
+         {"a user of a lower level", polled,
+          [&] {
+              desk.shared.currentuser = "ann";
+              Choose("KEYPAD", "Keypad N2");
+              Enter("1.25");
+              EXPECT_EQ(Label("lblreq"), "Could not set. Lower user level.");
+              EXPECT_FALSE(Seen("frmvalue"));
+              desk.shared.currentuser = "bob";
+              desk.shared.rights.rightSetup = false;
+              Choose("KEYPAD", "Keypad N2");
+              EXPECT_FALSE(Seen("frmvalue"));
+              EXPECT_EQ(Label("lblreq"), "User Not Granted Configuration Rights");
+              desk.shared.rights.rightSetup = true;
+          }},
+         {"no value", polled,
+          [&] {
+              Choose("KEYPAD", "Keypad N2");
+              EXPECT_EQ(Label("Label1"), "Keypad N2");
+              EXPECT_FALSE(The(*page, "gridtab").isEnabled());
+              Enter("");
+              EXPECT_EQ(Answer(*page), "Enter Proper Data");
+              EXPECT_TRUE(Seen("frmvalue"));
+              EXPECT_EQ(Focus(*page), "txtvalue");
+              QTest::keyClick(&The(*page, "txtvalue"), Qt::Key_Escape);
+              EXPECT_FALSE(Seen("frmvalue"));
+          }},
+         {"a value", polled,
+          [&] {
+              Choose("KEYPAD", "Keypad N2");
+              Enter("1.25");
+              EXPECT_EQ(Label("lblreq"), "Write Request Pending.....");
+              EXPECT_EQ(Cell("KEYPAD", "Keypad N2", 2), "1.250000");
+              EXPECT_THAT(Cell("KEYPAD", "Keypad N2", 3), HasSubstr("pending"));
+              Choose("KEYPAD", "Keypad CO2");
+              EXPECT_FALSE(Seen("frmvalue")) << "one at a time";
+          }},
+         {"a switch", [&] { return Polled() && Cell("KEYPAD", "Keypad N2", 3).find("pending") == std::string::npos; },
+          [&] {
+              EXPECT_EQ(Label("lblreq"), "Keypad N2: confirmed");
+              EXPECT_EQ(Cell("KEYPAD", "Keypad N2", 2), "1.250000");
+              Choose("HEALTH", "Time Sync");
+              auto& value = The<QLineEdit>(*page, "txtvalue");
+              EXPECT_TRUE(value.isReadOnly());
+              const QString before = value.text();
+              Click(*page, "cmdtoggle");
+              EXPECT_NE(value.text(), before);
+              Click(*page, "cmdwrite");
+          }},
+         {"several values", polled,
+          [&] {
+              Click(*page, "chkMultiple");
+              auto& grid = The<desk::Grid>(*page, "gcMultiGrid");
+              ASSERT_TRUE(grid.isVisible());
+              EXPECT_FALSE(Enabled("cmdMulWrite"));
+              grid.SelectRow(0);
+              QTest::keyClick(&grid, Qt::Key_Return);
+              Enter("93.5");
+              EXPECT_THAT(Writes(), Not(Contains(HasSubstr("= 93.5"))));
+              Click(*page, "cmdMulWrite");
+              EXPECT_FALSE(grid.isVisible());
+          }},
+         {"the clock", polled,
+          [&] {
+              Click(*page, "cmdtime");
+              EXPECT_FALSE(Enabled("cmdtime"));
+          }},
+         {"the alarm colours",
+          [&] {
+              const auto& alarms = session->Alarms();
+              return Polled() && !session->TimePending() &&
+                     std::any_of(alarms.begin(), alarms.end(),
+                                 [](const auto& live) { return live.state == session::AlarmState::HiHi; });
+          },
+          [&] {
+              auto& tabs = The<desk::ParameterTabs>(*page, "gridtab");
+              for (const auto& live : session->Alarms()) {
+                  const bool alarm = live.state != session::AlarmState::Normal;
+                  const desk::Grid& grid = tabs.GridOf(live.place.group);
+                  const auto cell = grid.model()->index(tabs.GridRow(live.place.group, live.place.row), 2);
+                  const auto colour = cell.data(Qt::BackgroundRole).value<QColor>();
+                  EXPECT_EQ(colour == QColor::fromRgb(session::AlarmColour(live.state)), alarm);
+                  EXPECT_THAT(tabs.Cell(live.place.group, live.place.row, 3).toStdString(),
+                              HasSubstr(session::AlarmWord(live.state)));
+              }
+          }},
+         {"end", polled, [this] { Click(*page, "cmddisconnect"); }}});
     EXPECT_EQ(Answer(*page, QMessageBox::No), "Do you want to see list of configurable parameters?");
     EXPECT_THAT(Writes(), ElementsAre("register 373 Keypad N2 = 1.25", HasSubstr("coil 27 Time Sync"),
                                       HasSubstr("Methane = 93.5"), HasSubstr("Set Year = 2026"), HasSubstr("Set Month"),
