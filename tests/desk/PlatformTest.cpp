@@ -1,20 +1,20 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <pty.h>
 #include <unistd.h>
 
+#include <QApplication>
+#include <QMessageBox>
 #include <QTimer>
 #include <array>
-#include <functional>
 
 #include "collection/CollectionRun.h"
+#include "desk/kit/Boxes.h"
 #include "desk/platform/EventLoopClock.h"
+#include "desk/platform/Minutes.h"
 #include "desk/platform/SerialLine.h"
 #include "protocols/line/Modem.h"
-#include "session/OwnCall.h"
 #include "support/PortDesk.h"
-#include "support/SessionDesk.h"
 
 namespace {
 
@@ -75,27 +75,6 @@ TEST_F(SerialLineTest, EveryByteGoesBothWaysUnchanged) {
     EXPECT_EQ(line.InBufferCount(), 0U);
 }
 
-TEST_F(SerialLineTest, WhatHasArrivedIsSeenWithoutAnEventLoop) {
-    ASSERT_TRUE(line.PortOpen(true));
-    EXPECT_EQ(line.Input(), "");
-    FarWrites("answer");
-    pollfd arrived{near, POLLIN, 0};
-    ASSERT_EQ(poll(&arrived, 1, 5000), 1);
-    EXPECT_EQ(line.InBufferCount(), 6U);
-    EXPECT_EQ(line.Input(), "answer");
-}
-
-TEST_F(SerialLineTest, APortClosedInsideAWaitGivesNothingMore) {
-    ASSERT_TRUE(line.PortOpen(true));
-    QTimer::singleShot(5, [this] {
-        FarWrites("late");
-        line.PortOpen(false);
-    });
-    clock.WaitMs(50);
-    EXPECT_EQ(line.Input(), "");
-    EXPECT_FALSE(line.PortOpen());
-}
-
 TEST_F(SerialLineTest, WhatWasSentBeforeThePortWasOpenedIsNotReadAsAnAnswer) {
     ASSERT_TRUE(line.PortOpen(true));
     FarWrites("old");
@@ -110,29 +89,24 @@ TEST_F(SerialLineTest, WhatWasSentBeforeThePortWasOpenedIsNotReadAsAnAnswer) {
     EXPECT_EQ(line.Input(), "");
 }
 
-TEST_F(SerialLineTest, AClosedPortTakesAndGivesNothing) {
-    line.Output("lost");
-    EXPECT_EQ(line.Input(), "");
-    EXPECT_EQ(line.InBufferCount(), 0U);
-    EXPECT_FALSE(line.PortOpen());
-    EXPECT_TRUE(line.PortOpen(false));
-}
-
 TEST_F(SerialLineTest, APortThatCannotBeOpenedSaysWhy) {
     line.CommPort(4);
     EXPECT_FALSE(line.PortOpen(true));
     EXPECT_EQ(line.LastError(), "No device is entered for port 4");
     line.CommPort(3);
-    line.Settings("fast");
-    EXPECT_FALSE(line.PortOpen(true));
-    EXPECT_EQ(line.LastError(), "Comport settings \"fast\" are not valid");
+    for (const char* text : {"", "9600", "9600,N,8,1,1", "-1,N,8,1", "9600,X,8,1", "9600,N,9,1", "9600,N,8,3"}) {
+        line.Settings(text);
+        EXPECT_FALSE(line.PortOpen(true));
+        EXPECT_EQ(line.LastError(), "Comport settings \"" + std::string(text) + "\" are not valid");
+    }
     line.Settings("9600,N,8,1.5");
     EXPECT_FALSE(line.PortOpen(true));
     EXPECT_EQ(line.LastError(), "1.5 stop bits cannot be set on this system; choose 1 or 2");
-    line.Settings("9600,n,8,1");
+    line.Settings(" 9600, n, 8, 1 ");
     device = "/dev/no-such-port";
     EXPECT_FALSE(line.PortOpen(true));
     EXPECT_NE(line.LastError().find("/dev/no-such-port"), std::string::npos);
+    EXPECT_EQ(line.Input(), "");
 }
 
 // The driver takes the bytes at once; the chip sends them one after the other.
@@ -162,72 +136,75 @@ TEST_F(SerialLineTest, APulledPlugClosesThePort) {
     EXPECT_EQ(line.OutBufferCount(), 0U);
 }
 
-TEST_F(SerialLineTest, APulledPlugIsNoticedByAReadToo) {
-    ASSERT_TRUE(line.PortOpen(true));
-    Pull();
-    EXPECT_EQ(line.Input(), "");
-    EXPECT_FALSE(line.PortOpen());
-    EXPECT_EQ(line.InBufferCount(), 0U);
-}
-
 // A device that disappears shortly after a conversation began.
 TEST(SerialLine, AConversationEndsWithTheReasonThatItsDeviceIsGone) {
-    support::PortDesk desk("");
+    PseudoTerminal terminal;
+    support::PortDesk desk(terminal.device);
     const auto locationID = desk.AddStation();
-    std::string gone;
-    support::RecordingView view;
-    const std::pair<const char*, std::function<void()>> conversations[] = {
-        {"a session",
-         [&] {
-             session::Session session(desk.place, desk.scheduler, view, locationID);
-             session.Connect();
-             ASSERT_EQ(session.GetState(), session::State::Connected);
-             session.GetData();
-             EXPECT_EQ(view.ends, std::vector<std::string>{gone});
-             EXPECT_TRUE(view.boxes.empty());
-         }},
-        {"a collection",
-         [&] {
-             reading::RunState state;
-             collection::collectiong_Data(desk.place, locationID, state);
-             EXPECT_TRUE(state.runfailed);
-             EXPECT_NE(desk.scratch.RtuErr().find(gone + " [" + std::to_string(locationID) + "]"), std::string::npos)
-                 << desk.scratch.RtuErr();
-             EXPECT_EQ(desk.scratch.RtuErr().find("No Response"), std::string::npos);
-             EXPECT_EQ(desk.feedback.status.back(), gone);
-         }},
-        {"a call before it is through",
-         [&] {
-             desk.dbconn.Execute("update configdata_master set phoneno='5550142'");
-             const auto station = core::ReadStation(desk.dbconn, locationID).value();
-             EXPECT_FALSE(session::OwnCall(desk.place, desk.scheduler, station, {}, [](auto&) { FAIL(); }));
-             EXPECT_EQ(desk.feedback.boxes, std::vector<std::string>{gone});
-         }},
-    };
-    for (const auto& [what, converse] : conversations) {
-        SCOPED_TRACE(what);
-        PseudoTerminal terminal;
-        desk.path = terminal.device;
-        gone = terminal.device.substr(std::string("/dev/").size()) + ": the device is gone";
-        QObject here;
-        QTimer::singleShot(150, &here, [&terminal] { terminal.Pull(); });
-        converse();
-        EXPECT_FALSE(desk.line.InUse());
-    }
+    const std::string gone = terminal.device.substr(std::string("/dev/").size()) + ": the device is gone";
+    QTimer::singleShot(150, [&terminal] { terminal.Pull(); });
+    reading::RunState state;
+    collection::collectiong_Data(desk.place, locationID, state);
+    EXPECT_TRUE(state.runfailed);
+    EXPECT_NE(desk.scratch.RtuErr().find(gone + " [" + std::to_string(locationID) + "]"), std::string::npos)
+        << desk.scratch.RtuErr();
+    EXPECT_EQ(desk.scratch.RtuErr().find("No Response"), std::string::npos);
+    EXPECT_EQ(desk.feedback.status.back(), gone);
+    EXPECT_FALSE(desk.line.InUse());
 }
 
-TEST(ParsePortSettings, TakesWhatStationsHaveAndNothingElse) {
-    const auto odd = desk::ParsePortSettings("19200,O,7,2");
-    ASSERT_TRUE(odd);
-    EXPECT_EQ(odd->baudRate, 19200);
-    EXPECT_EQ(odd->parity, QSerialPort::OddParity);
-    EXPECT_EQ(odd->dataBits, QSerialPort::Data7);
-    EXPECT_EQ(odd->stopBits, QSerialPort::TwoStop);
-    EXPECT_EQ(desk::ParsePortSettings(" 9600, e, 8, 1.5 ")->stopBits, QSerialPort::OneAndHalfStop);
-    for (const char* text : {"", "9600", "9600,N,8", "9600,N,8,1,1", "-1,N,8,1", "x,N,8,1", "9600,X,8,1", "9600,N,9,1",
-                             "9600,N,8,3", "99999999999,N,8,1"}) {
-        EXPECT_FALSE(desk::ParsePortSettings(text)) << text;
+TEST(NextTick, ComesOnceAMinuteAtTheSameSecond) {
+    struct Case {
+        const char* what;
+        qint64 phase, served, now, next;
+    };
+    for (const Case& c : {
+             Case{"on time", 30000, 90003, 90003, 150000},
+             Case{"held up into the next minute: no second tick there", 59000, 180500, 180500, 299000},
+             Case{"set back by an hour", 30000, 3690000, 100000, 150000},
+             Case{"set back a little, before the tick that was", 30000, 330000, 315000, 390000},
+             Case{"set back a little, over the edge", 2000, 302000, 298000, 362000},
+             Case{"set forward", 30000, 90000, 700000, 750000},
+         }) {
+        EXPECT_EQ(desk::NextTick(c.phase, c.served, c.now), c.next) << c.what;
     }
+    // A second that is clear of the edge of the minute; the first tick is in the minute after the start all the same.
+    EXPECT_EQ(desk::PhaseOf(631234), 31234);
+    EXPECT_EQ(desk::PhaseOf(659990), 58000);
+    EXPECT_EQ(desk::NextTick(58000, 659990, 659990), 718000);
+}
+
+TEST(EventLoopClock, WaitsAsLongAsItIsToldWhileTimersAndOtherWaitsRun) {
+    desk::EventLoopClock clock;
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        ++ticks;
+        clock.WaitMs(5);
+    });
+    timer.start(10);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 5; ++i) {
+        clock.WaitMs(20);
+    }
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+    EXPECT_GE(ticks, 2);
+}
+
+TEST(ShowBox, HoldsUpNoRunWhileItStands) {
+    desk::EventLoopClock clock;
+    QWidget form;
+    form.show();
+    QTimer::singleShot(5, [&] { desk::ShowBox(&form, "Invalid <b>UserName</b>", "Login"); });
+    const auto start = clock.Milliseconds();
+    // A box with a loop of its own would keep this wait until somebody comes.
+    QTimer::singleShot(20000, &form, [] { QApplication::closeAllWindows(); });
+    clock.WaitMs(100);
+    EXPECT_LT(clock.Milliseconds() - start, 10000U);
+    auto* box = form.findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->isVisible());
+    EXPECT_EQ(box->textFormat(), Qt::PlainText);
 }
 
 }  // namespace
