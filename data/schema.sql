@@ -4,7 +4,7 @@
 --
 -- The schema has a version. A file of an earlier one is brought up at the start of the program (core/Schema.cpp); both
 -- ways must lead to the same tables.
-pragma user_version = 1;
+pragma user_version = 2;
 
 -- Stations ---------------------------------------------------------------------------------------------------------
 
@@ -50,7 +50,9 @@ create table configdata_master (
   MB_CONFIG boolean,
   sampledtoday boolean,
   sampleddate integer,                  -- day of the month
-  framing text collate nocase default 'required' -- of Modbus ASCII: 'required' or 'standard'
+  framing text collate nocase default 'required', -- of Modbus ASCII: 'required' or 'standard'
+  pacing text collate nocase default 'stated', -- 'stated' or 'prompt'
+  wordorder text collate nocase default 'high' -- of Modbus floats: the word that comes first, 'high' or 'low'
 );
 create index configdata_master_location on configdata_master (locationID);
 create index configdata_master_consumer on configdata_master (consumer);

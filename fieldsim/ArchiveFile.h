@@ -52,6 +52,7 @@ struct ArchiveFile {
     int singleEvery = 0;
     // Of the answers to requests for the fields; with other than 0, 0 they hold no field.
     std::array<std::uint8_t, 2> definitionStatus{};
+    bool shortRefusals = false;  // such an answer ends behind its status, as those to other requests do
     // Without one the records are what they were made. The local time of the field counts, not the station's clock.
     std::optional<Recording> recording{};
 

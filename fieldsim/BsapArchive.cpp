@@ -52,9 +52,14 @@ HistoryReply NoDefinitions(std::string_view function, std::array<std::uint8_t, 2
     return {status, DefinitionHead(function, 0, 0, "")};
 }
 
+HistoryReply ShortRefusal(std::array<std::uint8_t, 2> status) {
+    return {status, Echo("", 2)};
+}
+
 HistoryReply Definitions(const ArchiveFile& file, std::string_view function, std::size_t room) {
     if (file.definitionStatus != HistoryReply().status) {
-        return NoDefinitions(function, file.definitionStatus);
+        return file.shortRefusals ? ShortRefusal(file.definitionStatus)
+                                  : NoDefinitions(function, file.definitionStatus);
     }
     const std::size_t from = ByteAt(function, 5);
     if (from >= file.fields.size()) {
@@ -165,8 +170,7 @@ std::optional<HistoryReply> AnswerArchive(StationHistory& history, std::string_v
     }
     const auto known = history.archives.find(LowFirstAt(function, 3));
     if (known == history.archives.end()) {
-        return function[2] == kDefinitions ? NoDefinitions(function, kNoSuchFile)
-                                           : HistoryReply{kNoSuchFile, Echo("", 2)};
+        return function[2] == kDefinitions ? NoDefinitions(function, kNoSuchFile) : ShortRefusal(kNoSuchFile);
     }
     ArchiveFile& file = known->second;
     file.RecordUntil(now);

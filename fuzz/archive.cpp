@@ -80,8 +80,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Desk desk;
     static core::Database dbconn(desk.shared.DatabasePath());
     const std::string reply(reinterpret_cast<const char*>(data), size);
-    Parse(reply, longArchive);
-    Parse(reply, shortArchive);
+    Parse(reply, protocols::longArchive);
+    Parse(reply, protocols::shortArchive);
     static_cast<void>(DecodeArchiveRecord(reply));
     static_cast<void>(DecodeAuditRecord(reply, EventCodes::All));
     Bytes bytes(data, size);

@@ -97,6 +97,8 @@ std::optional<Station> ReadStation(Database& dbconn, std::int64_t locationID) {
     station.voltlimit = row->Number("voltlimit");
     station.rtuBitsMode = row->Bool("rtubits");
     station.MB_CONFIG = row->Bool("MB_CONFIG");
+    station.pacing = KindOf<Pacing>(pacingTexts, row->Text("pacing")).value_or(Pacing::Stated);
+    station.wordOrder = KindOf<WordOrder>(wordOrderTexts, row->Text("wordorder")).value_or(WordOrder::HighFirst);
     return station;
 }
 

@@ -19,7 +19,7 @@ struct Station {
     std::string consumer;
     std::string modelno;
     std::string comtype;
-    std::string ip;                        // set: an "IP" station, which has no line
+    std::string ip;                        // set: an "IP" station, which has no serial port
     int comport = 1;                       // port number
     std::string settings;                  // "9600,N,8,1"
     std::string phoneno;                   // empty: a line without a modem

@@ -2,7 +2,7 @@
 
 #include "core/Text.h"
 #include "protocols/bsap/Bsap.h"
-#include "protocols/bsap/BsapReply.h"
+#include "protocols/bsap/BsapLayout.h"
 #include "reading/ListReplies.h"
 #include "reading/LogicalText.h"
 
@@ -16,9 +16,11 @@ ListReplies RepliesOf(protocols::Conversation& talk, int listNumber, bool logAck
         return protocols::Bsap(talk.counters, talk.bsap, talk.station.isCW)
             .get_LIST(talk.station.slaveaddress, listNumber, first);
     };
-    reading.form = {protocols::ReplyLayout(talk.station.isCW).firstRecord, talk.bsap.listunits,
-                    talk.station.isTeleCorrector, RecordFields::Values};
-    reading.tooShort = talk.bsap.usepoll ? 22 : 18;
+    reading.form = {.firstRecord = protocols::ReplyLayout(talk.station.isCW).firstRecord,
+                    .units = talk.bsap.listunits,
+                    .isTeleCorrector = talk.station.isTeleCorrector,
+                    .fields = RecordFields::Values};
+    reading.tooShort = protocols::LongestWithoutData(talk.bsap.usepoll);
     reading.log = {"Get List " + std::to_string(listNumber) + " Response", logAcknowledge};
     return {talk, std::move(reading)};
 }

@@ -5,11 +5,14 @@
 
 #include "core/Text.h"
 #include "protocols/WireNumbers.h"
-#include "protocols/bsap/BsapReply.h"
+#include "protocols/bsap/BsapConstants.h"
+#include "protocols/bsap/BsapLayout.h"
 
 namespace reading {
 
 namespace {
+
+namespace bsap = protocols::bsap;
 
 constexpr std::size_t unitLength = 6;
 
@@ -23,16 +26,16 @@ struct RecordLayout {
     std::size_t Length(bool units) const { return MsdAt(units) + 2; }
 };
 
-constexpr RecordLayout analogRecord = {4, 13};
-constexpr RecordLayout logicalRecord = {1, 10};
+constexpr RecordLayout analogRecord = {.valueLength = 4, .step = 13};
+constexpr RecordLayout logicalRecord = {.valueLength = 1, .step = 10};
 
 bool IsLogical(int typecode, bool isTeleCorrector) {
     switch (typecode) {
-        case 68:
-        case 0:
-        case 4:
+        case bsap::otherLogicalType:
+        case bsap::logicalType:
+        case bsap::logicalAlarmType:
             return true;
-        case 32:
+        case bsap::teleCorrectorLogicalType:
             return isTeleCorrector;
         default:
             return false;
@@ -88,7 +91,7 @@ class RecordReader {
     // The next record; nothing when the rest is none, or not all of one.
     std::optional<ListSignal> Next() {
         const int typecode = static_cast<int>(ByteAt(rest_, 0));
-        const bool isText = form_.fields != RecordFields::Values && typecode == textType;
+        const bool isText = form_.fields != RecordFields::Values && typecode == bsap::textType;
         auto signal = isText ? TextRecord() : NumberRecord(typecode);
         if (signal && form_.fields == RecordFields::Names) {
             const auto name = TakeText();
@@ -101,8 +104,6 @@ class RecordReader {
     }
 
   private:
-    static constexpr int textType = 67;
-
     std::optional<ListSignal> NumberRecord(int typecode) {
         const RecordLayout& layout = IsLogical(typecode, form_.isTeleCorrector) ? logicalRecord : analogRecord;
         if (layout.Length(form_.units) > rest_.size()) {
@@ -116,7 +117,7 @@ class RecordReader {
     // Type code, the text up to 00, MSD address low byte first.
     std::optional<ListSignal> TextRecord() {
         ListSignal signal;
-        signal.typecode = textType;
+        signal.typecode = bsap::textType;
         rest_.remove_prefix(1);
         signal.text = TakeText();
         if (!signal.text || rest_.size() < 2) {
@@ -153,14 +154,14 @@ std::string SignalTypeName(const ListSignal& signal) {
         return {};
     }
     if (signal.logical) {
-        return signal.typecode == 4 ? "Logical Alarm" : "Logical";
+        return signal.typecode == bsap::logicalAlarmType ? "Logical Alarm" : "Logical";
     }
     switch (signal.typecode) {
-        case 2:
+        case bsap::analogType:
             return "Analog";
-        case 6:
+        case bsap::analogAlarmType:
             return "Analog Alarm";
-        case 50:
+        case bsap::systemSignalType:
             return "System Signal";
         default:
             return "Unknown";

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "core/Text.h"
+#include "protocols/modbus/ModbusConstants.h"
 #include "protocols/modbus/ModbusTransact.h"
 #include "reading/LogicalText.h"
 #include "stations/SampledMark.h"
@@ -10,9 +11,6 @@
 namespace reading {
 
 namespace {
-
-constexpr int readCoils = 1;
-constexpr int readHoldingRegisters = 3;
 
 std::string Place(const Block& block) {
     return (block.type == core::ValueKind::Logical ? "coil " : "register ") + std::to_string(block.start);
@@ -58,7 +56,8 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
             return ReadOutcome::BrokenOff;
         }
         talk.modbus.floatread = block.type == core::ValueKind::Float;
-        const int command = block.type == core::ValueKind::Logical ? readCoils : readHoldingRegisters;
+        const int command =
+            block.type == core::ValueKind::Logical ? protocols::modbus::readCoils : protocols::modbus::readHoldingRegisters;
         const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, options);
         if (!reply.Answered()) {
             if (why != nullptr) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "protocols/bsap/BsapLayout.h"
 #include "protocols/bsap/BsapLink.h"
 #include "protocols/line/Conversation.h"
 #include "reading/BsapListRecords.h"
@@ -24,7 +25,7 @@ struct ListReading {
     // The request as a frame: the first one, or that for what follows listnext1 and listnext2.
     std::function<std::string(bool first)> request;
     RecordForm form{};
-    std::size_t tooShort = 18;  // a reply of so many bytes holds no data
+    std::size_t tooShort = protocols::LongestWithoutData(false);  // a reply of so many bytes holds no data
     SaysNone saysNone = SaysNone::Never;
     bool paced = false;  // one commtimeout before each request as well
     protocols::RequestLog log{};

@@ -29,7 +29,7 @@ std::optional<protocols::QuantumReply> Ask(protocols::Conversation& talk, int me
         }
         // Noise ahead of a reply moves its fields, which may then read as other numbers. Two replies of one length are
         // that of the unit.
-        const bool isNoisy = reply.size() > protocols::quantumReplyLength && reply.size() != longer;
+        const bool isNoisy = reply.size() > protocols::quantum::replyLength && reply.size() != longer;
         longer = isNoisy ? reply.size() : longer;
         const auto decoded = isNoisy ? protocols::QuantumReply{} : protocols::DecodeQuantumReply(reply, message);
         talk.requests.Note(decoded.Whole());
@@ -74,7 +74,7 @@ void StoreMessage(Workplace& place, const protocols::QuantumReply& reply, int me
 bool ReadQuantum(Workplace& place, protocols::Conversation& talk, const QuantumOptions& options, ValueStore& store,
                  const std::function<void(int message, const protocols::QuantumReply& reply)>& stored) {
     DayRow day;
-    for (int message = 1; message <= protocols::quantumMessages; ++message) {
+    for (int message = 1; message <= protocols::quantum::messages; ++message) {
         const auto reply = Ask(talk, message, options.answerMs);
         if (!reply) {
             if (!talk.Ended() && options.unattended) {

@@ -154,9 +154,9 @@ ReadOutcome LivePoll::ReadQuantumUnit() {
                 set_.At(*place).readat.reset();
             }
         }
-        progress_(message, protocols::quantumMessages);
+        progress_(message, protocols::quantum::messages);
     };
-    progress_(0, protocols::quantumMessages);
+    progress_(0, protocols::quantum::messages);
     const reading::QuantumOptions options{false, static_cast<double>(talk_.CommTimeout())};
     reading::ValueStore store(place_.dbconn, talk_.station, talk_.streamno);
     return reading::ReadQuantum(place_, talk_, options, store, stored) ? ReadOutcome::Whole : ReadOutcome::Failed;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/Address.h"
 #include "core/Station.h"
 #include "core/Text.h"
 #include "stations/MapBuilder.h"
@@ -32,6 +33,11 @@ bool IsType(const StationRecord& record, const char* comtype) {
 
 bool IsIp(const StationRecord& record) {
     return IsType(record, "IP");
+}
+
+bool IsModbusTcp(const StationRecord& record) {
+    return core::SameText(core::Trim(record.protocol), "Modbus") && core::SameText(core::Trim(record.Mode), "TCP") &&
+           !core::IsCwModel(core::Trim(record.modelno));
 }
 
 bool HasModem(const StationRecord& record) {
@@ -100,7 +106,7 @@ struct Check {
 
 // A blank Mode is not among the checks: its message is tied to a blank protocol too, which is refused before. So a
 // Modbus station may be saved without a Mode. "Group No. Should not be blank" cannot be reached behind the first check.
-constexpr std::array<Check, 19> checks = {{
+constexpr std::array<Check, 21> checks = {{
     {[](const Candidate& c) { return !IsGroup(c.record.groupno); }, "Select proper group", "cmbgroupno"},
     {[](const Candidate& c) { return IsBlank(c.record.consumer); }, "Consumer Should not be blank", "txtconsumer"},
     {[](const Candidate& c) { return IsBlank(c.record.rtumake); }, "RTU Make Should not be blank", "cmbrtumake"},
@@ -135,6 +141,13 @@ constexpr std::array<Check, 19> checks = {{
     {[](const Candidate& c) { return !IsSlaveAddress(c.record); }, "Select proper Slave Address", "txtslaveaddres"},
     {[](const Candidate& c) { return !IsIp(c.record) && !IsPortSettings(c.record.baudrate); },
      "Select proper Comport Setting", "cmdportsetting"},
+    {[](const Candidate& c) { return IsModbusTcp(c.record) && !IsIp(c.record); },
+     "Mode TCP needs the Communication Type IP", "cmbcommtype"},
+    {[](const Candidate& c) {
+         return IsIp(c.record) &&
+                !core::ParseAddress(c.record.ip, IsModbusTcp(c.record) ? core::modbusTcpPort : 0).has_value();
+     },
+     "Enter the IP address with its port, such as 10.0.0.7:4001", "txtIPAdr"},
 }};
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "core/Kinds.h"
+
 namespace stations {
 
 // A row of the register as the station form holds it: numbers are the texts of their fields, as they were typed.
@@ -31,9 +33,11 @@ struct StationRecord {
     std::string Mgo_Qty;
     std::string Cont_Pr;
     std::string No_Stream = "1";
-    std::array<std::string, 4> stream;   // "AGA3", "AGA7", "AGA9", "AGA11"
-    std::string Mode;                    // "RTU" or "ASCII"; empty but for Modbus
-    bool standardFraming = false;        // of Mode "ASCII": two-digit LRC, checked on replies
+    std::array<std::string, 4> stream;  // "AGA3", "AGA7", "AGA9", "AGA11"
+    std::string Mode;                   // "RTU", "ASCII" or "TCP"; empty but for Modbus
+    bool standardFraming = false;       // of Mode "ASCII": two-digit LRC, checked on replies
+    core::Pacing pacing = core::Pacing::Stated;
+    core::WordOrder wordOrder = core::WordOrder::HighFirst;  // of Modbus
     std::string duration = "None";       // as the form offers it: "None", "Daily", "Weekly", "Monthly"
     int weekday = 2;                     // 1 Sunday to 7 Saturday
     int monthday = 1;                    // 1 to 31

@@ -63,6 +63,7 @@ Columns FixedColumns(const StationRecord& record) {
 Columns LineColumns(const StationRecord& record) {
     const bool isIp = core::SameText(Trim(record.comtype), "IP");
     const bool isAscii = IsModbus(record) && core::FramingOf(record.Mode) == core::Framing::Ascii;
+    const auto wordOrder = IsModbus(record) ? record.wordOrder : core::WordOrder::HighFirst;
     const auto onLine = [&](const std::string& text) { return isIp ? std::string() : Trim(text); };
     return {{"comtype", Trim(record.comtype)},
             {"ip", isIp ? Trim(record.ip) : std::string()},
@@ -73,6 +74,8 @@ Columns LineColumns(const StationRecord& record) {
             {"slaveaddress", Val(record.slaveaddress)},
             {"mode", IsModbus(record) ? Trim(record.Mode) : std::string()},
             {"framing", isAscii && record.standardFraming ? "standard" : "required"},
+            {"pacing", std::string(core::TextOf(core::pacingTexts, record.pacing))},
+            {"wordorder", std::string(core::TextOf(core::wordOrderTexts, wordOrder))},
             {"MB_CONFIG", record.MB_CONFIG}};
 }
 
@@ -255,6 +258,9 @@ std::optional<StationRecord> ReadRecord(core::Database& dbconn, std::int64_t loc
     }
     record.Mode = row->Text("mode");
     record.standardFraming = core::SameText(Trim(row->Text("framing")), "standard");
+    record.pacing = core::KindOf<core::Pacing>(core::pacingTexts, row->Text("pacing")).value_or(core::Pacing::Stated);
+    record.wordOrder = core::KindOf<core::WordOrder>(core::wordOrderTexts, row->Text("wordorder"))
+                           .value_or(core::WordOrder::HighFirst);
     ReadSchedule(*row, record);
     record.rtubits = row->Bool("rtubits");
     record.emailto = row->Text("emailto");

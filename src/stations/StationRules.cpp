@@ -129,7 +129,7 @@ const RuleTable<ListCheck>& ListChecks() {
 }  // namespace
 
 const Texts& CommunicationTypes() {
-    static const Texts list = {"DialUp Modem", "GSM Modem", "Direct Comport"};
+    static const Texts list = {"DialUp Modem", "GSM Modem", "Direct Comport", "IP"};
     return list;
 }
 
@@ -139,7 +139,8 @@ const Texts& Protocols() {
 }
 
 const Texts& Modes() {
-    static const Texts list = {core::TextOf(core::Framing::Rtu), core::TextOf(core::Framing::Ascii)};
+    static const Texts list = {core::TextOf(core::Framing::Rtu), core::TextOf(core::Framing::Ascii),
+                               core::TextOf(core::Framing::Tcp)};
     return list;
 }
 

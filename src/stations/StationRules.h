@@ -11,9 +11,9 @@
 namespace stations {
 
 // The lists of the form.
-const std::vector<std::string>& CommunicationTypes();  // "DialUp Modem", "GSM Modem", "Direct Comport"
+const std::vector<std::string>& CommunicationTypes();  // "DialUp Modem", "GSM Modem", "Direct Comport", "IP"
 const std::vector<std::string>& Protocols();           // "BSAP", "Modbus"
-const std::vector<std::string>& Modes();               // "RTU", "ASCII"
+const std::vector<std::string>& Modes();               // "RTU", "ASCII", "TCP"
 const std::vector<std::string>& Groups();              // "1" to "4"
 const std::vector<std::string>& SystemTypes();         // "6   VDC", "12 VDC"
 const std::vector<std::string>& StreamMethods();       // "AGA3", "AGA7", "AGA9"; AGA11 comes by its model only

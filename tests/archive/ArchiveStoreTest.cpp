@@ -83,18 +83,6 @@ TEST_F(ArchiveStoreTest, AFieldIsKnownByItsWholeName) {
     EXPECT_EQ(Count("tArchiveColumnHeader"), 4);
 }
 
-TEST_F(ArchiveStoreTest, StationsStreamsAndKindsAreKeptApart) {
-    const std::vector<ArchiveKey> keys{{7, 1, 1}, {7, 1, 2}, {7, 1, 3}, {7, 2, 5}, {8, 1, 2}};
-    double value = 0;
-    for (const ArchiveKey& key : keys) {
-        Expect(Save(Download({"FLOW             "}, {{Hour(9, 6), 1, 1, {++value}}}), key), 1, 0, 1);
-    }
-    value = 0;
-    for (const ArchiveKey& key : keys) {
-        EXPECT_EQ(Stored(key), Texts{"2026-03-09 06:00:00 FLOW " + std::to_string(static_cast<int>(++value)) + ".0"});
-    }
-}
-
 TEST_F(ArchiveStoreTest, ATimeThatIsNoneIsATimeStampLikeAnother) {
     const ArchiveDownload nonsense =
         Download({"FLOW             "},

@@ -14,30 +14,6 @@ using testing::HasSubstr;
 
 namespace {
 
-struct AuditScreen {
-    const char* name;
-    Screen screen;
-    bool isCW;
-    bool newFirst;
-};
-
-const AuditScreen auditScreens[] = {
-    {"frmarchive", Screen::frmarchive, false, false},
-    {"CW short", Screen::frmCW_archive, true, false},
-    {"CW short newest", Screen::frmCW_archive, true, true},
-    {"para long", Screen::frmparaarchive, false, false},
-    {"para long newest", Screen::frmparaarchive, false, true},
-    {"para short newest", Screen::frmparaarchive, true, true},
-};
-
-Wish AuditOf(const AuditScreen& selection) {
-    Wish wish;
-    wish.screen = selection.screen;
-    wish.audit = true;
-    wish.newFirst = selection.newFirst;
-    return wish;
-}
-
 // Events a minute apart, their codes one after the other. A long name leaves room for three events in a reply.
 std::vector<fieldsim::AuditEvent> Events(int count, const std::string& name) {
     std::vector<fieldsim::AuditEvent> events;
@@ -60,7 +36,7 @@ const char* const texts[] = {"Signal Value Change",   "Logical Alarm",          
                              "Analog HighHigh Alarm", "Analog Return To Normal"};
 
 std::vector<std::vector<std::string>> RowsOf(const std::vector<fieldsim::AuditEvent>& events,
-                                             const AuditScreen& selection) {
+                                             const Selection& selection) {
     const bool old = selection.screen == Screen::frmarchive;
     std::vector<std::vector<std::string>> rows;
     for (std::size_t i = 0; i < events.size(); ++i) {
@@ -79,12 +55,12 @@ std::vector<std::vector<std::string>> RowsOf(const std::vector<fieldsim::AuditEv
 }
 
 TEST(AuditTest, EveryRoutineBringsEveryEventOnce) {
-    for (const AuditScreen& selection : auditScreens) {
+    for (const Selection& selection : selections) {
         HistoryTalk history(selection.isCW);
         for (const char* name : {"AB", "A NAME OF TWENTY FIVE CHR"}) {
             for (const int count : {0, 1, 2, 3, 4, 5, 6, 8, 9, 12, 13, 41}) {
                 history.station.Audit().events = Events(count, name);
-                const Collected collected = history.Collect(AuditOf(selection));
+                const Collected collected = history.Collect(WishOf(selection, true));
                 SCOPED_TRACE(std::string(selection.name) + ", " + std::to_string(count) + " events of " + name);
                 EXPECT_EQ(collected.end, RunEnd::Whole);
                 EXPECT_EQ(collected.message, "Audit Collected");
@@ -98,7 +74,7 @@ TEST(AuditTest, TheReportTableAndTheTransactionLine) {
     HistoryTalk history(true, DataAnswer::AcknowledgeFirst);
     history.station.Audit().events = Events(6, "PRESSURE");
     for (int times = 0; times < 2; ++times) {
-        history.Collect(AuditOf(auditScreens[1]));
+        history.Collect(WishOf(selections[2], true));
     }
     const auto rows = history.desk.dbconn.Query("select * from Audit");
     ASSERT_EQ(rows.size(), 6U);
@@ -111,13 +87,12 @@ TEST(AuditTest, TheReportTableAndTheTransactionLine) {
               history.desk.logs.Stamp() + ": User WARDEN collected Audit from RTU O'Brien's Works.");
     EXPECT_EQ(history.view.captions.size(), 5U);
     EXPECT_EQ(history.view.captions[0], "No");
-}
 
-TEST(AuditTest, TheOldScreenTakesAThousandEvents) {
-    HistoryTalk history(false);
-    history.station.Audit().events = Events(1003, "AB");
-    EXPECT_EQ(history.Collect(AuditOf(auditScreens[0])).message, "Audit Collected\r1000 events, there may be more.");
-    EXPECT_EQ(history.view.rows.size(), 1000U);
+    HistoryTalk old(false);
+    old.station.Audit().events = Events(1003, "AB");
+    EXPECT_EQ(old.Collect(WishOf(selections[0], true)).message, "Audit Collected\r1000 events, there may be more.");
+    EXPECT_EQ(old.view.rows.size(), 1000U);
+    EXPECT_EQ(old.view.captions.size(), 4U);
 }
 
 // Three bad replies to a request are forgiven, two to the first one of newest first.
@@ -129,17 +104,14 @@ TEST(AuditTest, BadRepliesAreForgivenThreeTimes) {
         const char* failure;
     };
     for (const Case& c :
-         {Case{0, 0, 3, ""}, Case{0, 1, 4, "Error In response"}, Case{1, 0, 3, ""}, Case{1, 2, 4, "Error In response"},
-          Case{2, 0, 2, ""}, Case{2, 0, 3, "Error In Communication"}, Case{4, 2, 4, "Error In response"}}) {
+         {Case{0, 0, 3, ""}, Case{0, 1, 4, "Error In response"}, Case{2, 0, 3, ""}, Case{2, 2, 4, "Error In response"},
+          Case{3, 0, 2, ""}, Case{3, 0, 3, "Error In Communication"}, Case{5, 2, 4, "Error In response"}}) {
         for (const Fault fault : {Fault::Silence, Fault::Cut, Fault::BadCheck}) {
-            fieldsim::LineFaults::Options faults;
-            faults.script.assign(c.at, Fault::None);
-            faults.script.insert(faults.script.end(), c.times, fault);
-            HistoryTalk history(auditScreens[c.selection].isCW, DataAnswer::AtOnce, faults);
+            HistoryTalk history(selections[c.selection].isCW, DataAnswer::AtOnce, FaultAt(c.at, fault, c.times));
             history.station.Audit().events = Events(21, "AB");
-            const auto collected = history.Collect(AuditOf(auditScreens[c.selection]));
-            SCOPED_TRACE(auditScreens[c.selection].name + (": " + collected.message));
-            const auto all = RowsOf(history.station.Audit().events, auditScreens[c.selection]);
+            const auto collected = history.Collect(WishOf(selections[c.selection], true));
+            SCOPED_TRACE(selections[c.selection].name + (": " + collected.message));
+            const auto all = RowsOf(history.station.Audit().events, selections[c.selection]);
             ASSERT_LE(history.view.rows.size(), all.size());
             EXPECT_TRUE(std::equal(history.view.rows.begin(), history.view.rows.end(), all.begin()));
             if (*c.failure == '\0') {
@@ -157,12 +129,12 @@ TEST(AuditTest, BadRepliesAreForgivenThreeTimes) {
 
 // On a line that loses an answer in a hundred; four bad replies in all would end each of these.
 TEST(AuditTest, ALossyLineBringsTheWholeTrail) {
-    for (const AuditScreen& selection : auditScreens) {
+    for (const Selection& selection : selections) {
         fieldsim::LineFaults::Options faults;
         faults.chances = {{Fault::Silence, 0.05}, {Fault::BadCheck, 0.05}};
         HistoryTalk history(selection.isCW, DataAnswer::AtOnce, faults);
         history.station.Audit().events = Events(400, "AB");
-        EXPECT_EQ(history.Collect(AuditOf(selection)).message, "Audit Collected") << selection.name;
+        EXPECT_EQ(history.Collect(WishOf(selection, true)).message, "Audit Collected") << selection.name;
         EXPECT_EQ(history.view.rows, RowsOf(history.station.Audit().events, selection)) << selection.name;
     }
 }
@@ -178,8 +150,8 @@ TEST(AuditTest, TheEndOfALongTrailIsFoundSoon) {
             searched = history.view.rows.empty() ? history.faults.Exchanges().size() : searched;
             return history.view.rows.size() > 8;
         };
-        history.Collect(AuditOf(auditScreens[5]));
-        EXPECT_EQ(history.view.rows[0][1], RowsOf(history.station.Audit().events, auditScreens[5])[0][1]) << count;
+        history.Collect(WishOf(selections[6], true));
+        EXPECT_EQ(history.view.rows[0][1], RowsOf(history.station.Audit().events, selections[6])[0][1]) << count;
         EXPECT_LE(searched, 25U) << count;
         EXPECT_EQ(history.desk.feedback.status.back(), "Collecting Audit.......");
         if (count == 4000) {
@@ -190,19 +162,13 @@ TEST(AuditTest, TheEndOfALongTrailIsFoundSoon) {
 }
 
 TEST(AuditTest, StoppedOrTakenAtEveryStep) {
-    for (const AuditScreen& selection : auditScreens) {
+    for (const Selection& selection : selections) {
         for (const bool taken : {false, true}) {
             for (std::size_t behind = 1; behind < 5; ++behind) {
                 HistoryTalk history(selection.isCW);
                 history.station.Audit().events = Events(40, "AB");
-                const auto due = [&] { return history.faults.Exchanges().size() >= behind; };
-                history.view.stopped = [&] { return !taken && due(); };
-                history.desk.clock.Every(1, [&] {
-                    if (taken && due()) {
-                        history.field.TakeOver("The line was taken");
-                    }
-                });
-                const auto collected = history.Collect(AuditOf(selection));
+                history.CutBehind(behind, taken);
+                const auto collected = history.Collect(WishOf(selection, true));
                 EXPECT_EQ(collected.end, taken ? RunEnd::LineLost : RunEnd::Stopped) << selection.name;
                 EXPECT_THAT(collected.message,
                             testing::StartsWith(taken ? "The line was taken\r" : "Stopped before the end\r"));

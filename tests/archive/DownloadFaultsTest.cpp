@@ -32,13 +32,6 @@ fieldsim::LineFaults::Options Lossy(double silence, double other) {
     return faults;
 }
 
-fieldsim::LineFaults::Options DeadBehind(std::size_t answers) {
-    fieldsim::LineFaults::Options faults;
-    faults.script.assign(answers, Fault::None);
-    faults.script.insert(faults.script.end(), 1000, Fault::Silence);
-    return faults;
-}
-
 // What a station and a line do, and what the download leaves: records, on the disk before the next request; requests
 // for records; what is said.
 TEST(DownloadFaultsTest, WhatADownloadLeaves) {
@@ -74,10 +67,24 @@ TEST(DownloadFaultsTest, WhatADownloadLeaves) {
         {"one in a hundred lost", oldest, 2000, asItIs, Lossy(0.01, 0), 2000, 530, whole},
         {"one in five lost", newest, 200, asItIs, Lossy(0.1, 0.05), 200, 90, whole},
         {"one in five lost", oldest, 200, asItIs, Lossy(0.1, 0.05), 200, 90, whole},
-        {"dead behind 12", oldest, 400, asItIs, DeadBehind(12), 40, 14,
+        {"dead behind 12", oldest, 400, asItIs, FaultAt(12, Fault::Silence, 1000), 40, 14,
          "Bad Response\rThe station gave no valid answer.\r40 records received, 40 stored: 40 new, 0 known."},
-        {"dead behind 12", {5}, 400, asItIs, DeadBehind(12), 38, 14, "The station gave no valid answer.\r"},
-        {"dead behind 12", {6}, 400, asItIs, DeadBehind(12), 39, 14, "The station gave no valid answer.\r"},
+        {"dead behind 12",
+         {5},
+         400,
+         asItIs,
+         FaultAt(12, Fault::Silence, 1000),
+         38,
+         14,
+         "The station gave no valid answer.\r"},
+        {"dead behind 12",
+         {6},
+         400,
+         asItIs,
+         FaultAt(12, Fault::Silence, 1000),
+         39,
+         14,
+         "The station gave no valid answer.\r"},
     };
     for (const auto& test : cases) {
         for (const std::size_t n : test.selections) {
@@ -167,6 +174,17 @@ TEST(DownloadFaultsTest, ARefusalIsCalledOne) {
             EXPECT_EQ(collected.end, RunEnd::Failed) << selection.name;
             EXPECT_THAT(collected.message, testing::StartsWith(c.message + end)) << selection.name;
         }
+        // One that ends behind its status counts on some screens; the others ask again.
+        HistoryTalk brief(selection.isCW);
+        brief.station.Archives()[2] = HourlyFile(5);
+        brief.station.Archives()[2].definitionStatus = {135, 129};
+        brief.station.Archives()[2].shortRefusals = true;
+        const bool takes = selection.screen == Screen::frmarchive || selection.name == std::string("CW long") ||
+                           selection.name == std::string("para long newest");
+        EXPECT_THAT(brief.Collect(WishOf(selection)).message,
+                    testing::StartsWith((takes ? "Invalid File Number" : "Invalid File Defination") +
+                                        std::string("\rThe station refused the request (status 135, 129).")));
+
         HistoryTalk history(selection.isCW);
         history.station.Options().notReadyOneIn = 0;
         EXPECT_THAT(
@@ -188,6 +206,28 @@ TEST(DownloadFaultsTest, ARefusalIsCalledOne) {
     }
 }
 
+// A number that has no record where one must be: the download has not come to its end.
+TEST(DownloadFaultsTest, AGapEndsNewestFirst) {
+    for (const std::size_t selection : {3U, 5U, 6U}) {
+        for (const bool audit : {false, true}) {
+            HistoryTalk history(selections[selection].isCW);
+            history.station.Archives()[2] = HourlyFile(40);
+            history.station.Audit().events.resize(40, {.signal = "AB"});
+            history.view.stopped = [&] {
+                if (history.view.rows.size() > 8) {
+                    history.station.Archives()[2].records.clear();
+                    history.station.Audit().events.clear();
+                }
+                return history.faults.Exchanges().size() > 100;
+            };
+            const Collected collected = history.Collect(WishOf(selections[selection], audit));
+            EXPECT_EQ(collected.end, RunEnd::Failed) << selections[selection].name;
+            EXPECT_THAT(collected.message, testing::StartsWith(audit ? "The station gave no event at position "
+                                                                     : "The station gave no record of number "));
+        }
+    }
+}
+
 // A fault at each exchange of a download, once and then for good. A bad reply is forgiven, and no record is lost or
 // wrong by it.
 TEST(DownloadFaultsTest, EveryFaultAtEveryExchange) {
@@ -198,10 +238,7 @@ TEST(DownloadFaultsTest, EveryFaultAtEveryExchange) {
         for (const Fault fault : everyFault) {
             for (std::size_t at = 0; at < 6; ++at) {
                 for (const std::size_t times : {1U, 3U, 100U}) {
-                    fieldsim::LineFaults::Options faults;
-                    faults.script.assign(at, Fault::None);
-                    faults.script.insert(faults.script.end(), times, fault);
-                    HistoryTalk history(selection.isCW, DataAnswer::AtOnce, faults);
+                    HistoryTalk history(selection.isCW, DataAnswer::AtOnce, FaultAt(at, fault, times));
                     history.station.Archives()[2] = file;
                     const auto collected = history.Collect(WishOf(selection));
                     SCOPED_TRACE(std::string(selection.name) + ", fault " + std::to_string(static_cast<int>(fault)) +
@@ -228,13 +265,7 @@ TEST(DownloadFaultsTest, ACutDownloadStoresWhatItHasAndTheNextCompletesIt) {
             for (std::size_t behind = 0; behind < 8; ++behind) {
                 HistoryTalk history(selections[selection].isCW);
                 history.station.Archives()[2] = HourlyFile(14, 0, 8);
-                const auto due = [&] { return history.faults.Exchanges().size() >= behind; };
-                history.view.stopped = [&] { return !taken && due(); };
-                history.desk.clock.Every(1, [&] {
-                    if (taken && due()) {
-                        history.field.TakeOver("The line was taken");
-                    }
-                });
+                history.CutBehind(behind, taken);
                 const auto collected = history.Collect(WishOf(selections[selection]));
                 SCOPED_TRACE(std::string(selections[selection].name) + " behind " + std::to_string(behind) + ": " +
                              collected.message);

@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "archive/modbus/ModbusArchive.h"
-#include "demo/DemoRegister.h"
-#include "fieldsim/Field.h"
+#include "fieldsim/LineFaults.h"
+#include "fieldsim/ModbusArchive.h"
+#include "fieldsim/ModbusSlave.h"
 #include "fieldsim/SimLine.h"
 #include "support/Hex.h"
 #include "support/ScratchDesk.h"
@@ -17,50 +18,44 @@ using archive::ArchiveKind;
 using fieldsim::Fault;
 using support::Bytes;
 using support::Hex;
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+std::string Joined(const std::vector<std::string>& cells) {
+    std::string text;
+    for (const std::string& cell : cells) {
+        text += (text.empty() ? "" : "|") + cell;
+    }
+    return text;
+}
+
 struct View final : archive::RunView {
     std::string header;
-    std::vector<std::string> rows;  // cells separated by "|"
+    std::vector<std::string> rows;
     std::vector<std::string> progress;
-    int stopBehind = 1000;  // rows
+    std::size_t stopBehind = 1000;  // rows
 
-    void Columns(const std::vector<std::string>& captions) override {
-        header.clear();
-        for (const std::string& caption : captions) {
-            header += (header.empty() ? "" : "|") + caption;
-        }
-    }
+    void Columns(const std::vector<std::string>& captions) override { header = Joined(captions); }
     void Rows(const std::vector<std::vector<std::string>>& block) override {
-        for (const auto& cells : block) {
-            std::string row;
-            for (const std::string& cell : cells) {
-                row += (row.empty() ? "" : "|") + cell;
-            }
-            rows.push_back(row);
-        }
+        std::transform(block.begin(), block.end(), std::back_inserter(rows), Joined);
     }
     void Record(int records, int newest) override { progress.push_back(archive::RecordText(records, newest)); }
-    bool Stopped() const override { return static_cast<int>(rows.size()) >= stopBehind; }
+    bool Stopped() const override { return rows.size() >= stopBehind; }
 };
 
 struct Told final : core::Feedback {
     std::vector<std::string> boxes;
     std::vector<std::string> sent;
-    std::function<void()> onSent;
+    std::function<void()> onSent = [] {};
 
     void Status(const std::string&) override {}
     void Box(const std::string& text) override { boxes.push_back(text); }
     void Lamp(const std::string& lamp, const std::string& bytes) override {
         if (lamp == "TX") {
             sent.push_back(Hex(bytes));
-            if (onSent) {
-                onSent();
-            }
+            onSent();
         }
     }
 };
@@ -108,14 +103,14 @@ struct ArchiveDesk : support::ScratchDesk {
         return archive::CollectModbusArchive(talk, dbconn, kind, view);
     }
 
-    // The records of a table, cells separated by "|".
     std::vector<std::string> Table(const std::string& table) {
         std::vector<std::string> records;
         for (const core::Row& row : dbconn.Query("select * from " + table)) {
-            std::string& text = records.emplace_back(row[0].Text());
-            for (std::size_t i = 1; i < row.Size(); ++i) {
-                text += "|" + row[i].Text();
+            std::vector<std::string> cells;
+            for (std::size_t i = 0; i < row.Size(); ++i) {
+                cells.push_back(row[i].Text());
             }
+            records.push_back(Joined(cells));
         }
         return records;
     }
@@ -136,47 +131,24 @@ core::Station Cw(const char* method) {
     return station;
 }
 
-// Of a download that brought nothing there is nothing to tell.
-TEST(ModbusArchive, ADownloadIsInTheAuditTrail) {
-    ArchiveDesk desk;
-    desk.OpenSlave(12);
-    desk.Collect(ArchiveKind::Hourly);
-    desk.Collect(ArchiveKind::Daily);
-    desk.slave->Manners().dead = true;
-    desk.Collect(ArchiveKind::Daily);
-    EXPECT_THAT(desk.dbconn.Texts("select * from TTS_table"),
-                ElementsAre(HasSubstr(": User WARDEN collected Hourly Archive from RTU O'Brien's Works."),
-                            HasSubstr(": User WARDEN collected Daily Archive from RTU O'Brien's Works.")));
-}
-
 TEST(ModbusArchive, EveryKindComesUnderItsNames) {
     const struct {
         core::Station model;
         ArchiveKind kind;
         int floats;
-        const char* row;  // of the second record, which is the first to come
+        const char* time;  // of the second record, which is the first to come
+        int values;
         const char* table;
-        const char* ids;  // what stands in front of its values there
-        const char* firstCaption;
         const char* lastCaption;
-        int captions;
     } cases[] = {
-        {Cw("AGA7"), ArchiveKind::Hourly, 12, "211/210/209 212:00:00|201|202|203|204|205|206|207|208", "hourly_tf_mf_7",
-         "", "|Static Pressure |", "|Battery Voltage  ", 9},
-        {Cw("AGA3"), ArchiveKind::Hourly, 13, "212/211/210 213:00:00|201|202|203|204|205|206|207|208|209",
-         "hourly_tf_mf", "", "|Diff. Pressure |", "|Battery Voltage  ", 10},
-        {TeleCorrector(), ArchiveKind::Hourly, 15, "212/213/214 215:00:00|201|202|203|204|205|206|207|208|209|210|211",
-         "hourly_tc", "", "|Static Pressure |", "|Battery Volt", 12},
-        {teleFlow, ArchiveKind::Hourly, 12, "211/210/209 212:00:00|201|202|203|204|205|206|207|208", "hourly_tf",
-         "0|0|", "|Diff. Pressure |", "|Battery Voltage  ", 9},
-        {Cw("AGA7"), ArchiveKind::Daily, 13, "212/211/210 213:00:00|201|202|203|204|205|206|207|208|209",
-         "daily_tf_mf_7", "", "|Static Pressure |", "|Energy Yesterday", 10},
-        {Cw("AGA3"), ArchiveKind::Daily, 14, "213/212/211 214:00:00|201|202|203|204|205|206|207|208|209|210",
-         "daily_tf_mf", "", "|Diff. Pressure |", "|Energy Yesterday", 11},
-        {TeleCorrector(), ArchiveKind::Daily, 15, "212/213/214 215:00:00|201|202|203|204|205|206|207|208|209|210|211",
-         "daily_tc", "", "|Static Pressure |", "|Battery Volt", 12},
-        {teleFlow, ArchiveKind::Daily, 12, "211/210/209 212:00:00|201|202|203|204|205|206|207|208", "daily_tf", "0|0|",
-         "|Diff. Pressure |", "|Battery Voltage  ", 9},
+        {Cw("AGA7"), ArchiveKind::Hourly, 12, "211/210/209 212", 8, "hourly_tf_mf_7", "|Battery Voltage  "},
+        {Cw("AGA3"), ArchiveKind::Hourly, 13, "212/211/210 213", 9, "hourly_tf_mf", "|Battery Voltage  "},
+        {TeleCorrector(), ArchiveKind::Hourly, 15, "212/213/214 215", 11, "hourly_tc", "|Battery Volt"},
+        {teleFlow, ArchiveKind::Hourly, 12, "211/210/209 212", 8, "hourly_tf", "|Battery Voltage  "},
+        {Cw("AGA7"), ArchiveKind::Daily, 13, "212/211/210 213", 9, "daily_tf_mf_7", "|Energy Yesterday"},
+        {Cw("AGA3"), ArchiveKind::Daily, 14, "213/212/211 214", 10, "daily_tf_mf", "|Energy Yesterday"},
+        {TeleCorrector(), ArchiveKind::Daily, 15, "212/213/214 215", 11, "daily_tc", "|Battery Volt"},
+        {teleFlow, ArchiveKind::Daily, 12, "211/210/209 212", 8, "daily_tf", "|Battery Voltage  "},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.table);
@@ -186,26 +158,32 @@ TEST(ModbusArchive, EveryKindComesUnderItsNames) {
         desk.station.isTeleCorrector = test.model.isTeleCorrector;
         desk.dbconn.Execute("insert into " + std::string(test.table) + "(NodeName) values('of a run before')");
         desk.OpenSlave(test.floats);
-        const auto outcome = desk.Collect(test.kind);
-        EXPECT_EQ(archive::ArchiveCollected(outcome), "Archive Collected");
+        EXPECT_EQ(archive::ArchiveCollected(desk.Collect(test.kind)), "Archive Collected");
         // Blocks from the newest down, each in the station's order: 2, 3, 4, 5, then 1.
         ASSERT_THAT(desk.view.rows, SizeIs(5));
-        EXPECT_EQ(desk.view.rows[0], test.row);
+        std::string row = test.time + std::string(":00:00");
+        for (int value = 1; value <= test.values; ++value) {
+            row += "|" + std::to_string(200 + value);
+        }
+        EXPECT_EQ(desk.view.rows[0], row);
         EXPECT_THAT(desk.view.rows[3], HasSubstr("|501|502|503|"));
         EXPECT_THAT(desk.view.rows[4], HasSubstr("|101|102|103|"));
         EXPECT_THAT(desk.view.progress, ElementsAre("Record (4/5 )", "Record (5/5 )"));
-        EXPECT_THAT(desk.view.header,
-                    AllOf(HasSubstr(test.firstCaption), testing::EndsWith(test.lastCaption),
-                          testing::StartsWith(test.kind == ArchiveKind::Daily ? "Date  " : "Hour  ")));
-        EXPECT_EQ(std::count(desk.view.header.begin(), desk.view.header.end(), '|') + 1, test.captions);
+        EXPECT_THAT(desk.view.header, testing::EndsWith(test.lastCaption));
+        EXPECT_THAT(desk.view.header, testing::StartsWith(test.kind == ArchiveKind::Daily ? "Date  " : "Hour  "));
+        EXPECT_EQ(std::count(desk.view.header.begin(), desk.view.header.end(), '|'), test.values);
 
-        const auto records = desk.Table(test.table);
-        ASSERT_THAT(records, SizeIs(5));
-        for (std::size_t i = 0; i < records.size(); ++i) {
-            std::string expected = desk.view.rows[i] + "|";
-            expected.insert(expected.find('|') + 1, test.ids);
-            EXPECT_EQ(records[i], expected + "O'Brien's Works");
+        // In front of a TeleFlow's values two columns stand that no reply fills.
+        std::vector<std::string> records;
+        for (const std::string& shown : desk.view.rows) {
+            records.push_back(shown + "|O'Brien's Works");
+            const bool hasIDs = !test.model.isCW && !test.model.isTeleCorrector;
+            records.back().insert(records.back().find('|') + 1, hasIDs ? "0|0|" : "");
         }
+        EXPECT_EQ(desk.Table(test.table), records);
+        const std::string kind = test.kind == ArchiveKind::Daily ? "Daily" : "Hourly";
+        EXPECT_THAT(desk.dbconn.Texts("select * from TTS_table"),
+                    ElementsAre(HasSubstr(": User WARDEN collected " + kind + " Archive from RTU O'Brien's Works.")));
     }
 }
 
@@ -227,52 +205,39 @@ TEST(ModbusArchive, TheFramesOfARun) {
                                             "01 03 03 E9 00 0C 94 7F"));
 }
 
-TEST(ModbusArchive, TheNumberOfTheNewestRecordDecidesTheBlocks) {
+TEST(ModbusArchive, TheNumberOfTheNewestRecordDecidesTheBlocksUntilAStop) {
     const struct {
         double newest;
-        std::vector<std::string> indexes;
+        std::vector<int> indexes;
         std::size_t rows;
         const char* said;
+        std::size_t stopBehind = 1000;
     } cases[] = {
         {0, {}, 0, "Archive Collected"},
         {-3, {}, 0, "Archive Collected"},
-        {3, {"3"}, 3, "Archive Collected"},
-        {4, {"4"}, 4, "Archive Collected"},
-        {8, {"8", "4"}, 8, "Archive Collected"},
-        {9, {"9", "5", "1"}, 9, "Archive Collected"},
+        {3, {3}, 3, "Archive Collected"},
+        {8, {8, 4}, 8, "Archive Collected"},
+        {9, {9, 5, 1}, 9, "Archive Collected"},
         {40000, {}, 0, "The station says that its newest record is number 40000\rNo records received."},
+        {9, {9}, 4, "Stopped before the end\r4 of 9 records received, 4 stored.", 1},
+        {9, {9, 5}, 8, "Stopped before the end\r8 of 9 records received, 8 stored.", 5},
+        {9, {9, 5, 1}, 9, "Archive Collected", 9},
+        {8, {8, 4}, 8, "Archive Collected", 8},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.newest);
         ArchiveDesk desk;
         desk.newest = test.newest;
+        desk.view.stopBehind = test.stopBehind;
         desk.OpenSlave(12);
         EXPECT_EQ(archive::ArchiveCollected(desk.Collect()), test.said);
         std::vector<std::string> writes;
-        for (const std::string& index : test.indexes) {
-            writes.push_back("register 608 Hourly index = " + index);
+        for (const int index : test.indexes) {
+            writes.push_back("register 608 Hourly index = " + std::to_string(index));
         }
         EXPECT_EQ(desk.slave->WritesText(), writes);
-        EXPECT_THAT(desk.view.rows, SizeIs(test.rows));
-        EXPECT_THAT(desk.Table("hourly_tf"), SizeIs(test.rows));
         EXPECT_EQ(std::set<std::string>(desk.view.rows.begin(), desk.view.rows.end()).size(), test.rows);
-    }
-}
-
-TEST(ModbusArchive, AStopLeavesTheRowsOfTheBlocksSoFar) {
-    for (const int behind : {1, 5, 9}) {
-        ArchiveDesk desk;
-        desk.newest = 9;
-        desk.view.stopBehind = behind;
-        desk.OpenSlave(12);
-        const auto outcome = desk.Collect();
-        const std::size_t rows = behind == 1 ? 4 : behind == 5 ? 8 : 9;
-        EXPECT_THAT(desk.view.rows, SizeIs(rows));
-        EXPECT_THAT(desk.Table("hourly_tf"), SizeIs(rows));
-        EXPECT_EQ(archive::ArchiveCollected(outcome), rows == 9 ? "Archive Collected"
-                                                                : "Stopped before the end\r" + std::to_string(rows) +
-                                                                      " of 9 records received, " +
-                                                                      std::to_string(rows) + " stored.");
+        EXPECT_THAT(desk.Table("hourly_tf"), SizeIs(test.rows));
     }
 }
 
@@ -355,61 +320,32 @@ TEST(ModbusArchive, AScheduledRunTakesTheLineAtAnyStep) {
 }
 
 TEST(ModbusArchive, WhatCannotBeReadOrStoredIsSaid) {
+    const auto said = [](ArchiveDesk& desk) {
+        desk.OpenSlave(12);
+        const std::string text = archive::ArchiveCollected(desk.Collect());
+        EXPECT_THAT(desk.slave->WritesText(), SizeIs(desk.view.rows.empty() ? 0 : 1));
+        return text;
+    };
     ArchiveDesk ascii;
     ascii.station.framing = core::Framing::Ascii;
-    ascii.OpenSlave(12);
-    EXPECT_THAT(archive::ArchiveCollected(ascii.Collect()), testing::StartsWith("Modbus ASCII cannot"));
+    EXPECT_THAT(said(ascii), testing::StartsWith("Modbus ASCII cannot"));
     EXPECT_THAT(ascii.told.boxes, ElementsAre("Valid parameters not available to assemble Modbus packet"));
-    EXPECT_THAT(ascii.slave->WritesText(), IsEmpty());
 
     ArchiveDesk aga9;
-    aga9.station.isCW = true;
-    aga9.station.stream[0] = "AGA9";
-    aga9.OpenSlave(12);
-    EXPECT_THAT(aga9.Collect().failure, HasSubstr("no such archive"));
-    EXPECT_THAT(aga9.told.sent, IsEmpty());
-
+    aga9.station = Cw("AGA9");
+    EXPECT_THAT(said(aga9), HasSubstr("no such archive"));
     ArchiveDesk unknown;
     unknown.dbconn.Execute("update modbus_para set hourlyData = 0");
-    unknown.OpenSlave(12);
-    EXPECT_THAT(unknown.Collect().failure, HasSubstr("modbus_para"));
+    EXPECT_THAT(said(unknown), HasSubstr("modbus_para"));
     EXPECT_THAT(unknown.told.sent, IsEmpty());
+    // Of a download that brought nothing there is nothing to tell.
+    EXPECT_THAT(unknown.dbconn.Texts("select * from TTS_table"), IsEmpty());
 
     ArchiveDesk full;
     full.dbconn.Execute("create trigger full before insert on hourly_tf begin select raise(abort, 'disk full'); end");
-    full.OpenSlave(12);
-    EXPECT_THAT(archive::ArchiveCollected(full.Collect()), "disk full\r4 of 5 records received, 0 stored.");
+    EXPECT_EQ(said(full), "disk full\r4 of 5 records received, 0 stored.");
     EXPECT_THAT(full.view.rows, SizeIs(4)) << "what came is seen";
     EXPECT_THAT(full.RtuErr(), HasSubstr("disk full"));
-}
-
-// Every record of the field, of the models whose stations speak Modbus.
-TEST(ModbusArchive, WhatTheFieldHoldsIsWhatComes) {
-    for (const char* const model : {"TeleFlow", "TeleCorrector"}) {
-        for (const ArchiveKind kind : {ArchiveKind::Daily, ArchiveKind::Hourly}) {
-            ArchiveDesk desk;
-            const auto locationID = demo::AddStation(desk.dbconn, {"O'Neill", model, "Modbus", "RTU", 1, 7});
-            fieldsim::Field field(desk.dbconn, {});
-            field.AttachTo(desk.ports);
-            desk.station = *core::ReadStation(desk.dbconn, locationID);
-            EXPECT_EQ(archive::ArchiveCollected(desk.Collect(kind)), "Archive Collected");
-            const auto& file = field.Station(locationID)->archive[kind == ArchiveKind::Hourly ? 1 : 0];
-            const int newest = kind == ArchiveKind::Hourly ? 72 : 40;
-            ASSERT_THAT(desk.view.rows, SizeIs(newest));
-            const auto* records = archive::RecordKindOf(desk.station, 1, kind);
-            for (int row = 0; row < newest; ++row) {
-                const int record = newest - row / 4 * 4 - 3 + row % 4;
-                std::string text = desk.view.rows[static_cast<std::size_t>(row)];
-                for (std::size_t value = 1; value <= records->Values(); ++value) {
-                    text.erase(0, text.find('|') + 1);
-                    const double served = static_cast<float>(file.value(record, static_cast<int>(value)));
-                    EXPECT_NEAR(core::Val(text), served, 1e-6) << record << " " << value;
-                }
-            }
-            EXPECT_THAT(desk.view.rows[static_cast<std::size_t>(3)],
-                        testing::StartsWith(kind == ArchiveKind::Hourly ? "9/3/2026 7:00:00|" : "9/3/2026 6:00:00|"));
-        }
-    }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/Address.h"
 #include "core/Station.h"
 #include "support/ScratchDesk.h"
 
@@ -64,6 +65,59 @@ TEST_F(StationTest, AnIpStationHasNoLineAndNoPhone) {
     const Station station = Read("ip,comport,baudrate,phoneno", "'10.0.0.7','COM4','19200,N,8,1','5550100'");
     EXPECT_EQ(station.settings, "9600,n,8,1");
     EXPECT_EQ(station.phoneno, "");
+    EXPECT_FALSE(AddressOf(station)) << "without a port";
+    EXPECT_EQ(AddressOf(Read("ip,protocol,mode", "' Pump7.example:4001 ','BSAP','TCP'")),
+              (Address{"pump7.example", 4001}));
+    EXPECT_EQ(AddressOf(Read("ip,protocol,mode", "'10.0.0.7','Modbus','tcp'")), (Address{"10.0.0.7", 502}));
+    EXPECT_FALSE(AddressOf(Read("ip,modelno,protocol,mode", "'10.0.0.7','CWEFM-AGA3','Modbus','TCP'")))
+        << "it speaks BSAP";
+}
+
+// What is behind one address is on one line, however it was spelled.
+TEST(AddressTest, OneAddressHasOneTextAndNothingElseIsTaken) {
+    const std::pair<const char*, const char*> taken[] = {
+        {"10.0.0.7:4001", "10.0.0.7:4001"},
+        {"10.0.0.7", "10.0.0.7:502"},
+        {" GATE-3.Field.Example:65535\t", "gate-3.field.example:65535"},
+        {"terminal_server:1", "terminal_server:1"},
+        {"[FD00:0:0::7]:04001", "[fd00::7]:4001"},
+        {"[::1]", "[::1]:502"},
+        {"[fe80::1%eth0]:7", "[fe80::1%eth0]:7"},
+    };
+    for (const auto& [text, address] : taken) {
+        const auto parsed = ParseAddress(text, modbusTcpPort);
+        ASSERT_TRUE(parsed) << text;
+        EXPECT_EQ(AddressText(*parsed), address);
+    }
+    for (const char* text : {"",
+                             ":4001",
+                             "a:",
+                             "a:0",
+                             "a:65536",
+                             "a:-1",
+                             "a:4001x",
+                             "a:+1",
+                             "a:1:2",
+                             "::1",
+                             "fd00::7:4001",
+                             "[::1]4001",
+                             "[::1",
+                             "[]:1",
+                             "[10.0.0.7]:1",
+                             "[fe80::1%]:1",
+                             "10.0.0.256:1",
+                             "10.0.7:1",
+                             "10.0.0.010:1",
+                             "-a:1",
+                             "a..b:1",
+                             "a b:1",
+                             "a/b:1",
+                             "http://a:1",
+                             "m\xc3\xbcller:1",
+                             "4001"}) {
+        EXPECT_FALSE(ParseAddress(text, modbusTcpPort)) << text;
+    }
+    EXPECT_FALSE(ParseAddress("10.0.0.7"));
 }
 
 TEST_F(StationTest, StreamsCountOnMultistreamModelsOnly) {

@@ -234,7 +234,7 @@ TEST_F(BsapListTest, EndsAtTheLastPositionAndWhenItNeverEnds) {
     EXPECT_EQ(list.signals.size(), 401U);
     EXPECT_EQ(list.resultline.size(), 400 * std::string("#N=9?KG").size());
     line.answer = [&next](const std::string&) { return LongReply(++next, Times(16, Logical(1))); };
-    list = Read({}, ListKind::Boolean);
+    list = Read({}, core::ValueKind::Logical);
     EXPECT_TRUE(list.collstatus);
     EXPECT_EQ(list.signals.size(), 81U);
     EXPECT_EQ(line.sent.size(), 5U);

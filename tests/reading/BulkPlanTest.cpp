@@ -7,9 +7,9 @@ using namespace reading;
 
 namespace {
 
-constexpr auto coil = BlockType::Coil;
-constexpr auto integer = BlockType::Integer;
-constexpr auto real = BlockType::Float;
+constexpr auto coil = core::ValueKind::Logical;
+constexpr auto integer = core::ValueKind::Integer;
+constexpr auto real = core::ValueKind::Float;
 using Blocks = std::vector<Block>;
 
 struct BulkPlanTest : testing::Test {

@@ -67,9 +67,18 @@ TEST_F(StationChecksTest, WhatAFieldMayHold) {
     }
     StationRecord network = records::Filled();
     network.comtype = "IP";
-    network.ip = "10.0.0.1";
+    network.ip = "10.0.0.1:4001";
     network.comport = network.baudrate = "";
     EXPECT_EQ(Told(network), "") << "an address needs no line";
+    network.ip = "10.0.0.1";
+    EXPECT_EQ(Told(network), "Enter the IP address with its port, such as 10.0.0.7:4001 / txtIPAdr");
+    network.protocol = "Modbus";
+    network.Mode = "TCP";
+    EXPECT_EQ(Told(network), "") << "which has a port of its own";
+    StationRecord serial = records::Filled();
+    serial.protocol = "Modbus";
+    serial.Mode = "TCP";
+    EXPECT_EQ(Told(serial), "Mode TCP needs the Communication Type IP / cmbcommtype");
 
     StationRecord integers = records::Filled();
     integers.typeInteger = true;

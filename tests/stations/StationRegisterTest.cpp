@@ -50,6 +50,8 @@ StationRecord Full() {
     record.stream = {"AGA7", "AGA3", "AGA9", "AGA11"};
     record.Mode = "ASCII";
     record.standardFraming = true;
+    record.pacing = core::Pacing::Prompt;
+    record.wordOrder = core::WordOrder::LowFirst;
     record.duration = "Weekly";
     record.weekday = 7;
     record.contracthour = "17:05";
@@ -134,6 +136,7 @@ TEST_F(StationRegisterTest, ColumnsThatFollowOtherChoices) {
         {[](StationRecord& r) { r.Mode = "ASCII", r.standardFraming = true; }, "mode||framing", "required"},
         {[](StationRecord& r) { r.protocol = "Modbus", r.Mode = "RTU", r.standardFraming = true; }, "mode||framing",
          "RTUrequired"},
+        {[](StationRecord& r) { r.wordOrder = core::WordOrder::LowFirst; }, "wordorder", "high"},  // of BSAP
         {[](StationRecord& r) { r.aga8_fpv = false, r.Gross_Detail = r.gasauto = true; }, gas, "0--"},
         {[](StationRecord& r) { r.Gross_Detail = r.gasauto = true; }, gas, "11-"},
         {[](StationRecord& r) { r.gasauto = true; }, gas, "101"},

@@ -44,6 +44,14 @@ struct RecordingRun final : archive::RunView {
     }
 };
 
+// A fault so many times, from the exchange `at` on.
+inline fieldsim::LineFaults::Options FaultAt(std::size_t at, fieldsim::Fault fault, std::size_t times = 1) {
+    fieldsim::LineFaults::Options faults;
+    faults.script.assign(at, fieldsim::Fault::None);
+    faults.script.insert(faults.script.end(), times, fault);
+    return faults;
+}
+
 // A BSAP station with a history on a line with faults, and a conversation with it. Its node address is 1.
 class HistoryTalk {
   public:
@@ -62,6 +70,17 @@ class HistoryTalk {
     }
 
     archive::Collected Collect(const archive::Wish& wish) { return archive::Collect(desk.dbconn, talk, wish, view); }
+
+    // Stopped, or its line taken, behind so many exchanges.
+    void CutBehind(std::size_t exchanges, bool taken) {
+        const auto due = [this, exchanges] { return faults.Exchanges().size() >= exchanges; };
+        view.stopped = [taken, due] { return !taken && due(); };
+        desk.clock.Every(1, [this, taken, due] {
+            if (taken && due()) {
+                field.TakeOver("The line was taken");
+            }
+        });
+    }
 
     ScratchDesk desk;
     fieldsim::BsapStation station;

@@ -6,17 +6,14 @@ namespace archive {
 
 namespace {
 
-using namespace std::string_literals;
 using protocols::BsapCounters;
+using protocols::BuildApplicationFrame;
 using protocols::HighByte;
 using protocols::LowByte;
+namespace bsap = protocols::bsap;
 
 constexpr core::DateTime dayZero = {1976, 12, 31, 0, 0, 0};
 constexpr std::int64_t secondsADay = 86400;
-
-std::string Frame(BsapCounters& counters, int node, const std::string& body) {
-    return protocols::BuildApplicationFrame(counters, node, protocols::SequenceOrder::LowHigh, body);
-}
 
 std::string FileByte(int file) {
     return {LowByte(file), '\0'};
@@ -29,26 +26,27 @@ std::string Word(int number) {
 }  // namespace
 
 std::string BuildArchiveInfoRequest(BsapCounters& counters, int node, int file) {
-    return Frame(counters, node, "\x70\x07\x04"s + FileByte(file));
+    return BuildApplicationFrame(counters, node, bsap::archiveInformation, FileByte(file));
 }
 
 std::string BuildArchiveFieldRequest(BsapCounters& counters, int node, int file, int fieldIndex) {
-    return Frame(counters, node, "\x70\x07\x02"s + FileByte(file) + LowByte(fieldIndex) + '\0');
+    return BuildApplicationFrame(counters, node, bsap::archiveDefinitions, FileByte(file) + LowByte(fieldIndex) + '\0');
 }
 
 std::string BuildArchiveReadRequest(BsapCounters& counters, int node, int file, int record, int archivecount) {
-    return Frame(counters, node, "\x70\x07\x07"s + FileByte(file) + Word(record) + LowByte(archivecount));
+    return BuildApplicationFrame(counters, node, bsap::archiveRecords,
+                                 FileByte(file) + Word(record) + LowByte(archivecount));
 }
 
 std::string BuildArchiveDateRequest(BsapCounters& counters, int node, int file, const core::DateTime& date) {
-    return Frame(counters, node, "\x70\x07\x06"s + FileByte(file) + Word(ArchiveDay(date)) + "\0\0"s);
+    return BuildApplicationFrame(counters, node, bsap::archiveByDate,
+                                 FileByte(file) + Word(ArchiveDay(date)) + Word(0));
 }
 
 std::string BuildAuditRequest(BsapCounters& counters, int node, const AuditCursors& cursors, int position,
                               int archivecount) {
-    return Frame(
-        counters, node,
-        "\x70\x03\x05"s + LowByte(cursors.a) + LowByte(cursors.b) + '\0' + LowByte(archivecount) + Word(position));
+    const std::string from = {LowByte(cursors.a), LowByte(cursors.b), '\0'};
+    return BuildApplicationFrame(counters, node, bsap::auditRecords, from + LowByte(archivecount) + Word(position));
 }
 
 int ArchiveDay(const core::DateTime& date) {

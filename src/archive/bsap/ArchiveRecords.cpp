@@ -7,14 +7,15 @@
 #include "archive/bsap/Archive.h"
 #include "core/Text.h"
 #include "protocols/WireNumbers.h"
+#include "protocols/bsap/BsapLayout.h"
 
 namespace archive {
 
 namespace {
 
-constexpr std::size_t headLength = 8;
-constexpr std::size_t floatLength = 4;
-constexpr int timeUnit = 4;  // seconds
+using protocols::archiveRecord;
+using protocols::auditEvent;
+using protocols::floatLength;
 
 unsigned Byte(std::string_view bytes, std::size_t at) {
     return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0;
@@ -35,10 +36,9 @@ int SignedWord(std::string_view bytes, std::size_t at) {
     return sum > highest ? 0 : sum;
 }
 
-// The day at `at`, the time behind it.
-core::DateTime TimeStamp(std::string_view bytes, std::size_t at) {
-    core::DateTime stamp = DateOfArchiveDay(Day(bytes, at));
-    const int seconds = SignedWord(bytes, at + 2) * timeUnit;
+core::DateTime TimeStamp(std::string_view bytes, std::size_t day, std::size_t time) {
+    core::DateTime stamp = DateOfArchiveDay(Day(bytes, day));
+    const int seconds = SignedWord(bytes, time) * protocols::timeUnitSeconds;
     stamp.hour = seconds / 3600;
     stamp.minute = seconds % 3600 / 60;
     stamp.second = seconds % 60;
@@ -59,10 +59,10 @@ double DecodeFloat(std::string_view bytes) {
 ArchiveRecord DecodeArchiveRecord(std::string_view record) {
     constexpr int places = 2;
     ArchiveRecord decoded;
-    decoded.at = TimeStamp(record, 0);
-    decoded.localID = SignedWord(record, 4);
-    decoded.globalID = SignedWord(record, 6);
-    for (std::size_t at = headLength; at + floatLength <= record.size(); at += floatLength) {
+    decoded.at = TimeStamp(record, archiveRecord.day, archiveRecord.time);
+    decoded.localID = SignedWord(record, archiveRecord.localID);
+    decoded.globalID = SignedWord(record, archiveRecord.globalID);
+    for (std::size_t at = archiveRecord.firstFloat; at + floatLength <= record.size(); at += floatLength) {
         decoded.values.push_back(core::RoundTo(DecodeFloat(record.substr(at, floatLength)), places));
     }
     return decoded;
@@ -75,12 +75,14 @@ AuditEvent DecodeAuditRecord(std::string_view record, EventCodes codes) {
         return event;
     }
     const auto rest = record.substr(nul + 1);
-    event.at = TimeStamp(rest, 0);
-    event.at.second = static_cast<int>(core::RoundTo(event.at.second + Byte(rest, 4) * 20 / 1000.0, 0));
-    event.description = AuditDescription(core::FromCodePage(record.substr(1, nul - 1)), DecodeFloat(From(rest, 5)),
-                                         DecodeFloat(From(rest, 9)), static_cast<unsigned char>(record[0]), codes);
-    event.localID = SignedWord(rest, 25);
-    event.globalID = SignedWord(rest, 27);
+    event.at = TimeStamp(rest, auditEvent.day, auditEvent.time);
+    const int fractionMs = static_cast<int>(Byte(rest, auditEvent.fraction)) * protocols::fractionUnitMs;
+    event.at.second = static_cast<int>(core::RoundTo(event.at.second + fractionMs / 1000.0, 0));
+    event.description =
+        AuditDescription(core::FromCodePage(record.substr(1, nul - 1)), DecodeFloat(From(rest, auditEvent.firstValue)),
+                         DecodeFloat(From(rest, auditEvent.secondValue)), static_cast<unsigned char>(record[0]), codes);
+    event.localID = SignedWord(rest, auditEvent.localID);
+    event.globalID = SignedWord(rest, auditEvent.globalID);
     return event;
 }
 

@@ -9,11 +9,9 @@ namespace archive {
 
 namespace {
 
-constexpr std::size_t definitionLength = 27;
-constexpr std::size_t nameLength = 17;
-constexpr std::size_t archiveNameLength = 9;
-// Behind the NUL of an event's signal name.
-constexpr std::size_t eventRest = 31;
+using protocols::archiveNameLength;
+using protocols::definitionLength;
+using protocols::fieldNameLength;
 
 // The places of a reply in front of its trailer.
 class Places {
@@ -42,10 +40,10 @@ std::vector<std::string> CutEvents(std::string rest) {
     std::vector<std::string> events;
     while (rest.size() > 1) {
         const std::size_t nul = rest.find('\0', 1);
-        if (nul == std::string::npos || nul + 1 + eventRest > rest.size()) {
+        if (nul == std::string::npos || nul + 1 + protocols::auditEvent.length > rest.size()) {
             break;
         }
-        events.push_back(rest.substr(0, nul + 1 + eventRest));
+        events.push_back(rest.substr(0, nul + 1 + protocols::auditEvent.length));
         rest.erase(0, events.back().size());
     }
     return events;
@@ -55,28 +53,34 @@ std::vector<std::string> CutEvents(std::string rest) {
 
 std::optional<FileInformation> ParseFileInformation(const std::string& reply, const ArchiveLayout& layout) {
     const Places places(reply);
-    if (!places.Has(layout.oldest, 2)) {
+    const auto& at = layout.information;
+    if (!places.Has(at.oldest, 2)) {
         return std::nullopt;
     }
-    return FileInformation{places.Word(layout.newest), places.Word(layout.oldest), places.Word(layout.third)};
+    return FileInformation{places.Word(at.newest), places.Word(at.oldest), places.Word(at.third)};
 }
 
 std::optional<FieldDefinitions> ParseFieldDefinitions(const std::string& reply, const ArchiveLayout& layout) {
     const Places places(reply);
-    const auto count = static_cast<std::size_t>(places.Byte(layout.fieldsHere));
-    if (!places.Has(layout.status, 2) || (count > 0 && !places.Has(layout.firstDefinition, count * definitionLength))) {
-        return std::nullopt;
-    }
+    const auto& at = layout.definitions;
+    const auto count = static_cast<std::size_t>(places.Byte(at.fieldsHere));
     FieldDefinitions definitions;
     definitions.status1 = places.Byte(layout.status);
     definitions.status2 = places.Byte(layout.status + 1);
-    definitions.fields = places.Word(layout.fields);
-    if (places.Has(layout.archiveName, archiveNameLength)) {
-        definitions.archiveName = core::FromCodePage(places.Bytes(layout.archiveName, archiveNameLength));
+    definitions.endsBehindStatus = !places.Has(at.fieldsHere, 1);
+    const bool whole = definitions.endsBehindStatus
+                           ? places.Has(layout.status, 2) && definitions.Refused()
+                           : count == 0 || places.Has(at.firstDefinition, count * definitionLength);
+    if (!whole) {
+        return std::nullopt;
+    }
+    definitions.fields = places.Word(at.fields);
+    if (places.Has(at.archiveName, archiveNameLength)) {
+        definitions.archiveName = core::FromCodePage(places.Bytes(at.archiveName, archiveNameLength));
     }
     for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t at = layout.firstDefinition + i * definitionLength;
-        definitions.names.push_back(core::FromCodePage(places.Bytes(at, nameLength)));
+        const std::size_t position = at.firstDefinition + i * definitionLength;
+        definitions.names.push_back(core::FromCodePage(places.Bytes(position, fieldNameLength)));
     }
     return definitions;
 }
@@ -84,29 +88,31 @@ std::optional<FieldDefinitions> ParseFieldDefinitions(const std::string& reply, 
 std::optional<RecordReply> ParseRecordReply(const std::string& reply, const ArchiveLayout& layout, std::size_t fields) {
     const Places places(reply);
     const std::size_t length = ArchiveRecordLength(fields);
-    const auto count = static_cast<std::size_t>(places.Byte(layout.recordsHere));
-    if (!places.Has(layout.recordsHere, 1) || (count > 0 && !places.Has(layout.firstRecord, count * length))) {
+    const auto& at = layout.records;
+    const auto count = static_cast<std::size_t>(places.Byte(at.recordsHere));
+    if (!places.Has(at.recordsHere, 1) || (count > 0 && !places.Has(at.firstRecord, count * length))) {
         return std::nullopt;
     }
     RecordReply records;
-    records.more = places.Byte(layout.more) != 0;
-    records.found = places.Word(layout.recordFound);
+    records.more = places.Byte(at.more) != 0;
+    records.found = places.Word(at.recordFound);
     for (std::size_t i = 0; i < count; ++i) {
-        records.records.push_back(places.Bytes(layout.firstRecord + i * length, length));
+        records.records.push_back(places.Bytes(at.firstRecord + i * length, length));
     }
     return records;
 }
 
 std::optional<AuditReply> ParseAuditReply(const std::string& reply, const ArchiveLayout& layout) {
     const Places places(reply);
-    if (!places.Has(layout.eventsHere, 1)) {
+    const auto& at = layout.audit;
+    if (!places.Has(at.eventsHere, 1)) {
         return std::nullopt;
     }
     AuditReply audit;
-    audit.events = places.Word(layout.events);
-    audit.cursors = {places.Byte(layout.cursorA), places.Byte(layout.cursorB)};
-    audit.records = CutEvents(places.From(layout.firstEvent));
-    const auto count = static_cast<std::size_t>(places.Byte(layout.eventsHere));
+    audit.events = places.Word(at.events);
+    audit.cursors = {places.Byte(at.cursorA), places.Byte(at.cursorB)};
+    audit.records = CutEvents(places.From(at.firstEvent));
+    const auto count = static_cast<std::size_t>(places.Byte(at.eventsHere));
     if (audit.records.size() < count) {
         return std::nullopt;
     }

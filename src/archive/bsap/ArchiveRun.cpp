@@ -73,8 +73,7 @@ class Run {
 
     bool ReadInformation() {
         const auto information =
-            tries_.Insist([&] { return BuildArchiveInfoRequest(talk_.counters, Node(), file_); },
-                          {routine_.informationOver, routine_.information},
+            tries_.Insist([&] { return BuildArchiveInfoRequest(talk_.counters, Node(), file_); }, routine_.information,
                           [&](const std::string& answer) { return ParseFileInformation(answer, routine_.layout); },
                           {.endsAtRefusal = true});
         if (!information) {
@@ -99,12 +98,12 @@ class Run {
             TakeNames(*definitions);
             received += static_cast<int>(definitions->names.size());
             fields_ = static_cast<std::size_t>(definitions->fields);
-            if (Refused(*definitions) || received >= definitions->fields) {
+            if (definitions->Refused() || received >= definitions->fields) {
                 result_.download.fields.resize(std::min(result_.download.fields.size(), fields_));
                 view_.Columns(Captions());
-                return !Refused(*definitions) || Fail(RunEnd::Failed, StatusText(*definitions),
-                                                      RefusalText(std::to_string(definitions->status1) + ", " +
-                                                                  std::to_string(definitions->status2)));
+                return !definitions->Refused() || Fail(RunEnd::Failed, StatusText(*definitions),
+                                                       RefusalText(std::to_string(definitions->status1) + ", " +
+                                                                   std::to_string(definitions->status2)));
             }
             if (view_.Stopped()) {
                 return Fail(RunEnd::Stopped, "", "");
@@ -115,17 +114,18 @@ class Run {
     // A reply without a definition, where one is missing, is none.
     std::optional<FieldDefinitions> AskDefinitions(int index) {
         return tries_.Insist([&] { return BuildArchiveFieldRequest(talk_.counters, Node(), file_, index); },
-                             {routine_.definitionOver, routine_.definition},
+                             routine_.definition,
                              [&](const std::string& answer) {
-                                 auto definitions = ParseFieldDefinitions(answer, routine_.layout);
-                                 const bool empty =
-                                     definitions && definitions->names.empty() && definitions->fields > index;
-                                 return empty && !Refused(*definitions) ? std::nullopt : definitions;
+                                 const auto definitions = ParseFieldDefinitions(answer, routine_.layout);
+                                 return definitions && Counts(*definitions, index) ? definitions : std::nullopt;
                              });
     }
 
-    static bool Refused(const FieldDefinitions& definitions) {
-        return definitions.status1 != 0 || definitions.status2 != 0;
+    bool Counts(const FieldDefinitions& definitions, int index) const {
+        if (definitions.Refused()) {
+            return routine_.takesShortRefusal || !definitions.endsBehindStatus;
+        }
+        return !definitions.names.empty() || definitions.fields <= index;
     }
 
     void TakeNames(const FieldDefinitions& definitions) {
@@ -144,12 +144,12 @@ class Run {
 
     template <typename Build>
     std::optional<RecordReply> AskRecords(const Build& build) {
-        auto reply = tries_.Insist(build, {routine_.recordOver, routine_.records}, [&](const std::string& answer) {
+        auto reply = tries_.Insist(build, routine_.records, [&](const std::string& answer) {
             auto parsed = ParseRecordReply(answer, routine_.layout, fields_);
             return parsed && parsed->records.empty() && parsed->more ? std::nullopt : parsed;
         });
         if (!reply) {
-            FailRequest(routine_.tellsBadReply ? "Bad Response" : "");
+            FailRequest(routine_.order == ArchiveOrder::NewestFirst ? "" : "Bad Response");
         }
         return reply;
     }

@@ -16,16 +16,15 @@ void Log(protocols::Conversation& talk, const char* title, const std::string& by
 
 }  // namespace
 
-std::optional<std::string> Ask(protocols::Conversation& talk, const std::string& frame, const Asking& asking) {
-    Log(talk, asking.titles.request, frame);
+std::optional<std::string> Ask(protocols::Conversation& talk, const std::string& frame, const FrameTitles& titles) {
+    Log(talk, titles.request, frame);
     const protocols::StationReply reply = protocols::AskStation(talk, frame);
     if (talk.Ended()) {
         return std::nullopt;
     }
-    Log(talk, asking.titles.reply, reply.received);
-    const bool good = reply.answer && reply.answer->text.size() > asking.over;
-    talk.requests.Note(good);
-    return good ? std::optional(reply.answer->text) : std::nullopt;
+    Log(talk, titles.reply, reply.received);
+    talk.requests.Note(reply.answer.has_value());
+    return reply.answer ? std::optional(reply.answer->text) : std::nullopt;
 }
 
 }  // namespace archive

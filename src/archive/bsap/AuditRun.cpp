@@ -42,11 +42,11 @@ class Run {
         return end_ || stopped || talk_.Ended();
     }
 
-    std::optional<AuditReply> AskEvents(const AuditCursors& cursors, int position, int count, std::size_t over,
+    std::optional<AuditReply> AskEvents(const AuditCursors& cursors, int position, int count,
                                         const char* failure = "Error In response", Tries::Patience patience = {}) {
         auto reply = tries_.Insist(
-            [&] { return BuildAuditRequest(talk_.counters, talk_.station.slaveaddress, cursors, position, count); },
-            {over}, [&](const std::string& answer) { return ParseAuditReply(answer, routine_.layout); }, patience);
+            [&] { return BuildAuditRequest(talk_.counters, talk_.station.slaveaddress, cursors, position, count); }, {},
+            [&](const std::string& answer) { return ParseAuditReply(answer, routine_.layout); }, patience);
         if (!reply) {
             Fail(tries_.End(), failure, tries_.Reason());
         }
@@ -59,7 +59,7 @@ class Run {
         bool first = true;
         while (!Ends()) {
             const bool isLast = !routine_.endsByCount && archivecount_ == 1;
-            const auto reply = AskEvents(cursors, position, archivecount_, routine_.over);
+            const auto reply = AskEvents(cursors, position, archivecount_);
             if (!reply) {
                 return;
             }
@@ -110,14 +110,13 @@ class Run {
     // The place behind the newest event, or one a little above. Nothing: the download has ended.
     std::optional<int> FindEnd() {
         constexpr Tries::Patience patience = {3};
-        constexpr std::size_t over = 20;
-        const auto reply = AskEvents({}, 1, blockOfEvents, over, "Error In Communication", patience);
+        const auto reply = AskEvents({}, 1, blockOfEvents, "Error In Communication", patience);
         if (!reply) {
             return std::nullopt;
         }
         auditcount_ = reply->events;
         counter_ = std::min(1, auditcount_);
-        if (&routine_.layout == &longArchive) {
+        if (&routine_.layout == &protocols::longArchive) {
             return auditcount_ + 1;
         }
         const int first = static_cast<int>(reply->records.size());
@@ -135,7 +134,7 @@ class Run {
                 Fail(RunEnd::Stopped, "", "");
                 return std::nullopt;
             }
-            const auto reply = AskEvents({}, next, blockOfEvents, routine_.over);
+            const auto reply = AskEvents({}, next, blockOfEvents);
             if (!reply) {
                 return std::nullopt;
             }
@@ -150,7 +149,7 @@ class Run {
     bool ReadBlock(int first, int count, std::vector<std::string>& records) {
         while (static_cast<int>(records.size()) < count) {
             const int got = static_cast<int>(records.size());
-            const auto reply = AskEvents({}, first + got, count - got, routine_.over);
+            const auto reply = AskEvents({}, first + got, count - got);
             if (!reply) {
                 return false;
             }

@@ -4,6 +4,10 @@ namespace archive {
 
 namespace {
 
+using protocols::longArchive;
+using protocols::shortArchive;
+
+constexpr int blockOfRecords = 4;
 constexpr const char* globla = "Globla ID       ";  // as its screens have always spelled it
 constexpr FrameTitles frames = {"Archive Request:", "Archive Response:"};
 
@@ -11,33 +15,82 @@ constexpr const char* longHeader = "Time ::                         ";
 constexpr const char* shortHeader = "Time ::                               ";
 constexpr const char* rangeHeader = "Time ::                                                     ";
 
-const ArchiveRoutine archivePlain = {ArchiveOrder::OldestFirst, longArchive,        21, 0,     10,
-                                     "Time ::         ",        "Global ID       ", 0,  false, true};
+const ArchiveRoutine archivePlain = {
+    .order = ArchiveOrder::OldestFirst,
+    .layout = longArchive,
+    .timeHeader = "Time ::         ",
+    .globalHeader = "Global ID       ",
+    .archivecount = 0,
+    .takesShortRefusal = true,
+};
 
-const ArchiveRoutine cwLong = {ArchiveOrder::OldestFirst, longArchive, 21, 0, 22, longHeader, globla, 4, false, true};
+const ArchiveRoutine cwLong = {
+    .order = ArchiveOrder::OldestFirst,
+    .layout = longArchive,
+    .timeHeader = longHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+    .takesShortRefusal = true,
+};
+
 const ArchiveRoutine cwShort = {
-    ArchiveOrder::OldestFirst, shortArchive, 25, 20, 20, shortHeader, globla, 4, false, true};
-const ArchiveRoutine cwShortNewest = {ArchiveOrder::NewestFirst,
-                                      shortArchive,
-                                      25,
-                                      20,
-                                      20,
-                                      shortHeader,
-                                      globla,
-                                      4,
-                                      false,
-                                      false,
-                                      {"GET Archive Num of Record", "Receive Archive"},
-                                      {"Archive Defination", "Receive Archive Defination"},
-                                      {"Get Archive data", "Receive Archive"}};
+    .order = ArchiveOrder::OldestFirst,
+    .layout = shortArchive,
+    .timeHeader = shortHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+};
 
-const ArchiveRoutine paraLong = {ArchiveOrder::DateRange, longArchive, 26, 23, 22, longHeader, globla, 4, false, true};
+const ArchiveRoutine cwShortNewest = {
+    .order = ArchiveOrder::NewestFirst,
+    .layout = shortArchive,
+    .timeHeader = shortHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+    .information = {"GET Archive Num of Record", "Receive Archive"},
+    .definition = {"Archive Defination", "Receive Archive Defination"},
+    .records = {"Get Archive data", "Receive Archive"},
+};
+
+const ArchiveRoutine paraLong = {
+    .order = ArchiveOrder::DateRange,
+    .layout = longArchive,
+    .timeHeader = longHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+};
+
 const ArchiveRoutine paraLongNewest = {
-    ArchiveOrder::NewestFirst, longArchive, 26, 0, 10, longHeader, globla, 4, true, false};
+    .order = ArchiveOrder::NewestFirst,
+    .layout = longArchive,
+    .timeHeader = longHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+    .startsAbove = true,
+    .takesShortRefusal = true,
+};
+
 const ArchiveRoutine paraShort = {
-    ArchiveOrder::DateRange, shortArchive, 25, 22, 20, rangeHeader, globla, 4, false, true, frames, frames, frames};
+    .order = ArchiveOrder::DateRange,
+    .layout = shortArchive,
+    .timeHeader = rangeHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+    .information = frames,
+    .definition = frames,
+    .records = frames,
+};
+
 const ArchiveRoutine paraShortNewest = {
-    ArchiveOrder::NewestFirst, shortArchive, 25, 22, 20, shortHeader, globla, 4, false, false, frames, frames, frames};
+    .order = ArchiveOrder::NewestFirst,
+    .layout = shortArchive,
+    .timeHeader = shortHeader,
+    .globalHeader = globla,
+    .archivecount = blockOfRecords,
+    .information = frames,
+    .definition = frames,
+    .records = frames,
+};
 
 }  // namespace
 
@@ -60,7 +113,6 @@ AuditRoutine AuditRoutineOf(Screen screen, bool isCW, bool newFirst) {
     if (screen == Screen::frmarchive) {
         return {.newestFirst = false,
                 .layout = longArchive,
-                .over = 10,
                 .firstPosition = 0,
                 .archivecount = 0,
                 .replydelay = 1000,
@@ -71,7 +123,6 @@ AuditRoutine AuditRoutineOf(Screen screen, bool isCW, bool newFirst) {
     }
     return {.newestFirst = newFirst,
             .layout = isCW ? shortArchive : longArchive,
-            .over = 22,
             .firstPosition = 1,
             .archivecount = 4,
             .replydelay = 0,

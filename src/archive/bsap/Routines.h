@@ -25,15 +25,11 @@ struct FrameTitles {
 struct ArchiveRoutine {
     ArchiveOrder order;
     const ArchiveLayout& layout;
-    // A reply must be longer than this, its doubled bytes undone.
-    std::size_t informationOver;
-    std::size_t definitionOver;
-    std::size_t recordOver;
     const char* timeHeader;
     const char* globalHeader;
-    int archivecount;    // asked for at first; 0: as many as the station gives at once
-    bool startsAbove;    // newest first: from above the newest number
-    bool tellsBadReply;  // "Bad Response"; otherwise the download gives up without a word
+    int archivecount;                // asked for at first; 0: as many as the station gives at once
+    bool startsAbove = false;        // newest first: from above the newest number
+    bool takesShortRefusal = false;  // a refusal of the definitions counts when it ends behind its status
     FrameTitles information{};
     FrameTitles definition{};
     FrameTitles records{};
@@ -45,7 +41,6 @@ const ArchiveRoutine& ArchiveRoutineOf(Screen screen, bool isCW, bool newFirst);
 struct AuditRoutine {
     bool newestFirst;
     const ArchiveLayout& layout;
-    std::size_t over;  // a reply must be longer than this
     int firstPosition;
     int archivecount;
     int replydelay;          // ms; 0: as the conversation has it

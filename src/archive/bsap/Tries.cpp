@@ -22,11 +22,6 @@ std::string StatusOf(const std::string& answer, std::size_t position) {
 
 }  // namespace
 
-std::optional<std::string> Tries::Answer(const std::string& frame, Asking asking) {
-    asking.over = 0;
-    return Ask(talk_, frame, asking);
-}
-
 void Tries::NoteFailure(const std::optional<std::string>& answer) {
     const std::string status = answer ? StatusOf(*answer, layout_.status) : std::string();
     refused_ = !status.empty();

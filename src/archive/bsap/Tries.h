@@ -24,14 +24,14 @@ class Tries {
     Tries(protocols::Conversation& talk, const RunView& view, const ArchiveLayout& layout)
         : talk_(talk), view_(view), layout_(layout) {}
 
-    // `build` makes the frame of each try; `parse` takes an answer that is long enough and gives nothing when it does
-    // not count. Nothing: the request failed, the operator stopped, or the conversation ended; see End and Reason.
+    // `build` makes the frame of each try; `parse` takes an answer and gives nothing when it does not count. Nothing:
+    // the request failed, the operator stopped, or the conversation ended; see End and Reason.
     template <typename Build, typename Parse>
-    auto Insist(const Build& build, const Asking& asking, const Parse& parse, Patience patience)
+    auto Insist(const Build& build, const FrameTitles& titles, const Parse& parse, Patience patience)
         -> decltype(parse(std::string())) {
         for (int made = 1;; ++made) {
-            const auto answer = Answer(build(), asking);
-            auto reply = answer && answer->size() > asking.over ? parse(*answer) : decltype(parse(std::string())){};
+            const auto answer = Ask(talk_, build(), titles);
+            auto reply = answer ? parse(*answer) : decltype(parse(std::string())){};
             if (!reply) {
                 NoteFailure(answer);
             }
@@ -42,8 +42,8 @@ class Tries {
     }
 
     template <typename Build, typename Parse>
-    auto Insist(const Build& build, const Asking& asking, const Parse& parse) -> decltype(parse(std::string())) {
-        return Insist(build, asking, parse, Patience());
+    auto Insist(const Build& build, const FrameTitles& titles, const Parse& parse) -> decltype(parse(std::string())) {
+        return Insist(build, titles, parse, Patience());
     }
 
     RunEnd End() const { return end_; }
@@ -51,8 +51,6 @@ class Tries {
     std::string Reason() const { return reason_; }
 
   private:
-    // Of any length.
-    std::optional<std::string> Answer(const std::string& frame, Asking asking);
     void NoteFailure(const std::optional<std::string>& answer);
     bool GivesUp(int made, Patience patience);
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/Text.h"
+#include "protocols/modbus/ModbusConstants.h"
 #include "protocols/modbus/ModbusTransact.h"
 
 namespace archive {
@@ -13,7 +14,6 @@ namespace {
 using protocols::Conversation;
 using protocols::ModbusReply;
 
-constexpr int readRegisters = 3;
 constexpr int recordsPerBlock = 4;
 constexpr double largestIndex = 32767;
 
@@ -42,7 +42,7 @@ constexpr int OnTheLine(int number) {
 }
 
 bool IsRegister(int number) {
-    return number >= 1 && OnTheLine(number) <= 65535;
+    return number >= 1 && OnTheLine(number) <= protocols::modbus::highestRegister;
 }
 
 std::vector<std::string> Captions(std::string_view header) {
@@ -109,8 +109,8 @@ class Run {
     // Reads as many floats into mbvalues.
     bool Read(int number, int floats) {
         const int registers = talk_.modbus.rtu32bit ? floats : 2 * floats;
-        const ModbusReply reply =
-            protocols::ModbusTransact(talk_, OnTheLine(number), registers, readRegisters, windowRead);
+        const ModbusReply reply = protocols::ModbusTransact(talk_, OnTheLine(number), registers,
+                                                            protocols::modbus::readHoldingRegisters, windowRead);
         return protocols::IsAnswer(reply, windowRead) || FailTransaction(protocols::FailureText(reply.kind));
     }
 
@@ -147,8 +147,8 @@ class Run {
     // Day, month, year and hour as the station has them: they need not be a date.
     std::string TimeText(const ModbusRecordKind& kind, int place) const {
         const auto text = [&](int offset) { return core::NumberText(Value(kind, place, offset)); };
-        return text(kind.date[0]) + "/" + text(kind.date[1]) + "/" + text(kind.date[2]) + " " + text(kind.hour) +
-               ":00:00";
+        return text(kind.time.day) + "/" + text(kind.time.month) + "/" + text(kind.time.year) + " " +
+               text(kind.time.hour) + ":00:00";
     }
 
     void TakeBlock(const ModbusRecordKind& kind, int count) {

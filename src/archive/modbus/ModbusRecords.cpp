@@ -28,79 +28,87 @@ constexpr Names WithoutDp(Names columns) {
 
 // The blanks in the captions give the columns their widths.
 constexpr ModbusRecordKind hourlyAga7 = {
-    12,
-    {11, 10, 9},
-    12,
-    "Hour                        |Static Pressure |Flowing Temp. |FlowRate          |Volume Acc.      |"
-    "Volume This HR |Energy Acc.|Energy This HR|Battery Voltage  ",
-    "hourly_tf_mf_7",
-    false,
-    WithoutDp(hourlyMfColumns)};
+    .floats = 12,
+    .time = {.day = 11, .month = 10, .year = 9, .hour = 12},
+    .header =
+        "Hour                        |Static Pressure |Flowing Temp. |FlowRate          |Volume Acc.      |"
+        "Volume This HR |Energy Acc.|Energy This HR|Battery Voltage  ",
+    .table = "hourly_tf_mf_7",
+    .hasIDs = false,
+    .columns = WithoutDp(hourlyMfColumns),
+};
 constexpr ModbusRecordKind hourlyAga3 = {
-    13,
-    {12, 11, 10},
-    13,
-    "Hour                        |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
-    "Volume Acc.      |Volume This HR |Energy Acc.|Energy This HR|Battery Voltage  ",
-    "hourly_tf_mf",
-    false,
-    hourlyMfColumns};
+    .floats = 13,
+    .time = {.day = 12, .month = 11, .year = 10, .hour = 13},
+    .header =
+        "Hour                        |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
+        "Volume Acc.      |Volume This HR |Energy Acc.|Energy This HR|Battery Voltage  ",
+    .table = "hourly_tf_mf",
+    .hasIDs = false,
+    .columns = hourlyMfColumns,
+};
 constexpr ModbusRecordKind hourlyTc = {
-    15,
-    {12, 13, 14},
-    15,
-    "Hour                       |Static Pressure |Flowing Temp. |FlowRate          |Uncorrected FlowRate      |"
-    "Volume Total   |Volume Today  |Volume LastDay |UnCorrected Total |UnCorrected Today |UnCorrected LastDay |"
-    "Battery Volt",
-    "hourly_tc",
-    false,
-    tcColumns};
+    .floats = 15,
+    .time = {.day = 12, .month = 13, .year = 14, .hour = 15},
+    .header =
+        "Hour                       |Static Pressure |Flowing Temp. |FlowRate          |Uncorrected FlowRate      |"
+        "Volume Total   |Volume Today  |Volume LastDay |UnCorrected Total |UnCorrected Today |UnCorrected LastDay |"
+        "Battery Volt",
+    .table = "hourly_tc",
+    .hasIDs = false,
+    .columns = tcColumns,
+};
 constexpr ModbusRecordKind hourlyTf = {
-    12,
-    {11, 10, 9},
-    12,
-    "Hour                         |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
-    "Volume Acc.      |Volume Today |Volume Yesterday|Battery Voltage  ",
-    "hourly_tf",
-    true,
-    tfColumns};
+    .floats = 12,
+    .time = {.day = 11, .month = 10, .year = 9, .hour = 12},
+    .header =
+        "Hour                         |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
+        "Volume Acc.      |Volume Today |Volume Yesterday|Battery Voltage  ",
+    .table = "hourly_tf",
+    .hasIDs = true,
+    .columns = tfColumns,
+};
 constexpr ModbusRecordKind dailyAga7 = {
-    13,
-    {12, 11, 10},
-    13,
-    "Date                        |Static Pressure |Flowing Temp. |FlowRate          |Volume Acc.      |"
-    "Volume Today |Volume Yesterday|Energy Acc.      |Energy Today |Energy Yesterday",
-    "daily_tf_mf_7",
-    false,
-    WithoutDp(dailyMfColumns)};
+    .floats = 13,
+    .time = {.day = 12, .month = 11, .year = 10, .hour = 13},
+    .header =
+        "Date                        |Static Pressure |Flowing Temp. |FlowRate          |Volume Acc.      |"
+        "Volume Today |Volume Yesterday|Energy Acc.      |Energy Today |Energy Yesterday",
+    .table = "daily_tf_mf_7",
+    .hasIDs = false,
+    .columns = WithoutDp(dailyMfColumns),
+};
 constexpr ModbusRecordKind dailyAga3 = {
-    14,
-    {13, 12, 11},
-    14,
-    "Date                        |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
-    "Volume Acc.      |Volume Today |Volume Yesterday|Energy Acc.      |Energy Today |Energy Yesterday",
-    "daily_tf_mf",
-    false,
-    dailyMfColumns};
+    .floats = 14,
+    .time = {.day = 13, .month = 12, .year = 11, .hour = 14},
+    .header =
+        "Date                        |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
+        "Volume Acc.      |Volume Today |Volume Yesterday|Energy Acc.      |Energy Today |Energy Yesterday",
+    .table = "daily_tf_mf",
+    .hasIDs = false,
+    .columns = dailyMfColumns,
+};
 constexpr ModbusRecordKind dailyTc = {
-    15,
-    {12, 13, 14},
-    15,
-    "Date                       |Static Pressure |Flowing Temp. |FlowRate          |Uncorrected FlowRate      |"
-    "Volume Total   |Volume Today  |Volume LastDay |UnCorrected Total |UnCorrected Today |UnCorrected LastDay |"
-    "Battery Volt",
-    "daily_tc",
-    false,
-    tcColumns};
+    .floats = 15,
+    .time = {.day = 12, .month = 13, .year = 14, .hour = 15},
+    .header =
+        "Date                       |Static Pressure |Flowing Temp. |FlowRate          |Uncorrected FlowRate      |"
+        "Volume Total   |Volume Today  |Volume LastDay |UnCorrected Total |UnCorrected Today |UnCorrected LastDay |"
+        "Battery Volt",
+    .table = "daily_tc",
+    .hasIDs = false,
+    .columns = tcColumns,
+};
 constexpr ModbusRecordKind dailyTf = {
-    12,
-    {11, 10, 9},
-    12,
-    "Date                         |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
-    "Volume Acc.      |Volume Today |Volume Yesterday|Battery Voltage  ",
-    "daily_tf",
-    true,
-    tfColumns};
+    .floats = 12,
+    .time = {.day = 11, .month = 10, .year = 9, .hour = 12},
+    .header =
+        "Date                         |Diff. Pressure |Static Pressure |Flowing Temp. |FlowRate          |"
+        "Volume Acc.      |Volume Today |Volume Yesterday|Battery Voltage  ",
+    .table = "daily_tf",
+    .hasIDs = true,
+    .columns = tfColumns,
+};
 
 }  // namespace
 

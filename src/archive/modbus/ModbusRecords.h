@@ -11,12 +11,19 @@
 // What the records are that a Modbus station shows in its archive window.
 namespace archive {
 
+// The offsets of a record's time.
+struct TimeOffsets {
+    int day;
+    int month;
+    int year;
+    int hour;
+};
+
 // One kind of record: how its floats lie in the window, and under which names its values go into the grid and into the
 // report table. Offsets count from 1 within a record. Its values are the offsets from 1 on, one under each name.
 struct ModbusRecordKind {
-    int floats;               // of a record
-    std::array<int, 3> date;  // offsets of its day, month and year
-    int hour;                 // and of its hour
+    int floats;  // of a record
+    TimeOffsets time;
     std::string_view header;  // of the grid, its columns separated by "|"; the first is that of the time
     std::string_view table;   // the report table
     bool hasIDs;              // which begins with two columns that no reply fills

@@ -26,6 +26,7 @@ void ShowMetering(const stations::ModelRule& rule, Ui::frmconfigstation& ui) {
 void ShowMode(bool visible, Ui::frmconfigstation& ui) {
     ui.lblMode->setVisible(visible);
     ui.cmbMode->setVisible(visible);
+    ui.chkwordorder->setVisible(visible);
     ShowFraming(ui);
 }
 

@@ -82,6 +82,8 @@ void StationFields::Show(const stations::StationRecord& record) {
     }
     ui_.cmbMode->Text(record.Mode);
     ui_.chkframing->setChecked(record.standardFraming);
+    ui_.chkpacing->setChecked(record.pacing == core::Pacing::Prompt);
+    ui_.chkwordorder->setChecked(record.wordOrder == core::WordOrder::LowFirst);
     ShowSchedule(record);
     (record.rtubits ? ui_.optf1 : ui_.optf2)->setChecked(true);
     ui_.chkrtubits->setChecked(record.rtubits);
@@ -129,6 +131,8 @@ stations::StationRecord StationFields::Read() const {
     }
     record.Mode = ui_.cmbMode->Text();
     record.standardFraming = ui_.chkframing->isChecked();
+    record.pacing = ui_.chkpacing->isChecked() ? core::Pacing::Prompt : core::Pacing::Stated;
+    record.wordOrder = ui_.chkwordorder->isChecked() ? core::WordOrder::LowFirst : core::WordOrder::HighFirst;
     record.duration = ui_.cmb_sel->Text();
     record.weekday = ui_.cmbweekly->findText(ui_.cmbweekly->currentText()) + 1;
     record.monthday = static_cast<int>(core::Val(ui_.cmbmonthy->Text()));

@@ -22,13 +22,19 @@ std::string SignalAddress(std::int32_t address) {
 // Type byte and single-precision number, low byte first: the reverse of the order in which Modbus sends it.
 std::string AnalogPart(double value) {
     const auto bytes = FloatToBytes(value);
-    return "\x0B"s + std::string(bytes.rbegin(), bytes.rend());
+    return bsap::writtenAnalog + std::string(bytes.rbegin(), bytes.rend());
 }
+
+std::string LogicalPart(bool on) {
+    return {on ? bsap::writtenOn : bsap::writtenOff};
+}
+
+constexpr char oneSignal = 1;
 
 }  // namespace
 
 std::string Bsap::LoadVersion() const {
-    return {LowByte(state_.loadversion1), LowByte(state_.loadversion2), '\xFF'};
+    return {LowByte(state_.loadversion1), LowByte(state_.loadversion2), bsap::behindVersion};
 }
 
 std::string Bsap::POLL_RTU(int address) {
@@ -40,41 +46,37 @@ std::string Bsap::POLL_RTU_1(int address) {
 }
 
 std::string Bsap::SignOn_RTU(int address, const std::string& password) {
-    return BuildApplicationFrame(counters_, address, SequenceOrder::LowHighDigits, "\x70\x05\x01"s + Closed(password));
+    return BuildApplicationFrame(counters_, address, bsap::signOn, Closed(password));
 }
 
 std::string Bsap::GetVersion_RTU(int address) {
-    return BuildApplicationFrame(counters_, address, SequenceOrder::LowHigh, "\x04\x02\x01\xFF\x11"s + Closed("#ON.."));
+    return BuildApplicationFrame(counters_, address, bsap::readVersion, Closed("#ON.."));
 }
 
 std::string Bsap::get_LIST(int address, int listNumber, bool first) {
-    std::string function = first ? "\x0C"s : "\x0D"s;
-    if (state_.listnames) {
-        function += "\x05\xF9\x01"s;
-    } else {
-        function += state_.listunits ? "\x01\xF0"s : "\x01\xD0"s;
-    }
-    function += LoadVersion() + LowByte(listNumber);
+    std::string data(state_.listnames   ? bsap::fieldsWithNames
+                     : state_.listunits ? bsap::fieldsWithUnits
+                                        : bsap::fieldsWithoutUnits);
+    data += LoadVersion() + LowByte(listNumber);
     if (!first) {
-        function += LowByte(state_.listnext1);
-        function += LowByte(state_.listnext2);
+        data += LowByte(state_.listnext1);
+        data += LowByte(state_.listnext2);
     } else if (isCW_) {
-        function += "\0\0"s;
+        data += "\0\0"s;
     }
-    return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow, function);
+    return BuildApplicationFrame(counters_, address, first ? bsap::firstOfList : bsap::nextOfList, data);
 }
 
 std::string Bsap::Write_value(int address, double value, std::int32_t signalAddress, core::ValueKind kind) {
-    const std::string logical = value > 0 ? "\x09"s : "\x0A"s;
-    return BuildApplicationFrame(counters_, address, SequenceOrder::LowHigh,
-                                 "\x80"s + LoadVersion() + "\x01"s + SignalAddress(signalAddress) +
-                                     (kind == core::ValueKind::Logical ? logical : AnalogPart(value)));
+    return BuildApplicationFrame(counters_, address, bsap::writeValues,
+                                 LoadVersion() + oneSignal + SignalAddress(signalAddress) +
+                                     (kind == core::ValueKind::Logical ? LogicalPart(value > 0) : AnalogPart(value)));
 }
 
 std::string Bsap::Write_value_str(int address, const std::string& text, std::int32_t signalAddress) {
     return BuildApplicationFrame(
-        counters_, address, SequenceOrder::LowHigh,
-        "\x80"s + LoadVersion() + "\x01"s + SignalAddress(signalAddress) + "\x0D"s + Closed(text));
+        counters_, address, bsap::writeValues,
+        LoadVersion() + oneSignal + SignalAddress(signalAddress) + bsap::writtenText + Closed(text));
 }
 
 std::string Bsap::Write_Mul_value(int address, std::span<const double> values,
@@ -83,16 +85,16 @@ std::string Bsap::Write_Mul_value(int address, std::span<const double> values,
     const std::size_t present = std::min(values.size(), signalAddresses.size());
     const std::size_t begin = std::min(firstIndex, present);
     const std::size_t end = begin + std::min(count, present - begin);
-    std::string function = "\x80"s + LoadVersion() + LowByte(static_cast<long long>(end - begin));
+    std::string data = LoadVersion() + LowByte(static_cast<long long>(end - begin));
     for (std::size_t i = begin; i < end; ++i) {
-        function += SignalAddress(signalAddresses[i]) + AnalogPart(values[i]);
+        data += SignalAddress(signalAddresses[i]) + AnalogPart(values[i]);
     }
-    return BuildApplicationFrame(counters_, address, SequenceOrder::LowHigh, function);
+    return BuildApplicationFrame(counters_, address, bsap::writeValues, data);
 }
 
 std::string Bsap::get_by_address(int address, std::int32_t signalAddress) {
-    return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow,
-                                 "\x00\x05\xF8\x01"s + LoadVersion() + "\x01"s + SignalAddress(signalAddress));
+    return BuildApplicationFrame(counters_, address, bsap::readByAddress,
+                                 LoadVersion() + oneSignal + SignalAddress(signalAddress));
 }
 
 std::string Bsap::get_by_name(int address, int count, std::span<const std::string> names) {
@@ -101,29 +103,27 @@ std::string Bsap::get_by_name(int address, int count, std::span<const std::strin
     const int present = static_cast<int>((names.size() + columns - 1) / columns);
     const int sent = std::clamp(count, 0, std::min(present, mostNames));
     // The stations take the count as the hexadecimal reading of its decimal digits.
-    std::string function = "\x04\x05\xF8\x01\xFF"s + LowByte(DigitsAsHex(sent));
+    std::string data = {LowByte(DigitsAsHex(sent))};
     for (std::size_t row = 0; row < static_cast<std::size_t>(sent); ++row) {
-        function += Closed(names[row * columns]);
+        data += Closed(names[row * columns]);
     }
-    return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow, function);
+    return BuildApplicationFrame(counters_, address, bsap::readByName, data);
 }
 
 std::string Bsap::get_by_single_name(int address, const std::string& name) {
-    return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow,
-                                 "\x04\x05\xF8\x01\xFF\x01"s + Closed(name));
+    return BuildApplicationFrame(counters_, address, bsap::readByName, oneSignal + Closed(name));
 }
 
 std::string Bsap::write_by_name(int address, const std::string& name, double value, core::ValueKind kind) {
-    return BuildApplicationFrame(
-        counters_, address, SequenceOrder::HighLow,
-        "\x84\xFF\x01"s + Closed(name) + (kind == core::ValueKind::Logical ? "\x09"s : AnalogPart(value)));
+    return BuildApplicationFrame(counters_, address, bsap::writeByName,
+                                 Closed(name) + (kind == core::ValueKind::Logical ? LogicalPart(true) : AnalogPart(value)));
 }
 
 std::string Bsap::get_signal_search(int address, const std::string& pattern, int kind, int firstParameter,
                                     int secondParameter) {
-    std::string function = "\x08\x05\xF9\x01\xFF"s + LowByte(firstParameter) + LowByte(secondParameter);
-    function += "\0\0"s + SearchFlag(kind) + Closed(pattern);
-    return BuildApplicationFrame(counters_, address, SequenceOrder::HighLow, function);
+    std::string data = {LowByte(firstParameter), LowByte(secondParameter)};
+    data += "\0\0"s + SearchFlag(kind) + Closed(pattern);
+    return BuildApplicationFrame(counters_, address, bsap::searchSignals, data);
 }
 
 char Bsap::SearchFlag(int kind) const {

@@ -3,22 +3,12 @@
 #include <algorithm>
 
 #include "protocols/bsap/BsapCheck.h"
+#include "protocols/bsap/BsapConstants.h"
 #include "protocols/bsap/BsapReply.h"
 
 namespace protocols {
 
 namespace {
-
-using namespace std::string_view_literals;
-
-constexpr char dle = 0x10;
-constexpr char etx = 0x03;
-constexpr auto start = "\x10\x02"sv;
-constexpr std::size_t checkLength = 2;
-constexpr std::size_t numbersAt = 3;  // behind address, link serial and message code
-constexpr std::size_t longestAcknowledgement = 17;
-constexpr char answerCode = 0x0B;
-constexpr char requestCode = '\xA0';
 
 struct Frame {
     std::string body;
@@ -29,9 +19,9 @@ struct Frame {
 // The frame that these bytes begin with; nothing when it is not whole or its check is wrong.
 std::optional<Frame> FrameAtStart(std::string_view bytes) {
     Frame frame;
-    std::size_t at = start.size();
-    while (at + 1 < bytes.size() && !(bytes[at] == dle && bytes[at + 1] == etx)) {
-        if (bytes[at] == dle && bytes[++at] != dle) {
+    std::size_t at = bsap::frameStart.size();
+    while (at + 1 < bytes.size() && !bytes.substr(at).starts_with(bsap::frameEnd)) {
+        if (bytes[at] == bsap::dle && bytes[++at] != bsap::dle) {
             return std::nullopt;
         }
         frame.body += bytes[at++];
@@ -40,12 +30,16 @@ std::optional<Frame> FrameAtStart(std::string_view bytes) {
     if (frame.length > bytes.size() || !HasRightCheck(bytes.substr(0, frame.length))) {
         return std::nullopt;
     }
-    frame.check = bytes.substr(frame.length - checkLength, checkLength);
+    frame.check = bytes.substr(frame.length - bsap::checkLength, bsap::checkLength);
     return frame;
 }
 
 bool HasAt(std::string_view body, std::size_t at, std::string_view bytes) {
     return at + bytes.size() <= body.size() && body.substr(at, bytes.size()) == bytes;
+}
+
+bool HasByteAt(std::string_view body, std::size_t at, int byte) {
+    return at < body.size() && static_cast<unsigned char>(body[at]) == byte;
 }
 
 // How many bytes of the head stand inside it beyond the short one.
@@ -54,21 +48,23 @@ std::size_t Extra(LeadingByte leading) {
 }
 
 bool IsApplication(std::string_view body, std::size_t extra) {
-    constexpr std::size_t behindSequence = numbersAt + 2;
-    return HasAt(body, 2 + extra, {&answerCode, 1}) && HasAt(body, behindSequence + extra, {&requestCode, 1});
+    return HasByteAt(body, bsap::messageAt + extra, bsap::answer) &&
+           HasByteAt(body, bsap::numbersAt + 2 + extra, bsap::application);
 }
 
 bool HasLinkCode(std::string_view body, std::size_t extra) {
-    return body.size() > 2 + extra && "\x86\x87\x95"sv.find(body[2 + extra]) != std::string_view::npos;
+    return body.size() > bsap::messageAt + extra &&
+           bsap::linkCodes.find(body[bsap::messageAt + extra]) != std::string_view::npos;
 }
 
 bool HasAddress(std::string_view body, std::size_t extra, int address) {
-    return body.size() > numbersAt + extra && static_cast<unsigned char>(body[numbersAt + extra]) == address;
+    return HasByteAt(body, bsap::stationAt + extra, address);
 }
 
 bool GivesBack(std::string_view body, std::size_t extra, const BsapAsked& asked) {
-    return !asked.sequence.empty() && body.size() > 1 && asked.serials.find(body[1]) != std::string::npos &&
-           HasAt(body, numbersAt + extra, asked.sequence);
+    return !asked.sequence.empty() && body.size() > bsap::serialAt &&
+           asked.serials.find(body[bsap::serialAt]) != std::string::npos &&
+           HasAt(body, bsap::numbersAt + extra, asked.sequence);
 }
 
 // The head that fits where the other one does not.
@@ -89,7 +85,7 @@ std::optional<LeadingByte> ByContent(std::string_view body, const BsapAsked& ask
     if (!found) {
         found = OnlyOne([&](std::size_t extra) { return GivesBack(body, extra, asked); });
     }
-    if (!found && body.size() + start.size() + replyTrailer < longestAcknowledgement) {
+    if (!found && body.size() + bsap::frameStart.size() + replyTrailer < bsap::longestAcknowledgement) {
         found = OnlyOne([&](std::size_t extra) { return HasAddress(body, extra, asked.address); });
     }
     return found;
@@ -103,10 +99,11 @@ BsapAsked BsapAsked::By(std::string_view frame, bool isCW, int address) {
     asked.address = address;
     const auto found = FrameAtStart(frame);
     asked.body = found ? found->body : std::string();
-    asked.serials = asked.body.substr(std::min<std::size_t>(1, asked.body.size()), 1);
+    asked.serials = asked.body.substr(std::min(bsap::serialAt, asked.body.size()), 1);
     // A sign-on may lack bytes of its sequence: its answer is not told by them.
-    if (HasAt(asked.body, 2, {&requestCode, 1}) && HasAt(asked.body, numbersAt + 2, "\x0B\x00"sv)) {
-        asked.sequence = asked.body.substr(numbersAt, 2);
+    if (HasByteAt(asked.body, bsap::messageAt, bsap::application) &&
+        HasAt(asked.body, bsap::numbersAt + 2, bsap::behindSequence)) {
+        asked.sequence = asked.body.substr(bsap::numbersAt, 2);
     }
     return asked;
 }
@@ -128,17 +125,17 @@ std::optional<int> BsapAnswer::At(std::size_t position) const {
 
 bool IsLinkMessage(std::string_view body, LeadingByte leading, std::size_t length) {
     const std::size_t extra = Extra(leading);
-    return !IsApplication(body, extra) && (HasLinkCode(body, extra) || length <= longestAcknowledgement);
+    return !IsApplication(body, extra) && (HasLinkCode(body, extra) || length <= bsap::longestAcknowledgement);
 }
 
 std::vector<BsapAnswer> AnswersIn(std::string_view received, const BsapAsked& asked) {
     std::vector<BsapAnswer> answers;
     std::size_t behindLast = 0;
-    std::size_t at = received.find(start);
+    std::size_t at = received.find(bsap::frameStart);
     while (at != std::string_view::npos) {
         const auto frame = FrameAtStart(received.substr(at));
         if (!frame) {
-            at = received.find(start, at + 1);
+            at = received.find(bsap::frameStart, at + 1);
             continue;
         }
         const bool isLed = at > behindLast;
@@ -147,16 +144,17 @@ std::vector<BsapAnswer> AnswersIn(std::string_view received, const BsapAsked& as
             BsapAnswer answer;
             answer.leading = *leading;
             answer.text = *leading == LeadingByte::Ahead ? std::string(1, isLed ? received[at - 1] : '\0') : "";
-            answer.text.append(start).append(frame->body).append({dle, etx}).append(frame->check);
+            answer.text.append(bsap::frameStart).append(frame->body).append(bsap::frameEnd).append(frame->check);
             answer.isLink = IsLinkMessage(frame->body, *leading, answer.text.size());
-            answer.serial = frame->body.size() > 1 ? static_cast<unsigned char>(frame->body[1]) : 0;
-            const std::size_t sequenceAt = std::min(numbersAt + Extra(*leading), frame->body.size());
+            answer.serial =
+                frame->body.size() > bsap::serialAt ? static_cast<unsigned char>(frame->body[bsap::serialAt]) : 0;
+            const std::size_t sequenceAt = std::min(bsap::numbersAt + Extra(*leading), frame->body.size());
             answer.sequence = answer.isLink ? "" : frame->body.substr(sequenceAt, 2);
             answers.push_back(std::move(answer));
         }
         at += frame->length;
         behindLast = at;
-        at = received.find(start, at);
+        at = received.find(bsap::frameStart, at);
     }
     return answers;
 }

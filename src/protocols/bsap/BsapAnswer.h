@@ -40,7 +40,7 @@ std::optional<LeadingByte> LeadingByteOf(std::string_view body, bool isLed, cons
 
 struct BsapAnswer {
     // The frame from DLE STX to its check, its doubled bytes undone, behind the leading byte where that is one: over
-    // this the positions of BsapReply.h count, and its length is the one by which replies are told apart.
+    // this the positions of BsapLayout.h count, and its length is the one by which replies are told apart.
     std::string text;
     LeadingByte leading = LeadingByte::None;
     // A message of the link, such as an acknowledgement, and no answer to a request.

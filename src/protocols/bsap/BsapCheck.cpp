@@ -2,16 +2,14 @@
 
 #include <array>
 
+#include "protocols/bsap/BsapConstants.h"
+
 namespace protocols {
 
 namespace {
 
 constexpr unsigned polynomial = 0x8408;
 constexpr unsigned startValue = 0xFFFF;
-constexpr unsigned char soh = 0x01;
-constexpr unsigned char stx = 0x02;
-constexpr unsigned char etx = 0x03;
-constexpr unsigned char dle = 0x10;
 
 // What eight steps of the shift register do with each byte.
 constexpr std::array<std::uint16_t, 256> MakeTable() {
@@ -39,13 +37,17 @@ class Scanner {
                 state_ = Outside(byte);
                 break;
             case State::Dle:
-                state_ = byte == soh || byte == stx ? State::Body : byte == dle ? State::Dle : State::Idle;
+                state_ = byte == bsap::soh || byte == bsap::stx ? State::Body
+                         : byte == bsap::dle                    ? State::Dle
+                                                                : State::Idle;
                 break;
             case State::Body:
-                state_ = byte == dle ? State::DleInBody : Add(byte, State::Body);
+                state_ = byte == bsap::dle ? State::DleInBody : Add(byte, State::Body);
                 break;
             case State::DleInBody:
-                state_ = byte == dle ? Add(byte, State::Body) : byte == etx ? Add(byte, State::Ended) : State::Idle;
+                state_ = byte == bsap::dle   ? Add(byte, State::Body)
+                         : byte == bsap::etx ? Add(byte, State::Ended)
+                                             : State::Idle;
                 break;
         }
     }
@@ -55,10 +57,10 @@ class Scanner {
   private:
     // A DLE outside a frame starts the value anew; behind an ended frame nothing else does.
     State Outside(unsigned char byte) {
-        if (byte == dle || state_ == State::Idle) {
+        if (byte == bsap::dle || state_ == State::Idle) {
             value_ = startValue;
         }
-        return byte == dle ? State::Dle : State::Idle;
+        return byte == bsap::dle ? State::Dle : State::Idle;
     }
 
     State Add(unsigned char byte, State next) {

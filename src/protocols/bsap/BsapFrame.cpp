@@ -7,10 +7,7 @@ namespace protocols {
 
 namespace {
 
-using namespace std::string_literals;
-
-constexpr char dle = 0x10;
-const std::string dlePair(2, dle);
+const std::string dlePair(2, bsap::dle);
 
 int NextLinkSequence(BsapCounters& counters) {
     if (counters.bsapseq == 255) {
@@ -43,15 +40,15 @@ std::string DigitsByte(int number) {
     return reading > 255 ? std::string() : std::string(1, LowByte(reading));
 }
 
-std::string SequenceBytes(const BsapCounters& counters, SequenceOrder order) {
+std::string SequenceBytes(const BsapCounters& counters, bsap::SequenceOrder order) {
     const char low = LowByte(counters.appseqlow);
     const char high = LowByte(counters.appseqhigh);
     switch (order) {
-        case SequenceOrder::LowHigh:
+        case bsap::SequenceOrder::LowHigh:
             return {low, high};
-        case SequenceOrder::HighLow:
+        case bsap::SequenceOrder::HighLow:
             return {high, low};
-        case SequenceOrder::LowHighDigits:
+        case bsap::SequenceOrder::LowHighDigits:
             return DigitsByte(counters.appseqlow) + DigitsByte(counters.appseqhigh);
     }
     return {};
@@ -59,7 +56,8 @@ std::string SequenceBytes(const BsapCounters& counters, SequenceOrder order) {
 
 // Start, a body that is already escaped, end and check.
 std::string Frame(const std::string& escapedBody) {
-    std::string frame = "\x10\x02"s + escapedBody + "\x10\x03"s;
+    std::string frame(bsap::frameStart);
+    frame.append(escapedBody).append(bsap::frameEnd);
     const int check = BsapCheck(frame);
     frame += LowByte(check);
     frame += HighByte(check);
@@ -67,7 +65,7 @@ std::string Frame(const std::string& escapedBody) {
 }
 
 std::string Doubled(char byte) {
-    return byte == dle ? dlePair : std::string(1, byte);
+    return byte == bsap::dle ? dlePair : std::string(1, byte);
 }
 
 int NextLinkMessage(BsapCounters& counters) {
@@ -80,8 +78,8 @@ int NextLinkMessage(BsapCounters& counters) {
     return sequence;
 }
 
-std::string LocalFrame(int address, int sequence, char command, char argument) {
-    return Frame(Doubled(LowByte(address)) + Doubled(LowByte(sequence)) + command + Doubled(argument));
+std::string LocalFrame(int address, int sequence, int command, char argument) {
+    return Frame(Doubled(LowByte(address)) + Doubled(LowByte(sequence)) + LowByte(command) + Doubled(argument));
 }
 
 }  // namespace
@@ -90,24 +88,24 @@ int DigitsAsHex(int number) {
     return number < 10 ? number : DigitsAsHex(number / 10) * 16 + number % 10;
 }
 
-std::string BuildApplicationFrame(BsapCounters& counters, int address, SequenceOrder order,
-                                  const std::string& function) {
+std::string BuildApplicationFrame(BsapCounters& counters, int address, const bsap::Function& function,
+                                  const std::string& data) {
     AdvanceApplicationSequence(counters);
     const char sequence = LowByte(NextLinkSequence(counters));
-    const std::string applicationSequence = SequenceBytes(counters, order);
+    const std::string applicationSequence = SequenceBytes(counters, function.order);
     Remember(counters, applicationSequence, sequence);
-    const std::string body =
-        std::string{LowByte(address), sequence} + "\xA0"s + applicationSequence + "\x0B\x00"s + function;
-    return Frame(core::ReplaceAll(body, "\x10", dlePair));
+    std::string body = {LowByte(address), sequence, LowByte(bsap::application)};
+    body.append(applicationSequence).append(bsap::behindSequence).append(function.code).append(data);
+    return Frame(core::ReplaceAll(body, std::string(1, bsap::dle), dlePair));
 }
 
 std::string BuildPoll(BsapCounters& counters, int address) {
-    return LocalFrame(address, NextLinkMessage(counters), '\x85', dle);
+    return LocalFrame(address, NextLinkMessage(counters), bsap::poll, bsap::pollArgument);
 }
 
 std::string BuildAcknowledgement(BsapCounters& counters, int address) {
     const int sequence = NextLinkMessage(counters);
-    return LocalFrame(address, sequence, '\x8B', LowByte(sequence));
+    return LocalFrame(address, sequence, bsap::acknowledge, LowByte(sequence));
 }
 
 }  // namespace protocols

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "protocols/bsap/BsapConstants.h"
 #include "protocols/line/Conversation.h"
 
 // What all BSAP messages have in common; the archive's requests are built on it too. A frame is
@@ -19,23 +20,14 @@ inline char HighByte(long long number) {
     return LowByte(number >> 8);
 }
 
-// How the application sequence number stands in the message. The stations expect it in the order of each message.
-enum class SequenceOrder {
-    LowHigh,
-    HighLow,
-    // Low, high, each as the hexadecimal reading of its decimal digits: 12 goes out as 12 hex. From 100 on the reading
-    // is no byte and is left out.
-    LowHighDigits,
-};
-
 // The hexadecimal reading of a number's decimal digits: 12 hex for 12, 256 for 100.
 int DigitsAsHex(int number);
 
-// An application message: address, link sequence, A0, application sequence, 0B 00, `function`. Both sequence numbers
-// are advanced first: the link's from 1 to 255 and round to 1, the application's in twos from 2 to 65534 and round
-// to 2. Of the address its low byte is sent.
-std::string BuildApplicationFrame(BsapCounters& counters, int address, SequenceOrder order,
-                                  const std::string& function);
+// An application message: address, link sequence, A0, application sequence, 0B 00, function, data. Both sequence
+// numbers are advanced first: the link's from 1 to 255 and round to 1, the application's in twos from 2 to 65534 and
+// round to 2. Of the address its low byte is sent.
+std::string BuildApplicationFrame(BsapCounters& counters, int address, const bsap::Function& function,
+                                  const std::string& data);
 
 // A local link message: address, link sequence (advanced first), command, argument. Each is doubled where it is 10 hex,
 // the address too: undoubled it would reach nobody.

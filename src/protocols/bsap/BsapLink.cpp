@@ -8,6 +8,7 @@
 #include "core/Text.h"
 #include "protocols/bsap/Bsap.h"
 #include "protocols/bsap/BsapAnswer.h"
+#include "protocols/bsap/BsapConstants.h"
 #include "protocols/bsap/BsapFrame.h"
 #include "protocols/bsap/BsapReply.h"
 
@@ -302,9 +303,7 @@ std::string ExchangeBsap(Conversation& talk, const std::string& frame) {
 }
 
 bool Check_NeedPoll(Conversation& talk, const std::string& reply, std::string& pollReply, const WholeReply& whole) {
-    constexpr std::size_t shortestAcknowledgement = 11;
-    constexpr std::size_t shortestAnswer = 18;
-    if (reply.size() < shortestAcknowledgement || reply.size() >= shortestAnswer) {
+    if (reply.size() < bsap::shortestAcknowledgement || reply.size() > bsap::longestAcknowledgement) {
         return false;
     }
     pollReply = Exchange(talk, Messages(talk).POLL_RTU(talk.station.slaveaddress), whole);

@@ -1,6 +1,7 @@
 #include "protocols/bsap/BsapReply.h"
 
 #include "protocols/bsap/BsapCheck.h"
+#include "protocols/bsap/BsapConstants.h"
 
 namespace protocols {
 
@@ -12,12 +13,11 @@ std::optional<int> ByteAtPosition(std::string_view reply, std::size_t position) 
 }
 
 bool HasRightCheck(std::string_view frame) {
-    constexpr std::size_t checkLength = 2;
-    if (frame.size() < checkLength) {
+    if (frame.size() < bsap::checkLength) {
         return false;
     }
-    const std::string_view check = frame.substr(frame.size() - checkLength);
-    const int value = BsapCheck(frame.substr(0, frame.size() - checkLength));
+    const std::string_view check = frame.substr(frame.size() - bsap::checkLength);
+    const int value = BsapCheck(frame.substr(0, frame.size() - bsap::checkLength));
     return static_cast<unsigned char>(check[0]) == value % 256 && static_cast<unsigned char>(check[1]) == value / 256;
 }
 

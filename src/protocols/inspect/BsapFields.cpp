@@ -5,7 +5,7 @@
 #include "protocols/WireNumbers.h"
 #include "protocols/bsap/BsapAnswer.h"
 #include "protocols/bsap/BsapCheck.h"
-#include "protocols/bsap/BsapFrame.h"
+#include "protocols/bsap/BsapConstants.h"
 #include "protocols/bsap/BsapReply.h"
 #include "protocols/inspect/FieldWriter.h"
 
@@ -14,14 +14,7 @@ namespace protocols {
 
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr char dle = 0x10;
-constexpr auto frameStart = "\x10\x02"sv;
-constexpr std::size_t startLength = frameStart.size();
-constexpr std::size_t checkLength = 2;
-
-enum Message { Poll = 0x85, Acknowledge = 0x8B, Application = 0xA0 };
+constexpr std::size_t startLength = bsap::frameStart.size();
 
 // The body of the frame that begins at the next byte, its doubled bytes counted once; `end` is where its DLE ETX
 // stands, or the end of the line.
@@ -35,14 +28,14 @@ Unescaped Unescape(std::string_view line, std::size_t from) {
     Unescaped frame;
     std::size_t at = from;
     while (at < line.size()) {
-        const bool escape = line[at] == dle && at + 1 < line.size();
-        if (escape && line[at + 1] == '\x03') {
+        const bool escape = line[at] == bsap::dle && at + 1 < line.size();
+        if (escape && line[at + 1] == bsap::etx) {
             frame.ended = true;
             break;
         }
         frame.body.bytes += line[at];
         frame.body.at.push_back(at);
-        at += escape && line[at + 1] == dle ? 2 : 1;
+        at += escape && line[at + 1] == bsap::dle ? 2 : 1;
     }
     frame.body.at.push_back(at);
     frame.end = at;
@@ -65,13 +58,13 @@ void TakeSignal(BodyFields& body) {
 void TakeValue(BodyFields& body) {
     const int kind = body.Peek();
     switch (kind) {
-        case 0x09:
+        case bsap::writtenOn:
             body.Take(1, "value", "on");
             break;
-        case 0x0A:
+        case bsap::writtenOff:
             body.Take(1, "value", "off");
             break;
-        case 0x0B: {
+        case bsap::writtenAnalog: {
             body.Take(1, "value kind", "analog");
             std::uint32_t word = 0;
             for (std::size_t i = 4; i > 0; --i) {
@@ -80,7 +73,7 @@ void TakeValue(BodyFields& body) {
             body.Take(4, "value", core::NumberText(WireFloat(word)));
             break;
         }
-        case 0x0D:
+        case bsap::writtenText:
             body.Take(1, "value kind", "text");
             body.TakeText("value");
             break;
@@ -90,15 +83,15 @@ void TakeValue(BodyFields& body) {
 }
 
 void TakeFields(BodyFields& body) {
-    if (body.PeekAll().starts_with("\x05\xF9\x01"sv)) {
-        body.Take(3, "field set", "F9, with names");
+    const std::string_view rest = body.PeekAll();
+    if (rest.starts_with(bsap::fieldsWithNames)) {
+        body.Take(bsap::fieldsWithNames.size(), "field set", "F9, with names");
         return;
     }
-    const int set = body.Peek(1);
-    body.Take(2, "field set",
-              set == 0xF0   ? "F0, with units"
-              : set == 0xD0 ? "D0, without units"
-                            : ShortHex(body.PeekAll().substr(0, 2)));
+    body.Take(bsap::fieldsWithUnits.size(), "field set",
+              rest.starts_with(bsap::fieldsWithUnits)      ? "F0, with units"
+              : rest.starts_with(bsap::fieldsWithoutUnits) ? "D0, without units"
+                                                           : ShortHex(rest.substr(0, 2)));
 }
 
 void TakeContinuation(BodyFields& body) {
@@ -165,47 +158,45 @@ void TakeNothing(BodyFields&) {}
 
 enum class Answer { Data, Version, List };
 
-// A request by the bytes that its function begins with.
+// A request by its function.
 struct Function {
-    std::string_view begin;
+    const bsap::Function& begin;
     const char* word;
-    SequenceOrder order;
     void (*takeArguments)(BodyFields&);  // names what follows
     Answer answer = Answer::Data;
 };
 
 constexpr auto functions = std::to_array<Function>({
-    {"\x70\x05\x01"sv, "sign-on", SequenceOrder::LowHighDigits, TakePassword},
-    {"\x70\x07\x04"sv, "archive information", SequenceOrder::LowHigh, TakeNothing},
-    {"\x70\x07\x06"sv, "archive by date", SequenceOrder::LowHigh, TakeNothing},
-    {"\x70\x07\x07"sv, "archive records", SequenceOrder::LowHigh, TakeNothing},
-    {"\x70\x03\x05"sv, "audit records", SequenceOrder::LowHigh, TakeNothing},
-    {"\x04\x02\x01\xFF\x11"sv, "load version", SequenceOrder::LowHigh, TakeName, Answer::Version},
-    {"\x0C"sv, "first of a list", SequenceOrder::HighLow, TakeList, Answer::List},
-    {"\x0D"sv, "next of a list", SequenceOrder::HighLow, TakeList, Answer::List},
-    {"\x80"sv, "write values", SequenceOrder::LowHigh, TakeValues},
-    {"\x84\xFF\x01"sv, "write by name", SequenceOrder::HighLow, TakeNamedValue},
-    {"\x00\x05\xF8\x01"sv, "read by address", SequenceOrder::HighLow, TakeAddressed},
-    {"\x04\x05\xF8\x01\xFF"sv, "read by name", SequenceOrder::HighLow, TakeNames},
-    {"\x08\x05\xF9\x01\xFF"sv, "search for signals", SequenceOrder::HighLow, TakeSearch},
+    {bsap::signOn, "sign-on", TakePassword},
+    {bsap::archiveInformation, "archive information", TakeNothing},
+    {bsap::archiveDefinitions, "archive fields", TakeNothing},
+    {bsap::archiveByDate, "archive by date", TakeNothing},
+    {bsap::archiveRecords, "archive records", TakeNothing},
+    {bsap::auditRecords, "audit records", TakeNothing},
+    {bsap::readVersion, "load version", TakeName, Answer::Version},
+    {bsap::firstOfList, "first of a list", TakeList, Answer::List},
+    {bsap::nextOfList, "next of a list", TakeList, Answer::List},
+    {bsap::writeValues, "write values", TakeValues},
+    {bsap::writeByName, "write by name", TakeNamedValue},
+    {bsap::readByAddress, "read by address", TakeAddressed},
+    {bsap::readByName, "read by name", TakeNames},
+    {bsap::searchSignals, "search for signals", TakeSearch},
 });
 
 const Function* FunctionOf(std::string_view bytes) {
     for (const Function& function : functions) {
-        if (bytes.starts_with(function.begin)) {
+        if (bytes.starts_with(function.begin.code)) {
             return &function;
         }
     }
     return nullptr;
 }
 
-constexpr std::string_view behindSequence = "\x0B\x00"sv;
-
 // How many bytes the application sequence has: two. The sign-on forms it of decimal digits, and leaves out a byte that
 // they do not fit.
 std::size_t SequenceLength(std::string_view application) {
     for (std::size_t length = 3; length > 0; --length) {
-        if (application.substr(std::min(length - 1, application.size())).starts_with(behindSequence)) {
+        if (application.substr(std::min(length - 1, application.size())).starts_with(bsap::behindSequence)) {
             return length - 1;
         }
     }
@@ -213,15 +204,15 @@ std::size_t SequenceLength(std::string_view application) {
 }
 
 const Function* FunctionOfApplication(std::string_view application) {
-    const std::size_t at = SequenceLength(application) + behindSequence.size();
+    const std::size_t at = SequenceLength(application) + bsap::behindSequence.size();
     return FunctionOf(application.substr(std::min(at, application.size())));
 }
 
 std::string SequenceText(const BodyFields& body, std::size_t length, const Function* function) {
-    switch (function == nullptr ? SequenceOrder::LowHigh : function->order) {
-        case SequenceOrder::LowHighDigits:
+    switch (function == nullptr ? bsap::SequenceOrder::LowHigh : function->begin.order) {
+        case bsap::SequenceOrder::LowHighDigits:
             return ShortHex(body.PeekAll().substr(0, length)) + " (decimal)";
-        case SequenceOrder::HighLow:
+        case bsap::SequenceOrder::HighLow:
             return std::to_string(body.HighLow());
         default:
             return std::to_string(body.LowHigh());
@@ -233,9 +224,9 @@ void TakeApplication(BodyFields& body) {
     const std::size_t length = SequenceLength(body.PeekAll());
     const Function* function = FunctionOfApplication(body.PeekAll());
     body.Take(length, "application sequence", SequenceText(body, length, function));
-    TakeFixed(body, behindSequence.size());
+    TakeFixed(body, bsap::behindSequence.size());
     if (function != nullptr) {
-        body.Take(function->begin.size(), "function", function->word);
+        body.Take(function->begin.code.size(), "function", function->word);
         function->takeArguments(body);
         body.TakeRest("data");
     }
@@ -246,15 +237,15 @@ void TakeRequest(BodyFields& body) {
     body.TakeByte("link sequence");
     const int message = body.Peek();
     switch (message) {
-        case Poll:
+        case bsap::poll:
             body.Take(1, "message", "poll");
             body.Take(1, "argument", HexByte(std::max(body.Peek(), 0)));
             break;
-        case Acknowledge:
+        case bsap::acknowledge:
             body.Take(1, "message", "acknowledge");
             body.TakeByte("acknowledged sequence");
             break;
-        case Application:
+        case bsap::application:
             body.Take(1, "message", "application");
             TakeApplication(body);
             break;
@@ -266,12 +257,12 @@ void TakeRequest(BodyFields& body) {
 
 // What a request asks for.
 Answer AnswerTo(std::string_view request) {
-    constexpr std::size_t application = 3;  // behind address, link sequence and message
     if (request.size() < startLength) {
         return Answer::Data;
     }
     const std::string body = Unescape(request, startLength).body.bytes;
-    const Function* function = FunctionOfApplication(std::string_view(body).substr(std::min(application, body.size())));
+    const Function* function =
+        FunctionOfApplication(std::string_view(body).substr(std::min(bsap::numbersAt, body.size())));
     return function == nullptr ? Answer::Data : function->answer;
 }
 
@@ -313,7 +304,7 @@ LeadingByte LeadingByteAt(const Naming& naming, std::size_t ahead, bool isCW, co
 }
 
 void NameFrame(Naming& naming, bool isCW) {
-    const std::size_t ahead = naming.Rest().find(frameStart);
+    const std::size_t ahead = naming.Rest().find(bsap::frameStart);
     const std::size_t start = naming.next + ahead;
     const Unescaped frame = Unescape(naming.line, start + startLength);
     const bool isSent = naming.direction == Direction::TX;
@@ -340,27 +331,27 @@ void NameFrame(Naming& naming, bool isCW) {
         }
         return;
     }
-    naming.Take(startLength, "end", "DLE ETX");
-    if (naming.Rest().size() < checkLength) {
+    naming.Take(bsap::frameEnd.size(), "end", "DLE ETX");
+    if (naming.Rest().size() < bsap::checkLength) {
         naming.TakeCut("check");
         return;
     }
     const int check = BsapCheck(naming.line.substr(start, naming.next - start));
     const std::string expected = {static_cast<char>(check & 0xFF), static_cast<char>(check >> 8 & 0xFF)};
-    naming.Take(checkLength, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
+    naming.Take(bsap::checkLength, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
 }
 
 }  // namespace
 
 void NameBsap(Naming& naming, bool isCW) {
-    while (naming.Rest().find(frameStart) != std::string_view::npos) {
+    while (naming.Rest().find(bsap::frameStart) != std::string_view::npos) {
         NameFrame(naming, isCW);
     }
 }
 
 int BsapMessage(std::string_view sent) {
     const std::string body = sent.size() > startLength ? Unescape(sent, startLength).body.bytes : std::string();
-    return body.size() > 2 ? static_cast<unsigned char>(body[2]) : -1;
+    return body.size() > bsap::messageAt ? static_cast<unsigned char>(body[bsap::messageAt]) : -1;
 }
 
 }  // namespace protocols

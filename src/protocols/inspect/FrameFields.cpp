@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "protocols/bsap/BsapConstants.h"
 #include "protocols/inspect/FieldWriter.h"
 
 namespace protocols {
@@ -69,8 +70,7 @@ bool IsRequest(std::string_view sent, const Wire& wire) {
     if (IsModemText(sent, wire)) {
         return false;
     }
-    constexpr int application = 0xA0;
-    return wire.protocol != core::Protocol::Bsap || BsapMessage(sent) == application;
+    return wire.protocol != core::Protocol::Bsap || BsapMessage(sent) == bsap::application;
 }
 
 std::string FieldTable(const std::vector<FrameField>& fields) {

@@ -4,6 +4,7 @@
 #include "protocols/WireNumbers.h"
 #include "protocols/inspect/FieldWriter.h"
 #include "protocols/modbus/ModbusCheck.h"
+#include "protocols/modbus/ModbusConstants.h"
 
 // Modbus by name: its framings carry the same body, slave, function and data, RTU and ASCII in front of their check,
 // TCP behind a head.
@@ -11,32 +12,25 @@ namespace protocols {
 
 namespace {
 
-constexpr int writeCoil = 5;
-constexpr int writeRegister = 6;
-constexpr int writeCoils = 15;
-constexpr int writeRegisters = 16;
-constexpr int readStatus = 7;
-constexpr int exceptionBit = 0x80;
-
 std::string FunctionWord(int function) {
-    switch (function & ~exceptionBit) {
-        case 1:
+    switch (function & ~modbus::exceptionBit) {
+        case modbus::readCoils:
             return "read coils";
-        case 2:
+        case modbus::readInputs:
             return "read inputs";
-        case 3:
+        case modbus::readHoldingRegisters:
             return "read holding registers";
-        case 4:
+        case modbus::readInputRegisters:
             return "read input registers";
-        case writeCoil:
+        case modbus::writeCoil:
             return "write one coil";
-        case writeRegister:
+        case modbus::writeRegister:
             return "write one register";
-        case readStatus:
+        case modbus::readStatus:
             return "read exception status";
-        case writeCoils:
+        case modbus::writeCoils:
             return "write coils";
-        case writeRegisters:
+        case modbus::writeRegisters:
             return "write registers";
         default:
             return "not recognised";
@@ -74,17 +68,17 @@ bool Known(int function) {
 }
 
 bool IsRead(int function) {
-    return function >= 1 && function <= 4;
+    return function >= modbus::readCoils && function <= modbus::readInputRegisters;
 }
 
 bool IsWriteOfMany(int function) {
-    return function == writeCoils || function == writeRegisters;
+    return function == modbus::writeCoils || function == modbus::writeRegisters;
 }
 
 std::string Unit(int function) {
-    return function == 1 || function == writeCoil || function == writeCoils ? "coil"
-           : function == 2                                                  ? "input"
-                                                                            : "register";
+    return function == modbus::readCoils || function == modbus::writeCoil || function == modbus::writeCoils ? "coil"
+           : function == modbus::readInputs                                                                 ? "input"
+                                            : "register";
 }
 
 // The maps of the stations count from 1, the line from 0.
@@ -114,34 +108,36 @@ std::string Floats(std::string_view bytes, bool lowWordFirst) {
 
 void TakeData(BodyFields& body, int function, std::size_t count, bool lowWordFirst) {
     const std::string_view bytes = body.PeekAll().substr(0, count);
-    const bool floats = (function == 3 || function == 4 || function == writeRegisters) && count > 0 && count % 4 == 0;
+    const bool registers = function == modbus::readHoldingRegisters || function == modbus::readInputRegisters ||
+                           function == modbus::writeRegisters;
+    const bool floats = registers && count > 0 && count % 4 == 0;
     body.Take(count, "data", ShortHex(bytes) + (floats ? ", as floats " + Floats(bytes, lowWordFirst) : ""));
 }
 
 void TakeCoilValue(BodyFields& body) {
     const int value = body.HighLow();
-    body.Take(2, "value", std::to_string(value) + (value == 0xFF00 ? " on" : value == 0 ? " off" : ""));
+    body.Take(2, "value", std::to_string(value) + (value == modbus::coilOn ? " on" : value == 0 ? " off" : ""));
 }
 
 void TakeHead(BodyFields& body) {
     body.TakeByte("slave");
     const int function = std::max(body.Peek(), 0);
-    const std::string number = std::to_string(function & ~exceptionBit);
+    const std::string number = std::to_string(function & ~modbus::exceptionBit);
     body.Take(1, "function",
-              number + " " + FunctionWord(function) + ((function & exceptionBit) != 0 ? ", refused" : ""));
+              number + " " + FunctionWord(function) + ((function & modbus::exceptionBit) != 0 ? ", refused" : ""));
 }
 
 void TakeAddressAndDatum(BodyFields& body, int function) {
     TakeAddress(body, function);
-    if (function == writeCoil) {
+    if (function == modbus::writeCoil) {
         TakeCoilValue(body);
     } else {
-        TakeWord(body, function == writeRegister ? "value" : "quantity");
+        TakeWord(body, function == modbus::writeRegister ? "value" : "quantity");
     }
 }
 
 void TakeRequest(BodyFields& body, bool lowWordFirst) {
-    const int function = body.Peek(1);
+    const int function = body.Peek(modbus::functionAt);
     TakeHead(body);
     TakeAddressAndDatum(body, function);
     if (IsWriteOfMany(function)) {
@@ -153,16 +149,16 @@ void TakeRequest(BodyFields& body, bool lowWordFirst) {
 }
 
 void TakeReply(BodyFields& body, bool lowWordFirst) {
-    const int function = body.Peek(1);
+    const int function = body.Peek(modbus::functionAt);
     TakeHead(body);
-    if ((function & exceptionBit) != 0) {
+    if ((function & modbus::exceptionBit) != 0) {
         const int code = std::max(body.Peek(), 0);
         body.Take(1, "exception", std::to_string(code) + " " + ExceptionWord(code));
     } else if (IsRead(function)) {
         const int count = std::max(body.Peek(), 0);
         body.TakeByte("byte count");
         TakeData(body, function, static_cast<std::size_t>(count), lowWordFirst);
-    } else if (function == readStatus) {
+    } else if (function == modbus::readStatus) {
         body.TakeByte("status");
     } else {
         TakeAddressAndDatum(body, function);
@@ -173,7 +169,7 @@ void TakeReply(BodyFields& body, bool lowWordFirst) {
 // False: the body is cut short.
 bool TakeBody(const Body& bytes, Naming& naming) {
     BodyFields body(bytes, naming.fields);
-    if (!Known(body.Peek(1))) {
+    if (!Known(body.Peek(modbus::functionAt))) {
         TakeHead(body);
         body.TakeRest("not recognised");
     } else if (naming.direction == Direction::TX) {
@@ -185,27 +181,27 @@ bool TakeBody(const Body& bytes, Naming& naming) {
     return !body.CutShort();
 }
 
-constexpr std::size_t rtuCheck = 2;
-
 std::string RtuCheck(std::string_view body) {
     const int check = ModbusCrc(body);
     return {static_cast<char>(check & 0xFF), static_cast<char>(check >> 8)};
 }
 
 bool IsRightRtu(std::string_view frame) {
-    return frame.size() >= 2 + rtuCheck && frame.ends_with(RtuCheck(frame.substr(0, frame.size() - rtuCheck)));
+    return frame.size() >= 2 + modbus::crcLength &&
+           frame.ends_with(RtuCheck(frame.substr(0, frame.size() - modbus::crcLength)));
 }
 
 // How long the body of a reply says that it is; one that does not say so ends with the line.
 std::size_t ReplyLength(std::string_view line) {
-    const int function = static_cast<unsigned char>(line[1]);
-    if ((function & exceptionBit) != 0 || function == readStatus) {
-        return 3;
+    const int function = static_cast<unsigned char>(line[modbus::functionAt]);
+    if ((function & modbus::exceptionBit) != 0 || function == modbus::readStatus) {
+        return modbus::exceptionAt + 1;
     }
     if (IsRead(function)) {
-        return line.size() < 3 ? 3 : 3 + static_cast<std::size_t>(static_cast<unsigned char>(line[2]));
+        const bool counts = line.size() > modbus::byteCountAt;
+        return modbus::dataAt + (counts ? static_cast<unsigned char>(line[modbus::byteCountAt]) : 0U);
     }
-    return 6;
+    return modbus::writeLength;
 }
 
 // The digits of a frame in ASCII framing, and how many of them, at their end, are its check.
@@ -248,7 +244,7 @@ Body PairsBody(std::string_view digits, std::size_t from) {
 void NameAsciiFrame(Naming& naming) {
     naming.Take(1, "start", ":");
     const std::string_view rest = naming.Rest();
-    const std::string_view digits = rest.substr(0, rest.find_first_not_of("0123456789ABCDEFabcdef"));
+    const std::string_view digits = rest.substr(0, rest.find_first_not_of(modbus::asciiDigits));
     const std::string_view end = rest.substr(digits.size(), 2);
     const bool ended = end.starts_with('\r') || end.starts_with('\n');
     AsciiDigits frame = SplitCheck(digits);
@@ -260,7 +256,8 @@ void NameAsciiFrame(Naming& naming) {
         naming.Take(frame.check, "check", CheckWord(frame.right, frame.expected));
     }
     if (ended) {
-        naming.Take(end == "\r\n" ? 2 : 1, "end", end == "\r\n" ? "CR LF" : Readable(end.substr(0, 1)));
+        naming.Take(end == modbus::asciiEnd ? 2 : 1, "end",
+                    end == modbus::asciiEnd ? "CR LF" : Readable(end.substr(0, 1)));
     } else if (naming.Rest().empty() && whole) {
         naming.TakeCut(frame.check > 0 ? "end" : "check");
     }
@@ -270,10 +267,10 @@ void NameAsciiFrame(Naming& naming) {
 
 void NameModbusRtu(Naming& naming) {
     const std::string_view line = naming.Rest();
-    if (line.size() < 2 || (!Known(static_cast<unsigned char>(line[1])) && !IsRightRtu(line))) {
+    if (line.size() < 2 || (!Known(static_cast<unsigned char>(line[modbus::functionAt])) && !IsRightRtu(line))) {
         return;
     }
-    std::size_t length = line.size() - std::min(line.size() - 2, rtuCheck);
+    std::size_t length = line.size() - std::min(line.size() - 2, modbus::crcLength);
     if (naming.direction == Direction::RX && !IsRightRtu(line)) {
         // More than it says: something came behind it. Less: it was cut.
         length = std::min(ReplyLength(line), line.size());
@@ -281,12 +278,12 @@ void NameModbusRtu(Naming& naming) {
     if (!TakeBody(PlainBody(naming.line, naming.next, length), naming)) {
         return;
     }
-    if (naming.Rest().size() < rtuCheck) {
+    if (naming.Rest().size() < modbus::crcLength) {
         naming.TakeCut("check");
         return;
     }
     const std::string expected = RtuCheck(line.substr(0, length));
-    naming.Take(rtuCheck, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
+    naming.Take(modbus::crcLength, "check", CheckWord(naming.Rest().starts_with(expected), ShortHex(expected)));
 }
 
 void NameModbusTcp(Naming& naming) {
@@ -314,8 +311,8 @@ void NameModbusTcp(Naming& naming) {
 }
 
 void NameModbusAscii(Naming& naming) {
-    while (naming.Rest().find(':') != std::string_view::npos) {
-        naming.TakeUnknown(naming.Rest().find(':'));
+    while (naming.Rest().find(modbus::colon) != std::string_view::npos) {
+        naming.TakeUnknown(naming.Rest().find(modbus::colon));
         NameAsciiFrame(naming);
     }
 }

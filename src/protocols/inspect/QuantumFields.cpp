@@ -9,15 +9,8 @@ namespace protocols {
 
 namespace {
 
-constexpr char start = 0x02;
-constexpr char end = 0x03;
-constexpr std::size_t requestLength = 9;
-constexpr std::size_t messageAt = 5;
-constexpr std::size_t fieldWidth = 13;
-constexpr std::size_t trailer = 2;  // checksum and end
-
 bool IsRequestFrame(std::string_view bytes) {
-    return bytes.size() >= messageAt + 1 && bytes[0] == start;
+    return bytes.size() >= quantum::messageAt + 1 && bytes[0] == quantum::stx;
 }
 
 void TakeCheck(Naming& naming, std::string_view checked) {
@@ -27,7 +20,7 @@ void TakeCheck(Naming& naming, std::string_view checked) {
 
 void NameRequest(Naming& naming) {
     const std::size_t from = naming.next;
-    const Body bytes = PlainBody(naming.line, from, requestLength - trailer);
+    const Body bytes = PlainBody(naming.line, from, quantum::requestLength - quantum::trailer);
     BodyFields body(bytes, naming.fields);
     body.Take(1, "start", "STX");
     body.Take(2, "station", Readable(body.PeekAll().substr(0, 2)));
@@ -42,18 +35,19 @@ void NameRequest(Naming& naming) {
         naming.TakeCut("checksum");
         return;
     }
-    TakeCheck(naming, naming.line.substr(from, requestLength - trailer));
+    TakeCheck(naming, naming.line.substr(from, quantum::requestLength - quantum::trailer));
     if (naming.Rest().empty()) {
         naming.TakeCut("end");
-    } else if (naming.Rest().front() == end) {
+    } else if (naming.Rest().front() == quantum::etx) {
         naming.Take(1, "end", "ETX");
     }
 }
 
 // The message that a reply answers; 0 when that cannot be told.
 int MessageAsked(std::string_view request) {
-    const bool digit = IsRequestFrame(request) && request[messageAt] >= '1' && request[messageAt] <= '3';
-    return digit ? request[messageAt] - '0' : 0;
+    const bool digit =
+        IsRequestFrame(request) && request[quantum::messageAt] >= '1' && request[quantum::messageAt] <= '3';
+    return digit ? request[quantum::messageAt] - '0' : 0;
 }
 
 std::size_t Blanks(std::string_view text) {
@@ -68,34 +62,35 @@ void NameReply(Naming& naming) {
     const std::string_view reply = naming.Rest();
     const std::size_t from = naming.next;
     const int message = MessageAsked(naming.request);
-    const std::size_t head = message == 3 ? 22 : 23;
+    const std::size_t head = quantum::HeadLength(message);
     if (reply.size() < head) {
         naming.Take(reply.size(), "cut short", "head is missing");
         return;
     }
     naming.Take(head, "head", Readable(reply.substr(0, head)));
-    const bool closed = reply.back() == end && reply.size() >= head + trailer;
-    const std::size_t last = from + reply.size() - (closed ? trailer : 0);
+    const bool closed = reply.back() == quantum::etx && reply.size() >= head + quantum::trailer;
+    const std::size_t last = from + reply.size() - (closed ? quantum::trailer : 0);
     const QuantumReply decoded = DecodeQuantumReply(std::string(reply), message == 0 ? 1 : message);
     for (std::size_t i = 0; i < decoded.fields.size(); ++i) {
         const std::string name =
             message == 0 ? "value " + std::to_string(i + 1) : std::string(QuantumNames(message)[i]);
         const std::string_view rest = naming.line.substr(naming.next, last - naming.next);
-        if (rest.size() < fieldWidth) {
+        if (rest.size() < quantum::fieldWidth) {
             naming.Take(rest.size(), "cut short", name + " is missing");
             break;
         }
-        const std::string_view text = rest.substr(0, fieldWidth);
+        const std::string_view text = rest.substr(0, quantum::fieldWidth);
         // The blanks in front of the next field are taken with this one, as the values are read.
-        naming.Take(fieldWidth + (i + 1 < decoded.fields.size() ? Blanks(rest.substr(fieldWidth)) : 0), name,
-                    Readable(core::Trim(text)) +
-                        (decoded.fields[i] ? " = " + core::NumberText(*decoded.fields[i]) : ", not a number"));
+        naming.Take(
+            quantum::fieldWidth + (i + 1 < decoded.fields.size() ? Blanks(rest.substr(quantum::fieldWidth)) : 0), name,
+            Readable(core::Trim(text)) +
+                (decoded.fields[i] ? " = " + core::NumberText(*decoded.fields[i]) : ", not a number"));
     }
     if (closed) {
         if (last > naming.next) {
             naming.Take(last - naming.next, "fill", ShortHex(naming.line.substr(naming.next, last - naming.next)));
         }
-        TakeCheck(naming, reply.substr(0, reply.size() - trailer));
+        TakeCheck(naming, reply.substr(0, reply.size() - quantum::trailer));
         naming.Take(1, "end", "ETX");
     }
 }
@@ -104,10 +99,10 @@ void NameReply(Naming& naming) {
 
 void NameQuantum(Naming& naming) {
     if (naming.direction == Direction::TX) {
-        if (naming.Rest().starts_with(start)) {
+        if (naming.Rest().starts_with(quantum::stx)) {
             NameRequest(naming);
         }
-    } else if (naming.Rest().starts_with(start)) {
+    } else if (naming.Rest().starts_with(quantum::stx)) {
         NameReply(naming);
     }
 }

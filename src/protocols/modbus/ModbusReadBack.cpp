@@ -4,19 +4,17 @@
 #include <cmath>
 
 #include "core/Text.h"
+#include "protocols/modbus/ModbusConstants.h"
 
 namespace protocols {
 
-std::optional<double> ModbusReadBack(Conversation& talk, core::ValueKind datum, int reg,
-                                     const TransactOptions& options) {
-    constexpr int readCoils = 1;
-    constexpr int readHoldingRegisters = 3;
+std::optional<double> ModbusReadBack(Conversation& talk, core::ValueKind datum, int reg, const TransactOptions& options) {
     const bool isFloat = datum == core::ValueKind::Float;
     TransactOptions own = options;
     own.onlyItsOwn = isFloat;
     talk.modbus.floatread = isFloat;
     const int count = isFloat && !talk.modbus.rtu32bit ? 2 : 1;
-    const int command = datum == core::ValueKind::Logical ? readCoils : readHoldingRegisters;
+    const int command = datum == core::ValueKind::Logical ? modbus::readCoils : modbus::readHoldingRegisters;
     const ModbusReply reply = ModbusTransact(talk, reg, count, command, own);
     return reply.kind == ModbusReply::Kind::Values ? std::optional(talk.modbus.mbvalues[1]) : std::nullopt;
 }

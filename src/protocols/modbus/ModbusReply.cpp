@@ -7,19 +7,13 @@
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
 #include "protocols/modbus/ModbusFraming.h"
+#include "protocols/modbus/ModbusConstants.h"
 
 namespace protocols {
 
 namespace {
 
 using Kind = ModbusReply::Kind;
-
-constexpr int readCoils = 1;
-constexpr int readHoldingRegisters = 3;
-constexpr int readInputRegisters = 4;
-constexpr int writeRegister = 6;
-constexpr int writeRegisters = 16;
-constexpr int exceptionBit = 0x80;
 
 constexpr double lengthError = -32100;
 
@@ -110,16 +104,10 @@ std::uint32_t DoubleWordAt(std::string_view bytes, std::size_t index) {
            static_cast<std::uint32_t>(WordAt(bytes, index + 2));
 }
 
-// The parts of an RTU reply that was checked: slave, function, byte count, data, CRC.
-constexpr std::size_t byteCountAt = 2;
-constexpr std::size_t dataAt = 3;
-constexpr std::size_t crcLength = 2;
-constexpr std::size_t headAndCrc = dataAt + crcLength;
-
 // As many data as the reply counts, or fewer when it ends before: the CRC is no datum.
 std::string_view CountedData(std::string_view reply) {
-    const auto count = static_cast<std::size_t>(ByteAt(reply, byteCountAt));
-    return reply.substr(dataAt, std::min(count, reply.size() - headAndCrc));
+    const auto count = static_cast<std::size_t>(ByteAt(reply, modbus::byteCountAt));
+    return reply.substr(modbus::dataAt, std::min(count, reply.size() - modbus::shortestRtuReply));
 }
 
 ModbusReply DecodeCoils(ModbusState& modbus, std::string_view reply) {
@@ -140,13 +128,13 @@ ModbusReply DecodeFloats(ModbusState& modbus, std::string_view reply) {
 }
 
 ModbusReply DecodeIntegers(ModbusState& modbus, std::string_view reply) {
-    const auto count = static_cast<std::size_t>(ByteAt(reply, byteCountAt));
-    if (reply.size() != count + headAndCrc) {
+    const auto count = static_cast<std::size_t>(ByteAt(reply, modbus::byteCountAt));
+    if (reply.size() != count + modbus::shortestRtuReply) {
         return LengthMismatch(modbus);
     }
     Values values(modbus);
-    std::size_t at = dataAt;
-    for (; at + 2 <= dataAt + count; at += 2) {
+    std::size_t at = modbus::dataAt;
+    for (; at + 2 <= modbus::dataAt + count; at += 2) {
         values.Add(SignedWordAt(reply, at));
     }
     // Readers of the stations' pointers expect the check word behind the data.
@@ -157,48 +145,49 @@ ModbusReply DecodeIntegers(ModbusState& modbus, std::string_view reply) {
 }
 
 ModbusReply DecodeWritten(ModbusState& modbus, std::string_view reply) {
-    constexpr std::size_t length = 8;
-    if (reply.size() != length) {
+    if (reply.size() != modbus::writeLength + modbus::crcLength) {
         return LengthMismatch(modbus);
     }
     return {Kind::Values, 0};
 }
 
 ModbusReply DecodeRtu(ModbusState& modbus, std::string_view reply) {
-    switch (ByteAt(reply, 1)) {
-        case readCoils:
+    switch (ByteAt(reply, modbus::functionAt)) {
+        case modbus::readCoils:
             return DecodeCoils(modbus, reply);
-        case readHoldingRegisters:
+        case modbus::readHoldingRegisters:
             return modbus.floatread ? DecodeFloats(modbus, reply) : DecodeIntegers(modbus, reply);
-        case readInputRegisters:
+        case modbus::readInputRegisters:
             return modbus.floatread ? ModbusReply{Kind::Empty, 0} : DecodeIntegers(modbus, reply);
-        case writeRegister:
-        case writeRegisters:
+        case modbus::writeRegister:
+        case modbus::writeRegisters:
             return DecodeWritten(modbus, reply);
         default:
             return {Kind::Empty, 0};
     }
 }
 
-// The message of an ASCII reply behind its colon: pairs of digits for address, function, byte count and data.
-constexpr std::size_t pairsFrom = 6;
+// The message of an ASCII reply behind its colon is one of digits, two a byte.
+constexpr std::size_t pairsFrom = modbus::dataAt * modbus::digitsPerByte;
 
 int PairAt(std::string_view pairs, std::size_t index) {
-    return HexNumber(pairs.substr(index, 2));
+    return HexNumber(pairs.substr(index, modbus::digitsPerByte));
+}
+
+int PairOf(std::string_view pairs, std::size_t byte) {
+    return PairAt(pairs, byte * modbus::digitsPerByte);
 }
 
 // Whether a frame ends in a check of two digits over all pairs before it, and in CR and LF.
 bool HasRightLrc(std::string_view pairs, std::string_view frame) {
-    constexpr std::size_t checkDigits = 2;
-    const std::size_t checkAt = pairs.size() - checkDigits;
-    return pairs.size() % 2 == 0 && frame.substr(1 + pairs.size(), 2) == "\r\n" &&
+    const std::size_t checkAt = pairs.size() - modbus::digitsPerByte;
+    return pairs.size() % 2 == 0 && frame.substr(1 + pairs.size(), 2) == modbus::asciiEnd &&
            PairAt(pairs, checkAt) == ModbusLrc(pairs.substr(0, checkAt)) % 256;
 }
 
 ModbusReply DecodeAsciiCoils(ModbusState& modbus, std::string_view pairs) {
-    constexpr std::size_t countAt = 4;
     // The pair behind the data is taken too; the coils asked for stand in front of it.
-    const auto digits = static_cast<std::size_t>(PairAt(pairs, countAt) + 1) * 2;
+    const auto digits = static_cast<std::size_t>(PairOf(pairs, modbus::byteCountAt) + 1) * 2;
     const std::string_view data = pairs.substr(pairsFrom, digits);
     Values values(modbus);
     for (std::size_t at = 0; at < data.size(); at += 2) {
@@ -219,49 +208,46 @@ ModbusReply DecodeAsciiFloats(ModbusState& modbus, std::string_view pairs) {
 }  // namespace
 
 ModbusReply ParseRtuReply(ModbusState& modbus, const std::string& reply) {
-    constexpr std::size_t shortest = 5;
-    if (reply.size() < shortest) {
+    if (reply.size() < modbus::shortestRtuReply) {
         return NoResponse(modbus);
     }
     modbus.mbvalues.fill(0);
-    const std::size_t crcAt = reply.size() - crcLength;
+    const std::size_t crcAt = reply.size() - modbus::crcLength;
     const int crc = ModbusCrc(std::string_view(reply).substr(0, crcAt));
     if (ByteAt(reply, crcAt) != crc % 256 || ByteAt(reply, crcAt + 1) != crc / 256) {
-        return CheckError(modbus, ByteAt(reply, byteCountAt));
+        return CheckError(modbus, ByteAt(reply, modbus::byteCountAt));
     }
-    if ((ByteAt(reply, 1) & exceptionBit) != 0) {
-        return Exception(modbus, ByteAt(reply, byteCountAt));
+    if ((ByteAt(reply, modbus::functionAt) & modbus::exceptionBit) != 0) {
+        return Exception(modbus, ByteAt(reply, modbus::exceptionAt));
     }
     return DecodeRtu(modbus, reply);
 }
 
 ModbusReply ParseAsciiReply(ModbusState& modbus, const std::string& reply, AsciiCheck check) {
-    constexpr std::size_t shortest = 10;
-    constexpr std::size_t functionAt = 2;
-    const std::size_t colon = reply.find(':');
+    const std::size_t colon = reply.find(modbus::colon);
     const std::string_view frame = std::string_view(reply).substr(colon == std::string::npos ? 0 : colon);
-    if (frame.size() < shortest) {
+    if (frame.size() < modbus::shortestAsciiReply) {
         return NoResponse(modbus);
     }
     // Only these: what the last long reply left behind them stays.
     std::fill_n(modbus.mbvalues.begin(), 104, 0.0);
     // The message ends where the digits do: a lost carrier's text is no datum.
     const std::string_view pairs =
-        frame.substr(1, std::min(frame.find_first_not_of("0123456789ABCDEFabcdef", 1), frame.size()) - 1);
-    if (pairs.size() < pairsFrom || frame.find(':', 1) != std::string_view::npos) {
+        frame.substr(1, std::min(frame.find_first_not_of(modbus::asciiDigits, 1), frame.size()) - 1);
+    if (pairs.size() < pairsFrom || frame.find(modbus::colon, 1) != std::string_view::npos) {
         return {Kind::Empty, 0};
     }
     if (check == AsciiCheck::Standard && !HasRightLrc(pairs, frame)) {
-        return CheckError(modbus, PairAt(pairs, functionAt + 2));
+        return CheckError(modbus, PairOf(pairs, modbus::byteCountAt));
     }
-    const int function = PairAt(pairs, functionAt);
-    if ((function & exceptionBit) != 0) {
-        return Exception(modbus, PairAt(pairs, functionAt + 2));
+    const int function = PairOf(pairs, modbus::functionAt);
+    if ((function & modbus::exceptionBit) != 0) {
+        return Exception(modbus, PairOf(pairs, modbus::exceptionAt));
     }
-    if (function == readCoils) {
+    if (function == modbus::readCoils) {
         return DecodeAsciiCoils(modbus, pairs);
     }
-    if (function == readHoldingRegisters && modbus.floatread) {
+    if (function == modbus::readHoldingRegisters && modbus.floatread) {
         return DecodeAsciiFloats(modbus, pairs);
     }
     return {Kind::Empty, 0};

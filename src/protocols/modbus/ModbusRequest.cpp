@@ -10,17 +10,17 @@
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
 #include "protocols/modbus/ModbusFraming.h"
+#include "protocols/modbus/ModbusConstants.h"
 
 namespace protocols {
 
 namespace {
 
-constexpr int writeCoil = 5;
-constexpr int writeCoils = 15;
-constexpr int writeRegisters = 16;
 constexpr int bytesPerFloat = 4;
 
-constexpr std::array<int, 9> commands = {1, 2, 3, 4, 5, 6, 7, writeCoils, writeRegisters};
+constexpr std::array<int, 9> commands = {modbus::readCoils,          modbus::readInputs, modbus::readHoldingRegisters,
+                                         modbus::readInputRegisters, modbus::writeCoil,  modbus::writeRegister,
+                                         modbus::readStatus,         modbus::writeCoils, modbus::writeRegisters};
 
 constexpr const char* badDatum = "Bad DATA VALUE entered.";
 constexpr double largestDatum = 65536;
@@ -30,10 +30,10 @@ std::string AddressProblem(int command, int slave, double reg) {
     if (std::find(commands.begin(), commands.end(), command) == commands.end()) {
         return "Bad COMMAND TYPE selected.";
     }
-    if (slave < 0 || slave > 247) {
+    if (slave < 0 || slave > modbus::highestSlave) {
         return "Illegal Slave Address.";
     }
-    const bool registerFits = reg >= 0 && reg <= 65535;
+    const bool registerFits = reg >= 0 && reg <= modbus::highestRegister;
     return registerFits ? "" : "Bad REGISTER entered.";
 }
 
@@ -72,17 +72,16 @@ std::string Word(double value) {
 }
 
 std::string RtuDatum(int command, double datum) {
-    const double coilOn = 0xFF00;
-    return command == writeCoil ? Word(datum == 1 ? coilOn : 0) : Word(datum);
+    return command == modbus::writeCoil ? Word(datum == 1 ? modbus::coilOn : 0) : Word(datum);
 }
 
 // Quantity and byte count in front of the data of a plain request. For the coils the quantity is half the number of
 // data: that is what the stations take.
 std::string RtuHeader(int command, std::size_t dataCount) {
-    if (command == writeRegisters) {
+    if (command == modbus::writeRegisters) {
         return Word(1) + Byte(4);
     }
-    if (command == writeCoils) {
+    if (command == modbus::writeCoils) {
         const auto count = static_cast<double>(dataCount);
         return Byte(0) + Byte(static_cast<int>(std::nearbyint(count / 2))) + Byte(static_cast<int>(dataCount));
     }
@@ -158,7 +157,7 @@ ModbusRequest BuildAsciiRequest(int command, int slave, double reg, std::vector<
     // The required check goes out without padding: "5" for 05, and "100" for 00. Slaves of other makes refuse that.
     const int lrc = ModbusLrc(text);
     const std::string digits = check == AsciiCheck::Standard ? HexText(lrc % 256, 2) : HexText(lrc, 1);
-    return {":" + text + digits + "\r\n", {}};
+    return {modbus::colon + text + digits + std::string(modbus::asciiEnd), {}};
 }
 
 ModbusRequest BuildWriteFrame(const ModbusState& modbus, double value, int reg, int command, int slave) {
@@ -166,19 +165,19 @@ ModbusRequest BuildWriteFrame(const ModbusState& modbus, double value, int reg, 
     if (!problem.empty()) {
         return {{}, std::move(problem)};
     }
-    const bool fits = command == writeRegisters ? std::fabs(value) <= FLT_MAX : Fits(value);
+    const bool fits = command == modbus::writeRegisters ? std::fabs(value) <= FLT_MAX : Fits(value);
     if (!fits) {
         return {{}, badDatum};
     }
-    if (command == writeRegisters) {
+    if (command == modbus::writeRegisters) {
         return RtuFrame(command, slave, reg, FloatHeader(modbus, 1) + FloatText(modbus, value));
     }
-    const std::string header = command == writeCoils ? Word(0) + Byte(0) : std::string();
+    const std::string header = command == modbus::writeCoils ? Word(0) + Byte(0) : std::string();
     return RtuFrame(command, slave, reg, header + RtuDatum(command, Unsigned(value)));
 }
 
 ModbusRequest BuildClockWriteFrame(const ModbusState& modbus, const core::DateTime& now, int reg, int slave) {
-    std::string problem = AddressProblem(writeRegisters, slave, reg);
+    std::string problem = AddressProblem(modbus::writeRegisters, slave, reg);
     if (!problem.empty()) {
         return {{}, std::move(problem)};
     }
@@ -186,7 +185,7 @@ ModbusRequest BuildClockWriteFrame(const ModbusState& modbus, const core::DateTi
     for (const int part : {now.year, now.month, now.day, now.hour, now.minute, now.second}) {
         floats += FloatText(modbus, part);
     }
-    return RtuFrame(writeRegisters, slave, reg, FloatHeader(modbus, 6) + floats);
+    return RtuFrame(modbus::writeRegisters, slave, reg, FloatHeader(modbus, 6) + floats);
 }
 
 }  // namespace protocols

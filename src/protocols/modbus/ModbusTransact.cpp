@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "protocols/modbus/ModbusConstants.h"
 #include "protocols/modbus/ModbusFraming.h"
 #include "protocols/modbus/ModbusRequest.h"
 
@@ -45,9 +46,7 @@ struct Expected {
 using Judge = std::function<ModbusReply(ModbusReply reply, const std::string& bytes)>;
 
 Expected ExpectedValues(const ModbusState& modbus, int count, int command) {
-    constexpr int readHoldingRegisters = 3;
-    constexpr int readInputRegisters = 4;
-    const bool registers = command == readHoldingRegisters || command == readInputRegisters;
+    const bool registers = command == modbus::readHoldingRegisters || command == modbus::readInputRegisters;
     const bool twoRegisters = registers && modbus.floatread && !modbus.rtu32bit;
     const auto values = static_cast<std::size_t>(std::clamp(twoRegisters ? count / 2 : count, 0, 125));
     return {values, values + (registers ? 1 : 15)};
@@ -102,32 +101,28 @@ bool TriesAgain(Conversation& talk, const ModbusReply& reply, const TransactOpti
     return !IsAnswer(reply, options) && !refusedWrite && !talk.Ended() && !talk.Wanted();
 }
 
-constexpr int writeCoil = 5;
-constexpr int writeRegister = 6;
-constexpr int writeRegisters = 16;
-
 ModbusRequest RtuWrite(const Conversation& talk, core::ValueKind datum, int reg, double value) {
     const int slave = talk.station.slaveaddress;
     std::vector<float> data = {static_cast<float>(value)};
     switch (datum) {
         case core::ValueKind::Logical:
-            return BuildWriteFrame(talk.modbus, value, reg, writeCoil, slave);
+            return BuildWriteFrame(talk.modbus, value, reg, modbus::writeCoil, slave);
         case core::ValueKind::Integer:
-            return BuildRtuRequest(writeRegister, slave, reg, data);
+            return BuildRtuRequest(modbus::writeRegister, slave, reg, data);
         case core::ValueKind::Float:
             break;
     }
-    return BuildWriteFrame(talk.modbus, value, reg, writeRegisters, slave);
+    return BuildWriteFrame(talk.modbus, value, reg, modbus::writeRegisters, slave);
 }
 
 ModbusRequest AsciiWrite(const Framed& framed, core::ValueKind datum, int slave, int reg, double value) {
-    constexpr float on = 0xFF00;
+    constexpr float on = modbus::coilOn;
     std::vector<float> data = {datum != core::ValueKind::Logical ? static_cast<float>(value) : value == 1 ? on : 0};
     switch (datum) {
         case core::ValueKind::Logical:
-            return framed.Build(writeCoil, slave, reg, data);
+            return framed.Build(modbus::writeCoil, slave, reg, data);
         case core::ValueKind::Integer:
-            return framed.Build(writeRegister, slave, reg, data);
+            return framed.Build(modbus::writeRegister, slave, reg, data);
         case core::ValueKind::Float:
             break;
     }
@@ -136,8 +131,9 @@ ModbusRequest AsciiWrite(const Framed& framed, core::ValueKind datum, int slave,
 
 // Whether a reply names the slave and the function of its request.
 bool IsOwn(const std::string& bytes, const std::string& frame, bool ascii) {
-    const std::size_t colon = ascii ? bytes.find(':') : 0;
-    const std::size_t head = ascii ? 5 : 2;
+    constexpr std::size_t rtuHead = modbus::functionAt + 1;
+    const std::size_t colon = ascii ? bytes.find(modbus::colon) : 0;
+    const std::size_t head = ascii ? 1 + rtuHead * modbus::digitsPerByte : rtuHead;
     return colon != std::string::npos && bytes.compare(colon, head, frame, 0, head) == 0;
 }
 
@@ -145,10 +141,10 @@ bool IsOwn(const std::string& bytes, const std::string& frame, bool ascii) {
 // registers the head: slave, function, register, quantity. In ASCII framing the required check is not
 // looked at, and its length is the device's affair.
 bool Acknowledges(const std::string& bytes, const std::string& frame, core::ValueKind datum, bool ascii) {
-    constexpr std::size_t rtuHead = 6;
-    constexpr std::size_t asciiHead = 13;
+    constexpr std::size_t rtuHead = modbus::writeLength;
+    constexpr std::size_t asciiHead = 1 + rtuHead * modbus::digitsPerByte;
     if (ascii) {
-        const std::size_t colon = bytes.rfind(':');
+        const std::size_t colon = bytes.rfind(modbus::colon);
         return colon != std::string::npos && bytes.compare(colon, asciiHead, frame, 0, asciiHead) == 0;
     }
     return datum == core::ValueKind::Float ? bytes.compare(0, rtuHead, frame, 0, rtuHead) == 0 : bytes == frame;

@@ -10,16 +10,7 @@ namespace protocols {
 
 namespace {
 
-constexpr std::size_t fieldWidth = 13;
-constexpr std::size_t trailer = 2;  // check and end
-constexpr char end = '\x03';
 constexpr std::string_view blanks(" \t\r\n\0", 5);
-constexpr std::size_t exponentSignAt = 10;
-
-// What stands in front of the fields.
-constexpr std::size_t HeadLength(int message) {
-    return message == 3 ? 22 : 23;
-}
 
 char FirstDigit(int number) {
     return std::to_string(number).front();
@@ -30,7 +21,7 @@ double ExponentNumber(std::string_view field, std::size_t exponentAt) {
     const double mantissa = core::Val(field.substr(0, exponentAt));
     const std::string_view lastTwo = field.substr(field.size() - std::min<std::size_t>(2, field.size()));
     const double power = std::pow(10.0, std::max(0.0, std::floor(core::Val(lastTwo))));
-    const bool negative = field.size() > exponentSignAt && field[exponentSignAt] == '-';
+    const bool negative = field.size() > quantum::exponentSignAt && field[quantum::exponentSignAt] == '-';
     return negative ? mantissa / power : mantissa * power;
 }
 
@@ -94,7 +85,7 @@ bool IsDate(std::string_view text) {
 }  // namespace
 
 std::string BuildQuantumRequest(int station, const std::string& command, int message) {
-    std::string frame = "\x02";
+    std::string frame(1, quantum::stx);
     frame += FirstDigit(station / 10);
     frame += FirstDigit(station % 10);
     frame += command.substr(0, 1);
@@ -102,22 +93,21 @@ std::string BuildQuantumRequest(int station, const std::string& command, int mes
     frame += FirstDigit(message % 256);
     frame += '\0';
     frame += static_cast<char>(QuantumChecksum(frame));
-    frame += '\x03';
+    frame += quantum::etx;
     return frame;
 }
 
 int QuantumChecksum(std::string_view frame) {
-    constexpr std::size_t maskAt = 4;
     int sum = 0;
     for (const char c : frame) {
         sum += c & 127;
     }
     const int check = ((sum & 255) ^ 255) + 1;
-    return check & (frame.size() > maskAt && frame[maskAt] == '0' ? 255 : 127);
+    return check & (frame.size() > quantum::messageHighAt && frame[quantum::messageHighAt] == '0' ? 255 : 127);
 }
 
 const std::array<std::string_view, 8>& QuantumNames(int message) {
-    static constexpr std::array<std::array<std::string_view, 8>, quantumMessages> names = {{
+    static constexpr std::array<std::array<std::string_view, 8>, quantum::messages> names = {{
         {"Cumulative Mass", "Cumulative Standard Volume", "Cumulative Flowing Volume", "Cumulative Energy",
          "Current Mass Flowrate", "Current Standard Volume Flowrate", "Current Flowing Volume Flowrate",
          "Current Energy FlowRate"},
@@ -127,7 +117,7 @@ const std::array<std::string_view, 8>& QuantumNames(int message) {
         {"DD MM YY HH MM SS", "Temperature", "Pressure", "Density Used", "DP Used", "Standard Density",
          "Calorific Value", "SG"},
     }};
-    return names[static_cast<std::size_t>(std::clamp(message, 1, quantumMessages) - 1)];
+    return names[static_cast<std::size_t>(std::clamp(message, 1, quantum::messages) - 1)];
 }
 
 int QuantumReply::Received() const {
@@ -137,18 +127,18 @@ int QuantumReply::Received() const {
 
 QuantumReply DecodeQuantumReply(const std::string& reply, int message) {
     // With its end the last field is whole, however short.
-    const bool ended = reply.size() >= HeadLength(message) + trailer && reply.back() == end;
-    const std::string text = core::ReplaceAll(reply.substr(0, reply.size() - (ended ? trailer : 0)), ",", ".");
-    std::string_view rest = std::string_view(text).substr(std::min(HeadLength(message), text.size()));
+    const bool ended = reply.size() >= quantum::HeadLength(message) + quantum::trailer && reply.back() == quantum::etx;
+    const std::string text = core::ReplaceAll(reply.substr(0, reply.size() - (ended ? quantum::trailer : 0)), ",", ".");
+    std::string_view rest = std::string_view(text).substr(std::min(quantum::HeadLength(message), text.size()));
     QuantumReply decoded;
     for (std::size_t i = 0; i < decoded.fields.size(); ++i) {
-        const std::string field = core::Trim(rest.substr(0, fieldWidth));
-        const bool isDate = message == quantumMessages && i == 0;
-        if ((ended || rest.size() >= fieldWidth) && (isDate ? IsDate(field) : IsNumber(field))) {
+        const std::string field = core::Trim(rest.substr(0, quantum::fieldWidth));
+        const bool isDate = message == quantum::messages && i == 0;
+        if ((ended || rest.size() >= quantum::fieldWidth) && (isDate ? IsDate(field) : IsNumber(field))) {
             decoded.fields[i] = FieldNumber(field);
         }
         // The blanks in front of the next field go too, so the fields stand close together.
-        rest.remove_prefix(std::min(fieldWidth, rest.size()));
+        rest.remove_prefix(std::min(quantum::fieldWidth, rest.size()));
         rest.remove_prefix(std::min(rest.find_first_not_of(blanks), rest.size()));
     }
     return decoded;

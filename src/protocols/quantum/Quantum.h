@@ -7,11 +7,10 @@
 #include <string_view>
 
 #include "protocols/line/Conversation.h"
+#include "protocols/quantum/QuantumConstants.h"
 
 // The messages of a Quantum unit: three text requests, each answered with eight numbers in fixed-width text.
 namespace protocols {
-
-constexpr int quantumMessages = 3;
 
 // The frame of a request for message 1 to 3 with the command "A". Station numbers above 99 and messages above 9 send
 // only the first digit of each field.
@@ -22,20 +21,16 @@ int QuantumChecksum(std::string_view frame);
 
 // The description of each value of message 1 to 3, in the order of the reply. They are the names of the station's
 // parameters, with a doubled blank and a joined word as they stand there.
-const std::array<std::string_view, 8>& QuantumNames(int message);
+const std::array<std::string_view, quantum::fields>& QuantumNames(int message);
 
 // A decoded reply: the value of each field in order, none where the field was not received. A reply has no check that
 // could be tested: a digit that was spoilt into another digit cannot be seen.
 struct QuantumReply {
-    std::array<std::optional<double>, 8> fields;
+    std::array<std::optional<double>, quantum::fields> fields;
 
     int Received() const;
     bool Whole() const { return Received() == static_cast<int>(fields.size()); }
 };
-
-// A reply is so long: its readers on a line with echo keep so many characters of what came. A longer one has noise in
-// it, and where its fields stand is not known.
-constexpr std::size_t quantumReplyLength = 137;
 
 // Takes a reply to `message` apart: its head, whose contents are not known, and eight fields of 13 characters. A field
 // is received if all of it is there and reads as a number, or, as the first of message 3, as a date. A comma is as good

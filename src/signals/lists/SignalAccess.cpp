@@ -3,13 +3,13 @@
 #include <functional>
 #include <optional>
 
-#include "protocols/bsap/BsapReply.h"
+#include "protocols/bsap/BsapLayout.h"
 
 namespace signals {
 
 namespace {
 
-constexpr std::size_t tooShort = 18;  // a reply of so many bytes holds no signal
+constexpr std::size_t tooShort = protocols::LongestWithoutData(false);
 
 protocols::Bsap Messages(protocols::Conversation& talk) {
     return {talk.counters, talk.bsap, talk.station.isCW};
@@ -23,8 +23,10 @@ std::optional<std::vector<Signal>> SignalsOf(const core::Station& station, const
         return std::nullopt;
     }
     for (const auto fields : {reading::RecordFields::ValuesOrTexts, reading::RecordFields::Names}) {
-        auto records = reading::ReadRecords(
-            reply, {protocols::ReplyLayout(station.isCW).firstRecord, true, station.isTeleCorrector, fields});
+        auto records = reading::ReadRecords(reply, {.firstRecord = protocols::ReplyLayout(station.isCW).firstRecord,
+                                                    .units = true,
+                                                    .isTeleCorrector = station.isTeleCorrector,
+                                                    .fields = fields});
         if (records.whole && records.signals.size() == count) {
             return std::move(records.signals);
         }

@@ -4,7 +4,7 @@
 
 #include "core/Text.h"
 #include "protocols/bsap/Bsap.h"
-#include "protocols/bsap/BsapReply.h"
+#include "protocols/bsap/BsapLayout.h"
 #include "reading/ListReplies.h"
 
 namespace signals {
@@ -18,8 +18,10 @@ using reading::RecordForm;
 // Where the records of an answer with names begin. A record has its name behind the long form's bytes, on the CW models
 // too; what a search finds stands where a list's signals do, and so does the place where it goes on.
 RecordForm NamedRecords(const core::Station& station) {
-    constexpr bool longForm = true;
-    return {protocols::ReplyLayout(station.isCW).firstRecord, longForm, station.isTeleCorrector, RecordFields::Names};
+    return {.firstRecord = protocols::ReplyLayout(station.isCW).firstRecord,
+            .units = true,
+            .isTeleCorrector = station.isTeleCorrector,
+            .fields = RecordFields::Names};
 }
 
 // No list has more replies than the grid has rows. A station that sends replies without signals, with always another
@@ -78,7 +80,7 @@ FetchEnd FetchList(protocols::Conversation& talk, int listNumber, FetchView& vie
         return Messages(talk).get_LIST(talk.station.slaveaddress, listNumber, first);
     };
     reading.form = NamedRecords(talk.station);
-    reading.tooShort = talk.bsap.usepoll ? 22 : 18;
+    reading.tooShort = protocols::LongestWithoutData(talk.bsap.usepoll);
     reading.saysNone = reading::SaysNone::ByAnyAnswerWithoutData;
     reading.paced = true;
     const FetchEnd end = ReadAll(talk, std::move(reading), view);
