@@ -106,7 +106,7 @@ TEST_F(ArchiveScreens, TheOldScreenFromTheMenu) {
 
 TEST_F(ArchiveScreens, TheOnlineScreenStopsGoesOnByDateAndStores) {
     auto& paralist = desk.Open<desk::frmparalist>(2);
-    Click(paralist, "cmdConnect");
+    desk.Press(paralist, "cmdConnect");
     Click(paralist, "Op_Stream_2");
     Click(paralist, "cmd_arc");
     auto& page = desk.Front<desk::frmparaarchive>();
@@ -153,7 +153,7 @@ TEST_F(ArchiveScreens, ByFileNumberInACallOfItsOwn) {
     Click(page, "cmdGo");
     EXPECT_EQ(Answer(page), "An archive file has a number up to 255");
     Type(page, "Txt_arcfile", "4");
-    Key(page, Qt::Key_Return);
+    desk.During({}, [&] { Key(page, Qt::Key_Return); });
     EXPECT_EQ(Answer(page), "Archive Collected");
     EXPECT_EQ(Box(page), nullptr);  // one run
     EXPECT_EQ(Rows(page), 40);
@@ -241,7 +241,7 @@ TEST_F(ModbusArchiveScreen, ASessionLendsItsLineAndGoesOn) {
     desk.OpenField();
     auto& paralist = desk.Open<desk::frmparalist>(locationID);
     session::Session& session = *paralist.GetSession();
-    Click(paralist, "cmdConnect");
+    desk.Press(paralist, "cmdConnect");
     Click(paralist, "cmd_arc");
     page = &desk.Front<desk::frmarcmbus>();
     desk.Press(*page, "cmdarchive", {{"four", [this] { return Rows() == 4; }, [&] { Click(*page, "cmd_stop"); }}});

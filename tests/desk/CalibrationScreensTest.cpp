@@ -38,7 +38,7 @@ struct CalibrationScreens : testing::Test {
     desk::frmCalib& OpenCalib(bool connected, std::int64_t locationID = 1) {
         paralist = &desk.Open<desk::frmparalist>(locationID);
         if (connected) {
-            Click(*paralist, "cmdConnect");
+            desk.Press(*paralist, "cmdConnect");
         }
         desk.Open<desk::frmCalibration>(paralist->GetSession());
         Click(*desk.window.Front(), "cmdCalib");

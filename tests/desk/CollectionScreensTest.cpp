@@ -32,7 +32,7 @@ struct CollectionScreens : testing::Test {
             last = station.port;
         }
         desk.OpenField();
-        desk.line.Attach(last, silence);
+        desk.ports.Attach(last, silence);
         desk.clock.Run(30000);
         desk.scheduler.Tick();
     }

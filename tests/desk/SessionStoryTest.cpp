@@ -47,7 +47,7 @@ struct SessionStory : testing::Test {
 
     // Connects, then makes the steps while the station is polled, and ends with the last of them.
     void Run(std::vector<Script::Step> steps) {
-        Click(*page, "cmdConnect");
+        desk.Press(*page, "cmdConnect");
         ASSERT_EQ(Label("lblmsg"), "Connected");
         desk.clock.After(600000, [&] { session->Disconnect(); });
         desk.Press(*page, "cmdgetdata", std::move(steps));

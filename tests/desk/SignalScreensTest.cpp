@@ -34,7 +34,7 @@ struct SignalScreens : testing::Test {
 
     void Connect() {
         paralist = &desk.Open<desk::frmparalist>(1);
-        Click(*paralist, "cmdConnect");
+        desk.Press(*paralist, "cmdConnect");
         ASSERT_EQ(paralist->GetSession()->GetState(), session::State::Connected);
     }
     fieldsim::BsapStation& Station(std::int64_t locationID = 1) { return *field->Station(locationID)->bsap; }
@@ -125,7 +125,7 @@ TEST_F(SignalScreens, AListIsFetchedSavedAndWrittenInASession) {
     EXPECT_TRUE(Seen(page, "Cmb_input") && Seen(page, "cmdtoggle"));
     const std::string before = Cell(page, logical, 2);
     Click(page, "cmdtoggle");
-    Click(page, "cmdwrite");
+    desk.Press(page, "cmdwrite");
     EXPECT_NE(Cell(page, logical, 2), before);
     EXPECT_FALSE(Seen(page, "frmvalue") || Seen(page, "lblWrite"));
     EXPECT_EQ(Station().Writes().size(), 2U);
@@ -157,6 +157,7 @@ TEST_F(SignalScreens, ARowOfAnEarlierProgramIsNotWrittenNorOneWithoutALine) {
     Choose(page, 0);
     Type(page, "txtvalue", "5");
     paralist->GetSession()->Disconnect();
+    desk.Settle();
     Click(page, "cmdwrite");
     EXPECT_THAT(Answer(page), HasSubstr("There is no line to the station"));
     EXPECT_THAT(Answer(page), HasSubstr("was not written"));
@@ -202,13 +203,13 @@ TEST_F(SignalScreens, ByACallOfItsOwnFromTheMenuAndOnAMicro) {
     EXPECT_FALSE(desk.ports.PortOpen());
     Choose(page, 0);
     EXPECT_FALSE(Seen(page, "frmvalue"));
-    desk.line.Attach(1, *field->Station(3)->device);  // another station behind the port
+    desk.ports.Attach(1, *field->Station(3)->device);  // another station behind the port
     EXPECT_EQ(Fetch(page, "10"), "RTU Dead");
     EXPECT_EQ(Box(page), nullptr);
     EXPECT_TRUE(Enabled(page, "cmdfetch"));
 
     auto& cw = desk.Open<desk::frm_CWM>(2);
-    Click(cw, "cmdConnect");
+    desk.Press(cw, "cmdConnect");
     Click(cw, "cmd_fetch");
     auto& list = desk.Front<desk::frmparafetchlist>();
     EXPECT_EQ(Fetch(list, "10"), "List Fetched");

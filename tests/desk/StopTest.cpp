@@ -88,11 +88,11 @@ TEST_P(StopTest, AStationThatIsDueIsCollectedAndTheScreenSaysWhatBecameOfItsWork
     }
     desk.dbconn.Execute("update configdata_master set phoneno=''");
     desk.OpenField();
-    desk.fieldLine.WhenReleased([this] { desk.clock.After(1, [this] { desk.scheduler.Serve(); }); });
+    desk.lines.WhenReleased([this] { desk.clock.After(1, [this] { desk.scheduler.Serve(); }); });
     QWidget& page = screen.open(desk);
     std::uint64_t openedAt = 0;
     desk.Press(page, screen.start,
-               {{"open", [&] { return desk.line.PortOpen(); }, [&] { openedAt = desk.clock.Elapsed(); }},
+               {{"open", [&] { return desk.ports.PortOpen(); }, [&] { openedAt = desk.clock.Elapsed(); }},
                 {"due", [&] { return desk.clock.Elapsed() >= openedAt + 1000; },
                  [&] {
                      desk.dbconn.Execute("update configdata_master set contracthour='09:00' where locationID=3");
@@ -101,7 +101,7 @@ TEST_P(StopTest, AStationThatIsDueIsCollectedAndTheScreenSaysWhatBecameOfItsWork
                  }}});
     desk.clock.Run(30000);
     EXPECT_TRUE(desk.Master(dueID).Bool("sampledtoday")) << desk.RtuErr();
-    EXPECT_FALSE(desk.fieldLine.InUse());
+    EXPECT_FALSE(desk.Line().InUse());
     std::string told = support::Answer(page);
     if (told.empty()) {
         told = support::Text(page, "lblmsg");

@@ -19,7 +19,7 @@ struct SummaryScreenTest : testing::Test {
     fieldsim::Field& field = desk.OpenField();
     fieldsim::SignalList& values = *field.Values(station, 1, "PID Loop Mode");
     RecordingView view;
-    session::Session session{desk.place, desk.scheduler, view, station};
+    session::Session session{desk.place, view, station};
 
     SummaryScreenTest() {
         desk.shared.currentuser = "WARDEN";
@@ -28,6 +28,7 @@ struct SummaryScreenTest : testing::Test {
     // What is done while a station is polled, a poll or more between two steps.
     void Poll(session::Session& polled, const std::vector<std::function<void()>>& steps) {
         polled.Connect();
+        desk.Settle();
         std::uint32_t after = 0;
         std::size_t done = 0;
         for (const auto& step : steps) {
@@ -35,6 +36,7 @@ struct SummaryScreenTest : testing::Test {
         }
         desk.clock.After(after + 20000, [&polled] { polled.Disconnect(); });
         polled.GetData();
+        desk.Settle();
         EXPECT_EQ(done, steps.size());
     }
     double Station(const char* description) { return values.ValueAt(*values.Find(description), desk.clock.Now()); }
@@ -113,7 +115,7 @@ TEST_F(SummaryScreenTest, TheListIsShownAndSaved) {
 
 TEST_F(SummaryScreenTest, TheDrawingTellsWhatWasReadAndNothingElse) {
     desk.dbconn.Execute("delete from configdata_detail where description = 'DRS Odorant Level'");
-    session::Session other(desk.place, desk.scheduler, view, station);
+    session::Session other(desk.place, view, station);
     field.Values(station, 1, "SSV Stream1")->Fix("SSV Stream1", 1);
     values.Fix("DRS Inlet Pressure", 18.256);
     desk::FrmPNI drawing;

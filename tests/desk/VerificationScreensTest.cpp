@@ -59,7 +59,7 @@ struct VerificationScreens : testing::Test {
     void OpenLauncher(bool connected) {
         paralist = &desk.Open<desk::frmparalist>(station);
         if (connected) {
-            Click(*paralist, "cmdConnect");
+            desk.Press(*paralist, "cmdConnect");
         }
         desk.Open<desk::frmDataVerification>(paralist->GetSession());
     }

@@ -206,11 +206,13 @@ class ScreenDesk : public CollectionDesk {
         return *form;
     }
 
-    // Does something that waits, and makes the steps meanwhile.
+    // Begins something, and makes the steps until all is done.
     void During(std::vector<Script::Step> steps, const std::function<void()>& work) {
         const auto script = std::make_shared<Script>(std::move(steps));
         clock.Every(20, [script] { script->Turn(); });
         work();
+        Settle();
+        QCoreApplication::processEvents();
         EXPECT_EQ(script->Missing(), "");
     }
     // The same with a command that is pressed.
