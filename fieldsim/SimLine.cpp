@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "core/Text.h"
+#include "core/Address.h"
 
 namespace fieldsim {
 
@@ -18,7 +18,7 @@ void SimPorts::Refuse(int port, bool refused) {
 
 std::unique_ptr<protocols::Line> SimPorts::Line(const core::Station& station) {
     return station.ip.empty() ? std::make_unique<SimLine>(*this)
-                              : std::make_unique<SimLine>(*this, core::UpperText(core::Trim(station.ip)));
+                              : std::make_unique<SimLine>(*this, core::AddressText(core::AddressOf(station).value_or(core::Address{station.ip, 0})));
 }
 
 bool SimPorts::PortOpen() const {

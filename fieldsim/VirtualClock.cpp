@@ -35,6 +35,13 @@ void VirtualClock::Arm(std::uint32_t withinMs) {
                               }});
 }
 
+void VirtualClock::Finish() {
+    while (Conversations() > 0 && !timers_.empty()) {
+        const std::uint64_t next = timers_.begin()->first;
+        Turn(next > elapsed_ ? static_cast<std::uint32_t>(next - elapsed_) : 0);
+    }
+}
+
 void VirtualClock::Run(std::uint64_t milliseconds) {
     const std::uint64_t end = elapsed_ + milliseconds;
     while (elapsed_ < end) {

@@ -35,6 +35,9 @@ class VirtualClock final : public core::Clock {
     // The power is cut: every conversation ends where it waits, by an exception that nothing on its way catches.
     void EndWaits(std::exception_ptr cut) { ThrowIntoWaits(std::move(cut)); }
 
+    // Runs until all conversations have ended, or nothing is left that could happen.
+    void Finish();
+
     // Runs until that many milliseconds have passed.
     void Run(std::uint64_t milliseconds);
     // Runs until it holds, for that many milliseconds at most. Tells whether it does.

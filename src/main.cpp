@@ -30,6 +30,7 @@
 #include "desk/platform/RunFeedback.h"
 #include "desk/platform/SerialLine.h"
 #include "desk/platform/SingleInstance.h"
+#include "desk/platform/TcpLine.h"
 #include "desk/shell/frmLogin.h"
 #include "desk/shell/mainfrm.h"
 #include "mail/SmtpTransport.h"
@@ -156,9 +157,12 @@ int Start(QApplication& application, const StartOptions& options) {
     }
     core::Logs logs(*dbconn, shared, clock);
 
-    protocols::FieldLines lines(clock, [&](const core::Station&) {
-        return std::make_unique<desk::SerialLine>(
-            [&](int port) { return core::DevicePath(*dbconn, port, shared.directory).string(); });
+    protocols::FieldLines lines(clock, [&](const core::Station& station) -> std::unique_ptr<protocols::Line> {
+        if (station.ip.empty()) {
+            return std::make_unique<desk::SerialLine>(
+                [&](int port) { return core::DevicePath(*dbconn, port, shared.directory).string(); });
+        }
+        return std::make_unique<desk::TcpLine>(core::AddressOf(station).value_or(core::Address{station.ip, 0}), clock);
     });
     protocols::BsapCounters counters;
     desk::mainfrm* shell = nullptr;

@@ -134,7 +134,8 @@ reading::RunState LineRun::Attempts(const Turn& turn, Outcome& outcome) {
     state.runfailed = true;
     std::optional<reading::RunState> best;
     overdue_ = false;
-    while (state.runfailed && state.attemptcount < maxAttempts && !leaving_ && !overdue_ && !HasMoved(turn.locationID)) {
+    while (state.runfailed && state.attemptcount < maxAttempts && !leaving_ && !overdue_ &&
+           !HasMoved(turn.locationID)) {
         state.runfailed = false;
         if (core::SameText(turn.duration, "Weekly")) {
             place_.feedback.Status("Collecting Data");

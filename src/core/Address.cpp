@@ -92,8 +92,7 @@ std::string AddressText(const Address& address) {
 }
 
 std::optional<Address> AddressOf(const Station& station) {
-    const bool isModbusTcp = KindOf<Protocol>(protocolTexts, station.protocol) == Protocol::Modbus &&
-                             KindOf<Framing>(framingTexts, station.mode) == Framing::Tcp;
+    const bool isModbusTcp = station.protocol == Protocol::Modbus && station.framing == Framing::Tcp;
     return ParseAddress(station.ip, isModbusTcp ? modbusTcpPort : 0);
 }
 

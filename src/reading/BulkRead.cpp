@@ -56,8 +56,8 @@ ReadOutcome ReadBlocks(protocols::Conversation& talk, const std::vector<Block>& 
             return ReadOutcome::BrokenOff;
         }
         talk.modbus.floatread = block.type == core::ValueKind::Float;
-        const int command =
-            block.type == core::ValueKind::Logical ? protocols::modbus::readCoils : protocols::modbus::readHoldingRegisters;
+        const int command = block.type == core::ValueKind::Logical ? protocols::modbus::readCoils
+                                                                   : protocols::modbus::readHoldingRegisters;
         const auto reply = ModbusTransact(talk, block.start - 1, block.count, command, options);
         if (!reply.Answered()) {
             if (why != nullptr) {

@@ -13,8 +13,8 @@ constexpr std::array beforeSchedule = {
     "delete from LogParam where locationID= ?",
 };
 
-// The mark of the archive and the last three go too: a location is used again, and the next station there must not inherit a gas composition, an
-// outcome or a day.
+// The mark of the archive and the last three go too: a location is used again, and the next station there must not
+// inherit a gas composition, an outcome or a day.
 constexpr std::array afterSchedule = {
     "delete from mdbus_table where locationID= ?",
     "delete from SummaryPara where LocationID= ?",

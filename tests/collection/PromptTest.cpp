@@ -30,15 +30,15 @@ class Collected : public support::CollectionDesk {
         core::Station station = core::ReadStation(dbconn, location_).value();
         station.pacing = pacing;
         station.commtimeout = 1000;
-        line.CommPort(station.comport);
-        line.PortOpen(true);
-        protocols::Conversation talk{fieldLine.TakeOver(""), clock, feedback, logs, counters, station, "", 1, {}, {}};
+        auto talk = place.Begin(lines.Of(station).TakeOver(""), station);
+        talk.line->CommPort(station.comport);
+        talk.line->PortOpen(true);
         const auto counts = core::ReadModelCounts(dbconn, station, 1).value_or(core::ModelCounts{});
         reading::RunState state;
         const std::uint64_t start = clock.Elapsed();
-        if (station.protocol == "BSAP") {
+        if (station.protocol == core::Protocol::Bsap) {
             collection::CollectBsap(place, talk, state);
-        } else if (station.protocol == "Quantum") {
+        } else if (station.protocol == core::Protocol::Quantum) {
             collection::CollectQuantum(place, talk, state);
         } else {
             collection::CollectModbus(place, talk, counts, state);

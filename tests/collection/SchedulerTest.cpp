@@ -49,7 +49,7 @@ TEST_F(SchedulerTest, AStationIsDueAtItsContractHourOnItsDay) {
         locations.push_back(Add(c.contracthour, c.duration, c.day));
     }
     desk.clock.Run(30000);
-    desk.scheduler.Tick();
+    desk.Tick();
     for (std::size_t i = 0; i < locations.size(); ++i) {
         EXPECT_EQ(Attempts(locations[i]), cases[i].tried ? 3 : 0) << cases[i].duration << cases[i].day;
     }
@@ -61,7 +61,7 @@ TEST_F(SchedulerTest, TheMarkOfTheDayIsSetDueOrNot) {
     const auto later = Add("09:00");
     desk.dbconn.Execute("update configdata_master set sampledtoday=true, sampleddate=8");
     desk.clock.Run(30000);
-    desk.scheduler.Tick();
+    desk.Tick();
     for (const auto location : {silent, notToday}) {
         EXPECT_FALSE(desk.Master(location).Bool("sampledtoday"));
         EXPECT_EQ(desk.Master(location).Long("sampleddate"), 9);

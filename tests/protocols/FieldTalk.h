@@ -15,6 +15,8 @@ class FieldTalk {
     TestLine MakeLine() {
         if constexpr (std::is_constructible_v<TestLine, fieldsim::SimPorts&>) {
             return TestLine(ports);
+        } else if constexpr (std::is_constructible_v<TestLine, fieldsim::VirtualClock&>) {
+            return TestLine(desk.clock);
         } else {
             return TestLine();
         }

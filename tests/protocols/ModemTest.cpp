@@ -4,7 +4,7 @@
 #include "fieldsim/HayesModem.h"
 #include "protocols/FieldTalk.h"
 #include "protocols/line/Modem.h"
-#include "support/Silence.h"
+#include "support/OddDevices.h"
 
 using namespace protocols;
 using testing::Contains;

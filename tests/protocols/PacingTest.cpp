@@ -231,10 +231,10 @@ TEST(Pacing, PromptQuantumEndsWithTheWholeReply) {
     for (const bool echo : {false, true}) {
         fieldsim::QuantumUnit unit(7, values, {.echo = echo});
         Paced paced(unit, Pacing::Prompt);
-        for (int message = 1; message <= quantumMessages; ++message) {
+        for (int message = 1; message <= quantum::messages; ++message) {
             const std::string request = BuildQuantumRequest(7, "A", message);
             const std::string reply = Exchange(paced.talk, request, 5000, WholeQuantumReply(request));
-            EXPECT_EQ(CutQuantumEcho(reply, request).size(), quantumReplyLength);
+            EXPECT_EQ(CutQuantumEcho(reply, request).size(), quantum::replyLength);
             const WholeReply whole = WholeQuantumReply(request);
             std::string cut = reply.substr(0, reply.size() - 1);
             cut.back() = '\x03';  // the check byte may look like the end

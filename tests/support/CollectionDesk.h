@@ -55,6 +55,11 @@ class CollectionDesk : public ScratchDesk {
         return *field_;
     }
 
+    // One tick, and all that it begins.
+    void Tick() {
+        scheduler.Tick();
+        clock.Finish();
+    }
     void StartTicking() {
         clock.Every(60000, [this] { scheduler.Tick(); });
     }

@@ -56,6 +56,10 @@ void TcpLine::Close() {
 
 bool TcpLine::Open() {
     const unsigned mine = opening_;
+    if (address_.port == 0) {
+        lastError_ = address_.host + ": the address has no port";
+        return false;
+    }
     lastError_.clear();
     state_ = State::Opening;
     socket_.connectToHost(QString::fromStdString(address_.host), static_cast<quint16>(address_.port));

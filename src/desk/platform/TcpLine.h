@@ -14,6 +14,7 @@ namespace desk {
 // outlive it.
 class TcpLine final : public protocols::Line {
   public:
+    // An address with port 0 cannot be opened.
     TcpLine(core::Address address, core::Clock& clock);
 
     // What came ahead of the station's close still belongs to an open port: it is closed once that has been read.

@@ -115,8 +115,9 @@ std::string Bsap::get_by_single_name(int address, const std::string& name) {
 }
 
 std::string Bsap::write_by_name(int address, const std::string& name, double value, core::ValueKind kind) {
-    return BuildApplicationFrame(counters_, address, bsap::writeByName,
-                                 Closed(name) + (kind == core::ValueKind::Logical ? LogicalPart(true) : AnalogPart(value)));
+    return BuildApplicationFrame(
+        counters_, address, bsap::writeByName,
+        Closed(name) + (kind == core::ValueKind::Logical ? LogicalPart(true) : AnalogPart(value)));
 }
 
 std::string Bsap::get_signal_search(int address, const std::string& pattern, int kind, int firstParameter,

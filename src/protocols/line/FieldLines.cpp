@@ -2,12 +2,17 @@
 
 #include <algorithm>
 
+#include "core/Address.h"
 #include "core/Text.h"
 
 namespace protocols {
 
 std::string LineName(const core::Station& station) {
-    return station.ip.empty() ? "COM" + std::to_string(station.comport) : core::UpperText(core::Trim(station.ip));
+    if (station.ip.empty()) {
+        return "COM" + std::to_string(station.comport);
+    }
+    const auto address = core::AddressOf(station);
+    return address ? core::AddressText(*address) : core::Trim(station.ip);
 }
 
 FieldLine& FieldLines::Of(const core::Station& station) {

@@ -11,7 +11,7 @@
 
 namespace protocols {
 
-// What tells the line of a station from others, in capitals: "COM3" for its port, with or without a modem, or its
+// What tells the line of a station from others: "COM3" for its port, with or without a modem, or its
 // address on the network.
 std::string LineName(const core::Station& station);
 

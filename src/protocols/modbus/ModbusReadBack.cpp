@@ -8,7 +8,8 @@
 
 namespace protocols {
 
-std::optional<double> ModbusReadBack(Conversation& talk, core::ValueKind datum, int reg, const TransactOptions& options) {
+std::optional<double> ModbusReadBack(Conversation& talk, core::ValueKind datum, int reg,
+                                     const TransactOptions& options) {
     const bool isFloat = datum == core::ValueKind::Float;
     TransactOptions own = options;
     own.onlyItsOwn = isFloat;

@@ -6,8 +6,8 @@
 
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
-#include "protocols/modbus/ModbusFraming.h"
 #include "protocols/modbus/ModbusConstants.h"
+#include "protocols/modbus/ModbusFraming.h"
 
 namespace protocols {
 

@@ -9,8 +9,8 @@
 #include "core/Text.h"
 #include "protocols/WireNumbers.h"
 #include "protocols/modbus/ModbusCheck.h"
-#include "protocols/modbus/ModbusFraming.h"
 #include "protocols/modbus/ModbusConstants.h"
+#include "protocols/modbus/ModbusFraming.h"
 
 namespace protocols {
 

@@ -152,7 +152,7 @@ std::string CutQuantumEcho(const std::string& reply, const std::string& request)
 WholeReply WholeQuantumReply(const std::string& request) {
     return {[request](std::string_view received) {
         const std::string reply = CutQuantumEcho(std::string(received), request);
-        return reply.size() == quantumReplyLength && reply.back() == end;
+        return reply.size() == quantum::replyLength && reply.back() == quantum::etx;
     }};
 }
 
