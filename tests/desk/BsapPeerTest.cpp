@@ -12,6 +12,7 @@
 #include "core/Text.h"
 #include "protocols/bsap/BsapLink.h"
 #include "session/Session.h"
+#include "session/StationLine.h"
 #include "signals/calibration/Calibration.h"
 #include "signals/lists/SignalAccess.h"
 #include "signals/lists/SignalFetch.h"
@@ -71,8 +72,14 @@ std::string Plain(double value) {
 
 class BsapPeerTest : public testing::TestWithParam<Manner> {
   public:
-    BsapPeerTest() { session.Connect(); }
-    ~BsapPeerTest() override { session.Disconnect(); }
+    void SetUp() override {
+        session.Connect();
+        support::TurnUntil([this] { return session.GetState() != session::State::Connecting; });
+    }
+    void TearDown() override {
+        session.Disconnect();
+        support::TurnUntil([this] { return desk.clock.Conversations() == 0; });
+    }
 
     support::BsapPeer peer{{"--layout", GetParam().layout, "--address", GetParam().address, "--not-ready", "0.25",
                             "--noise", "0.25", "--seed", "9", "--analogs", "120", "--logicals", "50", "--version",
@@ -82,7 +89,7 @@ class BsapPeerTest : public testing::TestWithParam<Manner> {
         desk.dbconn,
         {"Weir Lane", GetParam().modelno, "BSAP", "", 1, std::stoi(GetParam().address), "", 1, {"AGA3"}, "00:00", 50});
     support::RecordingView view;
-    session::Session session{desk.place, desk.scheduler, view, locationID};
+    session::Session session{desk.place, view, locationID};
 
     std::vector<support::PeerSignal> Held(const std::string& place) {
         return support::PeerSignals(desk.dbconn, peer.State(), place);
@@ -125,16 +132,15 @@ class BsapPeerTest : public testing::TestWithParam<Manner> {
         timer.start(10);
         QTimer::singleShot(40000, &timer, end);
         work();
-        EXPECT_EQ(script.Missing(), "");
+        support::TurnUntil([&] { return script.Missing().empty(); });
     }
     // Work on the session's line behind a sign-on with the screens' password.
     void Do(const std::function<void(protocols::Conversation&)>& work) {
         ASSERT_EQ(session.GetState(), session::State::Connected) << support::FileText(peer.Trace());
-        ASSERT_TRUE(session.Lend(desk.feedback, [&](protocols::Conversation* talk) {
-            ASSERT_NE(talk, nullptr);
-            ASSERT_TRUE(protocols::SignOnInTries(*talk, {.password = protocols::screenPassword}));
-            work(*talk);
-        }));
+        bool over = false;
+        session::OnStationLine(desk.place, &session, session::WayOfSignals(true), locationID, work,
+                               [&] { over = true; });
+        support::TurnUntil([&] { return over; });
     }
 };
 
@@ -254,6 +260,7 @@ TEST_P(BsapPeerTest, ASessionShowsAndWritesTheSignalsOfItsRows) {
     });
     During(
         script, [&] { session.Disconnect(); }, [&] { session.GetData(); });
+    support::TurnUntil([this] { return session.GetState() == session::State::Idle; });
     EXPECT_THAT(view.boxes, IsEmpty());
     EXPECT_EQ(held(logical), on ? 0 : 1);
     EXPECT_EQ(desk.dbconn.Query("select 1 from json_each(?, '$.written') where value->>'error'", {peer.State()}).size(),

@@ -12,8 +12,8 @@
 #include "collection/CollectionRun.h"
 #include "core/Text.h"
 #include "protocols/modbus/ModbusTransact.h"
-#include "session/OwnCall.h"
 #include "session/Session.h"
+#include "session/StationLine.h"
 #include "support/ChildProcess.h"
 #include "support/Downloads.h"
 #include "support/LibmodbusSlave.h"
@@ -44,13 +44,14 @@ struct Held {
 };
 
 // Polls, and makes the steps meanwhile.
-void Poll(session::Session& session, const std::vector<support::Script::Step>& steps) {
+void Poll(PortDesk& desk, session::Session& session, const std::vector<support::Script::Step>& steps) {
     support::Script script(steps);
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] { script.Turn(); });
     timer.start(5);
     QTimer::singleShot(60000, &timer, [&] { session.Disconnect(); });
     session.GetData();
+    support::TurnUntil([&] { return desk.clock.Conversations() == 0; });
     EXPECT_EQ(script.Missing(), "");
 }
 
@@ -87,12 +88,12 @@ TEST(LibmodbusSession, EveryTypeInEveryRegisterModeIsWrittenWhereItIsRead) {
         slave.SetFloat(second, 7.25F);
 
         support::RecordingView view;
-        session::Session session(desk.place, desk.scheduler, view, locationID);
+        session::Session session(desk.place, view, locationID);
         const auto row = [&](const char* aga, const char* description) {
             return session.Parameters().Find(aga, description).value();
         };
         session.Connect();
-        ASSERT_EQ(session.GetState(), session::State::Connected) << desk.scratch.RtuErr();
+        support::TurnUntil([&] { return session.HasLine(); });
         const auto polled = [&] { return session.ValuesAt().has_value() && !session.WritePending(); };
         std::vector<support::Script::Step> steps{
             {"read", polled,
@@ -109,7 +110,7 @@ TEST(LibmodbusSession, EveryTypeInEveryRegisterModeIsWrittenWhereItIsRead) {
         steps.push_back({"clock", polled, [&] { session.AskTime(); }});
         steps.push_back({"end", [&] { return polled() && !session.TimePending(); }, [&] { session.Disconnect(); }});
         Held expected(slave, map);
-        Poll(session, steps);
+        Poll(desk, session, steps);
         EXPECT_THAT(view.boxes, testing::ElementsAre("The clock of the station: not confirmed: its map has no clock"));
 
         EXPECT_EQ(slave.Float(20), -12.5F);
@@ -140,12 +141,13 @@ TEST(LibmodbusSession, ATeleFlowIsReadAndWrittenWhereItsMapSays) {
     slave.SetCoil(26, true);     // Time Sync
     PortDesk desk(slave.Path());
     support::RecordingView view;
-    session::Session session(desk.place, desk.scheduler, view, desk.AddStation());
+    session::Session session(desk.place, view, desk.AddStation());
     const auto place = [&](const char* aga, const char* name) { return session.Parameters().Find(aga, name).value(); };
     const auto polled = [&] { return session.ValuesAt().has_value() && !session.WritePending(); };
     Held expected(slave, map);
     session.Connect();
-    Poll(session,
+    support::TurnUntil([&] { return session.HasLine(); });
+    Poll(desk, session,
          {{"a value", polled,
            [&] {
                EXPECT_EQ(session.Parameters().At(place("KEYPAD", "Keypad N2")).lastvalue, 0.25);
@@ -197,13 +199,15 @@ TEST(LibmodbusArchive, EachModelIsReadFromItsWindow) {
         station.mode = "RTU";
         station.slaveaddress = 17;
         station.commtimeout = 60;
-        auto lease = desk.line.TakeIfFree();
+        auto lease = desk.lines.Of(station).TakeIfFree();
         lease->CommPort(1);
         lease->Settings("9600,N,8,1");
         ASSERT_TRUE(lease->PortOpen(true));
         protocols::Conversation talk{lease, desk.clock, desk.feedback, desk.logs, desk.counters, station, "WARDEN"};
         support::RecordingRun view;
-        const auto outcome = archive::CollectModbusArchive(talk, desk.dbconn, test.kind, view);
+        archive::ModbusArchiveOutcome outcome;
+        support::Converse(desk.clock,
+                          [&] { outcome = archive::CollectModbusArchive(talk, desk.dbconn, test.kind, view); });
         EXPECT_EQ(archive::ArchiveCollected(outcome), "Archive Collected");
         EXPECT_THAT(desk.feedback.boxes, testing::IsEmpty());
         EXPECT_EQ(slave.Float(hourly ? 607 : 605), 1.0F) << "the last index written";
@@ -241,7 +245,7 @@ struct AsciiSlaveTest : testing::Test {
     }
     reading::RunState Collect() {
         reading::RunState state;
-        collection::collectiong_Data(desk.place, locationID, state);
+        support::Converse(desk.clock, [&] { collection::collectiong_Data(desk.place, locationID, state); });
         return state;
     }
     // The floats of the first two blocks by their numbers.
@@ -256,11 +260,14 @@ struct AsciiSlaveTest : testing::Test {
     }
     protocols::WriteOutcome SwitchOn(int coil) {
         auto outcome = protocols::WriteOutcome::NotBuilt;
-        session::OwnCall(desk.place, desk.scheduler, core::ReadStation(desk.dbconn, locationID).value(), {},
-                         [&](protocols::Conversation& talk) {
-                             outcome = protocols::ModbusWrite(talk, protocols::ModbusDatum::Coil, coil - 1, 1,
-                                                              protocols::onlineWrite);
-                         });
+        bool over = false;
+        session::OnStationLine(
+            desk.place, nullptr, {}, locationID,
+            [&](protocols::Conversation& talk) {
+                outcome = protocols::ModbusWrite(talk, core::ValueKind::Logical, coil - 1, 1, protocols::onlineWrite);
+            },
+            [&] { over = true; });
+        support::TurnUntil([&] { return over; });
         return outcome;
     }
 };

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QTest>
 #include <QTimer>
 #include <array>
 
@@ -69,7 +70,7 @@ TEST_F(SerialLineTest, EveryByteGoesBothWaysUnchanged) {
     line.Output(all);
     EXPECT_EQ(FarReads(), all);
     FarWrites(all);
-    clock.WaitMs(50);
+    QTest::qWait(50);
     EXPECT_EQ(line.InBufferCount(), all.size());
     EXPECT_EQ(line.Input(), all);
     EXPECT_EQ(line.InBufferCount(), 0U);
@@ -78,13 +79,13 @@ TEST_F(SerialLineTest, EveryByteGoesBothWaysUnchanged) {
 TEST_F(SerialLineTest, WhatWasSentBeforeThePortWasOpenedIsNotReadAsAnAnswer) {
     ASSERT_TRUE(line.PortOpen(true));
     FarWrites("old");
-    clock.WaitMs(20);
+    QTest::qWait(20);
     ASSERT_TRUE(line.PortOpen(true));  // opened anew
     FarWrites("new");
-    clock.WaitMs(50);
+    QTest::qWait(50);
     EXPECT_EQ(line.Input(), "new");
     FarWrites("stale");
-    clock.WaitMs(20);
+    QTest::qWait(20);
     line.ClearInBuffer();
     EXPECT_EQ(line.Input(), "");
 }
@@ -116,7 +117,7 @@ TEST_F(SerialLineTest, BytesCountAsSentWhenTheyAreOnTheWire) {
     line.Output("ath\r");
     EXPECT_GT(line.OutBufferCount(), 0U);
     const auto before = clock.Milliseconds();
-    protocols::Drain(line, clock);
+    support::Converse(clock, [&] { protocols::Drain(line, clock); });
     EXPECT_GE(clock.Milliseconds() - before, 4U * 10 * 1000 / 300);
     EXPECT_EQ(line.OutBufferCount(), 0U);
     EXPECT_EQ(FarReads(), "ath\r");
@@ -127,12 +128,12 @@ TEST_F(SerialLineTest, APulledPlugClosesThePort) {
     line.WhenLost([&](const std::string& reason) { lost = reason; });
     ASSERT_TRUE(line.PortOpen(true));
     Pull();
-    clock.WaitMs(50);
+    QTest::qWait(50);
     EXPECT_FALSE(line.PortOpen());
     EXPECT_NE(line.LastError().find("the device is gone"), std::string::npos);
     EXPECT_EQ(lost, line.LastError());
     line.Output("x");
-    clock.WaitMs(20);
+    QTest::qWait(20);
     EXPECT_EQ(line.OutBufferCount(), 0U);
 }
 
@@ -144,13 +145,13 @@ TEST(SerialLine, AConversationEndsWithTheReasonThatItsDeviceIsGone) {
     const std::string gone = terminal.device.substr(std::string("/dev/").size()) + ": the device is gone";
     QTimer::singleShot(150, [&terminal] { terminal.Pull(); });
     reading::RunState state;
-    collection::collectiong_Data(desk.place, locationID, state);
+    support::Converse(desk.clock, [&] { collection::collectiong_Data(desk.place, locationID, state); });
     EXPECT_TRUE(state.runfailed);
     EXPECT_NE(desk.scratch.RtuErr().find(gone + " [" + std::to_string(locationID) + "]"), std::string::npos)
         << desk.scratch.RtuErr();
     EXPECT_EQ(desk.scratch.RtuErr().find("No Response"), std::string::npos);
     EXPECT_EQ(desk.feedback.status.back(), gone);
-    EXPECT_FALSE(desk.line.InUse());
+    EXPECT_FALSE(desk.lines.InUse());
 }
 
 TEST(NextTick, ComesOnceAMinuteAtTheSameSecond) {
@@ -180,13 +181,17 @@ TEST(EventLoopClock, WaitsAsLongAsItIsToldWhileTimersAndOtherWaitsRun) {
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
         ++ticks;
-        clock.WaitMs(5);
+        clock.Start([&clock] { clock.WaitMs(5); });
     });
     timer.start(10);
     const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 5; ++i) {
-        clock.WaitMs(20);
-    }
+    support::Converse(clock, [&] {
+        for (int i = 0; i < 5; ++i) {
+            clock.WaitMs(20);
+        }
+    });
+    timer.stop();
+    support::TurnUntil([&] { return clock.Conversations() == 0; });
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
     EXPECT_GE(ticks, 2);
 }
@@ -199,7 +204,7 @@ TEST(ShowBox, HoldsUpNoRunWhileItStands) {
     const auto start = clock.Milliseconds();
     // A box with a loop of its own would keep this wait until somebody comes.
     QTimer::singleShot(20000, &form, [] { QApplication::closeAllWindows(); });
-    clock.WaitMs(100);
+    support::Converse(clock, [&] { clock.WaitMs(100); });
     EXPECT_LT(clock.Milliseconds() - start, 10000U);
     auto* box = form.findChild<QMessageBox*>();
     ASSERT_NE(box, nullptr);
