@@ -18,7 +18,7 @@ set(NORWEN_LAYERS
   "archive/modbus: archive/store protocols/modbus"
   "archive/view: archive/store"
   "reports: collection mail"
-  "session: collection archive/bsap archive/modbus"
+  "session: reading archive/bsap archive/modbus"
   "session/editor: session"
   "signals/lists: session"
   "signals/change: signals/lists"

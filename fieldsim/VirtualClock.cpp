@@ -49,6 +49,15 @@ void VirtualClock::Run(std::uint64_t milliseconds) {
     }
 }
 
+bool VirtualClock::RunUntil(const std::function<bool()>& holds, std::uint64_t milliseconds) {
+    const std::uint64_t end = elapsed_ + milliseconds;
+    while (!holds() && elapsed_ < end) {
+        const std::uint64_t next = timers_.empty() ? end : std::clamp(timers_.begin()->first, elapsed_, end);
+        Turn(static_cast<std::uint32_t>(std::min<std::uint64_t>(next - elapsed_, 1U << 30)));
+    }
+    return holds();
+}
+
 void VirtualClock::Turn(std::uint32_t atMostMs) {
     awake_ = false;
     const std::uint64_t end = elapsed_ + atMostMs;

@@ -40,6 +40,10 @@ class VirtualClock final : public core::Clock {
 
     // Runs until that many milliseconds have passed.
     void Run(std::uint64_t milliseconds);
+    // Runs until it holds, for that many milliseconds at most. Tells whether it does.
+    bool RunUntil(const std::function<bool()>& holds, std::uint64_t milliseconds);
+    // No conversation goes on by itself within half an hour: all are over, or wait for an operator.
+    bool Quiet() const { return !armed_ || *armed_ >= elapsed_ + 1'800'000; }
 
   protected:
     void Arm(std::uint32_t withinMs) override;

@@ -59,6 +59,15 @@ void ValueStore::PutNamed(std::string_view description, const StoredValue& store
                            CleanUnit(stored.unit), SignalAddress(stored), station_.locationID, description}));
 }
 
+bool ValueStore::PutWritten(const std::string& description, const std::string& aga, const WrittenValue& written) {
+    const std::string only(written.onlyUnconfirmed ? core::QualityText(core::Quality::NotConfirmed) : "");
+    return dbconn_.Execute(
+               "update configdata_detail set lastvalue=?1, quality=?2, readat=ifnull(nullif(?3,''),readat) "
+               "where description=?4 and AGA=?5 and streamNo=?6 and locationid=?7 and (?8='' or quality=?8)",
+               {written.value, written.quality, written.readat, description, aga, streamno_, station_.locationID,
+                only}) > 0;
+}
+
 void ValueStore::Miss(const std::string& address, std::string_view type, core::Quality quality) {
     dbconn_.Execute(
         "update configdata_detail set quality=? where locationid=? and startaddress=? and StreamNo=? and "

@@ -6,13 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/Database.h"
 #include "core/Quality.h"
 #include "core/Station.h"
 #include "reading/BulkPlan.h"
-
-namespace core {
-class Database;
-}
 
 namespace reading {
 
@@ -27,6 +24,14 @@ struct StoredValue {
 
 // A unit as maps and screens have it, of one that a station sent: its NULs are blanks, and there are none around it.
 std::string CleanUnit(const std::string& sent);
+
+// A value that an operator has written, or would have.
+struct WrittenValue {
+    double value = 0;
+    core::Value quality{};         // its text; null: none
+    std::string readat{};          // when the station showed it; empty: the row keeps its moment
+    bool onlyUnconfirmed = false;  // a reading that was stored meanwhile stays
+};
 
 // Stores what a reading brings into the rows of a stream's map, each value with its moment and its quality. It is the
 // one place that does, for whoever reads. The caller holds the transaction. All throw DatabaseError.
@@ -46,6 +51,9 @@ class ValueStore {
     void Put(const std::string& address, std::string_view type, const StoredValue& stored);
     // The same into the rows of a description, whatever their stream.
     void PutNamed(std::string_view description, const StoredValue& stored);
+
+    // Puts a written value, as it is, into the row of a description in its group. Returns whether the map has taken it.
+    bool PutWritten(const std::string& description, const std::string& aga, const WrittenValue& written);
 
     // Marks the rows of an address whose reading brought no value: not received, or refused. They keep value and
     // moment.

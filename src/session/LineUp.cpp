@@ -19,16 +19,20 @@ std::string Told(protocols::Conversation& talk, const std::string& failure) {
 // Empty when the port is open, or the conversation ended.
 std::string OpenPort(protocols::Conversation& talk) {
     const core::Station& station = talk.station;
-    if (!station.ip.empty()) {
-        return Told(talk, "This station is reached by IP, for which there is no line here");
-    }
+    const bool isSerial = station.ip.empty();
     talk.line->PortOpen(false);
-    talk.line->CommPort(station.comport);
-    talk.line->Settings(station.settings);
-    if (!talk.Wait(talk.CommTimeout()) || talk.line->PortOpen(true)) {
+    if (isSerial) {
+        talk.line->CommPort(station.comport);
+        talk.line->Settings(station.settings);
+    } else {
+        talk.feedback.Status("Connecting to " + station.ip);
+    }
+    if (!talk.Wait(talk.CommTimeout()) || talk.line->PortOpen(true) || talk.Ended()) {
         return {};
     }
-    return Told(talk, "Port " + std::to_string(station.comport) + " cannot be opened: " + talk.line->LastError());
+    const std::string what = isSerial ? "Port " + std::to_string(station.comport) + " cannot be opened: "
+                                      : station.ip + " cannot be reached: ";
+    return Told(talk, what + talk.line->LastError());
 }
 
 // The modem's failures were told by the dial.

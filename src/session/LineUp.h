@@ -22,11 +22,10 @@ struct LineUpOptions {
     protocols::SignOnOptions signOn{};
     int signOnTries = 3;
     const char* dead = "RTU Dead";
-    bool keepsLine = false;  // from the first moment of a call of its own to its last; see KeptLine
 };
 
-// Opens the port, dials a station that has a number, and signs on to one that speaks BSAP. FieldLine::StopConnecting
-// ends it at once.
+// Opens the port, or the connection to a station on the network, dials a station that has a number, and signs on to one
+// that speaks BSAP. FieldLine::StopConnecting ends it at once.
 LineUpOutcome BringLineUp(protocols::Conversation& talk, const LineUpOptions& options = {});
 
 // Hangs up a call with that guard time, and closes the port. Nothing is sent on a line that was taken away.

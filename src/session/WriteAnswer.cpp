@@ -6,6 +6,7 @@
 #include "core/Logs.h"
 #include "core/Quality.h"
 #include "core/Text.h"
+#include "reading/ValueStore.h"
 #include "session/ValueText.h"
 
 namespace session {
@@ -70,24 +71,16 @@ std::string TrailWords(const AnsweredWrite& write, const core::Station& station)
 }
 
 void EnterInMap(const WriteContext& context, const core::DateTime& now, const AnsweredWrite& write) {
-    constexpr const char* ofRow = " where description=? and AGA=? and streamNo=? and locationid=?";
     const WriteRequest& request = write.request;
+    reading::WrittenValue written{request.writeValue, std::string(core::QualityText(core::Quality::NotConfirmed))};
     if (write.answer.has) {
-        context.dbconn.Execute(std::string("update configdata_detail set lastvalue=?, readat=?, quality=?") + ofRow,
-                               {core::RoundTo(*write.answer.has, 4), core::IsoText(now),
-                                std::string(core::QualityText(core::Quality::Good)), request.Description, request.aga,
-                                context.streamno, context.station.locationID});
+        written = {core::RoundTo(*write.answer.has, 4), std::string(core::QualityText(core::Quality::Good)),
+                   core::IsoText(now)};
     } else if (write.answer.result == WriteResult::Refused || write.answer.result == WriteResult::NotSent) {
-        // A reading that was stored meanwhile stays.
-        context.dbconn.Execute(
-            std::string("update configdata_detail set lastvalue=?, quality=?") + ofRow + " and quality=?",
-            {core::RoundTo(request.oldValue, 4), request.oldQuality, request.Description, request.aga, context.streamno,
-             context.station.locationID, std::string(core::QualityText(core::Quality::NotConfirmed))});
-    } else {
-        context.dbconn.Execute(std::string("update configdata_detail set lastvalue=?, quality=?") + ofRow,
-                               {request.writeValue, std::string(core::QualityText(core::Quality::NotConfirmed)),
-                                request.Description, request.aga, context.streamno, context.station.locationID});
+        written = {core::RoundTo(request.oldValue, 4), request.oldQuality, {}, true};
     }
+    reading::ValueStore(context.dbconn, context.station, context.streamno)
+        .PutWritten(request.Description, request.aga, written);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "core/Logs.h"
 #include "core/Quality.h"
 #include "core/Text.h"
+#include "reading/ValueStore.h"
 #include "session/ValueText.h"
 #include "session/WriteLevels.h"
 
@@ -70,11 +71,10 @@ WriteCheck CheckWrite(const WriteContext& context, const ParameterSet& set, cons
 }
 
 void EnterWrite(const WriteContext& context, const WriteRequest& request) {
-    const bool entered = context.dbconn.Execute(
-                             "update configdata_detail set lastvalue=?, quality=? where description=? and AGA = ? and "
-                             "streamNo=? and locationid = ?",
-                             {request.writeValue, std::string(core::QualityText(core::Quality::NotConfirmed)),
-                              request.Description, request.aga, context.streamno, context.station.locationID}) > 0;
+    const bool entered =
+        reading::ValueStore(context.dbconn, context.station, context.streamno)
+            .PutWritten(request.Description, request.aga,
+                        {request.writeValue, std::string(core::QualityText(core::Quality::NotConfirmed))});
     if (!entered) {
         throw core::DatabaseError("This parameter is no longer in the station's map: " + request.Description);
     }

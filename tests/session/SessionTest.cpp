@@ -58,7 +58,8 @@ TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
     for (const auto& test : cases) {
         SCOPED_TRACE(test.station.consumer);
         SessionDesk desk;
-        desk.Open(test.station).Connect();
+        desk.Open(test.station);
+        desk.Connect();
         ASSERT_EQ(desk.session->GetState(), State::Connected);
         EXPECT_THAT(desk.view.status, Contains("Connected"));
         desk.Behind({{}, [&] {
@@ -67,7 +68,7 @@ TEST(SessionTest, EveryProtocolIsConnectedPolledAndDisconnected) {
                          EXPECT_EQ(desk.view.progress.front(), std::pair(0, 0));
                          EXPECT_EQ(desk.view.progress.back().first, desk.view.progress.back().second);
                      }});
-        desk.session->GetData();
+        desk.GetData();
         EXPECT_EQ(desk.session->GetState(), State::Idle);
         EXPECT_THAT(desk.view.ends, ElementsAre(""));
         EXPECT_THAT(desk.view.boxes, IsEmpty());
@@ -107,14 +108,15 @@ TEST(SessionTest, APollLeavesEveryRowItsMomentAndHowItWasRead) {
         if (floats) {
             ASSERT_TRUE(desk.field->Values(desk.locationID, 1, "Keypad N2")->Fix("Keypad N2", 3e9));
         }
-        desk.Reopen().Connect();
+        desk.Reopen();
+        desk.Connect();
         const std::string begun = core::IsoText(desk.clock.Now());
         desk.Behind({{}, [&] {
                          if (isBsap) {
                              EXPECT_GE(desk.session->Parameters().At(desk.Place("KEYPAD", "Gone")).missedPolls, 2);
                          }
                      }});
-        desk.session->GetData();
+        desk.GetData();
         EXPECT_EQ(rows("quality='good' and readat>='" + begun + "'"),
                   rows("1=1") - (floats ? 1 : 0) - (isBsap ? 1 : 0));
         EXPECT_EQ(rows("quality='out of range' and lastvalue=0 and description='Keypad N2'"), floats ? 1 : 0);
@@ -130,9 +132,9 @@ TEST(SessionTest, ARefusedBlockIsMarkedAndThePollGoesOn) {
     support::RefusingSlave refusing(*desk.field->Station(desk.locationID)->device, [](int reg) { return reg == 497; });
     desk.ports.Attach(1, refusing);
     desk.dbconn.Execute("update configdata_detail set lastvalue=7");
-    desk.session->Connect();
+    desk.Connect();
     desk.Behind({{}, {}, {}});
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_THAT(desk.view.boxes, ElementsAre("Invalid Modbus Address Specified"));
     EXPECT_THAT(desk.view.ends, ElementsAre(""));
     const std::string inBlock = "type='Float' and cast(startaddress as integer) >= 497";
@@ -142,8 +144,8 @@ TEST(SessionTest, ARefusedBlockIsMarkedAndThePollGoesOn) {
     // One that has nothing but refusals is no station to watch.
     refusing.refuses = [](int) { return true; };
     desk.view.onRefreshed = {};
-    desk.session->Connect();
-    desk.session->GetData();
+    desk.Connect();
+    desk.GetData();
     EXPECT_THAT(desk.view.ends, ElementsAre("", "Remote Station not Responding"));
 }
 
@@ -151,7 +153,8 @@ TEST(SessionTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
     SessionDesk desk;
     desk.dbconn.Execute(
         "insert into users(userid, firstname, readsec, writesec) values('ann','ann',6,1),('bob','bob',6,6)");
-    desk.Open(teleFlow).Connect();
+    desk.Open(teleFlow);
+    desk.Connect();
     const struct {
         const char* user;
         const char* aga;
@@ -184,7 +187,7 @@ TEST(SessionTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
         desk.shared.currentuser = "WARDEN";
         EXPECT_EQ(desk.session->Check(desk.Place("TOTRND", "Total Volume Accumulated"), "1"), "");
     }});
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_THAT(WritesOf(desk), IsEmpty());
     EXPECT_NE(desk.Stored("Keypad N2"), 1.5);
     EXPECT_THAT(desk.Trail(), Not(Contains(HasSubstr("changed value"))));
@@ -192,7 +195,8 @@ TEST(SessionTest, WhatCannotBeWrittenIsRefusedAndChangesNothing) {
 
 TEST(SessionTest, AnotherStreamIsReadUnderItsOwnNames) {
     SessionDesk desk;
-    desk.Open(multiStream).Connect();
+    desk.Open(multiStream);
+    desk.Connect();
     EXPECT_TRUE(desk.session->IsAga3());
     desk.Behind({[&] { desk.session->ChooseStream(2); },
                  [&] {
@@ -202,7 +206,7 @@ TEST(SessionTest, AnotherStreamIsReadUnderItsOwnNames) {
                      ExpectServed(desk, 204 + 41);
                      desk.session->ChooseStream(3);  // there is none
                  }});
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_EQ(desk.session->StreamNo(), 2);
 }
 
@@ -211,7 +215,8 @@ TEST(SessionTest, AWriteAStreamAndAStopAreServedWithinOneWait) {
     SessionDesk desk;
     demo::DemoStation slow = teleFlow;
     slow.delaytime = 2000;
-    desk.Open(slow).Connect();
+    desk.Open(slow);
+    desk.Connect();
     std::uint64_t asked = 0;
     std::uint64_t served = 0;
     desk.Behind({[&] {
@@ -224,18 +229,19 @@ TEST(SessionTest, AWriteAStreamAndAStopAreServedWithinOneWait) {
                  },
                  {},
                  {}});
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_GT(served, 0U);
     EXPECT_LE(served - asked, 2000U);
 
-    desk.Reopen().Connect();
+    desk.Reopen();
+    desk.Connect();
     desk.view.onRefreshed = {};
     desk.view.onSent = {};
     desk.clock.After(9100, [&] {
         asked = desk.clock.Elapsed();
         desk.session->Disconnect();
     });
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_LE(desk.clock.Elapsed() - asked, 2000U);
 }
 
@@ -249,7 +255,8 @@ TEST(SessionTest, AScheduledRunEndsTheSessionAndItsPendingWriteIsNeverSent) {
         demo::DemoStation own = teleFlow;
         own.contracthour = sameStation ? "08:00" : "20:00";
         const auto due = demo::AddStation(desk.dbconn, other);
-        desk.Open(own).Connect();
+        desk.Open(own);
+        desk.Connect();
         desk.StartTicking();
         // In the last moment before the tick takes the line: entered, and never on its way.
         desk.clock.After(59999, [&] {
@@ -257,10 +264,11 @@ TEST(SessionTest, AScheduledRunEndsTheSessionAndItsPendingWriteIsNeverSent) {
             EXPECT_EQ(desk.Stored("Keypad N2"), 1.25);
             desk.session->AskTime();
         });
-        desk.session->GetData();
+        desk.GetData();
         EXPECT_EQ(desk.session->GetState(), State::Idle);
         EXPECT_THAT(desk.view.boxes, IsEmpty()) << "nobody is there to answer";
         EXPECT_THAT(desk.view.ends, ElementsAre("A scheduled collection has taken the line"));
+        desk.Finish();
         EXPECT_THAT(desk.view.requests, Contains(HasSubstr("Keypad N2: not sent, A scheduled")));
         EXPECT_THAT(desk.Trail(),
                     Contains(HasSubstr("value 1.25 of parameter Keypad N2 was not sent to RTU Hill Farm")));
@@ -326,7 +334,7 @@ TEST(SessionTest, ConnectionsThatFailSayWhyAndGiveTheLineBack) {
         if (test.answers) {
             desk.ports.Attach(1, parrot);
         }
-        desk.session->Connect();
+        desk.Connect();
         EXPECT_EQ(desk.session->GetState(), State::Idle);
         EXPECT_THAT(desk.view.boxes, ElementsAre(test.box));
         EXPECT_EQ(desk.view.ends.size(), 1U);
@@ -349,7 +357,7 @@ TEST(SessionTest, ADisconnectEndsADialAtAnyStep) {
         options.modems[1] = {{"CONNECT 9600", 60000}};
         desk.Open({"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options);
         desk.clock.After(test.afterMs, [&] { desk.session->Disconnect(); });
-        desk.session->Connect();
+        desk.Connect();
         EXPECT_THAT(desk.view.sent, testing::ElementsAreArray(test.sent));
         EXPECT_EQ(desk.session->GetState(), State::Idle);
         EXPECT_THAT(desk.view.ends, ElementsAre(""));
@@ -362,8 +370,8 @@ TEST(SessionTest, AModbusStationWithoutAddressesIsNotPolled) {
     desk.Open(teleFlow);
     desk.dbconn.Execute("update configdata_master set MB_CONFIG = true");
     desk.dbconn.Execute("update configdata_detail set startaddress = '0'");
-    desk.session->Connect();
-    desk.session->GetData();
+    desk.Connect();
+    desk.GetData();
     EXPECT_THAT(desk.view.boxes, ElementsAre("No Modbus Address Found"));
     EXPECT_EQ(desk.session->GetState(), State::Idle);
 }
@@ -372,15 +380,15 @@ TEST(SessionTest, ADialIsToldStepByStepAndTheProgramsEndHangsUp) {
     SessionDesk desk;
     fieldsim::FieldOptions options;
     options.modems[1] = {{"NO CARRIER", 3000}, {"CONNECT 9600", 3000}};
-    desk.Open({"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options).Connect();
+    desk.Open({"Far", "TeleFlow", "Modbus", "RTU", 1, 5, "4170253"}, options);
+    desk.Connect();
     for (const char* text : {"Redial Count:0", "Dialing 4170253", "Response From Modem:", "Redial Count:1",
                              "Connected to Location ", "Connected"}) {
         EXPECT_THAT(desk.view.status, Contains(HasSubstr(text)));
     }
     ASSERT_EQ(desk.session->GetState(), State::Connected);
-    desk.scheduler.Leave();  // nobody is in the call
-    EXPECT_TRUE(desk.view.finishLater);
-    desk.session->Finish();
+    desk.scheduler.Leave();
+    desk.Finish();
     EXPECT_EQ(desk.session->GetState(), State::Idle);
     EXPECT_EQ(desk.view.status.back(), "Disconnected");
     EXPECT_FALSE(desk.ports.PortOpen());

@@ -25,14 +25,16 @@ struct SummaryTest : testing::Test {
 
     SummaryTest() { desk.shared.currentuser = "WARDEN"; }
 
-    void Open(std::int64_t station) { session = std::make_unique<Session>(desk.place, desk.scheduler, view, station); }
+    void Open(std::int64_t station) { session = std::make_unique<Session>(desk.place, view, station); }
     // Polls the station until `work` has run and its request is served; then the operator disconnects.
     void Poll(const std::function<void()>& work) {
         session->Connect();
+        desk.RunUntil([this] { return session->HasLine(); });
         bool done = false;
         desk.clock.After(20000, [&] { work(), done = true; });
         desk.clock.After(40000, [this] { session->Disconnect(); });
         session->GetData();
+        desk.Finish();
         EXPECT_TRUE(done);
     }
 
@@ -83,6 +85,7 @@ TEST_F(SummaryTest, EachFigureHasItsFormAndIsNotAvailableBeforeItIsRead) {
         EXPECT_EQ(Figure(row.label).text, "N/A") << row.label;
     }
     session->Connect();
+    desk.RunUntil([this] { return session->HasLine(); });
     std::size_t at = 0;
     std::function<void()> next = [&] {
         if (at > 0) {
@@ -100,6 +103,7 @@ TEST_F(SummaryTest, EachFigureHasItsFormAndIsNotAvailableBeforeItIsRead) {
     };
     desk.clock.After(1, next);
     session->GetData();
+    desk.Finish();
     EXPECT_EQ(at, std::size(table));
     EXPECT_EQ(Figure("lb_Press").unit, "kg/cm2");
 }

@@ -34,7 +34,7 @@ struct WriteDesk : SessionDesk {
         options.writes[1].otherwise = fault;
         options.writes[1].slowMs = 8000;
         Open(station, options);
-        session->Connect();
+        Connect();
     }
 
     // Each step as soon as it can be made; then the session is left.
@@ -51,7 +51,7 @@ struct WriteDesk : SessionDesk {
                 session->Disconnect();
             }
         });
-        session->GetData();
+        GetData();
         *alive = false;
         EXPECT_EQ(script->Missing(), "") << testing::PrintToString(view.ends) << testing::PrintToString(view.boxes);
     }
@@ -222,7 +222,7 @@ TEST(WriteOutcomeTest, NothingIsWrittenByWhatAnEarlierConnectionRead) {
     const auto keypad = [&] { return desk.Place("KEYPAD", "Keypad N2"); };
     desk.Run({desk.Leave()});
     desk.field->Station(desk.locationID)->bsap->LoadProgram();
-    desk.session->Connect();
+    desk.Connect();
     bool early = false;
     const auto lists = [&] { return desk.session->Requests().good; };
     const int before = lists();

@@ -171,7 +171,7 @@ TEST_F(BsapStations, AnothersAnswerIsPassedOverAndOursIsWaitedFor) {
         ASSERT_TRUE(protocols::SignOn(talk));
         ReadAndWriteSingles();
         between = std::make_unique<OneBehind>(*station);
-        line.Attach(1, *between);
+        ports.Attach(1, *between);
         reading::getdata_BSAP(talk, list, core::ValueKind::Float, {});  // the first has nothing in front
         talk.requests = {};
         ReadList();

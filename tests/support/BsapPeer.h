@@ -81,15 +81,4 @@ inline double PeerNumber(core::Database& dbconn, const std::string& state, const
     return dbconn.First("select json_extract(?, ?) n", {state, place})->Number("n");
 }
 
-// What a signal of the station holds.
-inline PeerSignal PeerSignalNamed(core::Database& dbconn, const std::string& state, const std::string& name) {
-    for (const PeerSignal& signal : PeerSignals(dbconn, state, "$.signals")) {
-        if (signal.name == name) {
-            return signal;
-        }
-    }
-    ADD_FAILURE() << "no signal " << name;
-    return {};
-}
-
 }  // namespace support

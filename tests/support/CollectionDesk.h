@@ -1,5 +1,8 @@
 #pragma once
 
+#include <exception>
+#include <functional>
+#include <stdexcept>
 #include <vector>
 
 #include "collection/Scheduler.h"
@@ -25,6 +28,11 @@ struct RecordingMail final : mail::MailTransport {
 class CollectionDesk : public ScratchDesk {
   public:
     using ScratchDesk::ScratchDesk;
+    // What a test has left on the lines ends here, as by a power cut.
+    ~CollectionDesk() {
+        struct TheTestEnds {};
+        clock.EndWaits(std::make_exception_ptr(TheTestEnds{}));
+    }
 
     fieldsim::SimPorts ports{clock};
     protocols::FieldLines lines{clock, [this](const core::Station& station) { return ports.Line(station); }};
@@ -54,6 +62,21 @@ class CollectionDesk : public ScratchDesk {
     }
     void StartTicking() {
         clock.Every(60000, [this] { scheduler.Tick(); });
+    }
+
+    // Runs the clock until it holds, for half a day at most.
+    void RunUntil(const std::function<bool()>& holds) {
+        if (!clock.RunUntil(holds, 43'200'000)) {
+            throw std::runtime_error("Nothing more happens");
+        }
+    }
+    // The same until every conversation is over or waits for the operator.
+    void Settle() {
+        RunUntil([this] { return clock.Quiet(); });
+    }
+    // The same until none is left.
+    void Finish() {
+        RunUntil([this] { return clock.Conversations() == 0; });
     }
 
     core::Row Master(std::int64_t locationID) {

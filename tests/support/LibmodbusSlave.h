@@ -10,7 +10,6 @@
 #include <bit>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
@@ -46,9 +45,6 @@ struct SlaveArchive {
 // answer, as on a shared line.
 class LibmodbusSlave {
   public:
-    static constexpr int kAnswer = 0;
-    static constexpr int kSilence = -1;
-
     explicit LibmodbusSlave(const SlaveMap& map = {})
         : map_(map),
           mapping_(modbus_mapping_new_start_address(
@@ -114,14 +110,6 @@ class LibmodbusSlave {
         mapping_->tab_bits[Index(number, map_.firstCoil, map_.coils)] = on ? 1 : 0;
     }
 
-    // What becomes of requests with this function from now on (0: with any that has no play of its own): kAnswer,
-    // kSilence or the code of an exception. They change nothing but with kAnswer. After so many of them it answers
-    // again; -1: never.
-    void Play(int function, int outcome, int times = -1) {
-        const std::lock_guard lock(mutex_);
-        plays_[function] = {outcome, times};
-    }
-
     // Shows an archive from now on. It is one of a map with 16-bit registers.
     void Show(SlaveArchive archive) {
         SetFloat(archive.pointer, static_cast<float>(archive.newest));
@@ -129,17 +117,7 @@ class LibmodbusSlave {
         archives_.push_back(std::move(archive));
     }
 
-    // The requests to this slave so far, whole frames with a good check.
-    std::vector<std::string> Requests() const {
-        const std::lock_guard lock(mutex_);
-        return requests_;
-    }
-
   private:
-    struct Outcome {
-        int outcome = kAnswer;
-        int times = -1;
-    };
     struct Free {
         void operator()(modbus_mapping_t* mapping) const { modbus_mapping_free(mapping); }
         void operator()(modbus_t* context) const { modbus_free(context); }
@@ -164,11 +142,7 @@ class LibmodbusSlave {
                 continue;
             }
             const std::lock_guard lock(mutex_);
-            requests_.emplace_back(request.begin(), request.begin() + length);
-            const int outcome = NextOutcome(request[1]);
-            if (outcome > 0) {
-                modbus_reply_exception(context_.get(), request.data(), static_cast<unsigned>(outcome));
-            } else if (outcome == kAnswer && !(map_.floatInOneRegister && AnswerWide(request))) {
+            if (!(map_.floatInOneRegister && AnswerWide(request))) {
                 modbus_reply(context_.get(), request.data(), length, mapping_.get());
                 for (const SlaveArchive& archive : archives_) {
                     Fill(archive);
@@ -197,18 +171,6 @@ class LibmodbusSlave {
                 HoldFloat(FloatIndex(archive.data + 2 * place), archive.value(record, offset));
             }
         }
-    }
-
-    int NextOutcome(int function) {
-        auto play = plays_.find(function);
-        if (play == plays_.end()) {
-            play = plays_.find(0);
-        }
-        if (play == plays_.end() || play->second.times == 0) {
-            return kAnswer;
-        }
-        play->second.times -= play->second.times > 0 ? 1 : 0;
-        return play->second.outcome;
     }
 
     // Answers a request for registers that hold a whole float each, which the library does not know. False: it is none.
@@ -256,9 +218,7 @@ class LibmodbusSlave {
     int near_ = -1;
     std::string path_;
     mutable std::mutex mutex_;
-    std::map<int, Outcome> plays_;
     std::vector<SlaveArchive> archives_;
-    std::vector<std::string> requests_;
     std::atomic<bool> stopped_ = false;
     std::thread thread_;
 };

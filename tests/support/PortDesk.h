@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QTest>
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -7,9 +10,25 @@
 #include "desk/platform/SerialLine.h"
 #include "reports/ReportMail.h"
 #include "support/CollectionDesk.h"
-#include "support/LoopClock.h"
 
 namespace support {
+
+// Turns the event loop until it holds, for a minute at most.
+inline void TurnUntil(const std::function<bool()>& holds) {
+    if (!QTest::qWaitFor(holds, 60000)) {
+        throw std::runtime_error("Nothing more happens");
+    }
+}
+
+// Has a conversation, and turns the event loop until it is over.
+inline void Converse(core::Clock& clock, const std::function<void()>& conversation) {
+    bool over = false;
+    clock.Start([&] {
+        conversation();
+        over = true;
+    });
+    TurnUntil([&] { return over; });
+}
 
 // A desk on the real clock, whose only port is a pseudo-terminal.
 struct PortDesk {
@@ -19,7 +38,7 @@ struct PortDesk {
     ScratchDesk scratch;
     core::MAIN_Module& shared = scratch.shared;
     core::Database& dbconn = scratch.dbconn;
-    LoopClock clock;
+    desk::EventLoopClock clock;
     core::Logs logs{dbconn, shared, clock};
     RecordingFeedback feedback;
     protocols::FieldLines lines{clock, [this](const core::Station&) {

@@ -2,10 +2,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,6 +16,7 @@
 #include <vector>
 
 #include "desk/kit/Desk.h"
+#include "desk/kit/Grid.h"
 #include "desk/kit/Navigator.h"
 #include "desk/kit/Page.h"
 #include "support/CollectionDesk.h"
@@ -62,6 +66,84 @@ inline QMessageBox* Box(const QWidget& page) {
         }
     }
     return nullptr;
+}
+
+inline bool Enabled(const QWidget& page, const char* name) {
+    return The(page, name).isEnabled();
+}
+
+inline bool Seen(const QWidget& page, const char* name) {
+    return The(page, name).isVisible();
+}
+
+// Those of the controls that can be used: "cmdGo cmdClose ".
+inline std::string Usable(const QWidget& page, const std::vector<const char*>& names) {
+    std::string usable;
+    for (const char* name : names) {
+        usable += Enabled(page, name) ? std::string(name) + " " : "";
+    }
+    return usable;
+}
+
+// The text of a label, a field, a list or a command.
+inline std::string Text(const QWidget& page, const char* name) {
+    for (const char* property : {"currentText", "plainText", "text"}) {
+        if (const QVariant text = The(page, name).property(property); text.isValid()) {
+            return text.toString().toStdString();
+        }
+    }
+    throw std::runtime_error(std::string("no text in ") + name);
+}
+
+inline int Rows(const QWidget& page, const char* grid) {
+    return The<desk::Grid>(page, grid).Rows();
+}
+
+inline std::string Cell(const QWidget& page, const char* grid, int row, int column) {
+    return The<desk::Grid>(page, grid).TextMatrix(row, column).toStdString();
+}
+
+// Captions and rows of a grid, cells separated by "|".
+inline std::vector<std::string> Lines(const QWidget& page, const char* grid) {
+    std::vector<std::string> lines;
+    const QString text = The<desk::Grid>(page, grid).TabSeparated().replace('\t', '|');
+    for (const QString& line : text.split("\r\n", Qt::SkipEmptyParts)) {
+        lines.push_back(line.toStdString());
+    }
+    return lines;
+}
+
+// Enter on a row of a grid.
+inline void ChooseRow(const QWidget& page, const char* grid, int row) {
+    auto& rows = The<desk::Grid>(page, grid);
+    rows.SelectRow(row);
+    QTest::keyClick(&rows, Qt::Key_Return);
+}
+
+// A key to what has the focus of a page.
+inline void Key(const QWidget& page, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QWidget* focus = page.focusWidget();
+    QTest::keyClick(focus == nullptr ? page.window()->focusWidget() : focus, key, modifiers);
+    QCoreApplication::processEvents();
+}
+
+// The turn of a timer that is not yet over.
+inline void Fire(const QWidget& page, const char* timer) {
+    QMetaObject::invokeMethod(page.findChild<QTimer*>(timer), "timeout", Qt::DirectConnection);
+}
+
+// Names the file in the dialog over a page. Gives the kinds of files that it offered.
+inline std::string PickFile(const QWidget& page, const std::filesystem::path& file) {
+    QCoreApplication::processEvents();
+    auto* dialog = page.findChild<QFileDialog*>();
+    if (dialog == nullptr) {
+        throw std::runtime_error("no file is asked for");
+    }
+    const std::string kinds = dialog->nameFilters().join('|').toStdString();
+    Q_EMIT dialog->fileSelected(QString::fromStdString(file.string()));
+    dialog->reject();
+    QCoreApplication::sendPostedEvents(dialog, QEvent::DeferredDelete);
+    return kinds;
 }
 
 // Gives the page's window the focus back behind a box or a dialog, as a desktop does and the offscreen platform does
@@ -124,11 +206,13 @@ class ScreenDesk : public CollectionDesk {
         return *form;
     }
 
-    // Does something that waits, and makes the steps meanwhile.
+    // Begins something, and makes the steps until all is done.
     void During(std::vector<Script::Step> steps, const std::function<void()>& work) {
         const auto script = std::make_shared<Script>(std::move(steps));
         clock.Every(20, [script] { script->Turn(); });
         work();
+        Settle();
+        QCoreApplication::processEvents();
         EXPECT_EQ(script->Missing(), "");
     }
     // The same with a command that is pressed.

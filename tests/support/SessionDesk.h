@@ -22,7 +22,6 @@ struct RecordingView final : session::SessionView {
     int refreshed = 0;
     int drawn = 0;
     std::vector<std::string> sent;  // lines of bytes that went out
-    bool finishLater = false;
     std::function<void()> onRefreshed;
     std::function<void()> onSent;
 
@@ -48,7 +47,6 @@ struct RecordingView final : session::SessionView {
         }
     }
     void Ended(const std::string& reason, bool) override { ends.push_back(reason); }
-    void FinishLater() override { finishLater = true; }
 };
 
 // A desk with one session in front of a simulated field, on the virtual clock. What the operator does while the session
@@ -67,8 +65,20 @@ class SessionDesk : public CollectionDesk {
         return Reopen();
     }
     session::Session& Reopen() {
-        session = std::make_unique<session::Session>(place, scheduler, view, locationID);
+        session = std::make_unique<session::Session>(place, view, locationID);
         return *session;
+    }
+
+    // Connects; returns when the line is up or the session is over.
+    void Connect() {
+        session->Connect();
+        RunUntil([this] { return session->GetState() != session::State::Connecting; });
+        RunUntil([this] { return session->GetState() != session::State::Disconnecting; });
+    }
+    // Polls until the session is over.
+    void GetData() {
+        session->GetData();
+        RunUntil([this] { return session->GetState() == session::State::Idle; });
     }
 
     // Does `work` behind the n-th refresh of the values from now, and disconnects behind the last of them.

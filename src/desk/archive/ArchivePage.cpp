@@ -9,8 +9,8 @@
 #include "desk/kit/GridFile.h"
 #include "desk/kit/Navigator.h"
 #include "desk/mail/frmemail.h"
-#include "session/ArchiveLine.h"
 #include "session/Session.h"
+#include "session/StationLine.h"
 
 namespace desk {
 
@@ -75,8 +75,8 @@ void ArchivePage::Go() {
     choices_->setEnabled(false);
     panel_->cmd_stop().setFocus();
     const reading::Workplace place = desk_.With(*panel_);
-    session::OnArchiveLine(
-        place, desk_.scheduler, session_, screen_, node->locationID,
+    session::OnStationLine(
+        place, session_, session::WayOfArchive(screen_), node->locationID,
         [this, wish = *wish](protocols::Conversation& talk) {
             collected_ = archive::Collect(desk_.dbconn, talk, wish, *panel_);
         },

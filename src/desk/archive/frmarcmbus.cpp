@@ -1,6 +1,6 @@
 #include "desk/archive/frmarcmbus.h"
 
-#include <QPointer>
+#include <optional>
 
 #include "core/Logs.h"
 #include "core/Station.h"
@@ -12,8 +12,8 @@
 #include "desk/kit/Navigator.h"
 #include "desk/kit/frmtxrxleds.h"
 #include "desk/mail/frmemail.h"
-#include "session/OwnCall.h"
 #include "session/Session.h"
+#include "session/StationLine.h"
 #include "ui_frmarcmbus.h"
 
 namespace desk {
@@ -91,58 +91,28 @@ void frmarcmbus::cmdarchive() {
     ui_->pbarchive->setValue(0);
     ShowButtons();
     ui_->cmd_stop->setFocus();
-    try {
-        if (session_ != nullptr && session_->HasLine()) {
-            BeGuest();
-        } else {
-            make_connection();
-        }
-    } catch (const std::exception& failure) {
-        desk_.logs.WriteRtuErr(failure.what());
-        EndRun(failure.what());
-    }
-}
-
-// At once, or between two reads of the session. Behind the wait for its turn the page may be gone.
-void frmarcmbus::BeGuest() {
-    Status(session_->PollingActive() ? "Waiting for the answer that is due" : "");
-    const bool lent = session_->Lend(*this, [page = QPointer<frmarcmbus>(this)](protocols::Conversation* talk) {
-        if (page) {
-            page->EndRun(page->Collect(talk));
-        }
-    });
-    if (!lent) {
-        EndRun("The line is in use by another screen");
-    }
-}
-
-// The line of this run alone: it is hung up at its end.
-void frmarcmbus::make_connection() {
-    const auto station = core::ReadStation(desk_.dbconn, locationID_);
-    if (!station) {
-        EndRun("This station is no longer in the register");
-        return;
-    }
+    Status(session_ != nullptr && session_->PollingActive() ? "Waiting for the answer that is due" : "");
     const reading::Workplace place = desk_.With(*this);
-    std::string message;
-    const bool up = session::OwnCall(place, desk_.scheduler, *station, {},
-                                     [&](protocols::Conversation& talk) { message = Collect(&talk); });
-    if (!up && !told_) {
-        message =
-            stopflag_ ? "Stopped before the station was reached" : "The connection ended before the archive was read";
-    }
-    EndRun(message);
+    const auto message = std::make_shared<std::optional<std::string>>();
+    Guarded([&] {
+        session::OnStationLine(
+            place, session_, session::WayOfModbusArchive(), locationID_,
+            [this, message](protocols::Conversation& talk) { *message = Collect(talk); },
+            [this, message] { EndRun(message->value_or(WhyNot())); });
+    });
 }
 
 // What the operator is told at the end.
-std::string frmarcmbus::Collect(protocols::Conversation* talk) {
-    if (talk == nullptr) {
-        return "The session ended before the archive was read";
-    }
+std::string frmarcmbus::Collect(protocols::Conversation& talk) {
     const auto kind = ui_->opthrly->isChecked() ? archive::ArchiveKind::Hourly : archive::ArchiveKind::Daily;
-    const std::string message =
-        archive::ArchiveCollected(archive::CollectModbusArchive(*talk, desk_.dbconn, kind, *this));
-    return message;
+    return archive::ArchiveCollected(archive::CollectModbusArchive(talk, desk_.dbconn, kind, *this));
+}
+
+// Of a run that did not come to the archive.
+std::string frmarcmbus::WhyNot() const {
+    return told_       ? ""
+           : stopflag_ ? "Stopped before the station was reached"
+                       : "The connection ended before the archive was read";
 }
 
 void frmarcmbus::EndRun(const std::string& message) {

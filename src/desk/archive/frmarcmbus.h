@@ -33,9 +33,8 @@ class frmarcmbus : public Page, private core::Feedback, private archive::RunView
     void ChooseKind();
     void cmdarchive();
     void cmd_stop();
-    void BeGuest();
-    void make_connection();
-    std::string Collect(protocols::Conversation* talk);
+    std::string Collect(protocols::Conversation& talk);
+    std::string WhyNot() const;
     void EndRun(const std::string& message);
     void ShowButtons();
 

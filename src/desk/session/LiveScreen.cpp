@@ -2,7 +2,6 @@
 
 #include <QTimer>
 
-#include "collection/Scheduler.h"
 #include "core/Logs.h"
 #include "core/MAIN_Module.h"
 #include "core/Users.h"
@@ -36,7 +35,7 @@ LiveScreen::LiveScreen(Desk& desk, Page& page, Ui::frmparalist& ui, std::int64_t
       ui_(ui),
       status_(*ui.status),
       traffic_(new TrafficPanel(desk.clock, &page)),
-      session_(desk, desk.scheduler, *this, locationID),
+      session_(desk, *this, locationID),
       grids_(*ui.gridtab, session_, core::IsSuperUser(desk.shared.currentuser)),
       writing_(session_, *this, desk.shared, desk.logs, grids_,
                {*ui.gridtab, *ui.frmvalue, *ui.multiple, *ui.chkMultiple}),
@@ -181,7 +180,7 @@ void LiveScreen::SwapDrawing() {
 }
 
 bool LiveScreen::MayClose() {
-    if (session_.GetState() == session::State::Idle) {
+    if (session_.IsOffLine()) {
         return true;
     }
     Box("Stop Communitcation...");
@@ -271,10 +270,6 @@ void LiveScreen::Ended(const std::string& reason, bool polled) {
         AskBox(&page_, "Do you want to see list of configurable parameters?", page_.windowTitle(),
                [this] { Guarded([this] { ShowParameters(); }); });
     }
-}
-
-void LiveScreen::FinishLater() {
-    QTimer::singleShot(0, this, [this] { session_.Finish(); });
 }
 
 // Buttons ------------------------------------------------------------------------------------------------------------

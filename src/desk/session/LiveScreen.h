@@ -37,7 +37,7 @@ class LiveScreen final : public QObject, public session::SessionView {
 
     session::Session& GetSession() { return session_; }
 
-    // The page may go. While a disconnect is under way the operator is told to wait.
+    // The page may go. While the session has the line the operator is told to disconnect, or to wait for that.
     bool MayClose();
 
     void Status(const std::string& text) override;
@@ -50,7 +50,6 @@ class LiveScreen final : public QObject, public session::SessionView {
     void Drawn() override;
     void Refreshed() override;
     void Ended(const std::string& reason, bool polled) override;
-    void FinishLater() override;
 
   private:
     void ConnectCommands();

@@ -3,7 +3,6 @@
 #include <QFormLayout>
 #include <QLabel>
 
-#include "collection/Scheduler.h"
 #include "core/Station.h"
 #include "core/Text.h"
 #include "desk/archive/frmHistory.h"
@@ -41,7 +40,7 @@ frm_CWM::frm_CWM(Desk& desk, std::int64_t locationID)
     connect(ui_->cmdClose, &QPushButton::clicked, this, &frm_CWM::CloseAsked);
     if (core::ReadStation(desk_.dbconn, locationID)) {
         const reading::Workplace place = desk.With(*this);
-        session_ = std::make_unique<session::Session>(place, desk.scheduler, *this, locationID);
+        session_ = std::make_unique<session::Session>(place, *this, locationID);
         ShowStation(session_->GetStation());
         ConnectCommands();
     } else {
@@ -110,7 +109,7 @@ void frm_CWM::ShowButtons() {
 }
 
 void frm_CWM::CloseAsked() {
-    if (session_ != nullptr && session_->GetState() != session::State::Idle) {
+    if (session_ != nullptr && !session_->IsOffLine()) {
         Box("Stop Communitcation...");
     } else {
         Close();
@@ -133,10 +132,6 @@ void frm_CWM::Ended(const std::string& reason, bool) {
     lost_ = !reason.empty();
     Status(reason.empty() ? "Not connected" : "Not connected: " + reason);
     ShowButtons();
-}
-
-void frm_CWM::FinishLater() {
-    QTimer::singleShot(0, this, [this] { session_->Finish(); });
 }
 
 }  // namespace desk

@@ -33,7 +33,6 @@ class frm_CWM : public Page, public session::SessionView {
     void Drawn() override {}
     void Refreshed() override {}
     void Ended(const std::string& reason, bool polled) override;
-    void FinishLater() override;
 
   private:
     void ShowStation(const core::Station& station);

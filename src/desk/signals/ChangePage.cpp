@@ -18,14 +18,6 @@ namespace {
 
 constexpr const char* notCollected = "List is not collected";
 
-session::StationLineOptions Way() {
-    session::StationLineOptions way;
-    way.signsOn = true;  // the session has signed on without the password that opens the lists
-    way.lineUp.signOn = {protocols::screenPassword, protocols::SignOnLog::PollReply, protocols::SignOnTexts::All};
-    way.lineUp.keepsLine = true;
-    return way;
-}
-
 }  // namespace
 
 ChangePage::ChangePage(Desk& desk, const QString& title, signals::Side side, session::Session& session)
@@ -94,7 +86,7 @@ void ChangePage::cmdfetch() {
     ShowButtons();
     const reading::Workplace place = desk_.With(*ui_->panel);
     session::OnStationLine(
-        place, desk_.scheduler, &session_, Way(), session_.GetStation().locationID,
+        place, &session_, session::WayOfChange(), session_.GetStation().locationID,
         [this, list = *list](protocols::Conversation& talk) { Collect(talk, list); },
         [this, list = *list] { Guarded([&] { Over(list); }); });
 }

@@ -62,14 +62,10 @@ void SignalPage::Build(FetchPanel& panel, WriteFrame& write, QLabel& lblWrite) {
 
 void SignalPage::OnLine(std::function<void(protocols::Conversation& talk)> work, std::function<void()> over,
                         const char* noLine) {
-    session::StationLineOptions way;
-    way.ofSession = session_ != nullptr;
-    way.ownCall = session_ == nullptr;
-    way.signsOn = true;  // a session signs on without the password that opens a station's lists
-    way.lineUp.signOn = {protocols::screenPassword, protocols::SignOnLog::None, protocols::SignOnTexts::All};
+    session::StationLineOptions way = session::WayOfSignals(session_ != nullptr);
     way.noLine = noLine;
     const reading::Workplace place = desk_.With(*panel_);
-    session::OnStationLine(place, desk_.scheduler, session_, way, LocationID(), std::move(work), std::move(over));
+    session::OnStationLine(place, session_, way, LocationID(), std::move(work), std::move(over));
 }
 
 void SignalPage::Fetch(Reading reading) {

@@ -7,7 +7,7 @@
 #include "desk/kit/Look.h"
 #include "desk/signals/CalibTab.h"
 #include "session/Session.h"
-#include "signals/calibration/CalibrationLine.h"
+#include "session/StationLine.h"
 #include "signals/lists/SignalWriting.h"
 #include "ui_frmCalib.h"
 
@@ -67,9 +67,9 @@ void frmCalib::Start() {
     MoveFocus();
     const reading::Workplace place = desk_.With(*this);
     try {
-        signals::OnCalibrationLine(
-            place, desk_.scheduler, session_, [this](protocols::Conversation& talk) { calibration_->Run(talk); },
-            [this] { Over(); });
+        session::OnStationLine(
+            place, &session_, session::WayOfCalibration(), session_.GetStation().locationID,
+            [this](protocols::Conversation& talk) { calibration_->Run(talk); }, [this] { Over(); });
     } catch (...) {
         Over();
         throw;

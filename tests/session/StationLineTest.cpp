@@ -5,7 +5,7 @@
 
 #include "archive/bsap/Collecting.h"
 #include "protocols/bsap/BsapLink.h"
-#include "session/ArchiveLine.h"
+#include "session/StationLine.h"
 #include "support/Downloads.h"
 #include "support/SessionDesk.h"
 
@@ -24,7 +24,7 @@ const demo::DemoStation twin{"Twin", "CWEFM-MultiStream", "BSAP", "", 1, 5, "", 
 const demo::DemoStation micro{"Micro", "CW_Micro", "BSAP", "", 1, 5};
 
 // A desk on which an archive screen collects.
-struct ArchiveLineTest : testing::Test {
+struct StationLineTest : testing::Test {
     SessionDesk desk;
     support::RecordingRun run;
     std::optional<archive::Collected> collected;
@@ -36,10 +36,15 @@ struct ArchiveLineTest : testing::Test {
         wish.kind = archive::ArchiveKind::Daily;
         wish.file = 1;
         wish.newFirst = newFirst;
-        session::OnArchiveLine(
-            desk.place, desk.scheduler, session, screen, desk.locationID,
+        session::OnStationLine(
+            desk.place, session, session::WayOfArchive(screen), desk.locationID,
             [this, wish](protocols::Conversation& talk) { collected = archive::Collect(desk.dbconn, talk, wish, run); },
             [this] { ++over; });
+    }
+    void CollectAll(Screen screen, session::Session* session, bool newFirst = false) {
+        const int before = over;
+        Collect(screen, session, newFirst);
+        desk.RunUntil([&] { return over > before; });
     }
     // The records of a file as the field holds them.
     std::size_t InField(int file) const {
@@ -58,34 +63,34 @@ struct ArchiveLineTest : testing::Test {
 };
 
 // A session signs on without the password that opens the archive of some stations.
-TEST_F(ArchiveLineTest, AConnectedSessionLendsItsLineAndGoesOn) {
+TEST_F(StationLineTest, AConnectedSessionLendsItsLineAndGoesOn) {
     desk.Open(corrector);
-    desk.session->Connect();
+    desk.Connect();
     fieldsim::BsapStation& station = *desk.field->Station(desk.locationID)->bsap;
     station.Options().password = protocols::screenPassword;
     station.LoadProgram();  // which leaves nobody signed on
-    Collect(Screen::frmparaarchive, desk.session.get());
+    CollectAll(Screen::frmparaarchive, desk.session.get());
     ExpectCollected(1);
     EXPECT_TRUE(station.SignedOn());
     EXPECT_EQ(Stored(1, 1), 40);
     EXPECT_EQ(desk.session->GetState(), State::Connected);
     EXPECT_THAT(desk.feedback.status, Contains("Collecting Archive......."));  // the screen's own, not the session's
     desk.Behind({[] {}, [] {}});
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_EQ(desk.view.refreshed, 3);
 }
 
-TEST_F(ArchiveLineTest, AMicroIsReadAsACw) {
+TEST_F(StationLineTest, AMicroIsReadAsACw) {
     desk.Open(micro);
-    desk.session->Connect();
+    desk.Connect();
     ASSERT_EQ(desk.session->GetState(), State::Connected);
-    Collect(Screen::frmparaarchive, desk.session.get());
+    CollectAll(Screen::frmparaarchive, desk.session.get());
     ExpectCollected(1);
 }
 
-TEST_F(ArchiveLineTest, APollingSessionLendsItBetweenTwoReads) {
+TEST_F(StationLineTest, APollingSessionLendsItBetweenTwoReads) {
     desk.Open(twin);
-    desk.session->Connect();
+    desk.Connect();
     int refreshedAtEnd = 0;
     desk.Behind({[&] { desk.session->ChooseStream(2); },
                  [&] {
@@ -93,34 +98,34 @@ TEST_F(ArchiveLineTest, APollingSessionLendsItBetweenTwoReads) {
                      EXPECT_EQ(over, 0);
                  },
                  [&] { refreshedAtEnd = over; }, [] {}});
-    desk.session->GetData();
+    desk.GetData();
     ExpectCollected(4);  // the daily file of the second stream
     EXPECT_EQ(Stored(2, 4), 40);
     EXPECT_EQ(refreshedAtEnd, 1);
 }
 
-TEST_F(ArchiveLineTest, ASessionThatEndsFirstLendsNothing) {
+TEST_F(StationLineTest, ASessionThatEndsFirstLendsNothing) {
     desk.Open(corrector);
-    desk.session->Connect();
+    desk.Connect();
     desk.Behind({[&] {
         Collect(Screen::frmparaarchive, desk.session.get());
         desk.session->Disconnect();
     }});
-    desk.session->GetData();
+    desk.GetData();
     EXPECT_FALSE(collected);
     EXPECT_EQ(over, 1);
     EXPECT_THAT(desk.feedback.boxes, ElementsAre("The session ended before it could lend its line."));
     EXPECT_EQ(desk.session->GetState(), State::Idle);
 }
 
-TEST_F(ArchiveLineTest, AScheduledRunTakesTheLineInTheMiddleAndWhatCameIsStored) {
+TEST_F(StationLineTest, AScheduledRunTakesTheLineInTheMiddleAndWhatCameIsStored) {
     auto due = twin;
     due.contracthour = "08:00";
     desk.Open(due);
     desk.StartTicking();
-    desk.session->Connect();
+    desk.Connect();
     desk.clock.Run(59000 - desk.clock.Elapsed());  // the tick comes a second later
-    Collect(Screen::frmparaarchive, desk.session.get());
+    CollectAll(Screen::frmparaarchive, desk.session.get());
     ASSERT_TRUE(collected);
     EXPECT_EQ(collected->end, archive::RunEnd::LineLost);
     EXPECT_THAT(collected->message, testing::StartsWith("A scheduled collection has taken the line\r"));
@@ -128,12 +133,13 @@ TEST_F(ArchiveLineTest, AScheduledRunTakesTheLineInTheMiddleAndWhatCameIsStored)
     EXPECT_EQ(over, 1);
     EXPECT_EQ(Stored(1, 1), static_cast<std::int64_t>(run.rows.size()));
     EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday")) << desk.RtuErr();
+    desk.Finish();
     EXPECT_EQ(desk.session->GetState(), State::Idle);
 }
 
-TEST_F(ArchiveLineTest, TheOldScreenCallsAsksNodeOneAndHangsUp) {
+TEST_F(StationLineTest, TheOldScreenCallsAsksNodeOneAndHangsUp) {
     desk.Open(dialled);
-    Collect(Screen::frmarchive, nullptr);
+    CollectAll(Screen::frmarchive, nullptr);
     ExpectCollected(1);
     EXPECT_EQ(desk.Count("Daily_tf"), 40);
     EXPECT_EQ(Stored(1, 1), 0);
@@ -146,46 +152,46 @@ TEST_F(ArchiveLineTest, TheOldScreenCallsAsksNodeOneAndHangsUp) {
 }
 
 // On a line with several stations node 1 is another one.
-TEST_F(ArchiveLineTest, TheOldScreenAsksNoOtherStation) {
+TEST_F(StationLineTest, TheOldScreenAsksNoOtherStation) {
     desk.Open(corrector);
-    Collect(Screen::frmarchive, nullptr);
+    CollectAll(Screen::frmarchive, nullptr);
     EXPECT_FALSE(collected);
     EXPECT_EQ(over, 1);
     EXPECT_EQ(desk.ports.BytesSent(), 0U);
     EXPECT_THAT(desk.feedback.boxes, ElementsAre(HasSubstr("O'Neill has the address 5")));
 }
 
-TEST_F(ArchiveLineTest, TheScreenByFileNumberUsesALineThatStandsElseCalls) {
+TEST_F(StationLineTest, TheScreenByFileNumberUsesALineThatStandsElseCalls) {
     desk.Open(twin);
-    Collect(Screen::frmCW_archive, desk.session.get());
+    CollectAll(Screen::frmCW_archive, desk.session.get());
     ExpectCollected(1);
     EXPECT_FALSE(desk.ports.PortOpen());
     EXPECT_EQ(Stored(1, 1), 0);
-    desk.session->Connect();
+    desk.Connect();
     const int opened = desk.ports.TimesOpened();
     over = 0;
-    Collect(Screen::frmCW_archive, desk.session.get(), true);
+    CollectAll(Screen::frmCW_archive, desk.session.get(), true);
     ExpectCollected(1);
     EXPECT_EQ(desk.ports.TimesOpened(), opened);
     EXPECT_EQ(desk.session->GetState(), State::Connected);
 }
 
-TEST_F(ArchiveLineTest, WithoutALineTheOperatorIsTold) {
+TEST_F(StationLineTest, WithoutALineTheOperatorIsTold) {
     desk.Open(corrector);
-    Collect(Screen::frmparaarchive, desk.session.get());
+    CollectAll(Screen::frmparaarchive, desk.session.get());
     EXPECT_THAT(desk.feedback.boxes, ElementsAre(HasSubstr("There is no line to the station")));
     const auto held = desk.Line().TakeIfFree();
     desk.dbconn.Execute("update configdata_master set slaveaddress=1");
-    Collect(Screen::frmarchive, nullptr);
+    CollectAll(Screen::frmarchive, nullptr);
     EXPECT_THAT(desk.feedback.boxes.back(), HasSubstr("The line is in use"));
     EXPECT_EQ(over, 2);
     EXPECT_FALSE(collected);
 }
 
 // A station that is not there, and the program's end in the middle: the line is down afterwards, and nobody waits.
-TEST_F(ArchiveLineTest, ACallThatFailsOrIsEnded) {
+TEST_F(StationLineTest, ACallThatFailsOrIsEnded) {
     desk.Open(dialled, {.modems = {{1, {{"NO CARRIER"}, {"NO CARRIER"}, {"NO CARRIER"}}}}});
-    Collect(Screen::frmarchive, nullptr);
+    CollectAll(Screen::frmarchive, nullptr);
     EXPECT_FALSE(collected);
     EXPECT_THAT(desk.feedback.boxes, Contains("No Dialtone/Line Engaged/Remote Modem not Responding"));
     run.stopped = [this] {
@@ -194,7 +200,7 @@ TEST_F(ArchiveLineTest, ACallThatFailsOrIsEnded) {
         }
         return false;
     };
-    Collect(Screen::frmarchive, nullptr);
+    CollectAll(Screen::frmarchive, nullptr);
     ASSERT_TRUE(collected);
     EXPECT_EQ(collected->end, archive::RunEnd::LineLost);
     EXPECT_EQ(over, 2);

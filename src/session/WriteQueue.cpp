@@ -1,4 +1,4 @@
-// What the operator of a session has asked to be written: on the line, at the next polls, and in the end its answer.
+#include "session/WriteQueue.h"
 
 #include <algorithm>
 #include <utility>
@@ -8,7 +8,6 @@
 #include "protocols/modbus/ModbusReadBack.h"
 #include "session/Figures.h"
 #include "session/ServeWrite.h"
-#include "session/Session.h"
 
 namespace session {
 
@@ -29,25 +28,10 @@ std::string ClockText(const core::DateTime& time) {
 
 }  // namespace
 
-WriteContext Session::Context() const {
-    return {place_.dbconn, place_.logs, station_, streamno_, place_.shared.currentuser};
-}
-
-std::string Session::Check(const RowPlace& place, const std::string& text) const {
-    return CheckWrite(Context(), set_, place, text).refusal;
-}
-
-std::string Session::AskWrite(const RowPlace& place, const std::string& text) {
-    return AskMultipleWrite({{place, text}});
-}
-
-std::string Session::AskMultipleWrite(const std::vector<Entry>& entries) {
-    if (!PollingActive() || WritePending()) {
-        return WritePending() ? requestPending : "Not connected";
-    }
+std::string WriteQueue::Ask(const std::vector<WriteEntry>& entries) {
     std::vector<WriteRequest> requests;
-    for (const Entry& entry : entries) {
-        const WriteCheck check = CheckWrite(Context(), set_, entry.place, entry.text);
+    for (const WriteEntry& entry : entries) {
+        const WriteCheck check = CheckWrite(shown_.Context(), shown_.set, entry.place, entry.text);
         if (!check.request) {
             return check.refusal;
         }
@@ -56,69 +40,76 @@ std::string Session::AskMultipleWrite(const std::vector<Entry>& entries) {
     return Enter(requests);
 }
 
-std::string Session::Enter(const std::vector<WriteRequest>& requests) {
+std::string WriteQueue::Enter(const std::vector<WriteRequest>& requests) {
     if (requests.empty()) {
         return {};
     }
-    place_.dbconn.InTransaction([&] {
+    shown_.place.dbconn.InTransaction([&] {
         for (const WriteRequest& request : requests) {
-            EnterWrite(Context(), request);
+            EnterWrite(shown_.Context(), request);
         }
     });
     for (const WriteRequest& request : requests) {
-        ParameterRow& row = set_.At(request.place);
+        ParameterRow& row = shown_.set.At(request.place);
         row.lastvalue = request.writeValue;
         row.pending = true;
     }
     pending_ = requests;
-    view_.Request(requestPending);
-    view_.Refreshed();
+    shown_.view.Request(requestPending);
+    shown_.view.Refreshed();
     return {};
 }
 
-void Session::AskTime() {
-    if (PollingActive() && !TimePending()) {
-        timeRequest_ = place_.shared.currentuser;
-        LeaveAudit(place_.logs, *timeRequest_, "asked to set the time of RTU " + station_.consumer + ".");
-        view_.Request(requestPending);
-        view_.StateChanged();
+void WriteQueue::AskTime() {
+    timeRequest_ = shown_.place.shared.currentuser;
+    LeaveAudit(shown_.place.logs, *timeRequest_, "asked to set the time of RTU " + shown_.station.consumer + ".");
+    shown_.view.Request(requestPending);
+    shown_.view.StateChanged();
+}
+
+void WriteQueue::Serve(protocols::Conversation& talk) {
+    if (!pending_.empty()) {
+        ServeWrites(talk);
+    }
+    if (timeRequest_ && !talk.Ended()) {
+        ServeTime(talk);
     }
 }
 
-void Session::ServeWrites() {
+void WriteQueue::ServeWrites(protocols::Conversation& talk) {
     writing_ = true;
     for (const WriteRequest& request : pending_) {
-        set_.At(request.place).pending = true;  // what a read brought since the request is older than the write
+        shown_.set.At(request.place).pending = true;  // what a read brought since the request is older than the write
     }
-    if (station_.protocol == core::Protocol::Modbus) {
-        ServeModbusWrites();
+    if (shown_.station.protocol == core::Protocol::Modbus) {
+        ServeModbusWrites(talk);
     } else if (pending_.size() == 1) {
-        pending_write_request_bsap(*talk_, pending_.front());
+        pending_write_request_bsap(talk, pending_.front());
     } else {
-        pending_mul_write_request_bsap(*talk_, pending_);
+        pending_mul_write_request_bsap(talk, pending_);
     }
     // Cut off on its way: whoever ended the session finds it still in the list.
-    if (talk_->Ended()) {
+    if (talk.Ended()) {
         return;
     }
     writing_ = false;
     for (const WriteRequest& request : std::exchange(pending_, {})) {
-        sent_.push_back({request, {}, place_.clock.Now(), 0});
+        sent_.push_back({request, {}, shown_.place.clock.Now(), 0});
     }
     TellAnswers(true);
 }
 
 // The first value that the station does not take ends it: what belongs together is not to be torn further apart.
-void Session::ServeModbusWrites() {
+void WriteQueue::ServeModbusWrites(protocols::Conversation& talk) {
     while (!pending_.empty()) {
         const WriteRequest request = pending_.front();
-        const WriteSent sent = pending_write_request_mbus(*talk_, request);
-        if (talk_->Ended()) {
+        const WriteSent sent = pending_write_request_mbus(talk, request);
+        if (talk.Ended()) {
             return;
         }
         pending_.erase(pending_.begin());
         if (sent.mayFollow) {
-            sent_.push_back({request, sent.answer.reason, place_.clock.Now(), 0});
+            sent_.push_back({request, sent.answer.reason, shown_.place.clock.Now(), 0});
         } else {
             Answer(request, sent.answer);
         }
@@ -132,24 +123,24 @@ void Session::ServeModbusWrites() {
     }
 }
 
-void Session::Answer(const WriteRequest& request, const WriteAnswer& answer) {
+void WriteQueue::Answer(const WriteRequest& request, const WriteAnswer& answer) {
     answered_.push_back({request, answer});
-    Settle(Context(), place_.clock.Now(), answered_.back());
-    ParameterRow& row = set_.At(request.place);
+    Settle(shown_.Context(), shown_.place.clock.Now(), answered_.back());
+    ParameterRow& row = shown_.set.At(request.place);
     const bool unchanged = answer.result == WriteResult::Refused || answer.result == WriteResult::NotSent;
     if (answer.has) {
-        TakeValue(row, *answer.has, place_.clock.Now());
+        TakeValue(row, *answer.has, shown_.place.clock.Now());
     } else if (unchanged && row.pending) {
         row.lastvalue = request.oldValue;
         row.pending = false;
     }
-    view_.Refreshed();
+    shown_.view.Refreshed();
 }
 
 // Once all that was asked for together has its answer.
-void Session::TellAnswers(bool inBox) {
+void WriteQueue::TellAnswers(bool inBox) {
     if (WritePending()) {
-        view_.Request("Waiting for the station to show the value");
+        shown_.view.Request("Waiting for the station to show the value");
         return;
     }
     const auto answered = std::exchange(answered_, {});
@@ -157,17 +148,17 @@ void Session::TellAnswers(bool inBox) {
     if (answered.empty()) {
         return;
     }
-    const std::string text = lastAnswer_ = AnswerText(answered, station_.isCW);
-    view_.Request(text);
+    const std::string text = shown_.lastAnswer = AnswerText(answered, shown_.station.isCW);
+    shown_.view.Request(text);
     const bool confirmed = std::all_of(answered.begin(), answered.end(), [](const AnsweredWrite& write) {
         return write.answer.result == WriteResult::Confirmed;
     });
     if (inBox && !confirmed && (!boxed || answered.size() > 1)) {
-        view_.Box(text);
+        shown_.view.Box(text);
     }
 }
 
-void Session::Judge(reading::ReadOutcome outcome, const core::DateTime& begun) {
+void WriteQueue::Judge(reading::ReadOutcome outcome, const core::DateTime& begun) {
     const bool counts = outcome != reading::ReadOutcome::BrokenOff;
     if (!sent_.empty()) {
         std::erase_if(sent_, [&](SentWrite& sent) { return JudgeWrite(sent, counts); });
@@ -180,13 +171,13 @@ void Session::Judge(reading::ReadOutcome outcome, const core::DateTime& begun) {
     }
 }
 
-bool Session::IsLate(const core::DateTime& sentAt) const {
-    return core::ToSeconds(place_.clock.Now()) - core::ToSeconds(sentAt) >= secondsToShow;
+bool WriteQueue::IsLate(const core::DateTime& sentAt) const {
+    return core::ToSeconds(shown_.place.clock.Now()) - core::ToSeconds(sentAt) >= secondsToShow;
 }
 
 // True: it has its answer.
-bool Session::JudgeWrite(SentWrite& sent, bool counts) {
-    ParameterRow& row = set_.At(sent.request.place);
+bool WriteQueue::JudgeWrite(SentWrite& sent, bool counts) {
+    ParameterRow& row = shown_.set.At(sent.request.place);
     const bool last = (counts || !row.pending) && ++sent.polls >= pollsToShow && IsLate(sent.at);
     if (row.pending) {
         if (last) {
@@ -196,7 +187,7 @@ bool Session::JudgeWrite(SentWrite& sent, bool counts) {
         return last;
     }
     // Over BSAP the last digits of a value are cut off, not rounded.
-    const auto same = station_.protocol == core::Protocol::Modbus ? protocols::IsShown : core::SameSingle;
+    const auto same = shown_.station.protocol == core::Protocol::Modbus ? protocols::IsShown : core::SameSingle;
     if (same(row.lastvalue, sent.request.writeValue)) {
         Answer(sent.request, {WriteResult::Confirmed, row.lastvalue, {}});
         return true;
@@ -209,10 +200,10 @@ bool Session::JudgeWrite(SentWrite& sent, bool counts) {
     return false;
 }
 
-void Session::ServeTime() {
+void WriteQueue::ServeTime(protocols::Conversation& talk) {
     writing_ = true;
-    const TimeSent sent = SetStationTime(*talk_, set_);
-    if (talk_->Ended()) {
+    const TimeSent sent = SetStationTime(talk, shown_.set);
+    if (talk.Ended()) {
         return;
     }
     writing_ = false;
@@ -230,25 +221,25 @@ void Session::ServeTime() {
     for (ParameterRow* row : clock) {
         row->pending = true;
     }
-    view_.Request("Waiting for the station's clock to show the time");
+    shown_.view.Request("Waiting for the station's clock to show the time");
 }
 
 // The station's clock, from the year to the second; empty when its map has none.
-std::vector<ParameterRow*> Session::ClockRows() {
+std::vector<ParameterRow*> WriteQueue::ClockRows() {
     std::vector<ParameterRow*> rows;
     for (const Figure figure :
          {Figure::Year, Figure::Month, Figure::Day, Figure::Hour, Figure::Minute, Figure::Second}) {
-        const auto place = PlaceOf(set_, figure, station_.isCW);
-        if (!place || (station_.protocol == core::Protocol::Modbus && set_.At(*place).MSD <= 0)) {
+        const auto place = PlaceOf(shown_.set, figure, shown_.station.isCW);
+        if (!place || (shown_.station.protocol == core::Protocol::Modbus && shown_.set.At(*place).MSD <= 0)) {
             return {};
         }
-        rows.push_back(&set_.At(*place));
+        rows.push_back(&shown_.set.At(*place));
     }
     return rows;
 }
 
 // The clock was read somewhere between the begin of the poll and now.
-void Session::JudgeTime(bool counts, const core::DateTime& begun) {
+void WriteQueue::JudgeTime(bool counts, const core::DateTime& begun) {
     const auto rows = ClockRows();
     const bool read = std::none_of(rows.begin(), rows.end(), [](auto* row) { return row->pending; });
     timeSent_->polls += counts || read ? 1 : 0;
@@ -260,7 +251,7 @@ void Session::JudgeTime(bool counts, const core::DateTime& begun) {
         const core::DateTime clock{year, part(1), part(2), part(3), part(4), part(5)};
         const std::int64_t seconds = clock.Valid() ? core::ToSeconds(clock) : 0;
         if (seconds >= core::ToSeconds(begun) - clockSlackSeconds &&
-            seconds <= core::ToSeconds(place_.clock.Now()) + clockSlackSeconds) {
+            seconds <= core::ToSeconds(shown_.place.clock.Now()) + clockSlackSeconds) {
             AnswerTime(std::exchange(timeSent_, std::nullopt)->user, WriteResult::Confirmed, {});
             return;
         }
@@ -273,48 +264,42 @@ void Session::JudgeTime(bool counts, const core::DateTime& begun) {
     }
 }
 
-void Session::AnswerTime(const std::string& user, WriteResult result, const std::string& reason) {
+void WriteQueue::AnswerTime(const std::string& user, WriteResult result, const std::string& reason, bool inBox) {
     const std::string why = reason.empty() ? "" : ": " + reason;
-    const std::string whose = "the time of RTU " + station_.consumer;
+    const std::string whose = "the time of RTU " + shown_.station.consumer;
     if (result == WriteResult::Confirmed) {
-        LeaveAudit(place_.logs, user, "set " + whose + ".");
-        view_.Request("The clock of the station is set");
+        LeaveAudit(shown_.place.logs, user, "set " + whose + ".");
+        shown_.view.Request("The clock of the station is set");
         return;
     }
     const std::string how = result == WriteResult::Refused        ? "refused by the station"
                             : result == WriteResult::NotConfirmed ? "not confirmed"
                             : result == WriteResult::CutOff       ? "cut off on its way, whether it is set is not known"
                                                                   : "not sent";
-    LeaveAudit(place_.logs, user, "asked to set " + whose + ": " + how + why + ".");
+    LeaveAudit(shown_.place.logs, user, "asked to set " + whose + ": " + how + why + ".");
     const std::string text = "The clock of the station: " + how + why;
-    view_.Request(text);
-    if (collstatus_ && !talk_->Ended()) {
-        view_.Box(text);
+    shown_.view.Request(text);
+    if (inBox) {
+        shown_.view.Box(text);
     }
 }
 
-// What was asked for and never went out is not sent any more, and to no other station: the map and the trail say so.
-// Of what was cut off on its way nobody knows whether the station has it.
-void Session::DropRequests(const std::string& reason) {
+void WriteQueue::Drop(const std::string& reason) {
     const auto requests = std::exchange(pending_, {});
     const auto sent = std::exchange(sent_, {});
     const bool onItsWay = std::exchange(writing_, false);
-    pendingStream_.reset();
-    if (auto guest = std::exchange(guest_, std::nullopt)) {
-        guest->work(nullptr);
-    }
     for (const SentWrite& write : sent) {
         Answer(write.request, {WriteResult::NotConfirmed, std::nullopt, "not read back: " + reason});
     }
     for (std::size_t i = 0; i < requests.size(); ++i) {
-        const bool cut = onItsWay && (i == 0 || station_.protocol != core::Protocol::Modbus);
+        const bool cut = onItsWay && (i == 0 || shown_.station.protocol != core::Protocol::Modbus);
         Answer(requests[i], {cut ? WriteResult::CutOff : WriteResult::NotSent, std::nullopt, reason});
     }
     if (auto user = std::exchange(timeRequest_, std::nullopt)) {
-        AnswerTime(*user, onItsWay && requests.empty() ? WriteResult::CutOff : WriteResult::NotSent, reason);
+        AnswerTime(*user, onItsWay && requests.empty() ? WriteResult::CutOff : WriteResult::NotSent, reason, false);
     }
     if (auto time = std::exchange(timeSent_, std::nullopt)) {
-        AnswerTime(time->user, WriteResult::NotConfirmed, "not read back: " + reason);
+        AnswerTime(time->user, WriteResult::NotConfirmed, "not read back: " + reason, false);
     }
     TellAnswers(false);
 }
