@@ -13,7 +13,7 @@
 #include "desk/collection/frmrpt.h"
 #include "desk/collection/frmvalue.h"
 #include "support/ScreenDesk.h"
-#include "support/Silence.h"
+#include "support/OddDevices.h"
 
 namespace {
 

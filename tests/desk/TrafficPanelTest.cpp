@@ -19,7 +19,7 @@ constexpr const char* refusal = "01 83 02 C0 F1";
 class TrafficPanelTest : public testing::Test {
   protected:
     TrafficPanelTest() {
-        panel.Station("Modbus", "RTU", false);
+        panel.Station({core::Protocol::Modbus});
         panel.resize(900, 300);
         panel.show();
         static_cast<void>(QTest::qWaitForWindowActive(&panel));
@@ -57,7 +57,7 @@ TEST_F(TrafficPanelTest, ALineIsInThePanelOfItsDirectionAndReadAndCopiedByKeys) 
     // What comes in never is markup.
     panel.Line("RX", "<b>hello</b>\r");
     EXPECT_TRUE(rx.lines.index(2, 0).data(Qt::ToolTipRole).toString().contains("&lt;b&gt;hello"));
-    panel.Station("BSAP", "", false);  // another way to read: nothing is left of the old lines
+    panel.Station({core::Protocol::Bsap});  // another way to read: nothing is left of the old lines
     EXPECT_EQ(rx.lines.rowCount() + tx.lines.rowCount(), 0);
 }
 
