@@ -146,8 +146,8 @@ TEST_F(LinesTest, ASessionLosesItsLineToItsOwnStationsOnly) {
     desk.clock.Run(minute);
     EXPECT_TRUE(session->Held());
     kept.reset();
-    EXPECT_FALSE(session->Held());
     desk.clock.Finish();
+    EXPECT_FALSE(session->Held());
     EXPECT_THAT(Ended(), ElementsAre("Farm collected 1", "Mill collected 1"));
 }
 

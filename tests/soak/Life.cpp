@@ -25,15 +25,17 @@ class Program final : public collection::RunWatcher {
 
     void Tick() { scheduler_.Tick(); }
 
-    void Collecting(std::int64_t) override { begun_ = life_.clock.Elapsed(); }
+    void Collecting(std::int64_t location) override { begun_[location] = life_.clock.Elapsed(); }
 
     void Collected(std::int64_t location) override {
-        const auto row = dbconn_.First("select * from outcome order by rowid desc limit 1");
-        const std::string begun = core::IsoText(core::FromSeconds(life_.local.At(begun_)));
-        if (!row || row->Long("locationID") != location || row->Text("begun") != begun) {
+        const auto row =
+            dbconn_.First("select * from outcome where locationID=? order by rowid desc limit 1", {location});
+        const auto begun = begun_.extract(location);
+        if (!row || begun.empty()) {
             return;  // selected, and not due
         }
-        life_.turns.push_back({location, begun_, life_.clock.Elapsed(), row->Text("gasday"), row->Text("how"),
+        const std::uint64_t moment = begun.mapped();
+        life_.turns.push_back({location, moment, life_.clock.Elapsed(), row->Text("gasday"), row->Text("how"),
                                row->Text("result"), row->Text("reason"), static_cast<int>(row->Long("asked")),
                                static_cast<int>(row->Long("received"))});
         taken_(life_.turns.back());
@@ -53,7 +55,7 @@ class Program final : public collection::RunWatcher {
     support::RecordingMail mail_;
     reports::ReportMail reportMail_{place_, mail_};
     collection::Scheduler scheduler_{place_, reportMail_};
-    std::uint64_t begun_ = 0;
+    std::map<std::int64_t, std::uint64_t> begun_;  // by station
 };
 
 fieldsim::LineFaults::Options BadLine(const demo::DemoStation& station, std::uint32_t seed) {

@@ -43,16 +43,22 @@ class ThirtyDays : public testing::TestWithParam<std::uint32_t> {
         return Planned(turn.location).station.consumer + " " + turn.gasday + " " + turn.how + " begun " +
                LocalText(turn.begun) + " " + turn.result + " (" + turn.reason + ")";
     }
-    // The line served others from one moment to the other, apart from the time that the program needs between two.
-    void ExpectTheLineWasBusy(std::uint64_t from, std::uint64_t until, const std::string& who) const;
+    // The line of a station served others from one moment to the other, apart from the time that the program needs
+    // between two.
+    void ExpectTheLineWasBusy(const demo::DemoStation& station, std::uint64_t from, std::uint64_t until,
+                              const std::string& who) const;
 
     Life life{GetParam()};
 };
 
-void ThirtyDays::ExpectTheLineWasBusy(std::uint64_t from, std::uint64_t until, const std::string& who) const {
+void ThirtyDays::ExpectTheLineWasBusy(const demo::DemoStation& station, std::uint64_t from, std::uint64_t until,
+                                      const std::string& who) const {
     std::uint64_t busy = 0;
     std::uint64_t others = 0;
     for (const Turn& turn : life.turns) {
+        if (Planned(turn.location).station.port != station.port) {
+            continue;
+        }
         const std::uint64_t begin = std::max(turn.begun, from);
         const std::uint64_t end = std::min(turn.ended, until);
         busy += begin < end ? end - begin : 0;
@@ -85,16 +91,17 @@ void ThirtyDays::ExpectTheDues() const {
                 if (next < primary.size() && primary[next]->gasday == due.gasday && primary[next]->ended < time.until) {
                     const Turn& turn = *primary[next++];
                     EXPECT_EQ(turn.how, due.late ? "late" : "schedule") << Name(turn);
-                    ExpectTheLineWasBusy(due.from, turn.begun, Name(turn));
+                    ExpectTheLineWasBusy(station, due.from, turn.begun, Name(turn));
                     served.push_back(due.gasday);
                 } else if (k + 1 < dues.size()) {
                     // Others had their turns until the next contract hour came.
-                    ExpectTheLineWasBusy(due.from, dues[k + 1].from, who + ", which has no turn,");
+                    ExpectTheLineWasBusy(station, due.from, dues[k + 1].from, who + ", which has no turn,");
                 } else {
                     // Cut off before its end: the turns of others and its own filled the time until then.
                     std::uint64_t last = due.from;
                     for (const Turn& turn : life.turns) {
-                        last = turn.ended < time.until ? std::max(last, turn.ended) : last;
+                        const bool itsLine = Planned(turn.location).station.port == station.port;
+                        last = itsLine && turn.ended < time.until ? std::max(last, turn.ended) : last;
                     }
                     EXPECT_LE(time.until - last, 35 * minuteMs) << who << " has no turn";
                 }
@@ -134,10 +141,10 @@ void ThirtyDays::ExpectTheRetries() const {
                 EXPECT_EQ(following->gasday, turn.gasday);
                 if (!disturbed) {
                     EXPECT_GE(following->begun + 1000, due) << Name(turn) << "\n  then " << Name(*following);
-                    ExpectTheLineWasBusy(due, following->begun, Name(*following));
+                    ExpectTheLineWasBusy(life.plan.stations[i].station, due, following->begun, Name(*following));
                 }
             } else if (!disturbed && due < end) {
-                ExpectTheLineWasBusy(due, end, "the retry of " + Name(turn));
+                ExpectTheLineWasBusy(life.plan.stations[i].station, due, end, "the retry of " + Name(turn));
             }
         }
     }
