@@ -195,19 +195,52 @@ TEST_F(StationScreens, TheModelTheLineAndTheProtocolSetWhatFitsThem) {
     EXPECT_FALSE(Seen(form, "cmbMode") || Seen(form, "cmdsetregister"));
 }
 
-TEST_F(StationScreens, AStoredIpStationNeedsItsAddressAndNoPort) {
-    demo::AddStation(desk.dbconn, {"River", "TeleFlow", "Modbus", "RTU"});
-    desk.dbconn.Execute("update configdata_master set comtype='IP', ip='', comport='', baudrate='', delaytime=500");
-    auto& stored = Form();
-    EXPECT_FALSE(Seen(stored, "cmbcommport") || Seen(stored, "cmbbaudrate"));
-    Click(stored, "cmdedit");
-    Click(stored, "cmdsave");
-    EXPECT_EQ(Answer(stored), "IP address should not be blank");
-    EXPECT_EQ(Focus(stored), "txtIPAdr");
-    EXPECT_EQ(Enter(stored, "txtIPAdr", "10.0.0.7"), "");
-    Click(stored, "cmdsave");
-    EXPECT_EQ(Answer(stored), "");
-    EXPECT_EQ(desk.Master(1).Text("ip"), "10.0.0.7");
+TEST_F(StationScreens, AStationOnTheNetworkIsAddedAndEditedByKeys) {
+    Click(form, "cmdadd");
+    Fill({{"cmbgroupno", "1"},
+          {"txtconsumer", "River"},
+          {"cmbrtumake", "BB"},
+          {"cmbmodelno", "TeleFlow"},
+          {"cmbcommtype", "IP"},
+          {"cmbsysvolttype", "12 VDC"},
+          {"cmbprotocol", "Modbus"},
+          {"cmbMode", "TCP"},
+          {"txtslaveaddres", "6"}});
+    EXPECT_TRUE(Seen(form, "txtIPAdr") && !Seen(form, "txtphoneno"));
+    EXPECT_EQ(form.minimumSizeHint().boundedTo(form.size()), form.minimumSizeHint()) << "nothing is cut off";
+    Click(form, "cmdsave");
+    EXPECT_EQ(Answer(form), "IP address should not be blank");
+    for (const auto key : {Qt::Key_X, Qt::Key_W, Qt::Key_H}) {
+        AltKey(form, key);
+    }
+    EXPECT_EQ(Focus(form), "txtIPAdr");
+    Fill({{"txtIPAdr", "10.0.0.7"}});
+    Save();
+    EXPECT_FALSE(Seen(form, "cmbcommport") || Seen(form, "cmbbaudrate"));
+    auto station = core::ReadStation(desk.dbconn, 1).value();
+    EXPECT_TRUE(station.ip == "10.0.0.7" && station.framing == core::Framing::Tcp);
+    EXPECT_TRUE(station.pacing == core::Pacing::Prompt && station.wordOrder == core::WordOrder::LowFirst);
+    EXPECT_TRUE(The<QCheckBox>(form, "chkpacing").isChecked() && The<QCheckBox>(form, "chkwordorder").isChecked());
+
+    // Its serial framing needs the port of the terminal server.
+    Click(form, "cmdedit");
+    Fill({{"cmbMode", "RTU"}});
+    Click(form, "chkpacing");
+    Click(form, "cmdsave");
+    EXPECT_EQ(Answer(form), "Enter the IP address with its port, such as 10.0.0.7:4001");
+    Fill({{"txtIPAdr", "[fd00::7]:4001"}});
+    Save();
+    station = core::ReadStation(desk.dbconn, 1).value();
+    EXPECT_TRUE(station.ip == "[fd00::7]:4001" && station.framing == core::Framing::Rtu);
+    EXPECT_TRUE(station.pacing == core::Pacing::Stated && station.wordOrder == core::WordOrder::LowFirst);
+
+    Click(form, "cmdedit");
+    Fill({{"cmbMode", "TCP"}, {"cmbcommtype", "Direct Comport"}});
+    EXPECT_FALSE(Seen(form, "txtIPAdr"));
+    Fill({{"cmbcommport", "COM4"}, {"cmbbaudrate", "9600,N,8,1"}});
+    Click(form, "cmdsave");
+    EXPECT_EQ(Answer(form), "Mode TCP needs the Communication Type IP");
+    EXPECT_EQ(Focus(form), "cmbcommtype");
 }
 
 TEST_F(StationScreens, TheSettingsOfThePortAreTakenApartAndJoined) {

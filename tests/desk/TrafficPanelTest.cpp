@@ -19,7 +19,7 @@ constexpr const char* refusal = "01 83 02 C0 F1";
 class TrafficPanelTest : public testing::Test {
   protected:
     TrafficPanelTest() {
-        panel.Station({core::Protocol::Modbus, core::Framing::Rtu});
+        panel.Station({core::Protocol::Modbus});
         panel.resize(900, 300);
         panel.show();
         static_cast<void>(QTest::qWaitForWindowActive(&panel));

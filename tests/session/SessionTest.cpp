@@ -258,8 +258,9 @@ TEST(SessionTest, AScheduledRunEndsTheSessionAndItsPendingWriteIsNeverSent) {
         desk.Open(own);
         desk.Connect();
         desk.StartTicking();
-        // In the last moment before the tick takes the line: entered, and never on its way.
-        desk.clock.After(59999, [&] {
+        // In the last moment before the run takes the line, half a second behind the tick: entered, and never on its
+        // way.
+        desk.clock.After(60499, [&] {
             EXPECT_EQ(desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25"), "");
             EXPECT_EQ(desk.Stored("Keypad N2"), 1.25);
             desk.session->AskTime();
@@ -363,6 +364,50 @@ TEST(SessionTest, ADisconnectEndsADialAtAnyStep) {
         EXPECT_THAT(desk.view.ends, ElementsAre(""));
         EXPECT_FALSE(desk.ports.PortOpen());
     }
+}
+
+// With its page, at any wait: the call is hung up, the line is free, and nobody is told.
+TEST(SessionTest, ASessionMayGoAtAnyWait) {
+    for (const demo::DemoStation& station : {teleFlow, teleCorrector, quantum}) {
+        for (std::uint32_t afterMs = 0; afterMs < 12000; afterMs += 130) {
+            SCOPED_TRACE(station.consumer + " " + std::to_string(afterMs));
+            SessionDesk desk;
+            demo::DemoStation dialled = station;
+            dialled.phoneno = "4170253";
+            fieldsim::FieldOptions options;
+            options.modems[1] = {{"CONNECT 9600", 3000}};
+            desk.Open(dialled, options);
+            desk.view.onSent = [&] { desk.session->GetData(); };
+            desk.session->Connect();
+            desk.clock.Run(afterMs);
+            desk.session.reset();
+            const auto told = desk.view.status.size() + desk.view.sent.size();
+            desk.Finish();
+            EXPECT_EQ(desk.view.status.size() + desk.view.sent.size(), told);
+            EXPECT_THAT(desk.view.ends, IsEmpty());
+            EXPECT_FALSE(desk.ports.PortOpen());
+            EXPECT_TRUE(desk.Line().TakeIfFree());
+            EXPECT_FALSE(desk.field->Modem(1)->Connected());
+        }
+    }
+}
+
+// Nobody reads faster, and a request does not wait for it.
+TEST(SessionTest, APromptStationIsPolledOnceASecond) {
+    SessionDesk desk;
+    desk.Open(teleFlow);
+    desk.dbconn.Execute("update configdata_master set pacing='prompt'");
+    desk.Connect();
+    desk.session->GetData();
+    desk.RunUntil([&] { return desk.view.refreshed == 1; });
+    const auto begun = desk.clock.Elapsed();
+    desk.RunUntil([&] { return desk.view.refreshed == 6; });
+    EXPECT_GE(desk.clock.Elapsed() - begun, 5000U);
+    EXPECT_LE(desk.clock.Elapsed() - begun, 5500U);
+    const auto sent = desk.view.sent.size();
+    EXPECT_EQ(desk.session->AskWrite(desk.Place("KEYPAD", "Keypad N2"), "1.25"), "");
+    desk.clock.Run(1);
+    EXPECT_EQ(desk.view.sent.size(), sent + 1);
 }
 
 TEST(SessionTest, AModbusStationWithoutAddressesIsNotPolled) {

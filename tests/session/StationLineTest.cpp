@@ -62,6 +62,20 @@ struct StationLineTest : testing::Test {
     }
 };
 
+// A station on the network has neither port nor settings.
+TEST_F(StationLineTest, AStationOnTheNetworkIsReachedOrTheReasonIsTold) {
+    desk.Open(corrector);
+    desk.dbconn.Execute("update configdata_master set comtype='IP', ip='10.0.0.7:4001', comport='', baudrate=''");
+    desk.Connect();
+    EXPECT_EQ(desk.session->GetState(), State::Idle);
+    EXPECT_THAT(desk.view.boxes, ElementsAre(testing::StartsWith("10.0.0.7:4001 cannot be reached: ")));
+    desk.ports.Attach("10.0.0.7:4001", *desk.field->Station(desk.locationID)->device);
+    desk.Connect();
+    ASSERT_EQ(desk.session->GetState(), State::Connected);
+    CollectAll(Screen::frmparaarchive, desk.session.get());
+    ExpectCollected(1);
+}
+
 // A session signs on without the password that opens the archive of some stations.
 TEST_F(StationLineTest, AConnectedSessionLendsItsLineAndGoesOn) {
     desk.Open(corrector);
@@ -132,8 +146,8 @@ TEST_F(StationLineTest, AScheduledRunTakesTheLineInTheMiddleAndWhatCameIsStored)
     EXPECT_THAT(desk.feedback.status, Contains("A scheduled collection has taken the line"));  // at once
     EXPECT_EQ(over, 1);
     EXPECT_EQ(Stored(1, 1), static_cast<std::int64_t>(run.rows.size()));
-    EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday")) << desk.RtuErr();
     desk.Finish();
+    EXPECT_TRUE(desk.Master(desk.locationID).Bool("sampledtoday")) << desk.RtuErr();
     EXPECT_EQ(desk.session->GetState(), State::Idle);
 }
 
