@@ -12,8 +12,8 @@
 #include "desk/collection/frm_Sch_Data.h"
 #include "desk/collection/frmrpt.h"
 #include "desk/collection/frmvalue.h"
-#include "support/ScreenDesk.h"
 #include "support/OddDevices.h"
+#include "support/ScreenDesk.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ struct CollectionScreens : testing::Test {
         desk.OpenField();
         desk.ports.Attach(last, silence);
         desk.clock.Run(30000);
-        desk.scheduler.Tick();
+        desk.Tick();
     }
 
     std::vector<std::filesystem::path> opened;
@@ -61,12 +61,12 @@ TEST_F(CollectionScreens, TheScheduleIsShownAndAnOperatorCollectsFromIt) {
         Fire(form, "tmrfollow");
         EXPECT_EQ(Cell(form, "Grid", 4, 3), "collecting");
     });
-    Click(form, "cmdMissing");
+    desk.Press(form, "cmdMissing");
     Fire(form, "tmrfollow");
     EXPECT_THAT(rows().at(5), testing::MatchesRegex(".+\\|08:00\\|Yes\\|collected\\|08:..\\|hand\\|"));
     EXPECT_EQ(Cell(form, "Grid", 0, 5), "schedule");
     The<desk::Grid>(form, "Grid").SelectRow(0);
-    Key(form, Qt::Key_F5);
+    desk.During({}, [&] { Key(form, Qt::Key_F5); });
     Fire(form, "tmrfollow");
     EXPECT_EQ(Cell(form, "Grid", 0, 5), "hand");
 }

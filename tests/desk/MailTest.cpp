@@ -61,9 +61,12 @@ struct MailScreens : testing::Test {
         return form;
     }
     // The mail goes when the question is answered.
-    static std::string SendAndAnswer(const desk::frmemail& form, QMessageBox::StandardButton answer) {
+    std::string SendAndAnswer(const desk::frmemail& form, QMessageBox::StandardButton answer) {
         Click(form, "cmdmail");
-        return Answer(form, answer);
+        const std::string question = Answer(form, answer);
+        screen.Settle();
+        QCoreApplication::processEvents();
+        return question;
     }
     std::filesystem::path File(const std::string& name, const std::string& content) const {
         std::ofstream(screen.shared.directory / name, std::ios::binary) << content;
@@ -167,10 +170,11 @@ TEST_F(MailScreens, NoMailGoesInsideARun) {
     screen.clock.Run(30000);
     screen.clock.After(700, [&] {
         ASSERT_TRUE(screen.scheduler.Busy());
-        SendAndAnswer(form, QMessageBox::Yes);
+        Click(form, "cmdmail");
+        Answer(form, QMessageBox::Yes);
         EXPECT_THAT(Answer(form), HasSubstr("stations are being collected"));
     });
-    screen.scheduler.Tick();
+    screen.Tick();
     EXPECT_TRUE(slow.sent.empty());
     EXPECT_EQ(Text(form, "txtmailto"), "a@x");
 }
@@ -215,20 +219,20 @@ TEST_F(MailScreens, ATestMailTellsWhatTheServerSays) {
     Type(form, "txturl", QString::fromStdString(sink.Url()));
     Type(form, "txtmailto", "refused@x");
     Type(form, "txtsender", "desk@here");
-    Click(form, "cmdtest");
+    screen.Press(form, "cmdtest");
     EXPECT_THAT(Text(form, "lblanswer"), HasSubstr("550 no such user"));
     // This server has no TLS: the password does not go to it.
     Type(form, "txtmailto", "a@x");
     Type(form, "txtserveruser", "me");
     Type(form, "txtserverpassword", "Secret7");
     EXPECT_NE(The<QLineEdit>(form, "txtserverpassword").displayText(), "Secret7");
-    Click(form, "cmdtest");
+    screen.Press(form, "cmdtest");
     EXPECT_THAT(Text(form, "lblanswer"), testing::AllOf(HasSubstr("Mail not sent"), Not(HasSubstr("Secret7"))));
     EXPECT_THAT(screen.RtuErr(), Not(HasSubstr("Secret7")));
     EXPECT_THAT(screen.feedback.status, testing::Each(Not(HasSubstr("Secret7"))));
     EXPECT_TRUE(sink.Nothing());
     Type(form, "txtserveruser", "");
-    Click(form, "cmdtest");
+    screen.Press(form, "cmdtest");
     EXPECT_EQ(Text(form, "lblanswer"), "Mail Sent");
     EXPECT_THAT(sink.Received(1), testing::StartsWith("X-Mail-From: desk@here\r\nX-Rcpt-To: a@x\r\n"));
     EXPECT_EQ(screen.Count("email_settings"), 0);  // nothing was saved for it
