@@ -216,7 +216,7 @@ TEST(BsapListLate, RepliesAreNotTakenForThoseToLaterRequests) {
         station.lateMs = lateMs;
         support::SimulatedTalk desk;
         desk.ports.Attach(1, station);
-        desk.ports.PortOpen(true);
+        desk.line.PortOpen(true);
         EXPECT_EQ(Values(getdata_BSAP(desk.talk, 55, core::ValueKind::Logical, {})), (std::vector<double>{1, 1, 1}));
         EXPECT_EQ(Values(getdata_BSAP(desk.talk, 54, core::ValueKind::Float, {})),
                   (std::vector<double>{1.5, 9, 1.5, 1.5}));
