@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QMessageBox>
 
+#include "demo/screens/Stage.h"
 #include "desk/kit/Page.h"
 
 // What an operator does on a page.
@@ -10,6 +11,12 @@ namespace demo {
 
 inline void Press(desk::Page& page, const char* command) {
     page.findChild<QAbstractButton*>(command)->click();
+}
+
+// The same, until what it began is over.
+inline void Press(Stage& stage, desk::Page& page, const char* command) {
+    Press(page, command);
+    stage.Settle();
 }
 
 // Says Yes to the question over a page.

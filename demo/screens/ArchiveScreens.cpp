@@ -28,7 +28,7 @@ void Collect(Stage& stage, const char* command, bool running, const std::functio
     if (running) {
         stage.Clock().After(someBlocksMs, look);
     }
-    Press(page, command);
+    Press(stage, page, command);
     CloseBoxes(page);
     if (!running) {
         look();
@@ -58,13 +58,13 @@ Screen Online(const std::string& name, bool running, const Work& choose) {
     };
     screen.alive = [=](Stage& stage, const std::function<void()>& look) {
         desk::Page& session = stage.Front();
-        Press(session, "cmdConnect");
+        Press(stage, session, "cmdConnect");
         Press(session, "cmd_arc");
         desk::Page& page = stage.Front();
         choose(page);
         Collect(stage, "cmdGo", running, look);
         Press(page, "cmdClose");
-        Press(session, "cmddisconnect");
+        Press(stage, session, "cmddisconnect");
     };
     return screen;
 }

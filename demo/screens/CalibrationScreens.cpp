@@ -40,7 +40,7 @@ Screen Calibrating(const std::string& name, const Moment& moment) {
     };
     screen.alive = [moment](Stage& stage, const std::function<void()>& look) {
         auto& session = dynamic_cast<desk::frmparalist&>(stage.Front());
-        Press(session, "cmdConnect");
+        Press(stage, session, "cmdConnect");
         auto& page = stage.Open<desk::frmCalib>(*session.GetSession());
         page.findChild<QTabWidget*>("SSTab1")->setCurrentIndex(moment.tab);
         // The timer goes on when the page is gone.
@@ -59,10 +59,10 @@ Screen Calibrating(const std::string& name, const Moment& moment) {
                 Press(page, "cmdStop");
             }
         });
-        Press(page, "cmdStart");
+        Press(stage, page, "cmdStart");
         *step = 2;
         Press(page, "cmdClose");
-        Press(session, "cmddisconnect");
+        Press(stage, session, "cmddisconnect");
     };
     return screen;
 }

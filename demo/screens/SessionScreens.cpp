@@ -63,7 +63,7 @@ Screen Live(const std::string& name, std::int64_t locationID, Work work = {},
     screen.alive = [work, ready](Stage& stage, const std::function<void()>& look) {
         desk::frmparalist& page = Front(stage);
         session::Session& session = *page.GetSession();
-        Press(page, "cmdConnect");
+        Press(stage, page, "cmdConnect");
         auto polls = std::make_shared<int>(0);
         auto last = std::make_shared<std::optional<core::DateTime>>();
         const auto turn = std::make_shared<std::function<void()>>();
@@ -81,7 +81,7 @@ Screen Live(const std::string& name, std::int64_t locationID, Work work = {},
             session.Disconnect();
         };
         stage.Clock().After(20, *turn);
-        Press(page, "cmdgetdata");
+        Press(stage, page, "cmdgetdata");
         *turn = {};
         stage.Shared().currentuser = "operator";
     };

@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::int64_t hillFarm = 3;
 
-void ReadList(desk::Page& page, const char* command) {
+void ReadList(Stage& stage, desk::Page& page, const char* command) {
     page.findChild<QLineEdit*>("txtListNo")->setText("10");
-    Press(page, command);
+    Press(stage, page, command);
     CloseBoxes(page);
 }
 
@@ -29,13 +29,13 @@ Screen InSession(const std::string& name, const char* door,
     };
     screen.alive = [=](Stage& stage, const std::function<void()>& look) {
         desk::Page& session = stage.Front();
-        Press(session, "cmdConnect");
+        Press(stage, session, "cmdConnect");
         Press(session, door);
         desk::Page& page = stage.Front();
         work(stage, page, look);
         CloseBoxes(page);
         Press(page, "cmdClose");
-        Press(session, "cmddisconnect");
+        Press(stage, session, "cmddisconnect");
     };
     return screen;
 }
@@ -47,26 +47,26 @@ std::vector<Screen> SignalScreens() {
         InSession("signal_list_running", "cmdfetch",
                   [](Stage& stage, desk::Page& page, const std::function<void()>& look) {
                       stage.Clock().After(1500, look);
-                      ReadList(page, "cmdfetch");
+                      ReadList(stage, page, "cmdfetch");
                   }),
         InSession("signal_list", "cmdfetch",
-                  [](Stage&, desk::Page& page, const std::function<void()>& look) {
-                      ReadList(page, "cmdfetch");
+                  [](Stage& stage, desk::Page& page, const std::function<void()>& look) {
+                      ReadList(stage, page, "cmdfetch");
                       auto* grid = page.findChild<desk::Grid*>("signalsGrid");
                       grid->SelectRow(1);
                       Q_EMIT grid->RowChosen(1);
                       look();
                   }),
         InSession("signal_search", "cmdSignalSearch",
-                  [](Stage&, desk::Page& page, const std::function<void()>& look) {
+                  [](Stage& stage, desk::Page& page, const std::function<void()>& look) {
                       page.findChild<QLineEdit*>("txtSigName")->setText("METER1.");
-                      Press(page, "cmdSearch");
+                      Press(stage, page, "cmdSearch");
                       CloseBoxes(page);
                       look();
                   }),
         {"signal_list_call",
          [](Stage& stage) {
-             ReadList(stage.Open<desk::frmfetchlist>(), "cmdfetch");
+             ReadList(stage, stage.Open<desk::frmfetchlist>(), "cmdfetch");
              return static_cast<QWidget*>(&stage.Shell());
          }},
     };

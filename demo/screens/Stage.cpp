@@ -1,5 +1,8 @@
 #include "demo/screens/Stage.h"
 
+#include <QCoreApplication>
+#include <exception>
+
 #include "collection/Outcome.h"
 #include "demo/DemoRegister.h"
 #include "stations/SampledMark.h"
@@ -143,6 +146,18 @@ void Stage::Collect() {
     feedback_.shell = shell_.get();
     clock_.Every(60000, [this] { shell_->Tick(); });
     clock_.Run(22 * day + day / 12);
+}
+
+// What is left on the lines ends as by a power cut.
+Stage::~Stage() {
+    struct TheStageGoes {};
+    clock_.EndWaits(std::make_exception_ptr(TheStageGoes{}));
+}
+
+void Stage::Settle() {
+    constexpr std::uint64_t anHourMs = 3'600'000;
+    clock_.RunUntil([this] { return clock_.Quiet(); }, anHourMs);
+    QCoreApplication::processEvents();
 }
 
 void Stage::LogIn() {

@@ -28,6 +28,10 @@ class Stage {
     // Works on a copy of the delivered database in `directory`, which exists.
     Stage(const std::filesystem::path& delivered, const std::filesystem::path& directory);
 
+    ~Stage();
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+
     // The shell with the overview in front, for the user "operator".
     void LogIn();
 
@@ -36,6 +40,9 @@ class Stage {
     fieldsim::VirtualClock& Clock() { return clock_; }
     desk::mainfrm& Shell() { return *shell_; }
     desk::Page& Front() { return *navigator_.Front(); }
+
+    // Runs the clock until every conversation is over or waits for the operator.
+    void Settle();
 
     template <class Form, class... Arguments>
     Form& Open(Arguments&&... arguments) {

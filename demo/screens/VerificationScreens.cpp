@@ -45,7 +45,7 @@ Screen Fetch(const std::string& name, bool running) {
         if (running) {
             stage.Clock().After(someRepliesMs, look);
         }
-        Press(page, "cmdfetch");
+        Press(stage, page, "cmdfetch");
         CloseBoxes(page);
         if (!running) {
             look();

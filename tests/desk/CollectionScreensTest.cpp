@@ -61,14 +61,12 @@ TEST_F(CollectionScreens, TheScheduleIsShownAndAnOperatorCollectsFromIt) {
         Fire(form, "tmrfollow");
         EXPECT_EQ(Cell(form, "Grid", 4, 3), "collecting");
     });
-    Click(form, "cmdMissing");
-    desk.Settle();
+    desk.Press(form, "cmdMissing");
     Fire(form, "tmrfollow");
     EXPECT_THAT(rows().at(5), testing::MatchesRegex(".+\\|08:00\\|Yes\\|collected\\|08:..\\|hand\\|"));
     EXPECT_EQ(Cell(form, "Grid", 0, 5), "schedule");
     The<desk::Grid>(form, "Grid").SelectRow(0);
-    Key(form, Qt::Key_F5);
-    desk.Settle();
+    desk.During({}, [&] { Key(form, Qt::Key_F5); });
     Fire(form, "tmrfollow");
     EXPECT_EQ(Cell(form, "Grid", 0, 5), "hand");
 }

@@ -63,8 +63,9 @@ struct MailScreens : testing::Test {
     // The mail goes when the question is answered.
     std::string SendAndAnswer(const desk::frmemail& form, QMessageBox::StandardButton answer) {
         Click(form, "cmdmail");
-        std::string question = Answer(form, answer);
+        const std::string question = Answer(form, answer);
         screen.Settle();
+        QCoreApplication::processEvents();
         return question;
     }
     std::filesystem::path File(const std::string& name, const std::string& content) const {
@@ -217,23 +218,20 @@ TEST_F(MailScreens, ATestMailTellsWhatTheServerSays) {
     Type(form, "txturl", QString::fromStdString(sink.Url()));
     Type(form, "txtmailto", "refused@x");
     Type(form, "txtsender", "desk@here");
-    Click(form, "cmdtest");
-    screen.Settle();
+    screen.Press(form, "cmdtest");
     EXPECT_THAT(Text(form, "lblanswer"), HasSubstr("550 no such user"));
     // This server has no TLS: the password does not go to it.
     Type(form, "txtmailto", "a@x");
     Type(form, "txtserveruser", "me");
     Type(form, "txtserverpassword", "Secret7");
     EXPECT_NE(The<QLineEdit>(form, "txtserverpassword").displayText(), "Secret7");
-    Click(form, "cmdtest");
-    screen.Settle();
+    screen.Press(form, "cmdtest");
     EXPECT_THAT(Text(form, "lblanswer"), testing::AllOf(HasSubstr("Mail not sent"), Not(HasSubstr("Secret7"))));
     EXPECT_THAT(screen.RtuErr(), Not(HasSubstr("Secret7")));
     EXPECT_THAT(screen.feedback.status, testing::Each(Not(HasSubstr("Secret7"))));
     EXPECT_TRUE(sink.Nothing());
     Type(form, "txtserveruser", "");
-    Click(form, "cmdtest");
-    screen.Settle();
+    screen.Press(form, "cmdtest");
     EXPECT_EQ(Text(form, "lblanswer"), "Mail Sent");
     EXPECT_THAT(sink.Received(1), testing::StartsWith("X-Mail-From: desk@here\r\nX-Rcpt-To: a@x\r\n"));
     EXPECT_EQ(screen.Count("email_settings"), 0);  // nothing was saved for it

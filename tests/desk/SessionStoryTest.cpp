@@ -245,26 +245,45 @@ TEST_F(SessionStory, AMultistreamStationIsWatchedStreamByStream) {
 }
 
 TEST_F(SessionStory, ARunThatTakesTheLineIsToldAndTheLineOfferedAgain) {
-    demo::DemoStation due{"Due", "TeleFlow", "Modbus", "RTU", 2, 9};
+    demo::DemoStation due{"Due", "TeleFlow", "Modbus", "RTU", 1, 9};
     due.contracthour = "09:02";
     demo::AddStation(desk.dbconn, due);
     Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5});
     desk.StartTicking();
-    bool refused = false;
-    Run({{"taken", [this] { return session->GetState() == session::State::Disconnecting; },
+    Run({{"taken", [this] { return session->GetState() == session::State::Idle; },
           [&] {
               EXPECT_EQ(Label("lblmsg"), "A scheduled collection has taken the line");
               EXPECT_TRUE(QTest::qWaitFor([this] { return Label("lblmsg") == "The line was taken to collect Due"; }));
-              EXPECT_FALSE(Enabled("cmdConnect"));
-              Click(*page, "cmdClose");
-              EXPECT_EQ(Answer(*page), "Stop Communitcation...");
-              refused = true;
+              EXPECT_EQ(Usable(*page, {"cmdConnect", "cmddisconnect", "cmdClose"}), "cmdClose ");
           }}});
-    EXPECT_TRUE(refused);
     EXPECT_EQ(Box(*page), nullptr) << "nobody may be there to answer";
     EXPECT_TRUE(QTest::qWaitFor([this] { return Label("lblreq") == "The line is free. Connect again to go on."; }));
     EXPECT_TRUE(Enabled("cmdConnect"));
     EXPECT_EQ(Focus(*page), "cmdConnect");
+}
+
+// Neither the run that has it nor a session on another line minds.
+TEST_F(SessionStory, APageWhoseLineWasTakenIsClosedAtOnce) {
+    demo::DemoStation due{"Due", "TeleFlow", "Modbus", "RTU", 1, 9};
+    due.contracthour = "09:02";
+    const auto dueID = demo::AddStation(desk.dbconn, due);
+    const auto otherID = demo::AddStation(desk.dbconn, {"Far", "TeleFlow", "Modbus", "RTU", 2, 5});
+    Open({"Hill Farm", "TeleFlow", "Modbus", "RTU", 1, 5});
+    auto& other = desk.Open<desk::frmparalist>(otherID);
+    desk.Press(other, "cmdConnect");
+    desk.window.Open(page = new desk::frmparalist(desk.desk, locationID));
+    session = page->GetSession();
+    desk.StartTicking();
+    desk.Press(*page, "cmdConnect");
+    Click(*page, "cmdgetdata");
+    desk.RunUntil([this] { return session->IsOffLine(); });
+    Click(*page, "cmdClose");
+    EXPECT_EQ(desk.window.Front(), &other);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(desk.scheduler.Busy());
+    desk.Settle();
+    EXPECT_TRUE(desk.Master(dueID).Bool("sampledtoday")) << desk.RtuErr();
+    EXPECT_EQ(other.GetSession()->GetState(), session::State::Connected);
 }
 
 // A dash where nothing was read; a date, an age and a muted row where it was read before.

@@ -80,7 +80,7 @@ TEST_F(ShellTest, ClosingDuringARunEndsTheProgramBehindIt) {
         EXPECT_TRUE(desk.scheduler.Busy());
     });
     shell.Tick();
-    desk.Settle();
+    desk.Finish();
     EXPECT_TRUE(QTest::qWaitFor([this] { return ended.count() == 1; }));
     EXPECT_FALSE(desk.scheduler.Busy());
     EXPECT_FALSE(desk.ports.PortOpen());
@@ -233,20 +233,18 @@ TEST_F(OverviewTest, AnOperatorCollectsAStationOrAllThatAreMissing) {
         now = Text(Front(), "lblnow");
         EXPECT_EQ(Node(11).State(), DayState::Collecting);
     });
-    Click(Front(), "cmdMissing");
-    desk.Settle();
+    desk.Press(Front(), "cmdMissing");
     EXPECT_EQ(now, "Collecting North Gate, O'Brien & <b>Sons</b>");
     EXPECT_THAT(desk.feedback.status, testing::Contains("2 stations are missing and will be collected"));
     for (const int index : {1, 11}) {
         EXPECT_EQ(Node(index).State(), DayState::Collected);
         EXPECT_THAT(Node(index).Line().toStdString(), testing::EndsWith(" by hand"));
     }
-    Click(Front(), "cmdMissing");
+    desk.Press(Front(), "cmdMissing");
     EXPECT_EQ(desk.feedback.status.back(), "No station is missing");
 
     Node(11).setFocus();
-    QTest::keyClick(&Node(11), Qt::Key_F5);
-    desk.Settle();
+    desk.During({}, [this] { QTest::keyClick(&Node(11), Qt::Key_F5); });
     EXPECT_EQ(desk.Count("outcome where locationID=? and how='hand'", {second}), 2);
 }
 

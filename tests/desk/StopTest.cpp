@@ -74,7 +74,7 @@ TEST_P(StopTest, EndsADialAtOnce) {
     EXPECT_LE(desk.clock.Elapsed() - stoppedAt, 4000U) << "the hang-up";
     EXPECT_EQ(dialled.size(), 1U);
     EXPECT_FALSE(desk.ports.PortOpen());
-    EXPECT_FALSE(desk.Line().InUse());
+    EXPECT_FALSE(desk.lines.InUse());
     support::Answer(page);
     EXPECT_TRUE(support::Enabled(page, screen.start));
     EXPECT_EQ(support::Box(page), nullptr);
@@ -101,7 +101,7 @@ TEST_P(StopTest, AStationThatIsDueIsCollectedAndTheScreenSaysWhatBecameOfItsWork
                  }}});
     desk.clock.Run(30000);
     EXPECT_TRUE(desk.Master(dueID).Bool("sampledtoday")) << desk.RtuErr();
-    EXPECT_FALSE(desk.Line().InUse());
+    EXPECT_FALSE(desk.lines.InUse());
     std::string told = support::Answer(page);
     if (told.empty()) {
         told = support::Text(page, "lblmsg");

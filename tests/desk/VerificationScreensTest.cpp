@@ -204,7 +204,7 @@ TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
         EXPECT_EQ(desk.dbconn.Texts("select para_value from tblBeforeChange"), before) << message;
         EXPECT_EQ(desk.dbconn.Texts("select before_date from tblDateTime"), std::vector<std::string>{"2026-03-09"})
             << message;
-        EXPECT_FALSE(desk.ports.PortOpen() || desk.Line().InUse()) << message;
+        EXPECT_FALSE(desk.ports.PortOpen() || desk.lines.InUse()) << message;
         EXPECT_EQ(Usable(page, {"cmd_save", "cmdfetch", "cmdClose"}), "cmdfetch cmdClose ") << message;
     };
     const auto rows = [&] { return Rows(page) > 0; };
@@ -220,7 +220,7 @@ TEST_F(VerificationScreens, AListThatDoesNotComeWholeIsNotStored) {
     expectNothing(Fetch(page, "54", {{"rows", rows, [&] { Click(page, "cmd_stop"); }}}),
                   "List Fetched up to the stop: ");
     EXPECT_EQ(Label(page, "lblshown"), "List 54, not stored");
-    expectNothing(Fetch(page, "54", {{"rows", rows, [&] { desk.Line().EndConversation("The program ends"); }}}),
+    expectNothing(Fetch(page, "54", {{"rows", rows, [&] { desk.Line(2).EndConversation("The program ends"); }}}),
                   "The line is gone: The program ends\nNothing was stored.");
     desk.dbconn.Execute("create trigger full before insert on tblBeforeChange begin select raise(abort,'disk'); end");
     expectNothing(Fetch(page, "54"), "List Fetched\nIt could not be stored: disk");
