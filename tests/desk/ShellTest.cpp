@@ -190,7 +190,7 @@ TEST_F(OverviewTest, FollowsARunWithoutBeingActivatedAgain) {
     desk.clock.Run(900000);
     EXPECT_THAT(seen,
                 testing::ElementsAre("Nothing is being collected", "Collecting North Gate, O'Brien & <b>Sons</b> 1 11",
-                                     "Collecting North Gate 1", "Nothing is being collected"));
+                                     "Collecting O'Brien & <b>Sons</b> 11", "Nothing is being collected"));
     EXPECT_EQ(Node(1).State(), DayState::Failed);
     EXPECT_THAT(Node(1).Line().toStdString(), testing::StartsWith("no answer, 3 attempts, 08:0"));
     EXPECT_EQ(Node(1).Colour(), blue);
