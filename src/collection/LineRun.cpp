@@ -184,6 +184,7 @@ void LineRun::Record(const Turn& turn, const reading::RunState& state, const Out
             stations::MarkSampled(place_.dbconn, now, turn.locationID, !state.runfailed || collected);
         }
     });
+    inHand_.reset();
     const bool partlyAsItIs = outcome.result == reading::Result::Partly && !state.runfailed;
     owner_.recorded(turn, outcome, !partlyAsItIs);
 }

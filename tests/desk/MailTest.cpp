@@ -160,7 +160,7 @@ TEST_F(MailScreens, AFormThatGoesWhileItsMailIsOnTheWay) {
     }
 }
 
-TEST_F(MailScreens, NoMailGoesInsideARun) {
+TEST_F(MailScreens, AMailGoesBesideARun) {
     demo::DemoStation station{"Mill", "TeleFlow", "Modbus", "RTU", 1, 1};
     station.contracthour = "08:00";
     demo::AddStation(screen.dbconn, station);
@@ -172,11 +172,9 @@ TEST_F(MailScreens, NoMailGoesInsideARun) {
         ASSERT_TRUE(screen.scheduler.Busy());
         Click(form, "cmdmail");
         Answer(form, QMessageBox::Yes);
-        EXPECT_THAT(Answer(form), HasSubstr("stations are being collected"));
     });
     screen.Tick();
-    EXPECT_TRUE(slow.sent.empty());
-    EXPECT_EQ(Text(form, "txtmailto"), "a@x");
+    EXPECT_EQ(slow.sent.size(), 1U);
 }
 
 TEST_F(MailScreens, AddresseesAndSettingsAreKeptAsTyped) {
@@ -215,6 +213,7 @@ TEST_F(MailScreens, ATestMailTellsWhatTheServerSays) {
     MailSink sink;
     const auto& form = Open<desk::frmemail_settings>(smtpDesk);
     Click(form, "cmdtest");
+    screen.Settle();
     EXPECT_EQ(Answer(form), "Specify Mail Address");
     Type(form, "txturl", QString::fromStdString(sink.Url()));
     Type(form, "txtmailto", "refused@x");
