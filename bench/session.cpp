@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +28,12 @@ using bench::Goal;
 using bench::Served;
 using Time = std::chrono::steady_clock;
 
+void TurnUntil(const std::function<bool()>& holds) {
+    while (!holds()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
 double Milliseconds(Time::duration duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
 }
@@ -44,10 +51,11 @@ bool OnePoll() {
 
     desk::EventLoopClock clock;
     core::Logs logs(scratch.dbconn, scratch.shared, clock);
-    desk::SerialLine serial([&](int) { return port.string(); });
-    protocols::FieldLine line(serial, clock);
+    protocols::FieldLines lines(clock, [&](const core::Station&) {
+        return std::make_unique<desk::SerialLine>([&](int) { return port.string(); });
+    });
     protocols::BsapCounters counters;
-    reading::Workplace place{scratch.dbconn, scratch.shared, clock, scratch.feedback, logs, line, counters};
+    reading::Workplace place{scratch.dbconn, scratch.shared, clock, scratch.feedback, logs, lines, counters};
     support::RecordingMail mail;
     reports::ReportMail reportMail(place, mail);
     collection::Scheduler scheduler(place, reportMail);
@@ -60,6 +68,7 @@ bool OnePoll() {
     window.show();
     session::Session& session = *page->GetSession();
     session.Connect();
+    TurnUntil([&] { return session.GetState() != session::State::Connecting; });
 
     std::vector<Time::time_point> reads;
     int good = 0;
@@ -76,6 +85,7 @@ bool OnePoll() {
     });
     watch.start(1);
     session.GetData();
+    TurnUntil([&] { return clock.Conversations() == 0; });
     const double poll = Milliseconds(reads.back() - reads.front()) / static_cast<double>(reads.size() - 1);
     return bench::Report("one poll over its waits", poll / (waits * teleFlow.delaytime), "", Goal::AtMost, 1.05);
 }
@@ -140,6 +150,7 @@ bool MemoryOfANight() {
     desk.dbconn.Execute("pragma synchronous=off");  // the disk is not what is measured
     session::Session& session = *desk.Open(locationID).GetSession();
     session.Connect();
+    desk.Settle();
     std::size_t early = 0;
     std::size_t late = 0;
     int polls = 0;
@@ -159,6 +170,7 @@ bool MemoryOfANight() {
         }
     });
     session.GetData();
+    desk.clock.Finish();
     const double grown = (static_cast<double>(late) - static_cast<double>(early)) / 1024;
     std::printf("  %.0f KiB in use after %d polls, %.0f KiB after %d\n", static_cast<double>(early) / 1024, few,
                 static_cast<double>(late) / 1024, many);

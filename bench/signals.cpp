@@ -69,27 +69,27 @@ bool LongList() {
 
     desk::EventLoopClock clock;
     core::Logs logs(scratch.dbconn, scratch.shared, clock);
-    desk::SerialLine serial([&](int) { return port.string(); });
-    protocols::FieldLine line(serial, clock);
+    protocols::FieldLines lines(clock, [&](const core::Station&) {
+        return std::make_unique<desk::SerialLine>([&](int) { return port.string(); });
+    });
     protocols::BsapCounters counters;
     CountingPanel panel;
     panel.resize(1000, 600);
     panel.show();
-    const reading::Workplace place{scratch.dbconn, scratch.shared, clock, panel, logs, line, counters};
-    support::RecordingMail mail;
-    reading::Workplace ofScheduler = place;
-    reports::ReportMail reportMail(ofScheduler, mail);
-    const collection::Scheduler scheduler(ofScheduler, reportMail);
+    const reading::Workplace place{scratch.dbconn, scratch.shared, clock, panel, logs, lines, counters};
     std::optional<signals::FetchEnd> end;
     double took = 0;
     session::OnStationLine(
-        place, scheduler, nullptr, {}, locationID,
+        place, nullptr, {}, locationID,
         [&](protocols::Conversation& talk) {
             const auto start = Time::now();
             end = signals::FetchList(talk, 54, panel);
             took = Milliseconds(Time::now() - start);
         },
         [] {});
+    while (clock.Conversations() > 0) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
     if (end != signals::FetchEnd::Whole || panel.Rows().size() != listLength) {
         throw std::runtime_error("the list did not come whole");
     }

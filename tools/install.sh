@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev libqt6opengl6-dev qt6-serialport-dev qt6-charts-dev fonts-dejavu-core
   libsqlitecpp-dev libsqlite3-dev libcurl4-openssl-dev libxlsxwriter-dev zlib1g-dev libboost-context-dev
   libgtest-dev libgmock-dev libbenchmark-dev libmodbus-dev
-  python3 python3-aiosmtpd python3-openpyxl python3-pymodbus
+  python3 python3-aiosmtpd python3-openpyxl python3-pymodbus socat
 )
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }

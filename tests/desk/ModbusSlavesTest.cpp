@@ -196,7 +196,6 @@ TEST(LibmodbusArchive, EachModelIsReadFromItsWindow) {
         station.isTeleCorrector = std::string(test.model) == "TeleCorrector";
         station.isCW = test.model[0] == 'A';
         station.stream[0] = test.model;
-        station.framing = core::Framing::Rtu;
         station.slaveaddress = 17;
         station.commtimeout = 60;
         auto lease = desk.lines.Of(station).TakeIfFree();
