@@ -17,8 +17,10 @@ void SimPorts::Refuse(int port, bool refused) {
 }
 
 std::unique_ptr<protocols::Line> SimPorts::Line(const core::Station& station) {
-    return station.ip.empty() ? std::make_unique<SimLine>(*this)
-                              : std::make_unique<SimLine>(*this, core::AddressText(core::AddressOf(station).value_or(core::Address{station.ip, 0})));
+    return station.ip.empty()
+               ? std::make_unique<SimLine>(*this)
+               : std::make_unique<SimLine>(
+                     *this, core::AddressText(core::AddressOf(station).value_or(core::Address{station.ip, 0})));
 }
 
 bool SimPorts::PortOpen() const {

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-  g++ cmake ninja-build ccache pkg-config sqlite3
+  g++ cmake ninja-build ccache pkg-config clang-format sqlite3
   qt6-base-dev libqt6opengl6-dev qt6-serialport-dev qt6-charts-dev fonts-dejavu-core
   libsqlitecpp-dev libsqlite3-dev libcurl4-openssl-dev libxlsxwriter-dev zlib1g-dev libboost-context-dev
   libgtest-dev libgmock-dev libbenchmark-dev libmodbus-dev
