@@ -13,11 +13,11 @@
 #include "bench/Figure.h"
 #include "desk/platform/EventLoopClock.h"
 #include "desk/platform/SerialLine.h"
+#include "desk/platform/TcpLine.h"
 #include "protocols/modbus/ModbusTransact.h"
 #include "support/LibmodbusSlave.h"
 #include "support/LibmodbusTcpSlave.h"
 #include "support/ScratchDesk.h"
-#include "support/SocketLine.h"
 
 namespace {
 
@@ -107,11 +107,13 @@ class SlowTerminal {
 // A conversation with a Modbus station over a real line.
 class Talk {
   public:
-    Talk(protocols::Line& line, core::Pacing pacing, const std::string& mode, const std::string& ip)
-        : field_(line, clock_), logs_(desk_.dbconn, desk_.shared, clock_) {
+    using MakeLine = std::function<std::unique_ptr<protocols::Line>(core::Clock& clock)>;
+
+    Talk(const MakeLine& make, core::Pacing pacing, core::Framing framing, const std::string& ip)
+        : line_(make(clock_)), field_(*line_, clock_), logs_(desk_.dbconn, desk_.shared, clock_) {
         core::Station station;
         station.pacing = pacing;
-        station.mode = mode;
+        station.framing = framing;
         station.ip = ip;
         station.commtimeout = pacing == core::Pacing::Prompt ? 5000 : 100;
         talk_ = std::make_unique<protocols::Conversation>(protocols::Conversation{
@@ -125,6 +127,8 @@ class Talk {
     double OneRead(int reads) {
         double one = 0;
         clock_.Start([&] {
+            talk_->line->Settings(talk_->station.settings);
+            talk_->line->PortOpen(true);
             one = OneOf(reads, [&] {
                 return ModbusTransact(*talk_, 0, registers, 3).kind == protocols::ModbusReply::Kind::Values;
             });
@@ -138,17 +142,19 @@ class Talk {
   private:
     desk::EventLoopClock clock_;
     support::ScratchDesk desk_;
+    std::unique_ptr<protocols::Line> line_;
     protocols::FieldLine field_;
     core::Logs logs_;
     protocols::BsapCounters counters_;
     std::unique_ptr<protocols::Conversation> talk_;
 };
 
+Talk::MakeLine OnPort(const std::string& device) {
+    return [device](core::Clock&) { return std::make_unique<desk::SerialLine>([device](int) { return device; }); };
+}
+
 double OneRead(const std::string& device, int reads, const std::string& settings, const std::string& ip) {
-    desk::SerialLine serial([&](int) { return device; });
-    serial.Settings(settings);
-    serial.PortOpen(true);
-    Talk talk(serial, core::Pacing::Prompt, "RTU", ip);
+    Talk talk(OnPort(device), core::Pacing::Prompt, core::Framing::Rtu, ip);
     talk.Settings(settings);
     return talk.OneRead(reads);
 }
@@ -188,8 +194,9 @@ bool OverTcp() {
     constexpr int blocks = 100;
     support::LibmodbusTcpSlave slave;
     const double theirs = OneReadOfLibmodbus(Context(modbus_new_tcp("127.0.0.1", slave.Port()), modbus_free), blocks);
-    support::SocketLine line(slave.Port());
-    Talk talk(line, core::Pacing::Prompt, "TCP", "127.0.0.1:" + std::to_string(slave.Port()));
+    const core::Address address{"127.0.0.1", slave.Port()};
+    Talk talk([&](core::Clock& clock) { return std::make_unique<desk::TcpLine>(address, clock); }, core::Pacing::Prompt,
+              core::Framing::Tcp, core::AddressText(address));
     const double ours = talk.OneRead(blocks);
     std::printf("  %.3f ms a block, libmodbus %.3f ms\n", ours, theirs);
     return bench::Report("100 blocks by TCP over libmodbus", ours / theirs, "", Goal::AtMost, 1.5);
@@ -198,9 +205,8 @@ bool OverTcp() {
 // Five waits a read.
 bool StatedOverItsWaits() {
     support::LibmodbusSlave slave;
-    desk::SerialLine serial([&](int) { return slave.Path(); });
-    serial.PortOpen(true);
-    Talk talk(serial, core::Pacing::Stated, "RTU", "");
+    Talk talk(OnPort(slave.Path()), core::Pacing::Stated, core::Framing::Rtu, "");
+    talk.Settings("9600,N,8,1");
     const double ours = talk.OneRead(10);
     return bench::Report("stated pacing over its waits", ours / (5 * talk.CommTimeout()), "", Goal::AtMost, 1.02);
 }

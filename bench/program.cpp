@@ -118,14 +118,18 @@ bool MemoryAfterACollection() {
     return false;
 }
 
-// One attempt at a station on a clock and a line; its run state says whether it was good.
-bool Collect(support::ScratchDesk& desk, core::Clock& clock, protocols::Line& line, std::int64_t location) {
-    protocols::FieldLine fieldLine(line, clock);
+// One attempt at a station, on a clock and its lines; its run state says whether it was good.
+template <class Turn>
+bool Collect(support::ScratchDesk& desk, core::Clock& clock, protocols::FieldLines& lines, std::int64_t location,
+             const Turn& turn) {
     protocols::BsapCounters counters;
     core::Logs logs(desk.dbconn, desk.shared, clock);
-    reading::Workplace place{desk.dbconn, desk.shared, clock, desk.feedback, logs, fieldLine, counters};
+    reading::Workplace place{desk.dbconn, desk.shared, clock, desk.feedback, logs, lines, counters};
     reading::RunState state;
-    collection::collectiong_Data(place, location, state);
+    clock.Start([&] { collection::collectiong_Data(place, location, state); });
+    while (clock.Conversations() > 0) {
+        turn();
+    }
     return !state.runfailed;
 }
 
@@ -138,25 +142,30 @@ bool WallTimeOverWaits() {
     desk.dbconn.Execute("update comports set device = 'field/' || portname");
     std::filesystem::create_directory(desk.shared.directory / "field");
 
-    fieldsim::SimLine simulated(desk.clock);
+    fieldsim::SimPorts simulated(desk.clock);
     fieldsim::Field field(desk.dbconn, {});
     field.AttachTo(simulated);
+    protocols::FieldLines simulatedLines(desk.clock,
+                                         [&](const core::Station& station) { return simulated.Line(station); });
 
     support::ChildProcess stations({FIELDSIM_PROGRAM, "--directory", desk.shared.directory.string()});
     if (!stations.Printed("ready")) {
         return false;
     }
     desk::EventLoopClock clock;
-    desk::SerialLine line(
-        [&](int port) { return core::DevicePath(desk.dbconn, port, desk.shared.directory).string(); });
+    protocols::FieldLines lines(clock, [&](const core::Station&) {
+        return std::make_unique<desk::SerialLine>(
+            [&](int port) { return core::DevicePath(desk.dbconn, port, desk.shared.directory).string(); });
+    });
     double required = 0;
     double taken = 0;
     for (const std::int64_t location : {1, 2, 4}) {  // on direct lines, paced by delaytime alone
         const auto before = desk.clock.Elapsed();
-        bool good = Collect(desk, desk.clock, simulated, location);
+        bool good = Collect(desk, desk.clock, simulatedLines, location, [&] { desk.clock.Finish(); });
         required += static_cast<double>(desk.clock.Elapsed() - before) / 1000;
         const auto start = Stopwatch::now();
-        good &= Collect(desk, clock, line, location);
+        good &= Collect(desk, clock, lines, location,
+                        [] { QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); });
         taken += Seconds(start);
         if (!good) {
             std::fprintf(stderr, "station %d was not collected\n%s", static_cast<int>(location), desk.RtuErr().c_str());
