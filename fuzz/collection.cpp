@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "AnyStation.h"
-#include "collection/ProtocolRuns.h"
+#include "collection/CollectionRun.h"
 #include "demo/DemoRegister.h"
 #include "fieldsim/Field.h"
 #include "fieldsim/ModbusSlave.h"
@@ -110,30 +110,20 @@ void Collect(Register& all, Bytes& bytes) {
     fieldsim::Field field(dbconn, {});
     const demo::DemoStation& known = all.kinds[which].station;
     AnyDevice device(*field.Ports().at(known.port), all.kinds[which].frame, bytes);
-    fieldsim::SimLine line(clock);
-    line.Attach(known.port, device);
-    line.CommPort(known.port);
-    line.PortOpen(true);
-    protocols::FieldLine fieldLine(line, clock);
+    fieldsim::SimPorts ports(clock);
+    ports.Attach(known.port, device);
+    protocols::FieldLines lines(clock, [&](const core::Station& station) { return ports.Line(station); });
     Silent feedback;
     core::Logs logs(dbconn, all.desk.shared, clock);
     protocols::BsapCounters counters;
-    reading::Workplace place{dbconn, all.desk.shared, clock, feedback, logs, fieldLine, counters};
-    core::Station station = core::ReadStation(dbconn, all.locations[which]).value();
-    station.mode = all.kinds[which].mode;
-    station.commtimeout = 1000;
-    station.pacing = (flags & 64) != 0 ? core::Pacing::Prompt : core::Pacing::Stated;
-    station.wordOrder = (flags & 128) != 0 ? core::WordOrder::LowFirst : core::WordOrder::HighFirst;
-    protocols::Conversation talk{fieldLine.TakeOver(""), clock, feedback, logs, counters, station, "", 1, {}, {}};
-    const auto counts = core::ReadModelCounts(dbconn, station, 1).value_or(core::ModelCounts{});
+    reading::Workplace place{dbconn, all.desk.shared, clock, feedback, logs, lines, counters};
+    dbconn.Execute(
+        "update configdata_master set delaytime=1000, pacing=?, wordorder=? where locationID=?",
+        {(flags & 64) != 0 ? "prompt" : "stated", (flags & 128) != 0 ? "low" : "high", all.locations[which]});
     reading::RunState state;
-    if (station.protocol == "BSAP") {
-        collection::CollectBsap(place, talk, state);
-    } else if (station.protocol == "Quantum") {
-        collection::CollectQuantum(place, talk, state);
-    } else {
-        collection::CollectModbus(place, talk, counts, state);
-    }
+    clock.Start([&] { collection::collectiong_Data(place, all.locations[which], state); });
+    clock.Finish();
+    Check(clock.Conversations() == 0);
     Check(state.received <= state.asked);
     Check(clock.Elapsed() < 24ULL * 3600 * 1000);
     const auto tooLarge = dbconn.First("select count(*) from configdata_detail where abs(lastvalue) > 1e39");
