@@ -18,6 +18,7 @@
 #endif
 #endif
 #ifdef NORWEN_ADDRESS_SANITIZER
+#include <sanitizer/asan_interface.h>
 #include <sanitizer/common_interface_defs.h>
 #endif
 
@@ -26,6 +27,22 @@ namespace core {
 namespace {
 
 constexpr std::size_t stackBytes = 1U << 20U;
+
+// Stacks with a guard page. The frames that a fiber ended in are marked for the address sanitizer, and the marks must
+// not outlive them: the memory may be somebody else's next.
+class Stacks {
+  public:
+    boost::context::stack_context allocate() { return stacks_.allocate(); }
+    void deallocate(boost::context::stack_context& stack) {
+#ifdef NORWEN_ADDRESS_SANITIZER
+        __asan_unpoison_memory_region(static_cast<char*>(stack.sp) - stack.size, stack.size);
+#endif
+        stacks_.deallocate(stack);
+    }
+
+  private:
+    boost::context::protected_fixedsize_stack stacks_{stackBytes};
+};
 
 // Which exceptions are being handled: the runtime keeps it a thread, and each stack has its own. The layout is that of
 // the C++ ABI.
@@ -101,7 +118,7 @@ class Fiber {
     }
 
     std::function<void()> work_;
-    boost::context::protected_fixedsize_stack allocator_{stackBytes};
+    Stacks allocator_;
     boost::context::stack_context stack_;
     boost::context::fiber there_;
     boost::context::fiber back_;
