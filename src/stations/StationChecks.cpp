@@ -36,8 +36,8 @@ bool IsIp(const StationRecord& record) {
 }
 
 bool IsModbusTcp(const StationRecord& record) {
-    return core::SameText(core::Trim(record.protocol), "Modbus") && core::SameText(core::Trim(record.Mode), "TCP") &&
-           !core::IsCwModel(core::Trim(record.modelno));
+    return core::ProtocolOf(record.protocol) == core::Protocol::Modbus &&
+           core::FramingOf(record.Mode) == core::Framing::Tcp && !core::IsCwModel(core::Trim(record.modelno));
 }
 
 bool HasModem(const StationRecord& record) {
