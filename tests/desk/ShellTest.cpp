@@ -6,6 +6,8 @@
 #include <QScreen>
 #include <QSignalSpy>
 
+#include "desk/collection/TakenLine.h"
+#include "desk/platform/RunFeedback.h"
 #include "desk/platform/SingleInstance.h"
 #include "desk/session/frm_CWM.h"
 #include "desk/shell/NodeButton.h"
@@ -200,6 +202,36 @@ TEST_F(OverviewTest, FollowsARunWithoutBeingActivatedAgain) {
         "select lastvalue from configdata_detail where locationID=? and description='Volume This Month'", {second});
     EXPECT_EQ(Text(Front(), "lblgroup2"), month->Text("lastvalue") + " SCM");
     EXPECT_EQ(Text(Front(), "lblgroup3"), "0 SCM");
+}
+
+// Forty lines may be at work. What is said of one names who waits there, and nobody else.
+TEST_F(OverviewTest, ManyLinesAtWorkNeedNoMoreRoomThanAFew) {
+    for (int port = 3; port <= 5; ++port) {
+        Add("Gate " + std::to_string(port), port);
+    }
+    demo::AddStation(desk.dbconn, {"Behind the first", "TeleFlow", "Modbus", "RTU", 1, 9, "", 1, {}, "08:00"});
+    desk.OpenField();
+    LogIn();
+    shell.Tick();
+    desk.clock.Run(30000);
+    shell.Tick();
+    EXPECT_EQ(Text(Front(), "lblnow"),
+              "Collecting North Gate, O'Brien & <b>Sons</b>, Gate 3 and 2 others, 1 more waits");
+    EXPECT_EQ(::desk::TakenBy(desk.desk, first).toStdString(),
+              "The line was taken to collect North Gate, 1 more waits");
+    EXPECT_EQ(::desk::TakenBy(desk.desk, second).toStdString(), "The line was taken to collect O'Brien & <b>Sons</b>");
+    desk.Finish();
+
+    std::vector<std::string> shown;
+    ::desk::RunFeedback status(desk.logs, [&](const QString& text) { shown.push_back(text.toStdString()); });
+    for (const char* line : {"COM1", "COM2", "COM3", "COM4"}) {
+        status.LineStatus(line, "Collecting Data");
+    }
+    EXPECT_EQ(shown.back(), "COM1: Collecting Data   COM2: Collecting Data   COM3: Collecting Data   and 1 more");
+    for (const char* line : {"COM1", "COM2", "COM3"}) {
+        status.LineStatus(line, "");
+    }
+    EXPECT_EQ(shown.back(), "Collecting Data");
 }
 
 TEST_F(OverviewTest, AStationWithoutAPlaceIsToldAndAButtonOpensTheOneThatItNames) {

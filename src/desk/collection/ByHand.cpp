@@ -1,13 +1,11 @@
 #include "desk/collection/ByHand.h"
 
-#include <QMetaObject>
 #include <algorithm>
 
 #include "collection/Scheduler.h"
 #include "core/Clock.h"
 #include "core/Feedback.h"
 #include "core/MAIN_Module.h"
-#include "desk/kit/Navigator.h"
 #include "reports/NodeOverview.h"
 
 namespace desk {
@@ -38,10 +36,13 @@ collection::DayLine LineNow(Desk& desk, std::int64_t locationID) {
     return collection::LineNow(desk.dbconn, locationID, desk.clock.Now(), desk.scheduler.StandOf(locationID));
 }
 
-QString Behind(Desk& desk) {
+QString Behind(Desk& desk, const std::string& line) {
     const auto nodes = reports::ReadNodes(desk.dbconn);
-    const auto waiting = std::count_if(
-        nodes.begin(), nodes.end(), [&](const reports::Node& node) { return desk.scheduler.Queued(node.locationId); });
+    const auto waiting = std::count_if(nodes.begin(), nodes.end(), [&](const reports::Node& node) {
+        const auto station =
+            desk.scheduler.Queued(node.locationId) ? core::ReadStation(desk.dbconn, node.locationId) : std::nullopt;
+        return station && (line.empty() || protocols::LineName(*station) == line);
+    });
     return waiting == 0 ? "" : ", " + QString::number(waiting) + (waiting == 1 ? " more waits" : " more wait");
 }
 

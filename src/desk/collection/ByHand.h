@@ -22,8 +22,9 @@ void CollectMissing(Desk& desk);
 // A station's line now, with what the scheduler has of it in hand. Throws DatabaseError.
 collection::DayLine LineNow(Desk& desk, std::int64_t locationID);
 
-// How many stations wait behind the one in hand: ", 3 more wait"; empty: none. Throws DatabaseError.
-QString Behind(Desk& desk);
+// How many stations wait behind those in hand, on one line or on all: ", 3 more wait"; empty: none. Throws
+// DatabaseError.
+QString Behind(Desk& desk, const std::string& line = {});
 
 // Why a station cannot be deleted now: it is being collected, or waits for it. Empty: it can.
 std::string WhyKept(const Desk& desk, std::int64_t locationID, const std::string& consumer);

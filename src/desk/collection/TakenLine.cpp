@@ -15,7 +15,8 @@ QString TakenBy(Desk& desk, std::int64_t locationID) {
         const auto ours = core::ReadStation(desk.dbconn, locationID);
         const auto inHand = ours ? desk.scheduler.InHandOn(*ours) : std::nullopt;
         if (const auto station = inHand ? core::ReadStation(desk.dbconn, *inHand) : std::nullopt) {
-            text = "The line was taken to collect " + QString::fromStdString(station->consumer) + Behind(desk);
+            text = "The line was taken to collect " + QString::fromStdString(station->consumer) +
+                   Behind(desk, protocols::LineName(*ours));
         }
     });
     return text;

@@ -15,9 +15,14 @@ void RunFeedback::LineStatus(const std::string& line, const std::string& text) {
     } else {
         lines_[line] = text;
     }
+    constexpr std::size_t mostShown = 3;
     std::string all;
-    for (const auto& [name, its] : lines_) {
-        all += (all.empty() ? "" : "   ") + (lines_.size() > 1 ? name + ": " : "") + its;
+    std::size_t shown = 0;
+    for (auto at = lines_.begin(); at != lines_.end() && shown < mostShown; ++at, ++shown) {
+        all += (all.empty() ? "" : "   ") + (lines_.size() > 1 ? at->first + ": " : "") + at->second;
+    }
+    if (lines_.size() > shown) {
+        all += "   and " + std::to_string(lines_.size() - shown) + " more";
     }
     if (!all.empty()) {
         Status(all);

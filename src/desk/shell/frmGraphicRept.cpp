@@ -29,6 +29,7 @@ namespace {
 
 constexpr int mostLines = 500;
 constexpr int linesInSight = 3;
+constexpr qsizetype mostNamed = 3;  // of the stations that are being collected
 constexpr double fromAfar = 1.5;
 
 using collection::DayState;
@@ -178,8 +179,10 @@ void frmGraphicRept::ShowNow() {
             inHand.append(QString::fromStdString(node.consumer));
         }
     }
-    ui_->lblnow->setText(inHand.isEmpty() ? "Nothing is being collected"
-                                          : "Collecting " + inHand.join(", ") + Behind(desk_));
+    const auto more = inHand.size() - mostNamed;
+    const QString named =
+        inHand.mid(0, mostNamed).join(", ") + (more > 0 ? " and " + QString::number(more) + " others" : "");
+    ui_->lblnow->setText(inHand.isEmpty() ? "Nothing is being collected" : "Collecting " + named + Behind(desk_));
 }
 
 void frmGraphicRept::ShowNext() {

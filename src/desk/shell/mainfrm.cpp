@@ -45,6 +45,7 @@ mainfrm::mainfrm(Desk& desk)
     desk_.navigator.addWidget(menu_);
     // A station or a user may have any name, also one that looks like markup.
     panel_->setTextFormat(Qt::PlainText);
+    panel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long text does not widen the window
     ui_->lbluser->setTextFormat(Qt::PlainText);
     ui_->lblcaption->setTextFormat(Qt::PlainText);
     ui_->statusbar->addWidget(panel_, 1);
