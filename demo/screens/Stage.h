@@ -55,6 +55,7 @@ class Stage {
     struct StatusLine final : core::Feedback {
         desk::mainfrm* shell = nullptr;
         void Status(const std::string& text) override;
+        void LineStatus(const std::string&, const std::string& text) override { Status(text); }
         void Box(const std::string& text) override { Status(text); }
     };
     struct NoMail final : mail::MailTransport {

@@ -232,6 +232,8 @@ TEST_F(OverviewTest, ManyLinesAtWorkNeedNoMoreRoomThanAFew) {
         status.LineStatus(line, "");
     }
     EXPECT_EQ(shown.back(), "Collecting Data");
+    status.LineStatus("COM4", "");
+    EXPECT_EQ(shown.back(), "") << "nothing is said of what is over";
 }
 
 TEST_F(OverviewTest, AStationWithoutAPlaceIsToldAndAButtonOpensTheOneThatItNames) {

@@ -24,9 +24,7 @@ void RunFeedback::LineStatus(const std::string& line, const std::string& text) {
     if (lines_.size() > shown) {
         all += "   and " + std::to_string(lines_.size() - shown) + " more";
     }
-    if (!all.empty()) {
-        Status(all);
-    }
+    Status(all);
 }
 
 void RunFeedback::Box(const std::string& text) {

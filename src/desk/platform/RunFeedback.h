@@ -22,7 +22,8 @@ class RunFeedback final : public core::Feedback {
     RunFeedback& operator=(const RunFeedback&) = delete;
 
     void Status(const std::string& text) override;
-    // Of one line its text; of several at once the first three, each behind its name, and how many more there are.
+    // Of one line its text; of several at once the first three, each behind its name, and how many more there are;
+    // nothing when no line is at work any more.
     void LineStatus(const std::string& line, const std::string& text) override;
     void Box(const std::string& text) override;
 

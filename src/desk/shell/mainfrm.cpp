@@ -99,7 +99,9 @@ void mainfrm::ShowCaption(Page* front) {
 
 void mainfrm::Status(const QString& text) {
     panel_->setText(text);
-    overview_->Line(text);
+    if (!text.isEmpty()) {
+        overview_->Line(text);
+    }
 }
 
 void mainfrm::ShowForUser() {
